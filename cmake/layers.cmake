@@ -1,0 +1,43 @@
+# The layers of the project: each folder and the folders whose headers it may include. The same list
+# makes the link lines (vessora_layer) and feeds the test that reads every #include, because a link
+# line alone does not stop a header from being included.
+#
+#   folder | folders it may use
+set(VESSORA_LAYERS
+  "platform|"
+  "cad/api|platform"
+  "cad/drawing|cad/api,cad/dxf,platform"
+  "cad/dxf|cad/api,cad/drawing,platform"
+  "cad/ui|platform"
+  "cad/editor|cad/api,cad/drawing,cad/dxf,cad/ui,platform"
+  "cad/family|cad/api,cad/ui,cad/drawing,cad/dxf,cad/editor,platform"
+  "cad/view|cad/api,cad/drawing,cad/dxf,cad/family,platform"
+  "module/host|cad/api,cad/ui,cad/family,platform"
+  "module/network|module/host,platform"
+  "module/grid|module/host,module/network,cad/ui,platform"
+  "module/dialogs|module/host,module/network,module/grid,cad/ui,platform"
+  "module/inp|module/host,module/network,module/dialogs,platform"
+  "module/results|module/host,module/network,module/grid,module/dialogs,module/inp,platform"
+  "module/editing|module/host,module/network,module/grid,module/dialogs,module/inp,platform"
+  "apps/cli|cad/api,cad/drawing,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "apps/desktop|cad/api,cad/drawing,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+)
+
+# vessora_layer(folder target sources...): one folder, one static library.
+function(vessora_layer folder target)
+  add_library(${target} STATIC ${ARGN})
+  target_link_libraries(${target} PUBLIC vessora_options)
+  foreach(row IN LISTS VESSORA_LAYERS)
+    string(REPLACE "|" ";" parts "${row}")
+    list(GET parts 0 name)
+    if(name STREQUAL folder)
+      list(LENGTH parts n)
+      if(n GREATER 1)
+        list(GET parts 1 allowed)
+        if("${allowed}" MATCHES "(^|,)platform(,|$)")
+          target_link_libraries(${target} PUBLIC platform)
+        endif()
+      endif()
+    endif()
+  endforeach()
+endfunction()

@@ -1,0 +1,60 @@
+// Files as the product sees them: whole files in, safe replacement out, paths with either separator.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/result.h"
+
+namespace platform {
+
+// A path as users and drawings hold it may have backslashes (the product root ends in one): turned into
+// the native separator. UTF-16 in, UTF-8 out; the UTF-8 form is for paths that are native already.
+std::string nativePath(std::u16string_view path);
+std::string nativePath(std::string_view path);
+
+bool fileExists(const std::string& path);
+bool folderExists(const std::string& path);
+// The name behind the last separator (either kind), and what stands before it with its separator.
+std::u16string_view fileNameOf(std::u16string_view path);
+std::u16string_view folderOf(std::u16string_view path);
+std::string absolutePath(const std::string& path);
+
+// The whole file as bytes. The error names the path and the reason ("No such file or directory"...),
+// and tells a folder from a file.
+Result<std::string> readFile(const std::string& path);
+
+// Writes a new file as a whole or not at all: the bytes go to a temporary file beside `path`, which
+// takes its place when everything has been written and flushed to disk. On failure the temporary file
+// is gone, an older file at `path` is whole, and the error says what happened and what to do.
+Result<void> writeFile(const std::string& path, std::string_view bytes);
+
+// A safe replacement in pieces, for large files.
+//   auto save = SaveFile::begin(path);  save->write(a); save->write(b);  save->commit(true);
+// Destroying it without commit removes the temporary file. Killed at any moment, the file at `path` is
+// whole, old or new.
+class SaveFile {
+ public:
+  static Result<SaveFile> begin(const std::string& path);
+  SaveFile(SaveFile&&) noexcept;
+  SaveFile& operator=(SaveFile&&) = delete;
+  ~SaveFile();
+
+  // Appends bytes; after a failure further writes do nothing and commit reports the first failure.
+  void write(std::string_view bytes);
+  // Flushes to disk, keeps the older file as path + ".bak" when asked (by a link, so that `path` never
+  // stops existing), renames over `path` and flushes the folder. Keeps the older file's permissions.
+  Result<void> commit(bool keepBackup);
+
+ private:
+  SaveFile() = default;
+  std::string path_, temporary_;
+  int file_ = -1;
+  int failure_ = 0;  // errno of the first failed write
+  std::string pending_;
+  void flush();
+};
+
+}  // namespace platform
