@@ -7,7 +7,7 @@ set(VESSORA_LAYERS
   "platform|"
   "cad/api|platform"
   "cad/drawing|cad/api,cad/dxf,platform"
-  "cad/dxf|cad/api,cad/drawing,platform"
+  "cad/dxf|cad/api,platform"
   "cad/ui|platform"
   "cad/editor|cad/api,cad/drawing,cad/dxf,cad/ui,platform"
   "cad/family|cad/api,cad/ui,cad/drawing,cad/dxf,cad/editor,platform"

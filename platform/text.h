@@ -51,7 +51,8 @@ std::optional<double> parseReal(std::u16string_view text);
 std::optional<std::int64_t> parseInteger(std::u16string_view text);
 
 // Shortest text that reads back as the same double, with ".0" behind a whole number: the form in
-// which drawings keep reals. Writes at most 32 characters at `to` and returns the end.
+// which drawings keep reals. No drawing reader knows "nan" or "inf": they become 0.0 and the largest
+// double of their sign. Writes at most 32 characters at `to` and returns the end.
 char* writeReal(char* to, double value);
 // "%.3f" of value, correctly rounded to even as the C library does, with a point always. Writes at
 // most 330 characters at `to` and returns the end. Fast for magnitudes below 1e15.
@@ -94,8 +95,7 @@ using Tokens = BasicTokens<char16_t>;
 // delivered from an internal buffer, valid until the next call.
 class TextLines {
  public:
-  explicit TextLines(std::string_view utf8, std::size_t limit = 999)
-      : text_(utf8), limit_(limit) {}
+  explicit TextLines(std::string_view utf8, std::size_t limit = 999);
   // The next line or piece, or nothing at end of file.
   std::optional<std::string_view> next();
   // True when the last read failed: what feof answers after the loop has tried to read beyond the end.

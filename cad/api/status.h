@@ -1,0 +1,41 @@
+// Status codes that operations of the drawing database return.
+#pragma once
+
+#include "cad/api/export.h"
+
+namespace Acad {
+
+enum ErrorStatus {
+  eOk = 0,
+  eNotOpenForRead,
+  eNotOpenForWrite,
+  eWasOpenForRead,
+  eWasOpenForWrite,
+  eWasErased,
+  eNullObjectId,
+  eNullObjectPointer,
+  eNotInDatabase,
+  eAlreadyInDb,
+  eNoDatabase,
+  eKeyNotFound,
+  eDuplicateKey,
+  eDuplicateRecordName,
+  eInvalidInput,
+  eInvalidXdata,
+  eRegappIdNotFound,
+  eXdataSizeExceeded,
+  eWrongObjectType,
+  eNotThatKindOfClass,
+  eInvalidExtents,
+  eInvalidIndex,
+  eFileNotFound,
+  eFileAccessErr,
+  eDwgNeedsRecovery,
+  eNotImplementedYet,
+  eSelfReference,
+};
+
+}  // namespace Acad
+
+// The name of the status ("eOk", ...), as shown to users; never null.
+CAD_API const char16_t* acadErrorStatusText(Acad::ErrorStatus status);

@@ -1,0 +1,233 @@
+#include "cad/api/db_object.h"
+
+#include <cmath>
+
+#include "cad/drawing/drawing.h"
+#include "platform/text.h"
+
+ACRX_DEFINE(AcDbObject, AcRxObject)
+
+using cad::TagList;
+using cad::TagRange;
+
+bool AcDbObjectId::isValid() const {
+  const cad::Drawing* d = cad::drawingNumbered(database_);
+  return d && d->has(*this);
+}
+
+AcDbDatabase* AcDbObjectId::database() const {
+  const cad::Drawing* d = cad::drawingNumbered(database_);
+  return d ? d->database() : nullptr;
+}
+
+Acad::ErrorStatus acdbOpenAnyObject(AcDbObject*& object, AcDbObjectId id, AcDb::OpenMode mode,
+                                    bool openErased) {
+  object = nullptr;
+  if (id.isNull()) return Acad::eNullObjectId;
+  cad::Drawing* d = cad::drawingNumbered(id.databaseIndex());
+  if (!d || !d->has(id)) return Acad::eNotInDatabase;
+  Acad::ErrorStatus status = Acad::eOk;
+  object = d->open(id.index(), mode, openErased, status);
+  return status;
+}
+
+AcDbObject::AcDbObject() : view_(new cad::ViewState) {
+  view_->writing = true;
+  view_->tags = cad::borrowTags();
+}
+
+AcDbObject::AcDbObject(cad::ViewState* state) : view_(state) {}
+
+AcDbObject::~AcDbObject() {
+  if (view_->tags) cad::returnTags(std::move(view_->tags));
+  delete view_;
+}
+
+Acad::ErrorStatus AcDbObject::close() {
+  if (!view_->drawing) {  // never given to a drawing: nothing to keep
+    delete this;
+    return Acad::eNotInDatabase;
+  }
+  return view_->drawing->close(*this);
+}
+
+Acad::ErrorStatus AcDbObject::upgradeOpen() {
+  return view_->drawing ? view_->drawing->upgrade(*this) : Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbObject::erase(bool erasing) {
+  if (!view_->drawing) return Acad::eNotInDatabase;
+  if (!view_->writing) return Acad::eNotOpenForWrite;
+  return view_->drawing->erase(view_->record, erasing);
+}
+
+AcDbObjectId AcDbObject::objectId() const {
+  return view_->drawing ? view_->drawing->idOf(view_->record) : AcDbObjectId();
+}
+
+AcDbObjectId AcDbObject::ownerId() const {
+  return view_->drawing ? view_->drawing->idOf(view_->drawing->record(view_->record).owner)
+                        : AcDbObjectId();
+}
+
+AcDbDatabase* AcDbObject::database() const {
+  return view_->drawing ? view_->drawing->database() : nullptr;
+}
+
+std::uint64_t AcDbObject::handle() const {
+  return view_->drawing ? view_->drawing->record(view_->record).handle : 0;
+}
+
+bool AcDbObject::isWriteEnabled() const { return view_->writing; }
+bool AcDbObject::isModified() const { return view_->modified; }
+bool AcDbObject::isErased() const {
+  return view_->drawing && view_->drawing->record(view_->record).is(cad::Record::erased);
+}
+
+TagList& AcDbObject::tags() const {
+  if (!view_->tags) {
+    view_->tags = cad::borrowTags();
+    view_->drawing->parse(view_->record, *view_->tags);
+  }
+  return *view_->tags;
+}
+
+TagList& AcDbObject::tagsForWrite() {
+  view_->modified = true;
+  return tags();
+}
+
+// --- extended data -------------------------------------------------------------------------------
+
+namespace {
+
+// The chain of some tags; point triples become one node. Files of old programs hold broken triples: a
+// stray axis becomes a real of its own code.
+resbuf* chainOf(const TagList& tags, TagRange range) {
+  resbuf *head = nullptr, **tail = &head;
+  for (int i = range.begin; i < range.end; ++i) {
+    const int code = tags[i].code;
+    resbuf* node = acutNewRb(code);
+    if (!node) continue;
+    switch (acutKindOf(code)) {
+      case RbKind::text:
+        if (code == 1004) {
+          acutSetText(node, platform::widen(tags[i].bytes()));
+        } else {
+          acutSetText(node, tags.text(i));
+        }
+        break;
+      case RbKind::real: node->resval.rreal = tags.real(i); break;
+      case RbKind::int16: node->resval.rint = static_cast<std::int16_t>(tags.integer(i)); break;
+      case RbKind::int32: node->resval.rlong = static_cast<std::int32_t>(tags.integer(i)); break;
+      case RbKind::point: {
+        const AcGePoint3d p = tags.point(i);
+        node->resval.rpoint[0] = p.x;
+        node->resval.rpoint[1] = p.y;
+        node->resval.rpoint[2] = p.z;
+        if (i + 1 < range.end && tags[i + 1].code == code + 10) {
+          ++i;
+          if (i + 1 < range.end && tags[i + 1].code == code + 20) ++i;
+        }
+        break;
+      }
+      case RbKind::none: break;
+    }
+    *tail = node;
+    tail = &node->rbnext;
+  }
+  return head;
+}
+
+Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
+  if (!chain || chain->restype != 1001) return Acad::eInvalidXdata;
+  if (drawing && !drawing->tableEntry(cad::Type::appid, chain->resval.rstring)) {
+    return Acad::eRegappIdNotFound;
+  }
+  int depth = 0;
+  for (const resbuf* n = chain->rbnext; n; n = n->rbnext) {
+    const int c = n->restype;
+    if (c < 1000 || c > 1071 || c == 1001) return Acad::eInvalidXdata;
+    if (c == 1002) {
+      const std::u16string_view brace = n->resval.rstring;
+      depth += brace == u"{" ? 1 : brace == u"}" ? -1 : 100000;
+      if (depth < 0 || depth > 9999) return Acad::eInvalidXdata;
+    }
+    if (acutKindOf(c) == RbKind::text && std::u16string_view(n->resval.rstring).size() > 255) {
+      return Acad::eXdataSizeExceeded;
+    }
+    if (c == 1040 && !std::isfinite(n->resval.rreal)) return Acad::eInvalidXdata;
+  }
+  return depth == 0 ? Acad::eOk : Acad::eInvalidXdata;
+}
+
+// Bytes that extended data take on one object, as the format counts them.
+int xdataSize(const TagList& tags) {
+  int size = 0;
+  for (int i = tags.xdataBegin(); i < tags.size(); ++i) {
+    switch (cad::kindOf(tags[i].code)) {
+      case cad::ValueKind::real: size += 10; break;
+      case cad::ValueKind::int16: size += 4; break;
+      case cad::ValueKind::int32: size += 6; break;
+      default: size += 3 + static_cast<int>(tags[i].size); break;
+    }
+  }
+  return size;
+}
+
+}  // namespace
+
+bool AcDbObject::hasXData(std::u16string_view application) const { return !tags().xdata(application).empty(); }
+
+resbuf* AcDbObject::xData(const char16_t* application) const {
+  if (view_->drawing && !view_->modified) {
+    // The index knows without looking into the text.
+    const cad::Drawing& d = *view_->drawing;
+    const std::uint32_t apps = d.record(view_->record).apps;
+    if (apps == 0) return nullptr;
+    if (application && !d.applicationSets().contains(apps, d.names().find(application))) {
+      return nullptr;
+    }
+  }
+  const TagList& t = tags();
+  if (!application) return chainOf(t, {t.xdataBegin(), t.size()});
+  return chainOf(t, t.xdata(application));
+}
+
+Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
+  if (!view_->writing) return Acad::eNotOpenForWrite;
+  if (const Acad::ErrorStatus s = checkXData(view_->drawing, chain); s != Acad::eOk) return s;
+  TagList& t = tagsForWrite();
+  const TagRange old = t.xdata(chain->resval.rstring);
+  int at = old.empty() ? t.size() : old.begin;
+  if (!chain->rbnext) {
+    t.erase(old.begin, old.end);
+    return Acad::eOk;
+  }
+  const int first = at;
+  for (const resbuf* n = chain; n; n = n->rbnext) {
+    const int code = n->restype;
+    switch (acutKindOf(code)) {
+      case RbKind::text:
+        if (code == 1004) {
+          t.insertAscii(at++, code, platform::narrow(n->resval.rstring));
+        } else {
+          t.insertText(at++, code, n->resval.rstring);
+        }
+        break;
+      case RbKind::real: t.insertReal(at++, code, n->resval.rreal); break;
+      case RbKind::int16: t.insertInteger(at++, code, n->resval.rint); break;
+      case RbKind::int32: t.insertInteger(at++, code, n->resval.rlong); break;
+      case RbKind::point:
+        for (int k = 0; k < 3; ++k) t.insertReal(at++, code + 10 * k, n->resval.rpoint[k]);
+        break;
+      case RbKind::none: break;
+    }
+  }
+  if (xdataSize(t) - (old.end - old.begin) > 16383) {
+    t.erase(first, at);
+    return Acad::eXdataSizeExceeded;
+  }
+  if (!old.empty()) t.erase(at, at + (old.end - old.begin));
+  return Acad::eOk;
+}

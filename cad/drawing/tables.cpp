@@ -1,0 +1,401 @@
+#include "cad/api/tables.h"
+
+#include "cad/drawing/drawing.h"
+#include "cad/drawing/extents.h"
+#include "platform/text.h"
+
+using cad::Record;
+using cad::TagList;
+using cad::TagRange;
+using cad::Type;
+
+ACRX_DEFINE(AcDbSymbolTableRecord, AcDbObject)
+ACRX_DEFINE(AcDbLayerTableRecord, AcDbSymbolTableRecord)
+ACRX_DEFINE(AcDbTextStyleTableRecord, AcDbSymbolTableRecord)
+ACRX_DEFINE(AcDbLinetypeTableRecord, AcDbSymbolTableRecord)
+ACRX_DEFINE(AcDbRegAppTableRecord, AcDbSymbolTableRecord)
+ACRX_DEFINE(AcDbBlockTableRecord, AcDbSymbolTableRecord)
+ACRX_DEFINE(AcDbSymbolTable, AcDbObject)
+ACRX_DEFINE(AcDbBlockTable, AcDbSymbolTable)
+ACRX_DEFINE(AcDbLayerTable, AcDbSymbolTable)
+ACRX_DEFINE(AcDbTextStyleTable, AcDbSymbolTable)
+ACRX_DEFINE(AcDbLinetypeTable, AcDbSymbolTable)
+ACRX_DEFINE(AcDbRegAppTable, AcDbSymbolTable)
+ACRX_DEFINE(AcDbDictionary, AcDbObject)
+ACRX_DEFINE(AcDbXrecord, AcDbObject)
+
+namespace {
+
+const cad::Format& neutral() {
+  static const cad::Format format;
+  return format;
+}
+
+TagList& beginEntry(AcDbObject& object, std::string_view type, std::string_view marker) {
+  TagList& t = object.tagsForWrite();
+  t.create(neutral(), type);
+  t.addAscii(100, "AcDbSymbolTableRecord");
+  t.addAscii(100, marker);
+  return t;
+}
+
+// A symbol name that files can hold: not empty, at most 255 characters, none of the reserved ones.
+bool usableName(std::u16string_view name) {
+  return !name.empty() && name.size() <= 255 &&
+         name.find_first_of(u"<>/\\\":;?|,=`") == name.npos &&
+         (name.find(u'*') == name.npos || name[0] == u'*');
+}
+
+Acad::ErrorStatus flagOf(AcDbObject& object, int bit, bool on) {
+  if (!object.isWriteEnabled()) return Acad::eNotOpenForWrite;
+  const TagList& now = object.tags();
+  const int i = now.find(70, now.body());
+  const std::int64_t old = i < 0 ? 0 : now.integer(i);
+  const std::int64_t flags = on ? old | bit : old & ~bit;
+  if (i >= 0 && flags == old) return Acad::eOk;
+  TagList& t = object.tagsForWrite();
+  t.putInteger(70, flags, t.body());
+  return Acad::eOk;
+}
+
+}  // namespace
+
+// --- records -------------------------------------------------------------------------------------
+
+std::u16string AcDbSymbolTableRecord::getName() const {
+  const TagList& t = tags();
+  return t.textOr(2, u"", t.body());
+}
+Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::u16string& name) const {
+  name = getName();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSymbolTableRecord::setName(std::u16string_view name) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (!usableName(name)) return Acad::eInvalidInput;
+  TagList& t = tagsForWrite();
+  if (const int i = t.find(2, t.body()); i >= 0) {
+    t.setText(i, name);
+  } else {
+    const int flags = t.find(70, t.body());
+    t.insertText(flags >= 0 ? flags : t.body().end, 2, name);
+  }
+  if (view_->drawing) view_->drawing->renameEntry(view_->record, name);
+  return Acad::eOk;
+}
+
+AcDbLayerTableRecord::AcDbLayerTableRecord() {
+  TagList& t = beginEntry(*this, "LAYER", "AcDbLayerTableRecord");
+  t.addInteger(70, 0);
+  t.addInteger(62, 7);
+  t.addAscii(6, "Continuous");
+}
+bool AcDbLayerTableRecord::isFrozen() const {
+  const TagList& t = tags();
+  return t.integerOr(70, 0, t.body()) & 1;
+}
+Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool frozen) { return flagOf(*this, 1, frozen); }
+bool AcDbLayerTableRecord::isLocked() const {
+  const TagList& t = tags();
+  return t.integerOr(70, 0, t.body()) & 4;
+}
+bool AcDbLayerTableRecord::isOff() const {
+  const TagList& t = tags();
+  return t.integerOr(62, 7, t.body()) < 0;
+}
+Acad::ErrorStatus AcDbLayerTableRecord::setIsOff(bool off) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  const int color = colorIndex();
+  TagList& t = tagsForWrite();
+  t.putInteger(62, off ? -color : color, t.body());
+  return Acad::eOk;
+}
+int AcDbLayerTableRecord::colorIndex() const {
+  const TagList& t = tags();
+  const auto c = static_cast<int>(t.integerOr(62, 7, t.body()));
+  return c < 0 ? -c : c;
+}
+Acad::ErrorStatus AcDbLayerTableRecord::setColorIndex(int index) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (index < 1 || index > 255) return Acad::eInvalidInput;
+  const bool off = isOff();
+  TagList& t = tagsForWrite();
+  t.putInteger(62, off ? -index : index, t.body());
+  if (const int exact = t.find(420, t.body()); exact >= 0) t.erase(exact, exact + 1);
+  return Acad::eOk;
+}
+std::u16string AcDbLayerTableRecord::linetype() const {
+  const TagList& t = tags();
+  return t.textOr(6, u"Continuous", t.body());
+}
+Acad::ErrorStatus AcDbLayerTableRecord::setLinetype(std::u16string_view name) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  TagList& t = tagsForWrite();
+  t.putText(6, name, t.body());
+  return Acad::eOk;
+}
+
+AcDbTextStyleTableRecord::AcDbTextStyleTableRecord() {
+  TagList& t = beginEntry(*this, "STYLE", "AcDbTextStyleTableRecord");
+  t.addInteger(70, 0);
+  t.addReal(40, 0);
+  t.addReal(41, 1);
+  t.addReal(50, 0);
+  t.addInteger(71, 0);
+  t.addReal(42, 2.5);
+  t.addAscii(3, "txt");
+  t.addAscii(4, "");
+}
+std::u16string AcDbTextStyleTableRecord::fileName() const {
+  const TagList& t = tags();
+  return t.textOr(3, u"", t.body());
+}
+Acad::ErrorStatus AcDbTextStyleTableRecord::setFileName(std::u16string_view file) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  TagList& t = tagsForWrite();
+  t.putText(3, file, t.body());
+  return Acad::eOk;
+}
+
+AcDbLinetypeTableRecord::AcDbLinetypeTableRecord() {
+  TagList& t = beginEntry(*this, "LTYPE", "AcDbLinetypeTableRecord");
+  t.addInteger(70, 0);
+  t.addAscii(3, "");
+  t.addInteger(72, 65);
+  t.addInteger(73, 0);
+  t.addReal(40, 0);
+}
+std::u16string AcDbLinetypeTableRecord::comments() const {
+  const TagList& t = tags();
+  return t.textOr(3, u"", t.body());
+}
+Acad::ErrorStatus AcDbLinetypeTableRecord::setPattern(std::u16string_view description,
+                                                      const std::vector<double>& dashes) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  TagList& t = tagsForWrite();
+  double length = 0;
+  for (const double d : dashes) length += d < 0 ? -d : d;
+  t.putText(3, description, t.body());
+  t.putInteger(73, static_cast<std::int64_t>(dashes.size()), t.body());
+  t.putReal(40, length, t.body());
+  if (const int old = t.find(49, t.body()); old >= 0) t.erase(old, t.body().end);
+  int at = t.body().end;
+  const bool simple = view_->drawing && !view_->drawing->format().hasHandlesAndMarkers();
+  for (const double d : dashes) {
+    t.insertReal(at++, 49, d);
+    if (!simple) t.insertInteger(at++, 74, 0);
+  }
+  return Acad::eOk;
+}
+
+AcDbRegAppTableRecord::AcDbRegAppTableRecord() {
+  beginEntry(*this, "APPID", "AcDbRegAppTableRecord").addInteger(70, 0);
+}
+
+// --- block records -------------------------------------------------------------------------------
+
+Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (!view_->drawing) return Acad::eNotInDatabase;
+  if (!entity) return Acad::eNullObjectPointer;
+  // An entity never stands without its layer.
+  view_->drawing->layerNamed(entity->layer(), true);
+  const Acad::ErrorStatus s = view_->drawing->appendEntity(view_->record, *entity);
+  if (s == Acad::eOk) id = entity->objectId();
+  return s;
+}
+Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbEntity* entity) {
+  AcDbObjectId id;
+  return appendAcDbEntity(id, entity);
+}
+Acad::ErrorStatus AcDbBlockTableRecord::newIterator(AcDbBlockTableRecordIterator*& iterator) const {
+  iterator = nullptr;
+  if (!view_->drawing) return Acad::eNotInDatabase;
+  iterator = new AcDbBlockTableRecordIterator;
+  iterator->drawing_ = view_->drawing;
+  iterator->block_ = view_->record;
+  iterator->at_ = view_->drawing->firstEntity(view_->record);
+  return Acad::eOk;
+}
+AcGePoint3d AcDbBlockTableRecord::origin() const {
+  const cad::BlockInfo* info = view_->drawing ? view_->drawing->block(view_->record) : nullptr;
+  return info ? cad::blockOrigin(*view_->drawing, *info) : AcGePoint3d();
+}
+
+bool AcDbBlockTableRecordIterator::done() const { return at_ == 0; }
+void AcDbBlockTableRecordIterator::step() {
+  if (at_) at_ = drawing_->nextEntity(block_, at_);
+}
+AcDbObjectId AcDbBlockTableRecordIterator::getEntityId() const { return drawing_->idOf(at_); }
+Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntity(AcDbEntity*& entity,
+                                                          AcDb::OpenMode mode) const {
+  return acdbOpenObject(entity, getEntityId(), mode);
+}
+
+// --- tables --------------------------------------------------------------------------------------
+
+Acad::ErrorStatus AcDbSymbolTable::getAt(std::u16string_view name, AcDbObjectId& id) const {
+  const cad::Drawing& d = *view_->drawing;
+  for (auto t = static_cast<int>(Type::blockRecord); t <= static_cast<int>(Type::ucs); ++t) {
+    const cad::TableInfo* info = d.table(static_cast<Type>(t));
+    if (!info || info->table != view_->record) continue;
+    std::uint32_t i = d.tableEntry(static_cast<Type>(t), name);
+    if (!i && static_cast<Type>(t) == Type::blockRecord) i = d.blockByName(d.names().find(name));
+    if (!i) return Acad::eKeyNotFound;
+    id = d.idOf(i);
+    return Acad::eOk;
+  }
+  return Acad::eKeyNotFound;
+}
+
+bool AcDbSymbolTable::has(std::u16string_view name) const {
+  AcDbObjectId id;
+  return getAt(name, id) == Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& iterator) const {
+  iterator = new AcDbSymbolTableIterator;
+  iterator->drawing_ = view_->drawing;
+  iterator->table_ = view_->record;
+  iterator->start();
+  return Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* record) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (!record) return Acad::eNullObjectPointer;
+  const std::u16string name = record->getName();
+  if (!usableName(name)) return Acad::eInvalidInput;
+  const Acad::ErrorStatus s = view_->drawing->addTableEntry(view_->record, *record, name);
+  if (s == Acad::eOk) id = record->objectId();
+  return s;
+}
+
+void AcDbSymbolTableIterator::start() { at_ = drawing_->firstTableEntry(table_); }
+bool AcDbSymbolTableIterator::done() const { return at_ == 0; }
+void AcDbSymbolTableIterator::step() {
+  if (at_) at_ = drawing_->nextTableEntry(table_, at_);
+}
+Acad::ErrorStatus AcDbSymbolTableIterator::getRecordId(AcDbObjectId& id) const {
+  id = drawing_->idOf(at_);
+  return at_ ? Acad::eOk : Acad::eInvalidIndex;
+}
+Acad::ErrorStatus AcDbSymbolTableIterator::getRecord(AcDbSymbolTableRecord*& record,
+                                                     AcDb::OpenMode mode) const {
+  return acdbOpenObject(record, drawing_->idOf(at_), mode);
+}
+
+// --- dictionaries --------------------------------------------------------------------------------
+
+AcDbDictionary::AcDbDictionary() {
+  TagList& t = tagsForWrite();
+  t.create(neutral(), "DICTIONARY");
+  t.addAscii(100, "AcDbDictionary");
+  t.addInteger(281, 1);
+}
+
+bool AcDbDictionary::has(std::u16string_view name) const {
+  AcDbObjectId id;
+  return getAt(name, id) == Acad::eOk;
+}
+
+Acad::ErrorStatus AcDbDictionary::getAt(std::u16string_view name, AcDbObjectId& id) const {
+  const TagList& t = tags();
+  const TagRange body = t.body();
+  for (int i = body.begin; i < body.end; ++i) {
+    if (t[i].code != 3 || !platform::equalNoCase(t.text(i), name)) continue;
+    for (int k = i + 1; k < body.end && t[k].code != 3; ++k) {
+      if (t[k].code != 350 && t[k].code != 360) continue;
+      const std::uint32_t r = view_->drawing ? view_->drawing->byHandle(t.handle(k)) : 0;
+      if (!r || view_->drawing->record(r).is(Record::erased)) return Acad::eKeyNotFound;
+      id = view_->drawing->idOf(r);
+      return Acad::eOk;
+    }
+  }
+  return Acad::eKeyNotFound;
+}
+
+Acad::ErrorStatus AcDbDictionary::setAt(std::u16string_view name, AcDbObject* object,
+                                        AcDbObjectId& id) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (!view_->drawing) return Acad::eNotInDatabase;
+  if (!object) return Acad::eNullObjectPointer;
+  if (!object->view().drawing) {
+    const Acad::ErrorStatus s = view_->drawing->addObject(view_->record, *object);
+    if (s != Acad::eOk) return s;
+  }
+  id = object->objectId();
+  TagList& t = tagsForWrite();
+  const TagRange body = t.body();
+  for (int i = body.begin; i + 1 < body.end; ++i) {
+    if (t[i].code == 3 && platform::equalNoCase(t.text(i), name)) {
+      t.setHandle(i + 1, object->handle());
+      return Acad::eOk;
+    }
+  }
+  const bool hard = t.integerOr(280, 0, body) == 1;
+  t.insertText(body.end, 3, name);
+  t.insertHandle(body.end + 1, hard ? 360 : 350, object->handle());
+  return Acad::eOk;
+}
+
+AcDbXrecord::AcDbXrecord() {
+  TagList& t = tagsForWrite();
+  t.create(neutral(), "XRECORD");
+  t.addAscii(100, "AcDbXrecord");
+  t.addInteger(280, 1);
+}
+
+resbuf* AcDbXrecord::rbChain() const {
+  const TagList& t = tags();
+  resbuf *head = nullptr, **tail = &head;
+  const int from = t.find(100);
+  for (int i = from < 0 ? t.size() : from + 1; i < t.size(); ++i) {
+    const int code = t[i].code;
+    if (code == 280 && i == from + 1) continue;
+    if (cad::kindOf(code) == cad::ValueKind::handle) continue;
+    resbuf* node = acutNewRb(code);
+    if (!node) continue;
+    switch (acutKindOf(code)) {
+      case RbKind::text: acutSetText(node, t.text(i)); break;
+      case RbKind::real: node->resval.rreal = t.real(i); break;
+      case RbKind::int16: node->resval.rint = static_cast<std::int16_t>(t.integer(i)); break;
+      case RbKind::int32: node->resval.rlong = static_cast<std::int32_t>(t.integer(i)); break;
+      case RbKind::point: {
+        const AcGePoint3d p = t.point(i);
+        node->resval.rpoint[0] = p.x;
+        node->resval.rpoint[1] = p.y;
+        node->resval.rpoint[2] = p.z;
+        for (int k = 1; k <= 2 && i + 1 < t.size() && t[i + 1].code == code + 10 * k; ++k) ++i;
+        break;
+      }
+      case RbKind::none: break;
+    }
+    *tail = node;
+    tail = &node->rbnext;
+  }
+  return head;
+}
+
+Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf* chain) {
+  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  TagList& t = tagsForWrite();
+  const int from = t.find(100);
+  if (from >= 0) t.erase(from + 1, t.size());
+  t.addInteger(280, 1);
+  for (const resbuf* n = chain; n; n = n->rbnext) {
+    const int code = n->restype;
+    switch (acutKindOf(code)) {
+      case RbKind::text: t.addText(code, n->resval.rstring); break;
+      case RbKind::real: t.addReal(code, n->resval.rreal); break;
+      case RbKind::int16: t.addInteger(code, n->resval.rint); break;
+      case RbKind::int32: t.addInteger(code, n->resval.rlong); break;
+      case RbKind::point:
+        t.addPoint(code, {n->resval.rpoint[0], n->resval.rpoint[1], n->resval.rpoint[2]});
+        break;
+      case RbKind::none: return Acad::eInvalidInput;
+    }
+  }
+  return Acad::eOk;
+}

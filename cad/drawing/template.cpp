@@ -1,0 +1,554 @@
+// The empty drawing: every table, block, layout and dictionary that a complete R2013 file has, one tag a
+// line. CAD programs refuse files that leave the required ones out, and add the others on their own.
+#include "cad/drawing/drawing.h"
+
+#include <cstring>
+
+namespace cad {
+namespace {
+
+const char kEmptyDrawing[] =
+    R"(0 SECTION
+2 HEADER
+9 $ACADVER
+1 AC1027
+9 $DWGCODEPAGE
+3 ANSI_1252
+9 $INSBASE
+10 0.0
+20 0.0
+30 0.0
+9 $CLAYER
+8 0
+9 $TEXTSTYLE
+7 Standard
+9 $TDCREATE
+40 0.0
+9 $TDUPDATE
+40 0.0
+9 $HANDSEED
+5 2D
+9 $MEASUREMENT
+70 1
+9 $INSUNITS
+70 6
+0 ENDSEC
+0 SECTION
+2 CLASSES
+0 CLASS
+1 ACDBDICTIONARYWDFLT
+2 AcDbDictionaryWithDefault
+3 ObjectDBX Classes
+90 0
+91 1
+280 0
+281 0
+0 CLASS
+1 ACDBPLACEHOLDER
+2 AcDbPlaceHolder
+3 ObjectDBX Classes
+90 0
+91 1
+280 0
+281 0
+0 CLASS
+1 LAYOUT
+2 AcDbLayout
+3 ObjectDBX Classes
+90 0
+91 1
+280 0
+281 0
+0 CLASS
+1 MATERIAL
+2 AcDbMaterial
+3 ObjectDBX Classes
+90 1153
+91 1
+280 0
+281 0
+0 ENDSEC
+0 SECTION
+2 TABLES
+0 TABLE
+2 VPORT
+5 1
+330 0
+100 AcDbSymbolTable
+70 1
+0 VPORT
+5 18
+330 1
+100 AcDbSymbolTableRecord
+100 AcDbViewportTableRecord
+2 *Active
+70 0
+10 0.0
+20 0.0
+11 1.0
+21 1.0
+12 500.0
+22 500.0
+13 0.0
+23 0.0
+14 10.0
+24 10.0
+15 10.0
+25 10.0
+16 0.0
+26 0.0
+36 1.0
+17 0.0
+27 0.0
+37 0.0
+40 1000.0
+41 1.5
+42 50.0
+43 0.0
+44 0.0
+50 0.0
+51 0.0
+71 0
+72 1000
+73 1
+74 3
+75 0
+76 0
+77 0
+78 0
+0 ENDTAB
+0 TABLE
+2 LTYPE
+5 2
+330 0
+100 AcDbSymbolTable
+70 1
+0 LTYPE
+5 19
+330 2
+100 AcDbSymbolTableRecord
+100 AcDbLinetypeTableRecord
+2 ByBlock
+70 0
+3
+72 65
+73 0
+40 0.0
+0 LTYPE
+5 1A
+330 2
+100 AcDbSymbolTableRecord
+100 AcDbLinetypeTableRecord
+2 ByLayer
+70 0
+3
+72 65
+73 0
+40 0.0
+0 LTYPE
+5 1B
+330 2
+100 AcDbSymbolTableRecord
+100 AcDbLinetypeTableRecord
+2 Continuous
+70 0
+3 Solid line
+72 65
+73 0
+40 0.0
+0 ENDTAB
+0 TABLE
+2 LAYER
+5 3
+330 0
+100 AcDbSymbolTable
+70 1
+0 LAYER
+5 1C
+330 3
+100 AcDbSymbolTableRecord
+100 AcDbLayerTableRecord
+2 0
+70 0
+62 7
+6 Continuous
+370 -3
+390 10
+347 12
+0 ENDTAB
+0 TABLE
+2 STYLE
+5 4
+330 0
+100 AcDbSymbolTable
+70 1
+0 STYLE
+5 1F
+330 4
+100 AcDbSymbolTableRecord
+100 AcDbTextStyleTableRecord
+2 Standard
+70 0
+40 0.0
+41 1.0
+50 0.0
+71 0
+42 2.5
+3 txt
+4
+0 ENDTAB
+0 TABLE
+2 VIEW
+5 5
+330 0
+100 AcDbSymbolTable
+70 1
+0 ENDTAB
+0 TABLE
+2 UCS
+5 6
+330 0
+100 AcDbSymbolTable
+70 1
+0 ENDTAB
+0 TABLE
+2 APPID
+5 7
+330 0
+100 AcDbSymbolTable
+70 1
+0 APPID
+5 20
+330 7
+100 AcDbSymbolTableRecord
+100 AcDbRegAppTableRecord
+2 ACAD
+70 0
+0 ENDTAB
+0 TABLE
+2 DIMSTYLE
+5 8
+)"
+    R"(330 0
+100 AcDbSymbolTable
+70 1
+100 AcDbDimStyleTable
+71 1
+0 DIMSTYLE
+105 22
+330 8
+100 AcDbSymbolTableRecord
+100 AcDbDimStyleTableRecord
+2 Standard
+70 0
+0 ENDTAB
+0 TABLE
+2 BLOCK_RECORD
+5 9
+330 0
+100 AcDbSymbolTable
+70 1
+0 BLOCK_RECORD
+5 13
+330 9
+100 AcDbSymbolTableRecord
+100 AcDbBlockTableRecord
+2 *Model_Space
+340 16
+70 0
+280 1
+281 0
+0 BLOCK_RECORD
+5 14
+330 9
+100 AcDbSymbolTableRecord
+100 AcDbBlockTableRecord
+2 *Paper_Space
+340 17
+70 0
+280 1
+281 0
+0 ENDTAB
+0 ENDSEC
+0 SECTION
+2 BLOCKS
+0 BLOCK
+5 23
+330 13
+100 AcDbEntity
+8 0
+100 AcDbBlockBegin
+2 *Model_Space
+70 0
+10 0.0
+20 0.0
+30 0.0
+3 *Model_Space
+1
+0 ENDBLK
+5 24
+330 13
+100 AcDbEntity
+8 0
+100 AcDbBlockEnd
+0 BLOCK
+5 25
+330 14
+100 AcDbEntity
+8 0
+100 AcDbBlockBegin
+2 *Paper_Space
+70 0
+10 0.0
+20 0.0
+30 0.0
+3 *Paper_Space
+1
+0 ENDBLK
+5 26
+330 14
+100 AcDbEntity
+8 0
+100 AcDbBlockEnd
+0 ENDSEC
+0 SECTION
+2 ENTITIES
+0 ENDSEC
+0 SECTION
+2 OBJECTS
+0 DICTIONARY
+5 A
+330 0
+100 AcDbDictionary
+281 1
+3 ACAD_GROUP
+350 B
+3 ACAD_LAYOUT
+350 C
+3 ACAD_MATERIAL
+350 F
+3 ACAD_MLINESTYLE
+350 D
+3 ACAD_PLOTSTYLENAME
+350 E
+0 DICTIONARY
+5 B
+330 A
+100 AcDbDictionary
+281 1
+0 DICTIONARY
+5 C
+330 A
+100 AcDbDictionary
+281 1
+3 Layout1
+350 17
+3 Model
+350 16
+0 DICTIONARY
+5 F
+330 A
+100 AcDbDictionary
+281 1
+3 Global
+350 12
+0 DICTIONARY
+5 D
+330 A
+100 AcDbDictionary
+281 1
+3 Standard
+350 11
+0 ACDBDICTIONARYWDFLT
+5 E
+330 A
+100 AcDbDictionary
+281 1
+3 Normal
+350 10
+100 AcDbDictionaryWithDefault
+340 10
+0 ACDBPLACEHOLDER
+5 10
+330 E
+0 MATERIAL
+5 12
+330 F
+100 AcDbMaterial
+1 Global
+2
+94 63
+0 MLINESTYLE
+5 11
+330 D
+100 AcDbMlineStyle
+2 Standard
+70 0
+3
+62 256
+51 90.0
+52 90.0
+71 2
+49 0.5
+62 256
+6 BYLAYER
+49 -0.5
+62 256
+6 BYLAYER
+0 LAYOUT
+5 16
+102 {ACAD_REACTORS
+330 C
+102 }
+330 C
+100 AcDbPlotSettings
+1
+4
+6
+40 0.0
+41 0.0
+42 0.0
+43 0.0
+44 0.0
+45 0.0
+46 0.0
+47 0.0
+48 0.0
+49 0.0
+140 0.0
+141 0.0
+142 1.0
+143 1.0
+70 1712
+72 1
+73 0
+74 5
+7
+75 16
+76 0
+77 2
+78 300
+147 1.0
+148 0.0
+149 0.0
+100 AcDbLayout
+1 Model
+70 1
+71 0
+10 0.0
+20 0.0
+11 420.0
+21 297.0
+12 0.0
+22 0.0
+32 0.0
+14 1e+20
+24 1e+20
+34 1e+20
+15 -1e+20
+25 -1e+20
+35 -1e+20
+146 0.0
+)"
+    R"(13 0.0
+23 0.0
+33 0.0
+16 1.0
+26 0.0
+36 0.0
+17 0.0
+27 1.0
+37 0.0
+76 0
+330 13
+0 LAYOUT
+5 17
+102 {ACAD_REACTORS
+330 C
+102 }
+330 C
+100 AcDbPlotSettings
+1
+4
+6
+40 0.0
+41 0.0
+42 0.0
+43 0.0
+44 297.0
+45 210.0
+46 0.0
+47 0.0
+48 0.0
+49 0.0
+140 0.0
+141 0.0
+142 1.0
+143 1.0
+70 688
+72 1
+73 0
+74 5
+7
+75 16
+76 0
+77 2
+78 300
+147 1.0
+148 0.0
+149 0.0
+100 AcDbLayout
+1 Layout1
+70 1
+71 1
+10 0.0
+20 0.0
+11 420.0
+21 297.0
+12 0.0
+22 0.0
+32 0.0
+14 1e+20
+24 1e+20
+34 1e+20
+15 -1e+20
+25 -1e+20
+35 -1e+20
+146 0.0
+13 0.0
+23 0.0
+33 0.0
+16 1.0
+26 0.0
+36 0.0
+17 0.0
+27 1.0
+37 0.0
+76 0
+330 14
+0 ENDSEC
+0 EOF
+)";
+
+}  // namespace
+
+void Drawing::makeDefault() {
+  std::string text;
+  std::string_view rest = kEmptyDrawing;
+  while (!rest.empty()) {
+    const std::string_view line = rest.substr(0, rest.find('\n'));
+    rest.remove_prefix(line.size() + 1);
+    const std::size_t space = line.find(' ');
+    const std::string_view code = line.substr(0, space);
+    text.append(code.size() < 3 ? 3 - code.size() : 0, ' ').append(code).append("\n");
+    if (space != line.npos) text.append(line.substr(space + 1));
+    text += '\n';
+  }
+  Block block(text.size());
+  std::memcpy(block.data(), text.data(), text.size());
+  std::vector<std::string> warnings;
+  (void)loadBytes(std::move(block), text.size(), "empty drawing", warnings);
+  changed_ = true;
+}
+
+}  // namespace cad

@@ -1,0 +1,60 @@
+// Names of a drawing as small numbers: layers, blocks, applications, record types. Two spellings of one
+// name that differ in letter case only get the same number; the first spelling is kept.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <vector>
+
+#include "cad/dxf/arena.h"
+#include "cad/dxf/format.h"
+
+namespace cad {
+
+class NameTable {
+ public:
+  NameTable();
+  // The number of a name as it stands in the file's bytes; 0 is the empty name.
+  std::uint32_t ofBytes(const Format& format, std::string_view bytes);
+  std::uint32_t of(std::u16string_view name);
+  // The number if the name is known, else 0.
+  std::uint32_t find(std::u16string_view name) const;
+  const std::u16string& text(std::uint32_t name) const { return spellings_[name]; }
+  std::size_t size() const { return spellings_.size(); }
+
+ private:
+  struct Hash {
+    std::size_t operator()(std::string_view s) const noexcept {
+      std::uint64_t h = 1469598103934665603ULL;
+      for (const char c : s) h = (h ^ static_cast<unsigned char>(c)) * 1099511628211ULL;
+      return h;
+    }
+  };
+  std::unordered_map<std::u16string, std::uint32_t> byFold_;
+  std::unordered_map<std::string_view, std::uint32_t, Hash> byBytes_;
+  std::vector<std::u16string> spellings_;
+  Arena keys_;
+};
+
+// Sets of applications, as numbers: most objects of a drawing share a handful of them.
+class NameSets {
+ public:
+  NameSets() { sets_.emplace_back(); }
+  // The set with one more member.
+  std::uint32_t with(std::uint32_t set, std::uint32_t name);
+  bool contains(std::uint32_t set, std::uint32_t name) const {
+    for (const std::uint32_t n : sets_[set]) {
+      if (n == name) return true;
+    }
+    return false;
+  }
+  const std::vector<std::uint32_t>& members(std::uint32_t set) const { return sets_[set]; }
+
+ private:
+  std::vector<std::vector<std::uint32_t>> sets_;
+  std::unordered_map<std::uint64_t, std::uint32_t> steps_;  // (set, name) -> set
+};
+
+}  // namespace cad

@@ -1,0 +1,518 @@
+#include "cad/dxf/tags.h"
+
+#include <algorithm>
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+#include "platform/text.h"
+
+namespace cad {
+namespace {
+
+std::string_view trim(std::string_view s) {
+  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) s.remove_suffix(1);
+  return s;
+}
+
+template <class T>
+void putLittleEndian(char* to, T value) {
+  std::memcpy(to, &value, sizeof value);
+}
+
+template <class T>
+T littleEndian(const char* from) {
+  T value;
+  std::memcpy(&value, from, sizeof value);
+  return value;
+}
+
+int sizeOfBinary(ValueKind kind) {
+  switch (kind) {
+    case ValueKind::real: return 8;
+    case ValueKind::int16: return 2;
+    case ValueKind::int32: return 4;
+    case ValueKind::int64: return 8;
+    case ValueKind::boolean: return 1;
+    default: return -1;
+  }
+}
+
+// A value outside its range or no number at all must not reach a file: programs refuse the drawing.
+double finite(double v) {
+  if (std::isnan(v)) return 0;
+  return std::clamp(v, -1.7976931348623157e308, 1.7976931348623157e308);
+}
+
+}  // namespace
+
+double parseTagReal(std::string_view text) {
+  text = trim(text);
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  double v = 0;
+  const auto r = std::from_chars(text.data(), text.data() + text.size(), v);
+  return r.ec == std::errc() && std::isfinite(v) ? v : 0;
+}
+
+std::int64_t parseTagInteger(std::string_view text) {
+  text = trim(text);
+  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
+  std::int64_t v = 0;
+  std::from_chars(text.data(), text.data() + text.size(), v);
+  return v;
+}
+
+std::uint64_t parseTagHandle(std::string_view text) {
+  text = trim(text);
+  std::uint64_t v = 0;
+  const auto r = std::from_chars(text.data(), text.data() + text.size(), v, 16);
+  return r.ec == std::errc() && r.ptr == text.data() + text.size() ? v : 0;
+}
+
+bool readAsciiTag(std::string_view text, std::size_t& at, Tag& tag) {
+  const char* begin = text.data() + at;
+  const char* end = text.data() + text.size();
+  const char* codeEnd = static_cast<const char*>(std::memchr(begin, '\n', static_cast<std::size_t>(end - begin)));
+  if (!codeEnd) return false;
+  const std::string_view code = trim({begin, static_cast<std::size_t>(codeEnd - begin)});
+  int number = 0;
+  const auto r = std::from_chars(code.data(), code.data() + code.size(), number);
+  if (r.ec != std::errc() || r.ptr != code.data() + code.size() || number < -32768 ||
+      number > 32767) {
+    return false;
+  }
+  const char* value = codeEnd + 1;
+  const char* valueEnd =
+      value < end ? static_cast<const char*>(std::memchr(value, '\n', static_cast<std::size_t>(end - value))) : nullptr;
+  const char* next = valueEnd ? valueEnd + 1 : end;
+  if (!valueEnd) valueEnd = end;
+  if (valueEnd > value && valueEnd[-1] == '\r') --valueEnd;
+  tag.start = begin;
+  tag.value = value;
+  tag.size = static_cast<std::uint32_t>(valueEnd - value);
+  tag.total = static_cast<std::uint32_t>(next - begin);
+  tag.code = static_cast<std::int16_t>(number);
+  at = static_cast<std::size_t>(next - text.data());
+  return true;
+}
+
+bool readBinaryTag(std::string_view text, std::size_t& at, bool wideCodes, Tag& tag) {
+  const char* begin = text.data() + at;
+  const std::size_t left = text.size() - at;
+  std::size_t used = wideCodes ? 2 : 1;
+  if (left < used) return false;
+  int code = wideCodes ? littleEndian<std::int16_t>(begin) : static_cast<unsigned char>(begin[0]);
+  if (!wideCodes && code == 255) {
+    if (left < 3) return false;
+    code = littleEndian<std::int16_t>(begin + 1);
+    used = 3;
+  }
+  const ValueKind kind = kindOf(code);
+  int fixed = sizeOfBinary(kind);
+  const char* value = begin + used;
+  if (fixed >= 0) {
+    if (left < used + static_cast<std::size_t>(fixed)) return false;
+    tag.size = static_cast<std::uint32_t>(fixed);
+    tag.total = static_cast<std::uint32_t>(used) + tag.size;
+  } else if (kind == ValueKind::bytes) {
+    if (left < used + 1) return false;
+    const auto n = static_cast<unsigned char>(*value++);
+    if (left < used + 1 + n) return false;
+    tag.size = n;
+    tag.total = static_cast<std::uint32_t>(used) + 1 + n;
+  } else {
+    const char* nul = static_cast<const char*>(std::memchr(value, 0, left - used));
+    if (!nul) return false;
+    tag.size = static_cast<std::uint32_t>(nul - value);
+    tag.total = static_cast<std::uint32_t>(used) + tag.size + 1;
+  }
+  tag.start = begin;
+  tag.value = value;
+  tag.code = static_cast<std::int16_t>(code);
+  at += tag.total;
+  return true;
+}
+
+const Format& TagList::neutral() {
+  static const Format format;
+  return format;
+}
+
+void TagList::clear() {
+  tags_.clear();
+  arena_.reset();
+}
+
+bool TagList::parse(const Format& format, std::string_view text) {
+  clear();
+  format_ = &format;
+  std::size_t at = 0;
+  Tag tag;
+  while (at < text.size()) {
+    const bool ok = format.binary ? readBinaryTag(text, at, format.wideCodes, tag)
+                                  : readAsciiTag(text, at, tag);
+    if (!ok) {
+      // Bytes behind the last tag (blank lines, what follows EOF) stay with it.
+      if (tags_.empty()) return false;
+      tags_.back().total += static_cast<std::uint32_t>(text.size() - at);
+      return true;
+    }
+    tags_.push_back(tag);
+  }
+  return !tags_.empty();
+}
+
+void TagList::create(const Format& format, std::string_view type) {
+  clear();
+  format_ = &format;
+  addAscii(0, type);
+}
+
+void TagList::transcode(const Format& to) {
+  if (&to == format_) return;
+  const bool same = to.sameEncoding(*format_) && to.crlf == format_->crlf;
+  if (same) {
+    format_ = &to;
+    return;
+  }
+  const bool sameValues = to.sameEncoding(*format_);
+  const Format& from = *format_;
+  for (Tag& t : tags_) {
+    if (!sameValues) {
+      const int i = static_cast<int>(&t - tags_.data());
+      Tag fresh;
+      switch (kindOf(t.code)) {
+        case ValueKind::text: {
+          const std::u16string text = from.decode(t.bytes());
+          scratch_.clear();
+          to.encode(scratch_, text);
+          fresh = make(t.code, scratch_);
+          break;
+        }
+        case ValueKind::handle: fresh = make(t.code, std::string(t.bytes())); break;
+        case ValueKind::bytes: {
+          // Hex digits in ASCII files, plain bytes in binary ones.
+          std::string value(t.bytes());
+          if (from.binary != to.binary) {
+            std::string other;
+            if (to.binary) {
+              for (std::size_t k = 0; k + 1 < value.size(); k += 2) {
+                other += static_cast<char>(parseTagHandle(value.substr(k, 2)));
+              }
+            } else {
+              static const char* digits = "0123456789ABCDEF";
+              for (const char c : value) {
+                other += digits[(static_cast<unsigned char>(c) >> 4)];
+                other += digits[c & 15];
+              }
+            }
+            value = other;
+          }
+          fresh = make(t.code, value);
+          break;
+        }
+        case ValueKind::real: {
+          const double v = real(i);
+          format_ = &to;
+          fresh = makeReal(t.code, v);
+          format_ = &from;
+          break;
+        }
+        default: {
+          const std::int64_t v = integer(i);
+          format_ = &to;
+          fresh = makeInteger(t.code, v);
+          format_ = &from;
+          break;
+        }
+      }
+      t = fresh;
+    }
+    t.start = nullptr;
+    t.total = 0;
+  }
+  format_ = &to;
+}
+
+int TagList::find(int code, int from, int to) const {
+  if (to < 0) to = size();
+  for (int i = from; i < to; ++i) {
+    if (tags_[static_cast<std::size_t>(i)].code == code) return i;
+  }
+  return -1;
+}
+
+int TagList::xdataBegin() const {
+  for (int i = 1; i < size(); ++i) {
+    if ((*this)[i].code == 1001) return i;
+  }
+  return size();
+}
+
+TagRange TagList::subclass(std::string_view name, int occurrence) const {
+  const int end = xdataBegin();
+  bool any = false;
+  for (int i = 1; i < end; ++i) {
+    const Tag& t = (*this)[i];
+    if (t.code != 100) continue;
+    any = true;
+    if (t.bytes() != name || --occurrence > 0) continue;
+    int stop = i + 1;
+    while (stop < end && (*this)[stop].code != 100 && (*this)[stop].code != 101) ++stop;
+    return {i + 1, stop};
+  }
+  return any ? TagRange{end, end} : TagRange{1, end};
+}
+
+TagRange TagList::xdata(std::u16string_view application) const {
+  for (int i = xdataBegin(); i < size(); ++i) {
+    if ((*this)[i].code != 1001) continue;
+    const std::string_view bytes = (*this)[i].bytes();
+    bool same = bytes.size() == application.size();
+    for (std::size_t k = 0; same && k < bytes.size(); ++k) {
+      same = static_cast<char16_t>(static_cast<unsigned char>(bytes[k])) == application[k] &&
+             application[k] < 128;
+    }
+    if (!same && !platform::equalNoCase(text(i), application)) continue;
+    int stop = i + 1;
+    while (stop < size() && (*this)[stop].code != 1001) ++stop;
+    return {i, stop};
+  }
+  return {size(), size()};
+}
+
+TagRange TagList::group(std::string_view name) const {
+  const int end = xdataBegin();
+  for (int i = 1; i < end; ++i) {
+    const Tag& t = (*this)[i];
+    if (t.code != 102 || t.size < 1 || t.value[0] != '{' || t.bytes().substr(1) != name) continue;
+    int stop = i + 1;
+    while (stop < end && (*this)[stop].code != 102) ++stop;
+    return {i, std::min(stop + 1, end)};
+  }
+  return {0, 0};
+}
+
+double TagList::real(int i) const {
+  const Tag& t = (*this)[i];
+  if (!format_->binary) return parseTagReal(t.bytes());
+  if (kindOf(t.code) == ValueKind::real && t.size == 8) {
+    const double v = littleEndian<double>(t.value);
+    return std::isfinite(v) ? v : 0;
+  }
+  return static_cast<double>(integer(i));
+}
+
+std::int64_t TagList::integer(int i) const {
+  const Tag& t = (*this)[i];
+  if (!format_->binary) return parseTagInteger(t.bytes());
+  switch (kindOf(t.code)) {
+    case ValueKind::int16: return littleEndian<std::int16_t>(t.value);
+    case ValueKind::int32: return littleEndian<std::int32_t>(t.value);
+    case ValueKind::int64: return littleEndian<std::int64_t>(t.value);
+    case ValueKind::boolean: return t.value[0];
+    case ValueKind::real: return static_cast<std::int64_t>(std::clamp(real(i), -9e18, 9e18));
+    default: return parseTagInteger(t.bytes());
+  }
+}
+
+std::uint64_t TagList::handle(int i) const { return parseTagHandle((*this)[i].bytes()); }
+
+AcGePoint3d TagList::point(int i) const {
+  AcGePoint3d p(real(i), 0, 0);
+  const int code = (*this)[i].code;
+  if (i + 1 < size() && (*this)[i + 1].code == code + 10) {
+    p.y = real(i + 1);
+    if (i + 2 < size() && (*this)[i + 2].code == code + 20) p.z = real(i + 2);
+  }
+  return p;
+}
+
+double TagList::realOr(int code, double fallback, TagRange range) const {
+  const int i = find(code, range);
+  return i < 0 ? fallback : real(i);
+}
+std::int64_t TagList::integerOr(int code, std::int64_t fallback, TagRange range) const {
+  const int i = find(code, range);
+  return i < 0 ? fallback : integer(i);
+}
+std::u16string TagList::textOr(int code, std::u16string_view fallback, TagRange range) const {
+  const int i = find(code, range);
+  return i < 0 ? std::u16string(fallback) : text(i);
+}
+
+Tag TagList::make(int code, std::string_view encoded) {
+  Tag t;
+  const std::string_view kept = arena_.store(encoded);
+  t.value = kept.data();
+  t.size = static_cast<std::uint32_t>(kept.size());
+  t.code = static_cast<std::int16_t>(code);
+  return t;
+}
+
+Tag TagList::makeReal(int code, double value) {
+  char buffer[40];
+  value = finite(value);
+  if (format_->binary) {
+    putLittleEndian(buffer, value);
+    return make(code, {buffer, 8});
+  }
+  return make(code, {buffer, static_cast<std::size_t>(platform::writeReal(buffer, value) - buffer)});
+}
+
+Tag TagList::makeInteger(int code, std::int64_t value) {
+  char buffer[24];
+  if (!format_->binary) {
+    char* end = std::to_chars(buffer, buffer + sizeof buffer, value).ptr;
+    return make(code, {buffer, static_cast<std::size_t>(end - buffer)});
+  }
+  const ValueKind kind = kindOf(code);
+  const int n = sizeOfBinary(kind);
+  if (kind == ValueKind::real) return makeReal(code, static_cast<double>(value));
+  if (n < 0) return make(code, std::to_string(value));
+  putLittleEndian(buffer, value);  // little endian: the low bytes come first
+  return make(code, {buffer, static_cast<std::size_t>(n)});
+}
+
+void TagList::setText(int i, std::u16string_view text) {
+  scratch_.clear();
+  format_->encode(scratch_, text);
+  at(i) = make((*this)[i].code, scratch_);
+}
+void TagList::setAscii(int i, std::string_view text) { at(i) = make((*this)[i].code, text); }
+void TagList::setReal(int i, double value) { at(i) = makeReal((*this)[i].code, value); }
+void TagList::setInteger(int i, std::int64_t value) { at(i) = makeInteger((*this)[i].code, value); }
+
+void TagList::setHandle(int i, std::uint64_t handle) {
+  char buffer[20];
+  char* end = std::to_chars(buffer, buffer + sizeof buffer, handle, 16).ptr;
+  std::transform(buffer, end, buffer, [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
+  at(i) = make((*this)[i].code, {buffer, static_cast<std::size_t>(end - buffer)});
+}
+
+void TagList::insertText(int at, int code, std::u16string_view text) {
+  scratch_.clear();
+  format_->encode(scratch_, text);
+  place(at, make(code, scratch_));
+}
+void TagList::insertAscii(int at, int code, std::string_view text) { place(at, make(code, text)); }
+void TagList::insertReal(int at, int code, double value) { place(at, makeReal(code, value)); }
+void TagList::insertInteger(int at, int code, std::int64_t value) {
+  place(at, makeInteger(code, value));
+}
+void TagList::insertHandle(int at, int code, std::uint64_t handle) {
+  place(at, make(code, {}));
+  setHandle(at, handle);
+}
+
+void TagList::erase(int from, int to) { tags_.erase(tags_.begin() + from, tags_.begin() + to); }
+
+void TagList::addPoint(int code, const AcGePoint3d& p) {
+  addReal(code, p.x);
+  addReal(code + 10, p.y);
+  addReal(code + 20, p.z);
+}
+
+void TagList::putReal(int code, double value, TagRange range) {
+  const int i = find(code, range);
+  i < 0 ? insertReal(range.end, code, value) : setReal(i, value);
+}
+void TagList::putInteger(int code, std::int64_t value, TagRange range) {
+  const int i = find(code, range);
+  i < 0 ? insertInteger(range.end, code, value) : setInteger(i, value);
+}
+void TagList::putText(int code, std::u16string_view value, TagRange range) {
+  const int i = find(code, range);
+  i < 0 ? insertText(range.end, code, value) : setText(i, value);
+}
+
+void TagList::putPoint(int code, const AcGePoint3d& p, TagRange range) {
+  const double axis[] = {p.x, p.y, p.z};
+  int i = find(code, range);
+  if (i < 0) {
+    for (int k = 0; k < 3; ++k) insertReal(range.end + k, code + 10 * k, axis[k]);
+    return;
+  }
+  for (int k = 0; k < 3; ++k) {
+    const int want = code + 10 * k;
+    if (i + k < size() && (*this)[i + k].code == want) {
+      if (real(i + k) != axis[k]) setReal(i + k, axis[k]);
+    } else if (axis[k] != 0) {
+      insertReal(i + k, want, axis[k]);
+    } else {
+      break;  // an absent axis is zero
+    }
+  }
+}
+
+void TagList::insertCopy(int at, const TagList& from, int i) {
+  Tag t = from[i];
+  if (!format_->sameEncoding(*from.format_)) {
+    switch (kindOf(t.code)) {
+      case ValueKind::text: insertText(at, t.code, from.text(i)); return;
+      case ValueKind::real: insertReal(at, t.code, from.real(i)); return;
+      case ValueKind::handle: insertAscii(at, t.code, std::string(t.bytes())); return;
+      case ValueKind::bytes: {
+        TagList one;
+        one.create(from.format(), "X");
+        one.tags_.push_back(t);
+        one.transcode(*format_);
+        place(at, make(t.code, one[1].bytes()));
+        return;
+      }
+      default: insertInteger(at, t.code, from.integer(i)); return;
+    }
+  }
+  place(at, make(t.code, t.bytes()));
+}
+
+std::size_t TagList::writtenSize() const {
+  std::size_t n = 0;
+  for (const Tag& t : tags_) n += t.start ? t.total : t.size + 12U;
+  return n;
+}
+
+char* TagList::write(char* out) const {
+  for (const Tag& t : tags_) {
+    if (t.start) {
+      std::memcpy(out, t.start, t.total);
+      out += t.total;
+      continue;
+    }
+    if (format_->binary) {
+      if (format_->wideCodes) {
+        putLittleEndian(out, t.code);
+        out += 2;
+      } else if (t.code < 255) {
+        *out++ = static_cast<char>(t.code);
+      } else {
+        *out++ = static_cast<char>(255);
+        putLittleEndian(out, t.code);
+        out += 2;
+      }
+      if (kindOf(t.code) == ValueKind::bytes) *out++ = static_cast<char>(t.size);
+      std::memcpy(out, t.value, t.size);
+      out += t.size;
+      if (kindOf(t.code) == ValueKind::text || kindOf(t.code) == ValueKind::handle) *out++ = 0;
+      continue;
+    }
+    const int c = t.code;
+    if (c >= 0 && c < 1000) {
+      *out++ = c >= 100 ? static_cast<char>('0' + c / 100) : ' ';
+      *out++ = c >= 10 ? static_cast<char>('0' + c / 10 % 10) : ' ';
+      *out++ = static_cast<char>('0' + c % 10);
+    } else {
+      out = std::to_chars(out, out + 8, c).ptr;
+    }
+    if (format_->crlf) *out++ = '\r';
+    *out++ = '\n';
+    if (t.size) std::memcpy(out, t.value, t.size);
+    out += t.size;
+    if (format_->crlf) *out++ = '\r';
+    *out++ = '\n';
+  }
+  return out;
+}
+
+}  // namespace cad

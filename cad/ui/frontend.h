@@ -1,0 +1,100 @@
+// What a program asks of its user, and the door to whoever answers: a window system, a terminal, a
+// script. Everything is modal and synchronous, on one thread.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cad/ui/export.h"
+
+namespace cad::ui {
+
+class Dialog;
+class Journal;
+
+enum class Outcome { ok, cancel };
+enum class Icon { none, information, warning, stop, question };
+enum class Buttons { ok, okCancel, yesNo, yesNoCancel };
+enum class Pressed { ok, cancel, yes, no };
+
+struct Message {
+  std::u16string title{}, text{};
+  Icon icon = Icon::none;
+  Buttons buttons = Buttons::ok;
+};
+
+// The buttons of a box in order, the words on them, the one that Enter presses, and the one that
+// Esc presses (ok for a box with OK alone, no where there is no cancel button).
+CAD_UI_API const std::vector<Pressed>& answersOf(Buttons buttons);
+CAD_UI_API std::u16string_view wordOf(Pressed button);
+CAD_UI_API Pressed defaultAnswer(Buttons buttons);
+CAD_UI_API Pressed escapeAnswer(Buttons buttons);
+
+struct FileQuestion {
+  enum class Mode { open, save } mode = Mode::open;
+  std::u16string title{};   // empty: the front end's own words
+  std::u16string name{};    // proposed file name
+  std::u16string filter{};  // "INP Files (*.inp)|*.inp|": pairs of words and patterns
+};
+struct FileFilter {
+  std::u16string words, pattern;
+};
+CAD_UI_API std::vector<FileFilter> filtersOf(std::u16string_view filter);
+
+// A question on the command line.
+struct Prompt {
+  enum class Kind { command, string, integer, real, point, keyword, entity, selection };
+  Kind kind = Kind::string;
+  std::u16string text{};                   // as the command gave it, leading "\n" included
+  std::vector<std::u16string> keywords{};  // for completion; the asker judges the answer
+  bool allowBlanks = false;                // a blank is text and does not end the answer
+};
+struct Answer {
+  enum class Status { ok, none, cancel, end };  // text, Enter alone, Esc, no more input
+  Status status = Status::ok;
+  std::u16string text{};
+};
+
+class CAD_UI_API Frontend {
+ public:
+  Frontend();
+  Frontend(const Frontend&) = delete;
+  Frontend& operator=(const Frontend&) = delete;
+  virtual ~Frontend();
+
+  // Runs the dialog until it has ended. Dialog::run calls it. Nests.
+  void runDialog(Dialog& dialog);
+  Pressed messageBox(const Message& message);
+  // The chosen path, or nothing when the user refused.
+  std::optional<std::u16string> askFile(const FileQuestion& question);
+  Answer ask(const Prompt& prompt);
+  // The asker could not use the last answer; Italian reason. The asker asks again.
+  void invalid(std::u16string_view reason);
+  // Output of commands; line ends are in the text.
+  virtual void print(std::u16string_view text) = 0;
+  virtual void help(std::u16string_view topic);
+  // How far a long job is, 0 to 1; a value beyond 1 takes the display away.
+  virtual void progress(double fraction);
+  // Text for other programs; by default it stays within this front end.
+  virtual void setClipboard(std::u16string_view text);
+  virtual std::u16string clipboard();
+
+  // Takes down what is asked and answered. Not owned; null for none.
+  void setJournal(Journal* journal) { journal_ = journal; }
+  Journal* journal() const { return journal_; }
+
+ protected:
+  virtual void showDialog(Dialog& dialog) = 0;
+  virtual Pressed showMessage(const Message& message) = 0;
+  virtual std::optional<std::u16string> showFileQuestion(const FileQuestion& question) = 0;
+  virtual Answer showPrompt(const Prompt& prompt) = 0;
+  virtual void showInvalid(std::u16string_view reason) = 0;
+
+ private:
+  Journal* journal_ = nullptr;
+  std::u16string clipboard_;
+};
+
+}  // namespace cad::ui

@@ -1,0 +1,59 @@
+// The front end of a terminal: dialogs as cards of text, questions as lines.
+//
+// It owns no terminal. Lines come from a reader, which a program may put line editing and
+// completion behind, and output goes to a sink; both speak UTF-8.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <vector>
+
+#include "cad/ui/frontend.h"
+
+namespace cad::ui {
+
+class Control;
+class TerminalCard;
+
+class CAD_UI_API TerminalFrontend : public Frontend {
+ public:
+  // The next line without its end, or nothing at the end of input. `prompt` stands in front of it;
+  // `completions` are the words that could begin it.
+  using Reader = std::function<std::optional<std::string>(
+      const std::string& prompt, const std::vector<std::string>& completions)>;
+  using Output = std::function<void(std::string_view)>;
+
+  TerminalFrontend(Reader reader, Output output, int width = 80);
+
+  void print(std::u16string_view text) override;
+  // After the end of input every question is cancelled; a command that asks on and on in spite of
+  // that is stopped here. The default ends the process with status 1.
+  void setRunaway(std::function<void()> handler) { runaway_ = std::move(handler); }
+  bool atEnd() const { return ended_; }
+
+ protected:
+  void showDialog(Dialog& dialog) override;
+  Pressed showMessage(const Message& message) override;
+  std::optional<std::u16string> showFileQuestion(const FileQuestion& question) override;
+  Answer showPrompt(const Prompt& prompt) override;
+  void showInvalid(std::u16string_view reason) override;
+
+ private:
+  std::optional<std::u16string> read(std::u16string_view prompt,
+                                     const std::vector<std::u16string>& completions);
+  void write(std::u16string_view text);
+  void freshLine();
+  void perform(Dialog& dialog, TerminalCard& card, std::u16string line);
+  void explain(Dialog& dialog, Control& control);
+
+  Reader reader_;
+  Output output_;
+  int width_;
+  bool ended_ = false;
+  bool atLineStart_ = true;
+  int afterEnd_ = 0;
+  int shown_ = 0;  // dialogs so far: tells whether one opened over another
+  std::function<void()> runaway_;
+};
+
+}  // namespace cad::ui

@@ -1,0 +1,63 @@
+#include "module/inp/inp_reader.h"
+
+#include <new>
+#include <utility>
+
+#include "module/host/messages.h"
+#include "module/host/translate.h"
+#include "module/inp/inp_scanner.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace vessora {
+
+namespace {
+
+void warn(const char16_t* message) {
+  const std::u16string text = TraduciTesto(message);  // the next translation overwrites it
+  ShowMessage(text, TraduciTesto(u"Attenzione!"));
+}
+
+}  // namespace
+
+void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& settings) {
+  auto bytes = platform::readFile(platform::nativePath(path));
+  if (!bytes) {
+    warn(u"Percorso non valido o file inesistente!");
+    return;
+  }
+  try {
+    ParseInp(std::move(*bytes), network, settings);
+  } catch (const std::bad_alloc&) {
+    network = EpaNetwork();
+    warn(u"Memoria insufficiente per leggere il file!");
+  }
+}
+
+void ParseInp(std::string bytes, EpaNetwork& network, EpaSettings& settings) {
+  const std::string text = platform::toUtf8(std::move(bytes));
+  reserveRows(text, network);
+  InpScanner(text, network, settings).run();
+}
+
+std::u16string NormalizeTime(std::u16string_view text) {
+  const std::u16string value(text);
+  switch (value.size()) {
+    case 1:
+      return u"0" + value + u":00:00";
+    case 2:
+    case 3:
+      return value + u":00:00";
+    case 4:
+      return u"0" + value + u":00";
+    case 5:
+    case 6:
+      return value + u":00";
+    case 9:
+      return value;
+    default:
+      return {};
+  }
+}
+
+}  // namespace vessora

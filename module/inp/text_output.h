@@ -1,0 +1,45 @@
+// A text file being written row by row from wide templates: UTF-8, lines end in LF.
+//
+// The file appears at its path as a whole when it is closed; until then, and after any failure, an
+// older file there is untouched. Failures are told to the user on the command line.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/files.h"
+#include "platform/format.h"
+
+namespace vessora {
+
+class TextOutput {
+ public:
+  // Starts the file, whose folder must exist. When that cannot be done the user has been told and
+  // there is no value.
+  static std::optional<TextOutput> open(std::u16string_view path);
+
+  // Appends one row or several: `pattern` as platform::format takes it.
+  template <class... Args>
+  void print(std::u16string_view pattern, const Args&... args) {
+    platform::appendFormat(pending_, pattern, args...);
+    if (pending_.size() >= kPiece) flush();
+  }
+
+  // 1 when every byte is on disk and the file stands at its path; else 0, and the user has been
+  // told.
+  std::int32_t close();
+
+ private:
+  static constexpr std::size_t kPiece = std::size_t{1} << 20;
+
+  TextOutput(std::u16string_view path, platform::SaveFile file);
+  void flush();
+
+  std::u16string path_;
+  platform::SaveFile file_;
+  std::string pending_;
+};
+
+}  // namespace vessora

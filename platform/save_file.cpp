@@ -1,0 +1,262 @@
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <cstdio>
+#include <cstring>
+#include <utility>
+
+#include "platform/files.h"
+
+namespace platform {
+
+namespace {
+
+constexpr std::size_t kBuffer = std::size_t{1} << 20;
+
+// What went wrong in words a user can act on. Whatever it is, nothing has replaced the old file
+// yet.
+Error cannotWrite(const std::string& path, int error) {
+  std::string text = "cannot write " + path + ": ";
+  switch (error) {
+    case ENOSPC:
+      text += "the disk is full; free space or save elsewhere";
+      break;
+    case EDQUOT:
+      text += "your disk quota is used up; free space or save elsewhere";
+      break;
+    case EROFS:
+      text += "the disk is read-only; save elsewhere";
+      break;
+    case EACCES:
+    case EPERM:
+      text +=
+          "permission denied; change the permissions of the file and its folder or save elsewhere";
+      break;
+    case ENOENT:
+    case ENOTDIR:
+      text += "the folder does not exist; make it or save elsewhere";
+      break;
+    case EISDIR:
+      text += "it is a folder; choose another name";
+      break;
+    case ENAMETOOLONG:
+      text += "the name is too long; choose a shorter one";
+      break;
+    case EFBIG:
+      text += "the file would be larger than this disk or user may have; save elsewhere";
+      break;
+    case ELOOP:
+      text += "its links lead in a circle; save elsewhere";
+      break;
+    default: {
+      const char* reason = strerrordesc_np(error);
+      text += reason != nullptr ? reason : "error " + std::to_string(error);
+      text += "; save elsewhere";
+    }
+  }
+  struct stat info;
+  if (stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode))
+    text += " (the old file is untouched)";
+  return Error{text};
+}
+
+// What the path points to in the end, so that a symbolic link stays a link. The path itself when it
+// is no link; empty when the links lead in a circle.
+std::string followLinks(std::string path) {
+  for (int step = 0; step < 40; ++step) {
+    char target[PATH_MAX];
+    const ssize_t n = readlink(path.c_str(), target, sizeof target);
+    if (n < 0) return path;
+    std::string to(target, static_cast<std::size_t>(n));
+    const std::size_t slash = path.rfind('/');
+    if (to.empty() || to[0] != '/') to.insert(0, path, 0, slash == path.npos ? 0 : slash + 1);
+    path = std::move(to);
+  }
+  return {};
+}
+
+// A name beside `path` that nobody else uses: hidden, with the process id to tell whose it is when
+// a crash leaves it behind.
+std::string nameBeside(const std::string& path) {
+  static std::atomic<unsigned> counter{0};
+  const std::size_t slash = path.rfind('/');
+  const std::size_t begin = slash == path.npos ? 0 : slash + 1;
+  // Room for what is added, within the 255 bytes that file systems allow for a name.
+  const std::string name = path.substr(begin, 200);
+  return path.substr(0, begin) + "." + name + "." + std::to_string(getpid()) + "-" +
+         std::to_string(counter.fetch_add(1));
+}
+
+constexpr int kAttempts = 1000;
+
+// Makes a new file beside `path`; its descriptor, or -1 with errno set.
+int createBeside(const std::string& path, mode_t mode, std::string& name) {
+  for (int attempt = 0; attempt < kAttempts; ++attempt) {
+    name = nameBeside(path);
+    const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+    if (file >= 0 || errno != EEXIST) return file;
+  }
+  return -1;
+}
+
+// All of the bytes or an errno.
+int writeAll(int file, const char* bytes, std::size_t n) {
+  while (n > 0) {
+    const ssize_t written = ::write(file, bytes, n);
+    if (written < 0 && errno == EINTR) continue;
+    if (written < 0) return errno;
+    if (written == 0) return EIO;
+    bytes += written;
+    n -= static_cast<std::size_t>(written);
+  }
+  return 0;
+}
+
+// Some file systems and devices cannot flush; that is no failure of the save.
+int flushToDisk(int file) {
+  while (fsync(file) != 0) {
+    if (errno == EINTR) continue;
+    return errno == EINVAL || errno == ENOTSUP || errno == EROFS ? 0 : errno;
+  }
+  return 0;
+}
+
+void flushFolderOf(const std::string& path) {
+  const std::size_t slash = path.rfind('/');
+  const std::string folder = slash == path.npos ? "." : path.substr(0, slash + 1);
+  const int file = open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (file < 0) return;
+  flushToDisk(file);  // the rename has happened: a failure here must not be told as a failed save
+  close(file);
+}
+
+int copyFile(const std::string& from, const std::string& to) {
+  const int in = open(from.c_str(), O_RDONLY | O_CLOEXEC);
+  if (in < 0) return errno;
+  struct stat info;
+  const mode_t mode = fstat(in, &info) == 0 ? info.st_mode & 07777 : 0600;
+  const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+  if (out < 0) {
+    const int error = errno;
+    close(in);
+    return error;
+  }
+  std::string buffer(kBuffer, '\0');
+  int error = 0;
+  while (error == 0) {
+    const ssize_t n = read(in, buffer.data(), buffer.size());
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) error = errno;
+    if (n <= 0) break;
+    error = writeAll(out, buffer.data(), static_cast<std::size_t>(n));
+  }
+  if (error == 0) error = flushToDisk(out);
+  close(in);
+  if (close(out) != 0 && error == 0) error = errno;
+  return error;
+}
+
+// Gives the file at `path` the second name `backup`, in place of an older backup. A link costs
+// nothing and leaves `path` where it is; disks without links get a copy.
+int keepAs(const std::string& path, const std::string& backup) {
+  std::string second;
+  int error = EEXIST;
+  for (int attempt = 0; attempt < kAttempts && error == EEXIST; ++attempt) {
+    second = nameBeside(path);
+    error = link(path.c_str(), second.c_str()) == 0 ? 0 : errno;
+  }
+  if (error != 0) error = copyFile(path, second);
+  if (error == 0 && rename(second.c_str(), backup.c_str()) != 0) error = errno;
+  // Left over after a failure, and after renaming onto another name of the very same file.
+  unlink(second.c_str());
+  return error;
+}
+
+}  // namespace
+
+Result<SaveFile> SaveFile::begin(const std::string& path) {
+  SaveFile save;
+  save.path_ = followLinks(path);
+  if (save.path_.empty()) return cannotWrite(path, ELOOP);
+  struct stat old;
+  const bool exists = stat(save.path_.c_str(), &old) == 0;
+  if (exists && S_ISDIR(old.st_mode)) return cannotWrite(path, EISDIR);
+  // The rename would get round a write protection: it needs the folder's permission only.
+  if (exists && access(save.path_.c_str(), W_OK) != 0) return cannotWrite(path, errno);
+  if (exists && !S_ISREG(old.st_mode)) {  // a device or pipe is written to, never replaced
+    save.file_ = open(save.path_.c_str(), O_WRONLY | O_CLOEXEC);
+    if (save.file_ < 0) return cannotWrite(path, errno);
+    return save;
+  }
+  save.file_ = createBeside(save.path_, 0666, save.temporary_);
+  if (save.file_ < 0) {
+    const int error = errno;
+    save.temporary_.clear();
+    return cannotWrite(path, error);
+  }
+  if (exists) {
+    // The owner may be somebody else whom only the superuser can restore; the permissions matter
+    // more.
+    if (fchown(save.file_, old.st_uid, old.st_gid) != 0) errno = 0;
+    if (fchmod(save.file_, old.st_mode & 07777) != 0) errno = 0;
+  }
+  return save;
+}
+
+SaveFile::SaveFile(SaveFile&& other) noexcept
+    : path_(std::move(other.path_)),
+      temporary_(std::exchange(other.temporary_, {})),
+      file_(std::exchange(other.file_, -1)),
+      failure_(other.failure_),
+      pending_(std::move(other.pending_)) {}
+
+SaveFile::~SaveFile() {
+  if (file_ >= 0) close(file_);
+  if (!temporary_.empty()) unlink(temporary_.c_str());
+}
+
+void SaveFile::flush() {
+  if (failure_ == 0) failure_ = writeAll(file_, pending_.data(), pending_.size());
+  pending_.clear();
+}
+
+void SaveFile::write(std::string_view bytes) {
+  if (failure_ != 0) return;
+  if (pending_.size() + bytes.size() > kBuffer) flush();
+  if (bytes.size() >= kBuffer) {
+    if (failure_ == 0) failure_ = writeAll(file_, bytes.data(), bytes.size());
+    return;
+  }
+  if (pending_.capacity() < kBuffer && pending_.size() + bytes.size() > 4096)
+    pending_.reserve(kBuffer);
+  pending_.append(bytes);
+}
+
+Result<void> SaveFile::commit(bool keepBackup) {
+  if (file_ < 0) return cannotWrite(path_, failure_ != 0 ? failure_ : EBADF);
+  flush();
+  if (failure_ == 0) failure_ = flushToDisk(file_);
+  // Some network disks report a failed write only now.
+  if (close(std::exchange(file_, -1)) != 0 && failure_ == 0 && errno != EINTR) failure_ = errno;
+  if (failure_ != 0) return cannotWrite(path_, failure_);
+  if (temporary_.empty()) return {};
+  struct stat old;
+  if (keepBackup && stat(path_.c_str(), &old) == 0) {
+    const int error = keepAs(path_, path_ + ".bak");
+    if (error != 0) {
+      Error cause = cannotWrite(path_ + ".bak", error);
+      cause.message += "; " + path_ + " was not saved, so that its older state is not lost";
+      return cause;
+    }
+  }
+  if (rename(temporary_.c_str(), path_.c_str()) != 0) return cannotWrite(path_, errno);
+  temporary_.clear();
+  flushFolderOf(path_);
+  return {};
+}
+
+}  // namespace platform
