@@ -690,16 +690,17 @@ void outflow(Drawing& d) { arrow(d, {-1.2, -1.2}, {-5.5, -5.5}); }
 // A title over a scale of colours with its highest class on top. The insertion point is the upper
 // left corner. `colours` run from the lowest class upward, as do the attributes C1, C2...
 void legend(Drawing& d, const std::vector<int>& colours) {
-  constexpr double kHeight = 3, kRow = 5.5, kWidth = 84, kMargin = 3;
-  const double top = -kMargin - kHeight;
-  d.attribute("TITOLO", "Titolo", {kMargin, top}, kHeight);
+  constexpr double kHeight = 3, kSwatch = 4, kRow = 5.5, kWidth = 84, kMargin = 3;
+  constexpr double kTitleEnd = -kHeight - 5;
+  d.attribute("TITOLO", "Titolo", {kMargin, kTitleEnd + 2.5}, kHeight);
   const auto rows = static_cast<double>(colours.size());
-  const double bottom = top - 2 - rows * kRow - kMargin + (kRow - 4);
+  const double bottom = kTitleEnd - 2 * kMargin - rows * kRow + (kRow - kSwatch);
   d.polyline({{0, 0}, {kWidth, 0}, {kWidth, bottom}, {0, bottom}}, true);
-  d.line({0, top - 2}, {kWidth, top - 2});
+  d.line({0, kTitleEnd}, {kWidth, kTitleEnd});
   double y = bottom + kMargin;
   for (std::size_t i = 0; i < colours.size(); ++i, y += kRow) {
-    const Point a{kMargin, y}, b{kMargin + 10, y}, c{kMargin + 10, y + 4}, e{kMargin, y + 4};
+    const Point a{kMargin, y}, b{kMargin + 10, y}, c{kMargin + 10, y + kSwatch},
+        e{kMargin, y + kSwatch};
     d.solid(a, b, c, e, colours[i]);
     d.polyline({a, b, c, e}, true);
     const std::string number = std::to_string(i + 1);

@@ -506,6 +506,56 @@ std::u16string Drawing::headerText(std::string_view name, std::u16string_view fa
   return a == text.npos ? std::u16string() : text.substr(a, b - a + 1);
 }
 
+bool Drawing::setHeaderText(std::string_view name, std::u16string_view text) {
+  auto tags = borrowTags();
+  TagRange range;
+  const bool found = headerVariable(name, *tags, range) && !range.empty();
+  if (found) {
+    tags->setText(range.begin, text);
+    commit(sections_[u"HEADER"].first, *tags);
+  }
+  returnTags(std::move(tags));
+  return found;
+}
+
+void Drawing::readHeaderValues() const {
+  header_ = HeaderValues();
+  header_.known = true;
+  header_.layer = headerText("$CLAYER", u"0");
+  if (header_.layer.empty()) header_.layer = u"0";
+  TagList tags;
+  TagRange range;
+  const auto vector = [&](std::string_view name, AcGePoint3d& p) {
+    if (!headerVariable(name, tags, range) || range.empty()) return false;
+    p = tags.point(range.begin);
+    return true;
+  };
+  AcGePoint3d origin, x, y;
+  if (!vector("$UCSXDIR", x) || !vector("$UCSYDIR", y)) return;
+  vector("$UCSORG", origin);
+  const AcGeVector3d xAxis = AcGeVector3d(x.x, x.y, x.z).normal();
+  const AcGeVector3d zAxis = xAxis.crossProduct(AcGeVector3d(y.x, y.y, y.z)).normal();
+  if (xAxis.length() == 0 || zAxis.length() == 0) return;
+  const AcGeVector3d axes[] = {xAxis, zAxis.crossProduct(xAxis), zAxis};
+  for (int c = 0; c < 3; ++c) {
+    header_.user.entry[0][c] = axes[c].x;
+    header_.user.entry[1][c] = axes[c].y;
+    header_.user.entry[2][c] = axes[c].z;
+  }
+  header_.user.entry[0][3] = origin.x;
+  header_.user.entry[1][3] = origin.y;
+  header_.user.entry[2][3] = origin.z;
+}
+
+const std::u16string& Drawing::currentLayer() const {
+  if (!header_.known) readHeaderValues();
+  return header_.layer;
+}
+const AcGeMatrix3d& Drawing::userSystem() const {
+  if (!header_.known) readHeaderValues();
+  return header_.user;
+}
+
 // --- selection -----------------------------------------------------------------------------------
 
 void Drawing::addToIndex(std::vector<std::vector<std::uint32_t>>& lists, std::vector<bool>& mixed,

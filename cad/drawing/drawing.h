@@ -9,6 +9,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <string>
 #include <string_view>
@@ -123,6 +124,11 @@ class CAD_API Drawing {
   // --- header variables: the tags behind "9 $NAME"
   bool headerVariable(std::string_view name, TagList& tags, TagRange& range) const;
   std::u16string headerText(std::string_view name, std::u16string_view fallback = u"") const;
+  // Sets the first value of a variable that the header has; false when it has none of the name.
+  bool setHeaderText(std::string_view name, std::u16string_view text);
+  // The layer that new entities lie on, and the axes of the user's coordinate system in the world.
+  const std::u16string& currentLayer() const;
+  const AcGeMatrix3d& userSystem() const;
 
   // --- selection
   // Entities of model space and layouts on a layer, with an application, of a block: in drawing order,
@@ -161,6 +167,9 @@ class CAD_API Drawing {
   // Name of the command taken back or brought back; empty when there is none.
   std::u16string undo();
   std::u16string redo();
+
+  // Called now and then while records are added, with their number so far: long work shows its progress.
+  void setObserver(std::function<void(std::uint32_t)> observer) { observer_ = std::move(observer); }
 
   // --- session marks
   void setHighlighted(std::uint32_t record, bool on);
@@ -237,6 +246,17 @@ class CAD_API Drawing {
   std::vector<std::uint32_t> empty_;
   bool changed_ = false;
   std::uint64_t revision_ = 0;
+  std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
+  std::function<void(std::uint32_t)> observer_;
+
+  // What the header says that is asked for with every new entity.
+  struct HeaderValues {
+    bool known = false;
+    std::u16string layer;
+    AcGeMatrix3d user;
+  };
+  mutable HeaderValues header_;
+  void readHeaderValues() const;
 
   bool inCommand_ = false;
   UndoGroup running_;

@@ -33,7 +33,13 @@ TagList& begin(AcDbObject& object, std::string_view type, std::string_view marke
   static const cad::Format neutral;
   t.create(neutral, type);
   t.addAscii(100, "AcDbEntity");
-  t.addAscii(8, "0");
+  // New entities lie on the current layer until somebody puts them elsewhere.
+  const AcDbDatabase* current = acdbHostApplicationServices()->workingDatabase();
+  if (current) {
+    t.addText(8, current->drawing().currentLayer());
+  } else {
+    t.addAscii(8, "0");
+  }
   t.addAscii(100, marker);
   return t;
 }

@@ -137,6 +137,7 @@ void Drawing::commit(std::uint32_t record, const TagList& tags) {
   r.handle = before.handle ? before.handle : r.handle;
   if (before.is(Record::hasParts)) r.set(Record::hasParts);
   r.set(Record::changed);
+  if (r.type == Type::section) header_.known = false;
   noteInIndex(record, before);
 }
 
@@ -175,6 +176,7 @@ std::uint32_t Drawing::addRecord(TagList& tags, std::uint32_t before, std::uint3
   r.set(Record::child, child);
   commit(i, tags);
   if (records_[i].handle) registerHandle(records_[i].handle, i);
+  if (observer_ && (i & 0xFFF) == 0) observer_(i);
   return i;
 }
 
@@ -277,7 +279,7 @@ Acad::ErrorStatus Drawing::appendPart(std::uint32_t owner, AcDbObject& part) {
   const bool paper = records_[owner].is(Record::paper);
   const bool space = records_[owner].is(Record::space);
   // Behind the last part; the end mark of the sequence is made with the first attribute.
-  std::uint32_t end = records_[owner].next;
+  std::uint32_t end = lastOwner_ == owner ? lastEnd_ : records_[owner].next;
   while (end && records_[end].is(Record::child) && records_[end].owner == owner &&
          records_[end].type != Type::seqend) {
     end = records_[end].next;
@@ -294,6 +296,8 @@ Acad::ErrorStatus Drawing::appendPart(std::uint32_t owner, AcDbObject& part) {
   }
   completeTags(*v.tags, usesHandles_ ? takeHandle() : 0, owner, paper, true);
   const std::uint32_t i = addRecord(*v.tags, end, owner, space, true);
+  lastOwner_ = owner;
+  lastEnd_ = end;
   v.drawing = this;
   v.record = i;
   v.writing = true;

@@ -263,7 +263,7 @@ static Result<u16string> property(Control& control, u16string_view which) {
     return colour ? platform::format(u"%d,%d,%d", colour->red, colour->green, colour->blue)
                   : u16string(u"nessuno");
   }
-  return failure(u"Il controllo non ha " + u16string(which) + u".");
+  return failure(u"Il controllo non ha " + u16string(which.substr(1, which.size() - 2)) + u".");
 }
 
 static Result<u16string> shownAt(const Target& target) {

@@ -1,5 +1,5 @@
 // A record of what a user was asked and answered, in the syntax of scripts: playing it again
-// repeats the session.
+// repeats the work.
 #pragma once
 
 #include <functional>

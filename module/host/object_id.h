@@ -1,4 +1,4 @@
-// The id of a drawing object, for records that hold one and need nothing else of the host.
+// The id of an entity, as records keep it.
 #pragma once
 
 #include "cad/api/object_id.h"

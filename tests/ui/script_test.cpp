@@ -198,7 +198,7 @@ TEST(Script, StopsACommandThatAsksForEver) {
   EXPECT_GT(none, 0) << "loops that end with Enter alone get their Enter";
 }
 
-TEST(Journal, ReplaysASession) {
+TEST(Journal, ReplaysWhatWasDone) {
   std::string script = R"([Interroga Rete]
 Nodi/Pressione/> di = 15
 < di = 25

@@ -9,8 +9,8 @@ namespace {
 using namespace sample;
 
 // A user who types the given lines; the transcript shows prompts, answers and output in order.
-struct Session {
-  explicit Session(std::vector<std::string> lines)
+struct Typist {
+  explicit Typist(std::vector<std::string> lines)
       : typed(std::move(lines)),
         ui(
             [this](const std::string& prompt,
@@ -32,7 +32,7 @@ struct Session {
 TEST(Terminal, ShowsADialogAsACardAndTakesNumbersAndNames) {
   PipeDialog d;
   d.length = 10;
-  Session s(
+  Typist s(
       {"1 R1", "Diametro [mm] = abc", "3", "", "", "4 = 110", "6", "6 #2", "Piombo", "7 8:30", ""});
   EXPECT_EQ(d.run(s.ui), Outcome::ok);
   EXPECT_EQ(s.text, R"(
@@ -79,7 +79,7 @@ Ramo>
 TEST(Terminal, PagesListsAndOpensRows) {
   QueryDialog d;
   d.rows = 30;
-  Session s({"1+", "1+", "1+", "1-", "1[14]", "1[31]", "1[14] **"});
+  Typist s({"1+", "1+", "1+", "1-", "1[14]", "1[31]", "1[14] **"});
   EXPECT_EQ(d.run(s.ui), Outcome::ok);
   EXPECT_EQ(d.openedName, u"N14");
   EXPECT_TRUE(
@@ -102,11 +102,11 @@ TEST(Terminal, PagesListsAndOpensRows) {
 TEST(Terminal, LeavesByWordEscapeAndEndOfInput) {
   for (const char* word : {"annulla", "<esc>", "\x1B"}) {
     QueryDialog d;  // has no button for it
-    Session s({word});
+    Typist s({word});
     EXPECT_EQ(d.run(s.ui), Outcome::cancel);
   }
   PatternDialog d;
-  Session s({"3[1,Moltiplicatore] = 4", "Griglia[2] > Elimina Riga", "?"});
+  Typist s({"3[1,Moltiplicatore] = 4", "Griglia[2] > Elimina Riga", "?"});
   EXPECT_EQ(d.run(s.ui), Outcome::cancel);
   EXPECT_EQ(d.grid.rowCount(), 4);
   EXPECT_TRUE(s.says("Invio da solo preme il pulsante predefinito"));
@@ -117,7 +117,7 @@ TEST(Terminal, LeavesByWordEscapeAndEndOfInput) {
 }
 
 TEST(Terminal, AsksMessagesFilesAndPrompts) {
-  Session s({"forse", "si", "n", "", "rete.inp", "", "<esc>", " due parole ", " x ", "", "s"});
+  Typist s({"forse", "si", "n", "", "rete.inp", "", "<esc>", " due parole ", " x ", "", "s"});
   Message question{u"", u"Cancellare il pattern?", Icon::question, Buttons::yesNo};
   EXPECT_EQ(s.ui.messageBox(question), Pressed::yes);
   EXPECT_EQ(s.ui.messageBox(question), Pressed::no);

@@ -1,0 +1,82 @@
+// The services by which a module meets its host: the system registry with the dynamic linker and the
+// command stack, the codes of the host's messages, and the module object of the run-time underneath.
+#pragma once
+
+#include <cstddef>
+#include <string>
+#include <string_view>
+
+#include "cad/api/rxobject.h"
+
+namespace AcRx {
+enum AppMsgCode {
+  kNullMsg = 0,
+  kInitAppMsg = 1,
+  kUnloadAppMsg = 2,
+  kLoadDwgMsg = 3,
+  kUnloadDwgMsg = 4,
+  kInvkSubrMsg = 5,
+  kCfgMsg = 6,
+  kEndMsg = 7,
+  kQuitMsg = 8,
+  kSaveMsg = 9,
+};
+enum AppRetCode { kRetOK = 0, kRetError = 3 };
+}  // namespace AcRx
+
+// Named objects of the session.
+class CAD_API AcRxDictionary : public AcRxObject {
+  ACRX_DECLARE(AcRxDictionary)
+ public:
+  virtual AcRxObject* at(std::u16string_view name) const = 0;
+};
+CAD_API AcRxDictionary* acrxSysRegistry();
+
+// Registered as "DynamicLinker".
+class CAD_API AcRxDynamicLinker : public AcRxObject {
+  ACRX_DECLARE(AcRxDynamicLinker)
+ public:
+  // The module may be unloaded.
+  virtual bool unlockApplication(void* packet) = 0;
+  // The module works with several open drawings.
+  virtual bool registerAppMDIAware(void* packet) = 0;
+};
+
+using AcRxFunctionPtr = void (*)();
+
+// Registered as "ACAD_REGISTERED_COMMANDS".
+class CAD_API AcEdCommandStack : public AcRxObject {
+  ACRX_DECLARE(AcEdCommandStack)
+ public:
+  // False when the group has a command of that global name already.
+  virtual bool addCommand(std::u16string_view group, std::u16string_view globalName,
+                          std::u16string_view localName, int flags, AcRxFunctionPtr function) = 0;
+  virtual bool removeGroup(std::u16string_view group) = 0;
+};
+
+// The run-time underneath: its allocator and the module object.
+CAD_API void* odrxAlloc(std::size_t size);
+CAD_API void odrxFree(void* memory);
+
+class CAD_API OdRxModule : public AcRxObject {
+  ACRX_DECLARE(OdRxModule)
+ public:
+  virtual void* sysData() = 0;
+  virtual std::u16string moduleName() const = 0;
+  virtual void initApp() {}
+  virtual void uninitApp() {}
+};
+
+// A module that holds the handle of its library.
+class CAD_API OdRxWin32Module : public OdRxModule {
+  ACRX_DECLARE(OdRxWin32Module)
+};
+
+// --- dialog resources ----------------------------------------------------------------------------
+
+// Whose dialogs and resources are found first; a command of a module sets it to the module for its span.
+CAD_API void* afxResourceHandle();
+CAD_API void afxSetResourceHandle(void* handle);
+// Modules that extend the session with dialogs of their own, entered and left as libraries come and go.
+CAD_API bool afxAddExtensionModule(void* instance);
+CAD_API void afxRemoveExtensionModule(void* instance);

@@ -1,0 +1,234 @@
+// The seam to the host: the whole list of what the logic of this module needs of a CAD host, under the
+// host interface's own names, and what the module adds to it: shared operations, and owners that close
+// and release by themselves.
+//
+// No other header of the host is included anywhere in the module, so that this list is what another host
+// has to offer.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "cad/api/codes.h"
+#include "cad/api/database.h"
+#include "cad/api/editor.h"
+#include "cad/api/services.h"
+#include "cad/family/hn_geometry.h"
+#include "cad/family/ksr.h"
+
+namespace vessora {
+
+// --- owners --------------------------------------------------------------------------------------
+
+// An opened object that closes itself.
+//   if (Opened<AcDbBlockReference> block{id}) use(block->position());
+template <class T>
+class Opened {
+ public:
+  Opened() = default;
+  explicit Opened(AcDbObjectId id, AcDb::OpenMode mode = AcDb::kForRead) {
+    acdbOpenObject(object_, id, mode);
+  }
+  explicit Opened(T* object) : object_(object) {}
+  Opened(Opened&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
+  Opened& operator=(Opened&& other) noexcept {
+    if (this != &other) {
+      close();
+      object_ = std::exchange(other.object_, nullptr);
+    }
+    return *this;
+  }
+  ~Opened() { close(); }
+  void close() {
+    if (object_) std::exchange(object_, nullptr)->close();
+  }
+  T* get() const { return object_; }
+  T* operator->() const { return object_; }
+  T& operator*() const { return *object_; }
+  explicit operator bool() const { return object_ != nullptr; }
+  // The object as a more special class when it is one, else null; this stays the owner.
+  template <class U>
+  U* as() const {
+    return object_ && object_->isKindOf(U::desc()) ? static_cast<U*>(static_cast<AcRxObject*>(object_))
+                                                   : nullptr;
+  }
+
+ private:
+  T* object_ = nullptr;
+};
+
+// A result chain that releases itself, and its reading by position.
+class Chain {
+ public:
+  Chain() = default;
+  explicit Chain(resbuf* chain) : chain_(chain) {}
+  Chain(Chain&& other) noexcept : chain_(std::exchange(other.chain_, nullptr)) {}
+  Chain& operator=(Chain&& other) noexcept {
+    if (this != &other) {
+      acutRelRb(chain_);
+      chain_ = std::exchange(other.chain_, nullptr);
+    }
+    return *this;
+  }
+  ~Chain() { acutRelRb(chain_); }
+  explicit operator bool() const { return chain_ != nullptr; }
+  resbuf* get() const { return chain_; }
+  // Gives the chain to the caller.
+  resbuf* release() { return std::exchange(chain_, nullptr); }
+  // The item at a position behind the application's header, counted from 1, or null.
+  resbuf* item(int position) const {
+    resbuf* node = chain_;
+    while (node && position-- > 0) node = node->rbnext;
+    return node;
+  }
+  // Text of the item at a position; empty when there is none or it holds no text.
+  std::u16string_view text(int position) const {
+    const resbuf* node = item(position);
+    return node && acutKindOf(node->restype) == RbKind::text && node->resval.rstring
+               ? std::u16string_view(node->resval.rstring)
+               : std::u16string_view();
+  }
+
+ private:
+  resbuf* chain_ = nullptr;
+};
+
+// Walks a list of extended data item by item, without looking at group codes: each call takes the next
+// item as what the layout says it is. A missing item, or one of another kind, reads as empty or zero.
+class XDataReader {
+ public:
+  explicit XDataReader(const Chain& chain) : at_(chain.item(1)) {}
+  bool done() const { return at_ == nullptr; }
+  // Group code of the item to come, 0 at the end.
+  int code() const { return at_ ? at_->restype : 0; }
+  std::u16string_view text() {
+    const resbuf* node = take();
+    return node && acutKindOf(node->restype) == RbKind::text ? std::u16string_view(node->resval.rstring)
+                                                             : std::u16string_view();
+  }
+  double real() {
+    const resbuf* node = take();
+    if (!node) return 0;
+    switch (acutKindOf(node->restype)) {
+      case RbKind::real: return node->resval.rreal;
+      case RbKind::int16: return node->resval.rint;
+      case RbKind::int32: return node->resval.rlong;
+      default: return 0;
+    }
+  }
+  int integer() { return static_cast<int>(real()); }
+  void skip() { take(); }
+
+ private:
+  const resbuf* take() { return at_ ? std::exchange(at_, at_->rbnext) : nullptr; }
+  const resbuf* at_;
+};
+
+// Builds a list of extended data item by item, where its length is not known beforehand.
+class XDataBuilder {
+ public:
+  explicit XDataBuilder(std::u16string_view application)
+      : chain_(acutBuildList(1001, application, RTNONE)), last_(chain_.get()) {}
+  void text(std::u16string_view value) { add(acutBuildList(1000, value, RTNONE)); }
+  void real(double value) { add(acutBuildList(1040, value, RTNONE)); }
+  void integer(int value) { add(acutBuildList(1070, value, RTNONE)); }
+  Chain take() {
+    last_ = nullptr;
+    return std::move(chain_);
+  }
+
+ private:
+  void add(resbuf* node) { last_ = last_->rbnext = node; }
+  Chain chain_;
+  resbuf* last_;
+};
+
+// A selection set that frees itself.
+//   SelectionSet set(u"_X", filter);
+//   for (AcDbObjectId id : set) ...
+class SelectionSet {
+ public:
+  using Select = int (*)(const char16_t*, const void*, const void*, const resbuf*, ads_name&);
+
+  SelectionSet() = default;
+  // Releases the filter. `mode` null lets the user pick.
+  SelectionSet(const char16_t* mode, resbuf* filter, Select select = acedSSGet);
+  SelectionSet(const SelectionSet&) = delete;
+  SelectionSet& operator=(const SelectionSet&) = delete;
+  ~SelectionSet();
+  // Whether the selection answered RTNORM.
+  bool ok() const { return ok_; }
+  int size() const { return size_; }
+  AcDbObjectId operator[](int index) const;
+
+  class Iterator {
+   public:
+    Iterator(const SelectionSet& set, int at) : set_(set), at_(at) {}
+    AcDbObjectId operator*() const { return set_[at_]; }
+    Iterator& operator++() {
+      ++at_;
+      return *this;
+    }
+    bool operator!=(const Iterator& other) const { return at_ != other.at_; }
+
+   private:
+    const SelectionSet& set_;
+    int at_;
+  };
+  Iterator begin() const { return {*this, 0}; }
+  Iterator end() const { return {*this, size_}; }
+
+ private:
+  ads_name set_;
+  int size_ = 0;
+  bool ok_ = false;
+};
+
+// --- shared operations ---------------------------------------------------------------------------
+
+// The text of the last attribute with exactly this tag, empty when there is none; true if non-empty.
+bool ReadAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
+// Sets the text of every attribute with exactly this tag; the block must be open.
+void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string_view text);
+// ReadAttribute with a check: where the text differs from the id in the block's extended data, the user
+// is told and the extended data win.
+bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
+// Several attributes in one walk: texts[i] gets the text of the last attribute with tags[i]. Bit i of
+// the result tells that there is one.
+unsigned ReadAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
+                        std::u16string* texts, int count);
+// The check of ReadNameAttribute by itself: `text` is what the attribute says, `data` the block's
+// extended data of the network.
+void CheckName(const Chain& data, std::u16string& text);
+// Removes one application's extended data; 1 if the list could be built. The entity is open for write.
+int ClearXData(AcDbObject* entity, std::u16string_view application);
+// Makes a node of a list the text item 1000 with this text, whatever it held.
+void SetTextItem(resbuf* node, std::u16string_view text);
+int CountVertices(AcDb3dPolyline* polyline);
+// The mean of all vertices; false without vertices.
+bool PolylineCentroid(AcDb3dPolyline* polyline, AcGePoint3d& centroid);
+// Appends each vertex' position.
+void ReadVertices(AcDb3dPolyline* polyline, AcGePoint3dArray& points);
+// Moves the vertices of a polyline (open for write) to `points` and erases those beyond them; puts
+// extended data (null: as it is; released here in any case), layer (empty: as it is) and colour
+// (256: as it is). 0 for a null polyline, else 1.
+int RewritePolyline(const AcGePoint3dArray& points, AcDb3dPolyline* polyline, int color,
+                    std::u16string_view layer, resbuf* xdata);
+// The text style of a name, compared in upper case.
+bool FindTextStyle(std::u16string_view name, AcDbObjectId& id);
+// A host variable that holds a text. False when there is none of the name or it holds none.
+bool ReadTextVariable(std::u16string_view name, std::u16string& text);
+
+// Points that coincide within `tolerance` per axis, strictly.
+inline bool samePoint(const AcGePoint3d& a, const AcGePoint3d& b, double tolerance = 0.001) {
+  return std::fabs(a.x - b.x) < tolerance && std::fabs(a.y - b.y) < tolerance &&
+         std::fabs(a.z - b.z) < tolerance;
+}
+inline bool samePlanPoint(const AcGePoint3d& a, const AcGePoint3d& b, double tolerance) {
+  return std::fabs(a.x - b.x) < tolerance && std::fabs(a.y - b.y) < tolerance;
+}
+
+}  // namespace vessora

@@ -1,0 +1,23 @@
+// Commands whose bodies are still to come: they say so and change nothing.
+#include "module/host/module.h"
+#include "module/host/translate.h"
+
+#define PENDING(name)                                                                \
+  int vessora::EpaCommands::name() {                                                 \
+    acutPrintf(vessora::TraduciTesto(u"\nComando non disponibile in questa versione.")); \
+    return kAbandoned;                                                               \
+  }
+
+PENDING(hnaddepa)
+PENDING(hnmatepa)
+PENDING(hnmodepa)
+PENDING(hnpzzpmod)
+PENDING(hnsetmat)
+PENDING(hnsetpat)
+PENDING(epaProf)
+PENDING(epacalc)
+PENDING(epapiezo)
+PENDING(epascale)
+PENDING(epatables)
+PENDING(imprpt)
+PENDING(netvis)
