@@ -12,6 +12,10 @@ void* moduleInstance();
 // Rises when a command begins. Whatever is remembered about the drawing for the length of one
 // command is stale when the number is another one: a user may have undone or erased anything since.
 extern std::uint32_t commandNumber;
+// Has `forget` called once, when the running command has ended: the place to release such memories.
+void atCommandEnd(void (*forget)());
+// What the exports call when a command's body is through.
+void endCommand();
 
 // Bodies of the two exports that other modules call; they live where their work is done.
 // ScriviInp: 1 when the file has been written, else 0.

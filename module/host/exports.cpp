@@ -32,6 +32,7 @@ void runCommand(Body body) {
   ++commandNumber;
   commands.database = database;
   runBody(commands, body);
+  endCommand();
   afxSetResourceHandle(resources);
 }
 

@@ -84,7 +84,8 @@ void CheckName(const Chain& data, std::u16string& text) {
 
 bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text) {
   // Where the block has no such attribute there is nothing a user could have edited.
-  if (ReadAttributes(block, &tag, &text, 1) != 0) CheckName(Chain(block->xData(app::kImport)), text);
+  if (ReadAttributes(block, &tag, &text, 1) != 0)
+    CheckName(Chain(block->xData(app::kImport)), text);
   return !text.empty();
 }
 

@@ -1,9 +1,9 @@
-// The seam to the host: the whole list of what the logic of this module needs of a CAD host, under the
-// host interface's own names, and what the module adds to it: shared operations, and owners that close
-// and release by themselves.
+// The seam to the host: the whole list of what the logic of this module needs of a CAD host, under
+// the host interface's own names, and what the module adds to it: shared operations, and owners
+// that close and release by themselves.
 //
-// No other header of the host is included anywhere in the module, so that this list is what another host
-// has to offer.
+// No other header of the host is included anywhere in the module, so that this list is what another
+// host has to offer.
 #pragma once
 
 #include <memory>
@@ -52,8 +52,9 @@ class Opened {
   // The object as a more special class when it is one, else null; this stays the owner.
   template <class U>
   U* as() const {
-    return object_ && object_->isKindOf(U::desc()) ? static_cast<U*>(static_cast<AcRxObject*>(object_))
-                                                   : nullptr;
+    return object_ && object_->isKindOf(U::desc())
+               ? static_cast<U*>(static_cast<AcRxObject*>(object_))
+               : nullptr;
   }
 
  private:
@@ -96,8 +97,9 @@ class Chain {
   resbuf* chain_ = nullptr;
 };
 
-// Walks a list of extended data item by item, without looking at group codes: each call takes the next
-// item as what the layout says it is. A missing item, or one of another kind, reads as empty or zero.
+// Walks a list of extended data item by item, without looking at group codes: each call takes the
+// next item as what the layout says it is. A missing item, or one of another kind, reads as empty
+// or zero.
 class XDataReader {
  public:
   explicit XDataReader(const Chain& chain) : at_(chain.item(1)) {}
@@ -106,17 +108,22 @@ class XDataReader {
   int code() const { return at_ ? at_->restype : 0; }
   std::u16string_view text() {
     const resbuf* node = take();
-    return node && acutKindOf(node->restype) == RbKind::text ? std::u16string_view(node->resval.rstring)
-                                                             : std::u16string_view();
+    return node && acutKindOf(node->restype) == RbKind::text
+               ? std::u16string_view(node->resval.rstring)
+               : std::u16string_view();
   }
   double real() {
     const resbuf* node = take();
     if (!node) return 0;
     switch (acutKindOf(node->restype)) {
-      case RbKind::real: return node->resval.rreal;
-      case RbKind::int16: return node->resval.rint;
-      case RbKind::int32: return node->resval.rlong;
-      default: return 0;
+      case RbKind::real:
+        return node->resval.rreal;
+      case RbKind::int16:
+        return node->resval.rint;
+      case RbKind::int32:
+        return node->resval.rlong;
+      default:
+        return 0;
     }
   }
   int integer() { return static_cast<int>(real()); }
@@ -189,21 +196,23 @@ class SelectionSet {
 
 // --- shared operations ---------------------------------------------------------------------------
 
-// The text of the last attribute with exactly this tag, empty when there is none; true if non-empty.
+// The text of the last attribute with exactly this tag, empty when there is none; true if
+// non-empty.
 bool ReadAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
 // Sets the text of every attribute with exactly this tag; the block must be open.
 void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string_view text);
-// ReadAttribute with a check: where the text differs from the id in the block's extended data, the user
-// is told and the extended data win.
+// ReadAttribute with a check: where the text differs from the id in the block's extended data, the
+// user is told and the extended data win.
 bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
-// Several attributes in one walk: texts[i] gets the text of the last attribute with tags[i]. Bit i of
-// the result tells that there is one.
+// Several attributes in one walk: texts[i] gets the text of the last attribute with tags[i]. Bit i
+// of the result tells that there is one.
 unsigned ReadAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
                         std::u16string* texts, int count);
 // The check of ReadNameAttribute by itself: `text` is what the attribute says, `data` the block's
 // extended data of the network.
 void CheckName(const Chain& data, std::u16string& text);
-// Removes one application's extended data; 1 if the list could be built. The entity is open for write.
+// Removes one application's extended data; 1 if the list could be built. The entity is open for
+// write.
 int ClearXData(AcDbObject* entity, std::u16string_view application);
 // Makes a node of a list the text item 1000 with this text, whatever it held.
 void SetTextItem(resbuf* node, std::u16string_view text);

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <new>
+#include <utility>
 
 #include "module/host/entry.h"
 #include "module/host/translate.h"
@@ -201,6 +202,16 @@ bool ReadInstallPath() {
   return ReadInstallPath(installPath) == kRan;
 }
 
+namespace {
+std::vector<void (*)()> endOfCommand;
+}
+
+void atCommandEnd(void (*forget)()) { endOfCommand.push_back(forget); }
+
+void endCommand() {
+  for (void (*forget)() : std::exchange(endOfCommand, {})) forget();
+}
+
 std::u16string layer::of(std::u16string_view prefix, std::u16string_view network) {
   std::u16string name;
   name.reserve(prefix.size() + network.size());
@@ -224,7 +235,7 @@ MODULE_EXPORT AcRx::AppRetCode acrxEntryPoint(AcRx::AppMsgCode message, void* pa
       vessora::tearDown();
       break;
     case AcRx::kLoadDwgMsg:
-      if (kDescriptor.documentLoad) kDescriptor.documentLoad();
+      kDescriptor.documentLoad();
       break;
     case AcRx::kUnloadDwgMsg:
       if (kDescriptor.documentUnload) kDescriptor.documentUnload();

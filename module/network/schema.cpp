@@ -36,8 +36,8 @@ resbuf* blocksOf(std::u16string_view name, std::u16string_view layer) {
 }  // namespace
 
 resbuf* WholeNetworkFilter(const NetworkLayers& layers, bool companions) {
-  resbuf* others =
-      companions ? acutBuildList(8, layers.valv, 8, layers.pump, RTNONE) : static_cast<resbuf*>(nullptr);
+  resbuf* others = companions ? acutBuildList(8, layers.valv, 8, layers.pump, RTNONE)
+                              : static_cast<resbuf*>(nullptr);
   return join({acutBuildList(-4, u"<or", RTNONE), blocksOf(block::kJunc, layers.junc),
                blocksOf(block::kResv, layers.resv), blocksOf(block::kTank, layers.tank),
                blocksOf(block::kValv, layers.valv), blocksOf(block::kPump, layers.pump),
@@ -46,18 +46,18 @@ resbuf* WholeNetworkFilter(const NetworkLayers& layers, bool companions) {
 }
 
 resbuf* LinkPolylineFilter(const NetworkLayers& layers) {
-  return acutBuildList(-4, u"<and", RTDXF0, u"POLYLINE", -4, u"<or", 8, layers.pipe, 8, layers.valv, 8,
-                       layers.pump, -4, u"or>", -4, u"and>", RTNONE);
+  return acutBuildList(-4, u"<and", RTDXF0, u"POLYLINE", -4, u"<or", 8, layers.pipe, 8, layers.valv,
+                       8, layers.pump, -4, u"or>", -4, u"and>", RTNONE);
 }
 
 resbuf* NodeBlockFilter(const NetworkLayers& layers) {
-  return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", -4, u"<or", 8, layers.junc, 8, layers.resv, 8,
-                       layers.tank, -4, u"or>", -4, u"and>", RTNONE);
+  return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", -4, u"<or", 8, layers.junc, 8, layers.resv,
+                       8, layers.tank, -4, u"or>", -4, u"and>", RTNONE);
 }
 
 resbuf* LinkBlockFilter(const NetworkLayers& layers) {
-  return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", -4, u"<or", 8, layers.valv, 8, layers.pump, -4,
-                       u"or>", -4, u"and>", RTNONE);
+  return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", -4, u"<or", 8, layers.valv, 8, layers.pump,
+                       -4, u"or>", -4, u"and>", RTNONE);
 }
 
 resbuf* BlocksOnLayerFilter(std::u16string_view layer) {
@@ -96,23 +96,23 @@ Chain TankData(std::u16string_view id, std::u16string_view volCurve) {
 }
 
 Chain PipeData(const EpaPipe& pipe) {
-  return Chain(acutBuildList(1001, app::kImport, 1000, pipe.id, 1040, platform::wtof(pipe.length), 1040,
-                             platform::wtof(pipe.diameter), 1040, platform::wtof(pipe.roughness), 1040,
-                             platform::wtof(pipe.minorLoss), 1000, pipe.status, 1000, pipe.node1, 1000,
-                             pipe.node2, RTNONE));
+  return Chain(acutBuildList(1001, app::kImport, 1000, pipe.id, 1040, platform::wtof(pipe.length),
+                             1040, platform::wtof(pipe.diameter), 1040,
+                             platform::wtof(pipe.roughness), 1040, platform::wtof(pipe.minorLoss),
+                             1000, pipe.status, 1000, pipe.node1, 1000, pipe.node2, RTNONE));
 }
 
 Chain ValvData(const EpaValv& valv, double diameter, double minorLoss) {
-  return Chain(acutBuildList(1001, app::kImport, 1000, valv.id, 1040, diameter, 1000, valv.type, 1000,
-                             valv.status, 1000, valv.setting, 1040, minorLoss, 1000, valv.node1, 1000,
-                             valv.node2, RTNONE));
+  return Chain(acutBuildList(1001, app::kImport, 1000, valv.id, 1040, diameter, 1000, valv.type,
+                             1000, valv.status, 1000, valv.setting, 1040, minorLoss, 1000,
+                             valv.node1, 1000, valv.node2, RTNONE));
 }
 
 Chain PumpData(const EpaPump& pump) {
-  return Chain(acutBuildList(1001, app::kImport, 1000, pump.id, 1000, pump.node1, 1000, pump.node2, 1000,
-                             pump.headCurve, 1040, platform::wtof(pump.power), 1040,
-                             platform::wtof(pump.speed), 1000, pump.speedPattern, 1000, pump.effCurve,
-                             1040, platform::wtof(pump.price), 1000, pump.pricePattern, RTNONE));
+  return Chain(acutBuildList(
+      1001, app::kImport, 1000, pump.id, 1000, pump.node1, 1000, pump.node2, 1000, pump.headCurve,
+      1040, platform::wtof(pump.power), 1040, platform::wtof(pump.speed), 1000, pump.speedPattern,
+      1000, pump.effCurve, 1040, platform::wtof(pump.price), 1000, pump.pricePattern, RTNONE));
 }
 
 Chain CompanionData(std::u16string_view id) {
@@ -140,8 +140,8 @@ bool LinkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place) {
 
 double HeightBetween(const AcGePoint3d& start, const AcGePoint3d& end, const AcGePoint3d& at) {
   const double whole = std::hypot(end.x - start.x, end.y - start.y);
-  if (whole == 0) return start.z;
-  return start.z + (end.z - start.z) * std::hypot(at.x - start.x, at.y - start.y) / whole;
+  const double z = start.z + (end.z - start.z) * std::hypot(at.x - start.x, at.y - start.y) / whole;
+  return std::isfinite(z) ? z : start.z;
 }
 
 void InterpolateInterior(AcGePoint3dArray& points) {

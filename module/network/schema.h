@@ -1,11 +1,11 @@
-// How a network lives in a drawing: layers, blocks, attribute tags, extended data, and the selections
-// that find it.
+// How a network lives in a drawing: layers, blocks, attribute tags, extended data, and the
+// selections that find it.
 //
-// An element belongs to a network by the layer of its entity: kind prefix and network name. Nodes are
-// blocks with attributes, pipes are 3D polylines, pumps and valves are a block that holds the data and
-// a companion polyline that holds the course. Attributes hold what a user reads on the plan, extended
-// data what the calculation needs besides. Lists of extended data are read by position; group codes
-// are not looked at.
+// An element belongs to a network by the layer of its entity: kind prefix and network name. Nodes
+// are blocks with attributes, pipes are 3D polylines, pumps and valves are a block that holds the
+// data and a companion polyline that holds the course. Attributes hold what a user reads on the
+// plan, extended data what the calculation needs besides. Lists of extended data are read by
+// position; group codes are not looked at.
 #pragma once
 
 #include <string>
@@ -49,7 +49,8 @@ struct NetworkLayers {
   std::u16string junc, resv, tank, pipe, pump, valv;
 };
 
-// --- filters. The caller owns the chain; SelectionSet takes it. -----------------------------------
+// --- filters. The caller owns the chain; SelectionSet takes it.
+// -----------------------------------
 
 // All blocks and link polylines of a network; without companions, of the polylines only the pipes.
 resbuf* WholeNetworkFilter(const NetworkLayers& layers, bool companions = true);
@@ -91,13 +92,13 @@ void StoreReal(wide50& field, double value);
 // Tolerance per axis, strict, by which blocks and link ends are found by their place.
 inline constexpr double kPlaceTolerance = 0.0001;
 
-// Where the block of a valve or pump stands on its companion polyline: amid the first two vertices of
-// two, amid the second and the third of more. False with fewer than two.
+// Where the block of a valve or pump stands on its companion polyline: amid the first two vertices
+// of two, amid the second and the third of more. False with fewer than two.
 bool LinkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place);
 
-// The height at a point of a link whose ends are `start` and `end`: linear in the plan distance from
-// the start, not clamped. Ends that coincide in plan have no slope to follow, and the start's height
-// is given: a division by zero must never put a NaN into a drawing.
+// The height at a point of a link whose ends are `start` and `end`: linear in the plan distance
+// from the start, not clamped. Ends that coincide in plan (or all but do) have no slope to follow,
+// and the start's height is given: a division by zero must never put a NaN into a drawing.
 double HeightBetween(const AcGePoint3d& start, const AcGePoint3d& end, const AcGePoint3d& at);
 // Puts every vertex between the ends at that height.
 void InterpolateInterior(AcGePoint3dArray& points);

@@ -1,0 +1,55 @@
+#include "module/dialogs/elenco_reti.h"
+
+#include "module/host/messages.h"
+#include "module/network/settings_store.h"
+
+namespace vessora {
+
+void CDlgElencoReti::onInit() {
+  ModuleDialog::onInit();
+  networks.setItems(networkNames);
+  networks.select(0);
+}
+
+void CDlgElencoReti::onOk() {
+  if (networks.selected() >= 0) selectedNetwork = networks.shown();
+  ModuleDialog::onOk();
+}
+
+bool IsAqueductNetwork(std::u16string_view name) { return name.substr(0, 5) == u"HN-AQ"; }
+
+namespace {
+
+// The user's choice into selectedNetwork; false for "Annulla".
+bool takeFromList(AqueductNetworks aqueduct) {
+  CDlgElencoReti dialog;
+  for (;;) {
+    if (!dialog.doModal()) return false;
+    if (aqueduct == AqueductNetworks::accepted || !IsAqueductNetwork(selectedNetwork)) return true;
+    ShowMessage(TraduciTesto(u"Rete non valida!\nSelezionare una rete Epanet!"));
+    if (aqueduct == AqueductNetworks::refusedOnce) aqueduct = AqueductNetworks::accepted;
+  }
+}
+
+}  // namespace
+
+bool ChooseNetwork(AqueductNetworks aqueduct) {
+  networkNames.clear();
+  ListNetworks(networkNames, defaultNetwork);
+  if (networkNames.empty()) {
+    ShowMessage(TraduciTesto(u"Non esiste alcuna rete!"));
+    return false;
+  }
+  if (networkNames.size() < 2 || !defaultNetwork.empty()) {
+    currentNetwork = defaultNetwork;
+    return true;
+  }
+  if (!takeFromList(aqueduct)) {
+    networkNames.clear();
+    return false;
+  }
+  currentNetwork = selectedNetwork;
+  return true;
+}
+
+}  // namespace vessora

@@ -1,0 +1,182 @@
+#include "module/inp/collection.h"
+
+#include "module/network/element_loaders.h"
+#include "module/network/pattern_curve_store.h"
+#include "module/network/schema.h"
+#include "platform/format.h"
+
+namespace vessora {
+namespace {
+
+class Collector {
+ public:
+  Collector(const NetworkLayers& layers, EpaNetwork& network)
+      : layers_(layers), network_(network) {}
+
+  void take(AcDb3dPolyline* polyline) {
+    const std::u16string layer = polyline->layer();
+    const Chain data(polyline->xData(app::kImport));
+    if (!data) return;
+    if (layer == layers_.pipe) {
+      EpaPipe& pipe = network_.pipes.emplace_back();
+      pipe.objectId = polyline->objectId();
+      TakeData(XDataReader(data), pipe);
+      addVertices(polyline, pipe.id);
+    } else if (layer == layers_.valv || layer == layers_.pump) {
+      addVertices(polyline, data.text(1));
+    }
+  }
+
+  void take(AcDbBlockReference* block) {
+    const std::u16string layer = block->layer();
+    if (layer == layers_.junc) {
+      takeJunc(block);
+    } else if (layer == layers_.resv) {
+      takeResv(block);
+    } else if (layer == layers_.tank) {
+      takeTank(block);
+    } else if (layer == layers_.pump) {
+      takePump(block);
+    } else if (layer == layers_.valv) {
+      takeValv(block);
+    }
+  }
+
+ private:
+  // A junction without extended data keeps emitter and pattern of the junction before it; files
+  // made so far have it so. Reservoirs and tanks alike.
+  void takeJunc(AcDbBlockReference* block) {
+    EpaJunc& junc = network_.juncs.emplace_back();
+    if (const std::size_t n = network_.juncs.size(); n > 1) {
+      junc.emitter = network_.juncs[n - 2].emitter;
+      junc.pattern = network_.juncs[n - 2].pattern;
+    }
+    takeNode(block, junc, true);
+  }
+  void takeResv(AcDbBlockReference* block) {
+    EpaResv& resv = network_.resvs.emplace_back();
+    if (const std::size_t n = network_.resvs.size(); n > 1) {
+      resv.pattern = network_.resvs[n - 2].pattern;
+    }
+    takeNode(block, resv, false);
+  }
+  void takeTank(AcDbBlockReference* block) {
+    EpaTank& tank = network_.tanks.emplace_back();
+    if (const std::size_t n = network_.tanks.size(); n > 1) {
+      tank.volCurve = network_.tanks[n - 2].volCurve;
+    }
+    takeNode(block, tank, true);
+  }
+
+  template <class Node>
+  void takeNode(AcDbBlockReference* block, Node& node, bool checked) {
+    node.objectId = block->objectId();
+    const bool named = TakeAttributes(block, node);
+    const Chain data(block->xData(app::kImport));
+    if (checked && named && data && data.text(1) != node.id) {
+      std::u16string id = node.id.str();
+      CheckName(data, id);
+      node.id = id;
+    }
+    if (data) TakeData(XDataReader(data), node);
+    const AcGePoint3d at = block->position();
+    addPoint(network_.coords, node.id, at);
+  }
+
+  void takePump(AcDbBlockReference* block) {
+    const Chain data(block->xData(app::kImport));
+    if (!data) return;
+    EpaPump& pump = network_.pumps.emplace_back();
+    pump.objectId = block->objectId();
+    TakeAttributes(block, pump);
+    TakeData(XDataReader(data), pump);
+    pump.id = data.text(1);
+    // The second node's name is printed as a template, so that a '%' in it is not kept.
+    pump.node2 = platform::format(pump.node2);
+  }
+
+  void takeValv(AcDbBlockReference* block) {
+    const Chain data(block->xData(app::kImport));
+    if (!data) return;
+    EpaValv& valv = network_.valves.emplace_back();
+    valv.objectId = block->objectId();
+    valv.status = u"None";
+    XDataReader reader(data);
+    TakeText(reader, valv.id);
+    TakeReal(reader, valv.diameter);
+    TakeText(reader, valv.type);
+    TakeText(reader, valv.status);
+    // Stored as text and taken as a real: a text gives 0, and files have "0.000" for every valve.
+    TakeReal(reader, valv.setting);
+    TakeReal(reader, valv.minorLoss);
+    TakeText(reader, valv.node1);
+    TakeText(reader, valv.node2);
+  }
+
+  void addVertices(AcDb3dPolyline* polyline, std::u16string_view id) {
+    points_.clear();
+    ReadVertices(polyline, points_);
+    for (const AcGePoint3d& point : points_) addPoint(network_.vertices, id, point);
+  }
+
+  static void addPoint(RecordList<EpaCoord>& list, std::u16string_view id,
+                       const AcGePoint3d& point) {
+    EpaCoord& row = list.emplace_back();
+    row.id = id;
+    StoreReal(row.x, point.x);
+    StoreReal(row.y, point.y);
+  }
+
+  const NetworkLayers& layers_;
+  EpaNetwork& network_;
+  AcGePoint3dArray points_;
+};
+
+// Calls visit with each 3D polyline and each block of a selection.
+template <class Visit>
+void forEachEntity(const SelectionSet& set, Visit visit) {
+  for (const AcDbObjectId id : set) {
+    const Opened<AcDbEntity> entity(id);
+    if (auto* polyline = entity.as<AcDb3dPolyline>()) {
+      visit(polyline);
+    } else if (auto* block = entity.as<AcDbBlockReference>()) {
+      visit(block);
+    }
+  }
+}
+
+}  // namespace
+
+void CollectNetwork(std::u16string_view name, EpaNetwork& network) {
+  const NetworkLayers layers(name);
+  LoadPatterns(network.patterns, name);
+  LoadCurves(network.curves, name);
+  const SelectionSet set(u"_X", WholeNetworkFilter(layers));
+  Collector collector(layers, network);
+  forEachEntity(set, [&](auto* entity) { collector.take(entity); });
+}
+
+void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
+                         std::vector<std::u16string>& linkNames) {
+  const NetworkLayers layers(name);
+  const SelectionSet set(u"_X", WholeNetworkFilter(layers, false));
+  const auto takeBlock = [&](AcDbBlockReference* block) {
+    const std::u16string layer = block->layer();
+    const bool node = layer == layers.junc || layer == layers.resv || layer == layers.tank;
+    if (!node && layer != layers.pump && layer != layers.valv) return;
+    ReadNameAttribute(block, tag::kId, (node ? nodeNames : linkNames).emplace_back());
+  };
+  const auto takePolyline = [&](AcDb3dPolyline* polyline) {
+    const Chain data(polyline->xData(app::kImport));
+    if (data.item(1)) linkNames.emplace_back(data.text(1));
+  };
+  forEachEntity(set, [&](auto* entity) {
+    if constexpr (std::is_same_v<decltype(entity), AcDb3dPolyline*>) {
+      takePolyline(entity);
+    } else {
+      takeBlock(entity);
+    }
+  });
+}
+
+}  // namespace vessora

@@ -1,0 +1,25 @@
+// A whole network read out of the drawing.
+//
+// Nothing is sorted, checked or joined: what the drawing holds is what comes out, in drawing order.
+// Links name their nodes by what they have stored, not by where they lie.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "module/network/records.h"
+
+namespace vessora {
+
+// Fills the lists of `network`, which must be empty. A network that is not in the drawing leaves
+// them short. The user is told of each junction and tank whose name attribute differs from its
+// imported name, which wins. Valves get the setting "0.000" whatever they have.
+void CollectNetwork(std::u16string_view name, EpaNetwork& network);
+
+// Appends the names of all nodes and of all links, doubles included. The user is told as above, of
+// all kinds of blocks.
+void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
+                         std::vector<std::u16string>& linkNames);
+
+}  // namespace vessora

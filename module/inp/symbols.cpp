@@ -1,0 +1,341 @@
+#include "module/inp/symbols.h"
+
+#include <map>
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "module/host/entry.h"
+#include "module/host/module.h"
+#include "module/host/translate.h"
+#include "module/inp/point_grid.h"
+#include "platform/text.h"
+
+namespace vessora {
+
+namespace {
+
+constexpr double kArrowTolerance = 0.0001;
+
+// --- what is remembered for the length of one command --------------------------------------------
+
+// A block definition: its record and its attribute definitions in drawing order.
+struct Symbol {
+  struct Definition {
+    std::u16string tag;
+    AcDbObjectId id;
+  };
+  AcDbObjectId block;
+  std::vector<Definition> definitions;
+};
+
+using ArrowGrid = PointGrid<AcDbObjectId>;
+
+struct Memory {
+  std::uint32_t command = 0;
+  AcDbObjectId modelSpace;
+  AcGeVector3d normal;  // the user's Z axis in the world
+  std::map<std::u16string, Symbol, std::less<>> symbols;   // by block name
+  std::map<std::u16string, ArrowGrid, std::less<>> arrows;  // by layer
+};
+std::optional<Memory> memory;
+
+// The Z axis of the user's coordinate system as a direction in the world.
+AcGeVector3d userZAxis() {
+  resbuf from, to;
+  from.restype = to.restype = RTSHORT;
+  from.resval.rint = 1;
+  to.resval.rint = 0;
+  AcGePoint3d z;
+  if (acedTrans({0, 0, 1}, &from, &to, true, z) != RTNORM) return {0, 0, 1};
+  return {z.x, z.y, z.z};
+}
+
+// The record of a block name in a drawing, null when there is none.
+AcDbObjectId blockNamed(AcDbDatabase* database, std::u16string_view name) {
+  AcDbObjectId id;
+  AcDbBlockTable* opened = nullptr;
+  if (database->getBlockTable(opened, AcDb::kForRead) != Acad::eOk) return id;
+  const Opened<AcDbBlockTable> table(opened);
+  if (table->getAt(name, id) != Acad::eOk) id.setNull();
+  return id;
+}
+
+// The memory of this command and this drawing, or null without a drawing.
+Memory* remembered() {
+  AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
+  if (!database) return nullptr;
+  if (memory && memory->command == commandNumber && memory->modelSpace.database() == database) {
+    return &*memory;
+  }
+  if (!memory) atCommandEnd(ForgetSymbols);
+  memory.emplace();
+  memory->command = commandNumber;
+  memory->modelSpace = blockNamed(database, u"*Model_Space");
+  memory->normal = userZAxis();
+  return memory->modelSpace.isNull() ? nullptr : &*memory;
+}
+
+// --- block definitions ---------------------------------------------------------------------------
+
+void tell(const char16_t* message, std::u16string_view path) {
+  acutPrintf(platform::format(TraduciTesto(message), path));
+}
+
+// Copies a block file of the product into the drawing; null after telling why not.
+AcDbObjectId readBlock(AcDbDatabase* database, std::u16string_view name) {
+  std::u16string path;
+  ReadInstallPath(path);
+  path += u"vessora\\";
+  path += name;
+  path += u".dwg";
+  AcDbDatabase source(false);
+  if (source.readDwgFile(path) != Acad::eOk) {
+    tell(u"\nImpossibile leggere il blocco: \"%s\"!", path);
+    return {};
+  }
+  AcDbObjectId id;
+  if (database->insert(id, name, &source) != Acad::eOk) {
+    tell(u"\nImpossibile inserire il blocco: \"%s\"!", path);
+    return {};
+  }
+  return id;
+}
+
+void readDefinitions(Symbol& symbol) {
+  const Opened<AcDbBlockTableRecord> block(symbol.block);
+  AcDbBlockTableRecordIterator* made = nullptr;
+  if (!block || block->newIterator(made) != Acad::eOk) return;
+  const std::unique_ptr<AcDbBlockTableRecordIterator> iterator(made);
+  for (; !iterator->done(); iterator->step()) {
+    const AcDbObjectId id = iterator->getEntityId();
+    if (const Opened<AcDbAttributeDefinition> definition(id); definition) {
+      symbol.definitions.push_back({definition->tag(), id});
+    }
+  }
+}
+
+// The block of this name, read from its file when the drawing lacks it; null when that fails.
+const Symbol* symbolNamed(Memory& known, std::u16string_view name) {
+  if (const auto at = known.symbols.find(name); at != known.symbols.end()) return &at->second;
+  AcDbDatabase* const database = known.modelSpace.database();
+  Symbol symbol;
+  symbol.block = blockNamed(database, name);
+  if (symbol.block.isNull()) symbol.block = readBlock(database, name);
+  if (symbol.block.isNull()) return nullptr;
+  readDefinitions(symbol);
+  return &known.symbols.emplace(name, std::move(symbol)).first->second;
+}
+
+// --- references ----------------------------------------------------------------------------------
+
+struct Value {
+  std::u16string_view tag;
+  std::u16string_view text;
+};
+using Values = std::initializer_list<Value>;
+
+struct Placement {
+  AcGePoint3d point;
+  std::u16string_view layer;  // empty: the current one
+  double rotation = 0;
+  double scale = 1;
+};
+
+// A new reference in model space, open for write; null when it could not be made.
+Opened<AcDbBlockReference> place(const Memory& known, const Symbol& symbol, const Placement& at,
+                                 const resbuf* xdata = nullptr) {
+  auto reference = std::make_unique<AcDbBlockReference>(at.point, symbol.block);
+  if (xdata) reference->setXData(xdata);
+  if (at.rotation != 0) reference->setRotation(at.rotation);
+  if (at.scale != 1) reference->setScaleFactors({at.scale, at.scale, at.scale});
+  if (known.normal.x != 0 || known.normal.y != 0) {
+    reference->setNormal(known.normal);
+    reference->setPosition(at.point);
+  }
+  if (!at.layer.empty()) reference->setLayer(at.layer);
+  const Opened<AcDbBlockTableRecord> space(known.modelSpace, AcDb::kForWrite);
+  if (!space || space->appendAcDbEntity(reference.get()) != Acad::eOk) return {};
+  return Opened<AcDbBlockReference>(reference.release());
+}
+
+bool appendAttribute(AcDbBlockReference& reference, AcDbObjectId definitionId,
+                     const AcGeMatrix3d& transform, std::u16string_view text) {
+  const Opened<AcDbAttributeDefinition> definition(definitionId);
+  if (!definition) return false;
+  auto attribute = std::make_unique<AcDbAttribute>();
+  attribute->setAttributeFromBlock(definition.get(), transform);
+  attribute->setTextString(text);
+  AcDbObjectId id;
+  if (reference.appendAttribute(id, attribute.get()) != Acad::eOk) return false;
+  attribute.release()->close();
+  return true;
+}
+
+// One attribute for each definition whose tag has a value; false after telling that one failed.
+template <class List>
+bool fillAttributes(AcDbBlockReference& reference, const Symbol& symbol, const List& values) {
+  const AcGeMatrix3d transform = reference.blockTransform();
+  for (const Symbol::Definition& definition : symbol.definitions) {
+    for (const Value& value : values) {
+      if (definition.tag != value.tag) continue;
+      if (appendAttribute(reference, definition.id, transform, value.text)) break;
+      acutPrintf(TraduciTesto(u"\nErrore: Impossibile inserire gli attributi"));
+      return false;
+    }
+  }
+  return true;
+}
+
+// A reference with its attributes. `early` goes on before the reference is in the drawing, `late`
+// when its attributes are there, so that it is missing where an attribute failed.
+template <class List>
+Opened<AcDbBlockReference> insertSymbol(std::u16string_view block, const Placement& at,
+                                        const List& values, const resbuf* early,
+                                        const resbuf* late) {
+  Memory* const known = remembered();
+  if (!known) return {};
+  const Symbol* const symbol = symbolNamed(*known, block);
+  if (!symbol) return {};
+  Opened<AcDbBlockReference> reference = place(*known, *symbol, at, early);
+  if (!reference || !fillAttributes(*reference, *symbol, values)) return {};
+  if (late) reference->setXData(late);
+  return reference;
+}
+
+Opened<AcDbBlockReference> insertNode(std::u16string_view block, const AcGePoint3d& point,
+                                      std::u16string_view layer, Values values,
+                                      const Chain& xdata) {
+  return insertSymbol(block, {point, layer}, values, nullptr, xdata.get());
+}
+
+// --- flow arrows ---------------------------------------------------------------------------------
+
+ArrowGrid readArrows(std::u16string_view layer) {
+  ArrowGrid arrows(kArrowTolerance);
+  const SelectionSet set(u"_X", acutBuildList(8, layer, RTNONE));
+  for (int i = 0; i < set.size(); ++i) {
+    if (const Opened<AcDbBlockReference> arrow(set[i]); arrow) {
+      arrows.add(arrow->position(), set[i]);
+    }
+  }
+  return arrows;
+}
+
+bool eraseArrow(AcDbObjectId id) {
+  if (const Opened<AcDbBlockReference> arrow(id, AcDb::kForWrite); arrow) arrow->erase(true);
+  return true;
+}
+
+int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcGePoint3d& point,
+                std::u16string_view network) {
+  Memory* const known = remembered();
+  if (!known) return 0;
+  const Symbol* const symbol = symbolNamed(*known, block);
+  if (!symbol) return 0;
+  const std::u16string name = layer::of(prefix, network);
+  auto arrows = known->arrows.find(name);
+  if (arrows == known->arrows.end()) {
+    arrows = known->arrows.emplace(name, readArrows(name)).first;
+  }
+  arrows->second.visit(point, eraseArrow);
+  const Opened<AcDbBlockReference> arrow = place(*known, *symbol, {point, name});
+  if (!arrow) return 0;
+  arrows->second.add(point, arrow->objectId());
+  return 1;
+}
+
+}  // namespace
+
+void ForgetSymbols() { memory.reset(); }
+
+// --- the family ----------------------------------------------------------------------------------
+
+int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
+               std::u16string_view elev, std::u16string_view demand, double emitter,
+               std::u16string_view pattern) {
+  const Chain xdata(
+      acutBuildList(1001, app::kImport, 1000, id, 1040, emitter, 1000, pattern, RTNONE));
+  {
+    const auto junction = insertNode(
+        u"Junc", point, layer, {{u"ID", id}, {u"EL", elev}, {u"BD", demand}}, xdata);
+    if (!junction) return 0;
+    if (emitter > 0) junction->setColorIndex(1);
+  }
+  const double flow = platform::wtof(demand);
+  if (flow > 0) InsertFlowOut(point, currentNetwork);
+  if (flow < 0) InsertFlowIn(point, currentNetwork);
+  return 1;
+}
+
+int InsertResv(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
+               std::u16string_view head, std::u16string_view pattern) {
+  const Chain xdata(acutBuildList(1001, app::kImport, 1000, id, 1040, 0.0, 1000, pattern, RTNONE));
+  return insertNode(u"Resv", point, layer, {{u"ID", id}, {u"TH", head}}, xdata) ? 1 : 0;
+}
+
+int InsertTank(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
+               std::u16string_view elev, std::u16string_view initLevel,
+               std::u16string_view minLevel, std::u16string_view maxLevel,
+               std::u16string_view diameter, std::u16string_view minVol,
+               std::u16string_view volCurve) {
+  const Chain xdata(acutBuildList(1001, app::kImport, 1000, id, 1000, volCurve, RTNONE));
+  return insertNode(u"Tank", point, layer,
+                    {{u"ID", id},
+                     {u"EL", elev},
+                     {u"D", diameter},
+                     {u"INITL", initLevel},
+                     {u"MINL", minLevel},
+                     {u"MAXL", maxLevel},
+                     {u"MINVOL", minVol}},
+                    xdata)
+             ? 1
+             : 0;
+}
+
+int InsertPump(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
+               std::u16string_view status, Chain xdata) {
+  const Values values = {{u"ID", id}, {u"ST", status}};
+  return insertSymbol(u"Pump", {point, layer}, values, xdata.get(), nullptr) ? 1 : 0;
+}
+
+int InsertValv(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
+               std::u16string_view diameter, std::u16string_view type, std::u16string_view setting,
+               std::u16string_view minorLoss, const Chain& xdata) {
+  const Values values = {
+      {u"ID", id}, {u"D", diameter}, {u"TYPE", type}, {u"SET", setting}, {u"MLOSS", minorLoss}};
+  return insertSymbol(u"Valv", {point, layer}, values, xdata.get(), nullptr) ? 1 : 0;
+}
+
+int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network) {
+  return insertArrow(u"Q_IN", layer::kFlowIn, point, network);
+}
+
+int InsertFlowOut(const AcGePoint3d& point, std::u16string_view network) {
+  return insertArrow(u"Q_OUT", layer::kFlowOut, point, network);
+}
+
+// The title's tag is a word of the drawing's language, unlike all other tags.
+int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
+                 const std::array<std::u16string, 10>& classes, int kind) {
+  constexpr const char16_t* kTags[] = {u"C1", u"C2", u"C3", u"C4", u"C5",
+                                       u"C6", u"C7", u"C8", u"C9", u"C10"};
+  const std::u16string titleTag = TraduciTesto(u"TITOLO");
+  std::vector<Value> values = {{titleTag, title}};
+  for (std::size_t i = 0; i < classes.size(); ++i) values.push_back({kTags[i], classes[i]});
+  const Chain xdata(acutBuildList(1001, app::kColor, 1000, title, 1070, kind, RTNONE));
+  return insertSymbol(classes[5].empty() ? u"LEG_5" : u"LEG_10", {point, {}}, values, nullptr,
+                      xdata.get())
+             ? 1
+             : 0;
+}
+
+int InsertNamedBlock(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view name,
+                     std::u16string_view code, std::u16string_view description,
+                     std::u16string_view blockName, double rotation, double scale) {
+  const Values values = {{u"NOME", name}, {u"CODICE", code}, {u"DESCRIZIONE", description}};
+  return insertSymbol(blockName, {point, layer, rotation, scale}, values, nullptr, nullptr) ? 1
+                                                                                            : 0;
+}
+
+}  // namespace vessora

@@ -1,0 +1,61 @@
+// One element between its entity and its record.
+//
+// The readers fill a record from an open entity. The updaters write a changed record back and keep
+// in step what depends on it: a node drags the link ends that lie on it, the blocks of the valves
+// and pumps it touches, and the node names that links store; a valve or pump renames its companion.
+// None of them reports anything.
+#pragma once
+
+#include <string>
+
+#include "module/network/schema.h"
+
+namespace vessora {
+
+// --- parts that readers share --------------------------------------------------------------------
+
+// The attributes of an element into its record, a missing one as empty text. The result is false
+// when the block has no attribute "ID" at all.
+bool TakeAttributes(AcDbBlockReference* block, EpaJunc& junc);
+bool TakeAttributes(AcDbBlockReference* block, EpaResv& resv);
+bool TakeAttributes(AcDbBlockReference* block, EpaTank& tank);
+bool TakeAttributes(AcDbBlockReference* block, EpaValv& valv);
+bool TakeAttributes(AcDbBlockReference* block, EpaPump& pump);
+// The items of an element's extended data behind the id. A field whose item is missing stays as it
+// is.
+void TakeData(XDataReader data, EpaJunc& junc);
+void TakeData(XDataReader data, EpaResv& resv);
+void TakeData(XDataReader data, EpaTank& tank);
+void TakeData(XDataReader data, EpaPump& pump);
+// All items, the id included: a pipe has no attributes.
+void TakeData(XDataReader data, EpaPipe& pipe);
+// The next item into a field, when there is one.
+void TakeText(XDataReader& data, wide50& field);
+void TakeText(XDataReader& data, wide256& field);
+void TakeReal(XDataReader& data, wide50& field);
+
+// --- readers. The entity stays the caller's; without extended data the fields from there stay. ---
+
+void ReadJunc(EpaJunc& junc, AcDbBlockReference* block);
+void ReadResv(EpaResv& resv, AcDbBlockReference* block);
+void ReadTank(EpaTank& tank, AcDbBlockReference* block);
+// Diameter, type, setting and minor loss come from the attributes, not from the extended data.
+void ReadValv(EpaValv& valv, AcDbBlockReference* block);
+// With a short list, one that ends before the speed pattern, the last four fields stay.
+void ReadPump(EpaPump& pump, AcDbBlockReference* block);
+// `material` stays as it is for a pipe without one.
+void ReadPipe(EpaPipe& pipe, std::u16string& material, AcDb3dPolyline* polyline);
+
+// --- updaters. Each takes over the entity, open for write, and closes it. ------------------------
+
+// The links that are searched are those of `currentNetwork`. Heights are read from the texts. The
+// junction's own emitter text is not looked at.
+void UpdateJunc(Opened<AcDbBlockReference> block, const EpaJunc& junc, double emitter);
+void UpdateResv(Opened<AcDbBlockReference> block, const EpaResv& resv);
+void UpdateTank(Opened<AcDbBlockReference> block, const EpaTank& tank);
+// The names of the end nodes stay what the block has stored; diameter and minor loss go to the
+// attributes alone.
+void UpdateValv(Opened<AcDbBlockReference> block, const EpaValv& valv, std::u16string_view layer);
+void UpdatePump(Opened<AcDbBlockReference> block, const EpaPump& pump, std::u16string_view layer);
+
+}  // namespace vessora
