@@ -400,6 +400,27 @@ std::optional<std::int64_t> parseInteger(std::u16string_view text) {
   return -value;
 }
 
+namespace {
+
+// A number of thousandths, without zeros at its end; not a whole number.
+char* writeThousandths(char* to, std::int64_t thousandths) {
+  if (thousandths < 0) {
+    *to++ = '-';
+    thousandths = -thousandths;
+  }
+  to = std::to_chars(to, to + 24, thousandths / 1000).ptr;
+  const int rest = static_cast<int>(thousandths % 1000);
+  *to++ = '.';
+  *to++ = static_cast<char>('0' + rest / 100);
+  if (rest % 100 == 0) return to;
+  *to++ = static_cast<char>('0' + rest / 10 % 10);
+  if (rest % 10 == 0) return to;
+  *to++ = static_cast<char>('0' + rest % 10);
+  return to;
+}
+
+}  // namespace
+
 char* writeReal(char* to, double value) {
   if (!std::isfinite(value)) {
     // No drawing reader knows "inf" or "nan": one such number would make the whole file unreadable.
@@ -414,6 +435,13 @@ char* writeReal(char* to, double value) {
       *to++ = '0';
       return to;
     }
+  }
+  // Coordinates and most other numbers of a drawing have three decimals at most. Where a number of that
+  // form reads back as this double it is the shortest one, because two decimals of so few digits are
+  // never the same double.
+  if (std::fabs(value) < 1e11) {
+    const double scaled = std::round(value * 1000);
+    if (scaled / 1000 == value) return writeThousandths(to, static_cast<std::int64_t>(scaled));
   }
   char* end = std::to_chars(to, to + 28, value).ptr;
   if (std::none_of(to, end, [](char c) { return c == '.' || c == 'e'; })) {

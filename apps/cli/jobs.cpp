@@ -19,7 +19,13 @@ using cad::Session;
 // Starts the host and opens a drawing; stops the host at the end of the scope.
 class Job {
  public:
-  explicit Job(cad::ui::Frontend& ui) : started_(startHost(ui)) {}
+  explicit Job(cad::ui::Frontend& ui) : started_(startHost(ui)) {
+    // What the module said of its failure explains it better than the failure itself.
+    const auto* answers = dynamic_cast<AnswerFrontend*>(&ui);
+    if (!started_ && answers && !answers->messages.empty()) {
+      started_ = platform::Error{started_.error() + ": " + platform::narrow(answers->messages.back())};
+    }
+  }
   ~Job() { stopHost(); }
   platform::Result<void> open(const std::string& path) {
     return started_ ? openDrawing(path) : started_;

@@ -39,7 +39,7 @@ Acad::ErrorStatus AcDbDatabase::getBlockTable(AcDbBlockTable*& table, AcDb::Open
 Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dictionary,
                                                           AcDb::OpenMode mode) {
   dictionary = nullptr;
-  return acdbOpenObject(dictionary, drawing_->idOf(drawing_->namedObjects()), mode);
+  return acdbOpenObject(dictionary, drawing_->idOf(drawing_->rootDictionary()), mode);
 }
 
 Acad::ErrorStatus AcDbDatabase::getTableStyleDictionary(AcDbDictionary*& dictionary,

@@ -110,13 +110,7 @@ resbuf* chainOf(const TagList& tags, TagRange range) {
     resbuf* node = acutNewRb(code);
     if (!node) continue;
     switch (acutKindOf(code)) {
-      case RbKind::text:
-        if (code == 1004) {
-          acutSetText(node, platform::widen(tags[i].bytes()));
-        } else {
-          acutSetText(node, tags.text(i));
-        }
-        break;
+      case RbKind::text: acutSetText(node, tags.text(i)); break;
       case RbKind::real: node->resval.rreal = tags.real(i); break;
       case RbKind::int16: node->resval.rint = static_cast<std::int16_t>(tags.integer(i)); break;
       case RbKind::int32: node->resval.rlong = static_cast<std::int32_t>(tags.integer(i)); break;
@@ -139,6 +133,21 @@ resbuf* chainOf(const TagList& tags, TagRange range) {
   return head;
 }
 
+// Files up to R2004 hold 255 bytes, whatever a character takes in their code page.
+bool tooLong(const cad::Drawing* drawing, std::u16string_view text) {
+  if (text.size() > 255) return true;
+  if (!drawing || drawing->format().version >= 1021) return false;
+  std::string encoded;
+  drawing->format().encode(encoded, text);
+  return encoded.size() > 255;
+}
+
+// Up to 127 bytes as pairs of hex digits.
+bool hexBytes(std::u16string_view text) {
+  return text.size() <= 254 && text.size() % 2 == 0 &&
+         text.find_first_not_of(u"0123456789ABCDEFabcdef") == text.npos;
+}
+
 Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
   if (!chain || chain->restype != 1001) return Acad::eInvalidXdata;
   if (drawing && !drawing->tableEntry(cad::Type::appid, chain->resval.rstring)) {
@@ -153,10 +162,14 @@ Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
       depth += brace == u"{" ? 1 : brace == u"}" ? -1 : 100000;
       if (depth < 0 || depth > 9999) return Acad::eInvalidXdata;
     }
-    if (acutKindOf(c) == RbKind::text && std::u16string_view(n->resval.rstring).size() > 255) {
+    if (acutKindOf(c) == RbKind::text && tooLong(drawing, n->resval.rstring)) {
       return Acad::eXdataSizeExceeded;
     }
-    if (c == 1040 && !std::isfinite(n->resval.rreal)) return Acad::eInvalidXdata;
+    if (c == 1004 && !hexBytes(n->resval.rstring)) return Acad::eInvalidXdata;
+    if (acutKindOf(c) == RbKind::real && !std::isfinite(n->resval.rreal)) return Acad::eInvalidXdata;
+    for (int k = 0; k < 3 && acutKindOf(c) == RbKind::point; ++k) {
+      if (!std::isfinite(n->resval.rpoint[k])) return Acad::eInvalidXdata;
+    }
   }
   return depth == 0 ? Acad::eOk : Acad::eInvalidXdata;
 }
@@ -208,13 +221,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
   for (const resbuf* n = chain; n; n = n->rbnext) {
     const int code = n->restype;
     switch (acutKindOf(code)) {
-      case RbKind::text:
-        if (code == 1004) {
-          t.insertAscii(at++, code, platform::narrow(n->resval.rstring));
-        } else {
-          t.insertText(at++, code, n->resval.rstring);
-        }
-        break;
+      case RbKind::text: t.insertText(at++, code, n->resval.rstring); break;
       case RbKind::real: t.insertReal(at++, code, n->resval.rreal); break;
       case RbKind::int16: t.insertInteger(at++, code, n->resval.rint); break;
       case RbKind::int32: t.insertInteger(at++, code, n->resval.rlong); break;

@@ -117,13 +117,44 @@ struct Drawing::Builder {
   std::u16string sectionName;
   std::size_t doubled = 0, missing = 0;
 
+  // What the file does not close, and before which record that shows (0: at its end).
+  struct Unclosed {
+    std::string_view mark;
+    std::uint32_t before, owner;
+    Type tableType;
+    std::u16string section;
+  };
+  std::vector<Unclosed> unclosed;
+
+  void notClosed(std::uint32_t before) {
+    if (block) unclosed.push_back({"ENDBLK", before, block, Type::other, {}});
+    if (table) unclosed.push_back({"ENDTAB", before, 0, tableType, {}});
+    block = table = 0;
+  }
+  void sectionNotClosed(std::uint32_t before) {
+    notClosed(before);
+    if (section) unclosed.push_back({"ENDSEC", before, 0, Type::other, sectionName});
+    section = 0;
+  }
+  // Comes last, because the marks take handles that no object of the file may have.
+  void close() {
+    for (const Unclosed& u : unclosed) {
+      const std::uint32_t mark = d.addMark(u.mark, u.before, u.owner);
+      if (u.mark == "ENDBLK") d.blocks_[d.blockOfId_[u.owner]].end = mark;
+      if (u.mark == "ENDSEC") d.sections_[u.section].second = mark;
+      if (u.mark == "ENDTAB" && u.tableType != Type::other) {
+        d.tables_[static_cast<int>(u.tableType)].endtab = mark;
+      }
+    }
+  }
+
   Record& rec(std::uint32_t i) { return d.records_[i]; }
 
   void step(std::uint32_t i) {
     Record& r = rec(i);
     if (r.type == Type::section) return openSection(i);
     if (r.type == Type::endsec) return closeSection(i);
-    if (r.type == Type::eof) return;
+    if (r.type == Type::eof) return sectionNotClosed(i);
     if (sectionName == u"TABLES") {
       tableStep(i);
     } else if (sectionName == u"BLOCKS") {
@@ -144,6 +175,7 @@ struct Drawing::Builder {
     if (section) {
       warnings.push_back(name + ": section " + platform::narrow(sectionName) +
                          " is not closed; closed where the next one begins");
+      sectionNotClosed(i);
     }
     section = i;
     sectionName = d.names_.text(rec(i).name);
@@ -160,6 +192,7 @@ struct Drawing::Builder {
 
   void closeSection(std::uint32_t i) {
     if (const auto it = d.sections_.find(sectionName); it != d.sections_.end()) it->second.second = i;
+    notClosed(i);
     section = 0;
     sectionName.clear();
     parent = 0;
@@ -168,6 +201,7 @@ struct Drawing::Builder {
   void tableStep(std::uint32_t i) {
     Record& r = rec(i);
     if (r.type == Type::table) {
+      notClosed(i);
       table = i;
       tableType = Type::other;
       const std::u16string& n = d.names_.text(r.name);
@@ -200,8 +234,11 @@ struct Drawing::Builder {
   void blockStep(std::uint32_t i) {
     Record& r = rec(i);
     if (r.type == Type::block) {
+      notClosed(i);
       const std::uint32_t entry = entryOfBlock(r.name);
-      BlockInfo info{entry ? entry : i, i, 0};
+      BlockInfo info;
+      info.id = entry ? entry : i;
+      info.begin = i;
       if (const auto it = d.blockOfId_.find(info.id); it != d.blockOfId_.end()) {
         d.blocks_[it->second].begin = i;  // a space that is known already
       } else {
@@ -284,13 +321,22 @@ struct Drawing::Builder {
     }
     if (!id) {
       id = d.recordCount();
+      TagList text;
+      text.create(d.format_, "BLOCK_RECORD");
+      text.addText(2, star);
       Record stand;
+      const std::string_view stored = d.store(text);
+      stand.bytes = stored.data();
+      stand.size = static_cast<std::uint32_t>(stored.size());
       stand.type = Type::blockRecord;
+      stand.typeName = static_cast<std::uint32_t>(Type::blockRecord);
       stand.name = blockName;
       stand.set(Record::synthetic);
       d.records_.push_back(stand);
     }
-    enter({id, 0, 0}, blockName);
+    BlockInfo info;
+    info.id = id;
+    enter(info, blockName);
     if (blockName != d.names_.of(star)) d.blockOfName_.try_emplace(d.names_.of(star), id);
     return id;
   }
@@ -326,8 +372,9 @@ platform::Result<void> Drawing::build(ScannedFile file, const std::string& name,
   }
   first_ = 1;
   last_ = count - 1;
-  Builder builder{*this, name, warnings, {}, 0, 0, 0, 0, Type::other, {}, 0, 0};
+  Builder builder{*this, name, warnings, {}, 0, 0, 0, 0, Type::other, {}, 0, 0, {}};
   for (std::uint32_t i = 1; i < count; ++i) builder.step(i);
+  builder.sectionNotClosed(0);
   if (!file.sawEof) {
     warnings.push_back(name + ": the file has no end mark; it may have been cut off");
   }
@@ -354,6 +401,8 @@ platform::Result<void> Drawing::build(ScannedFile file, const std::string& name,
                        " object(s) without a handle; they get new ones");
   }
   repairHandles(builder.broken, warnings, name);
+  builder.close();
+  if (!file.sawEof) addMark("EOF", 0, 0);
   return {};
 }
 
@@ -405,7 +454,7 @@ const BlockInfo* Drawing::block(std::uint32_t id) const {
 }
 
 std::uint32_t Drawing::blockByName(std::uint32_t name) const {
-  const auto it = blockOfName_.find(name);
+  const auto it = name ? blockOfName_.find(name) : blockOfName_.end();
   if (it == blockOfName_.end()) return 0;
   if (!records_[it->second].is(Record::erased)) return it->second;
   for (const BlockInfo& b : blocks_) {  // taken back and made again: rare
@@ -459,9 +508,11 @@ std::uint32_t Drawing::tableEntry(Type entryType, std::u16string_view name) cons
   const TableInfo* info = table(entryType);
   if (!info) return 0;
   const std::uint32_t known = names_.find(name);
-  const auto it = info->byName.find(known);
+  const auto it = known ? info->byName.find(known) : info->byName.end();
   if (it == info->byName.end()) return 0;
-  if (!records_[it->second].is(Record::erased)) return it->second;
+  const Record& r = records_[it->second];
+  if (!r.is(Record::erased) && r.name == known) return it->second;
+  // Taken back and made again, or renamed: rare.
   for (std::uint32_t e = firstTableEntry(info->table); e; e = nextTableEntry(info->table, e)) {
     if (records_[e].name == known) return e;
   }
@@ -473,6 +524,15 @@ std::uint32_t Drawing::firstTableEntry(std::uint32_t table) const {
 }
 
 std::uint32_t Drawing::nextTableEntry(std::uint32_t table, std::uint32_t entry) const {
+  if (!format_.hasHandlesAndMarkers() && this->table(Type::blockRecord) &&
+      this->table(Type::blockRecord)->table == table) {
+    // Old files have no table of blocks: their definitions stand for it.
+    const auto it = blockOfId_.find(entry);
+    for (std::size_t k = it == blockOfId_.end() ? 0 : it->second + 1U; k < blocks_.size(); ++k) {
+      if (!records_[blocks_[k].id].is(Record::erased)) return blocks_[k].id;
+    }
+    return 0;
+  }
   for (std::uint32_t i = records_[entry].next; i; i = records_[i].next) {
     const Record& r = records_[i];
     if (r.type == Type::endtab || r.type == Type::endsec) return 0;
@@ -631,6 +691,17 @@ std::vector<std::uint32_t> Drawing::allInSpace() const {
     if (r.is(Record::space) && !r.is(Record::erased) && !r.is(Record::child)) all.push_back(i);
   }
   return all;
+}
+
+bool Drawing::hasLinetype(std::u16string_view name) const {
+  return platform::equalNoCase(name, u"ByLayer") || platform::equalNoCase(name, u"ByBlock") ||
+         tableEntry(Type::ltype, name);
+}
+
+bool usableName(std::u16string_view name) {
+  return !name.empty() && name.size() <= 255 &&
+         name.find_first_of(u"<>/\\\":;?|,=`") == name.npos &&
+         (name.find(u'*') == name.npos || name[0] == u'*');
 }
 
 void Drawing::setHighlighted(std::uint32_t record, bool on) {

@@ -40,6 +40,9 @@ struct BlockInfo {
   std::uint32_t id = 0;     // the record that names it: BLOCK_RECORD, or BLOCK in old files
   std::uint32_t begin = 0;  // its BLOCK record, 0 when the file has none
   std::uint32_t end = 0;    // its ENDBLK record
+  // The base point, kept while the BLOCK record's text is this one.
+  mutable const char* originOf = nullptr;
+  mutable AcGePoint3d origin;
 };
 
 struct TableInfo {
@@ -115,9 +118,14 @@ class CAD_API Drawing {
   std::uint32_t tableEntry(Type entryType, std::u16string_view name) const;
   std::uint32_t firstTableEntry(std::uint32_t table) const;
   std::uint32_t nextTableEntry(std::uint32_t table, std::uint32_t entry) const;
+  // The layer, made on demand; 0 when there is none and none may be made of such a name.
   std::uint32_t layerNamed(std::u16string_view name, bool make);
   std::uint32_t registerApplication(std::u16string_view name);
+  // The line type may stand in an entity: it is in the table, or one of the two that are always there.
+  bool hasLinetype(std::u16string_view name) const;
   std::uint32_t namedObjects() const { return namedObjects_; }
+  // The same, made when the file has none; 0 in versions that have no dictionaries.
+  std::uint32_t rootDictionary();
   void ensureClass(std::string_view dxf, std::string_view cpp, std::string_view application, int flags,
                    bool entity);
 
@@ -153,6 +161,9 @@ class CAD_API Drawing {
   // A new record straight from tags, at the end of what `before` closes.
   std::uint32_t addRecord(TagList& tags, std::uint32_t before, std::uint32_t owner, bool space,
                           bool child);
+  // Gives new tags what depends on the drawing: encoding, handle, owner, and what its version may hold.
+  void completeTags(TagList& tags, std::uint64_t handle, std::uint32_t owner, bool paper, bool entity);
+  std::uint64_t newHandle() { return usesHandles_ ? takeHandle() : 0; }
   // Replaces the text of a record that is not open by these tags.
   void rewrite(std::uint32_t record, const TagList& tags);
   void renameEntry(std::uint32_t record, std::u16string_view name);
@@ -206,16 +217,21 @@ class CAD_API Drawing {
   void addToIndex(std::vector<std::vector<std::uint32_t>>& lists, std::vector<bool>& mixed,
                   std::uint32_t name, std::uint32_t record);
   std::uint32_t link(const Record& fresh, std::uint32_t before);
-  void dropReferences(std::uint32_t record, TagList& tags);
+  void dropReferences(std::uint32_t record);
   void dropInsertCache(std::uint32_t blockName);
   void updateHeader();
   void setHeader(TagList& tags, std::string_view name, int code, double real, std::uint64_t handle);
   template <class Sink>
   void writeTo(Sink&& sink);
   std::uint64_t ownerHandle(std::uint32_t owner) const;
-  void completeTags(TagList& tags, std::uint64_t handle, std::uint32_t owner, bool paper, bool entity);
+  void settleReferences(TagList& tags);
+  void dropErasedMembers();
+  std::string_view store(const TagList& tags);
+  std::uint32_t addMark(TagList& tags, std::uint32_t before, std::uint32_t owner);
+  std::uint32_t addMark(std::string_view type, std::uint32_t before, std::uint32_t owner);
+  std::uint32_t placeOfSection(std::string_view name) const;
   std::uint32_t findSectionEnd(std::u16string_view name) const;
-  std::uint32_t addSection(std::string_view name, std::uint32_t before);
+  std::uint32_t addSection(std::string_view name);
 
   AcDbDatabase* database_;
   std::uint32_t number_;
@@ -241,11 +257,17 @@ class CAD_API Drawing {
   std::unordered_map<std::u16string, std::pair<std::uint32_t, std::uint32_t>> sections_;
   std::uint32_t namedObjects_ = 0;
 
+  // Structure that the file lacks: written once the drawing is saved with changes, so that a file in
+  // which somebody only looked is saved as it came.
+  std::vector<std::uint32_t> marks_;
+  bool erasedMembers_ = false;  // an entity was erased that groups or drawing orders may list
   std::vector<AcDbObject*> open_;
   Index index_;
   std::vector<std::uint32_t> empty_;
   bool changed_ = false;
   std::uint64_t revision_ = 0;
+  std::u16string lastLayerName_;               // the layer asked for last, and its record
+  std::uint32_t lastLayer_ = 0;
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
   std::function<void(std::uint32_t)> observer_;
 
@@ -263,6 +285,9 @@ class CAD_API Drawing {
   std::vector<UndoGroup> undo_, redo_;
   std::unordered_map<std::uint32_t, bool> highlighted_;
 };
+
+// A symbol name that files can hold: not empty, at most 255 characters, none of the reserved ones.
+bool usableName(std::u16string_view name);
 
 // The drawing of a number, or null.
 CAD_API Drawing* drawingNumbered(std::uint32_t number);

@@ -63,7 +63,7 @@ std::u16string AcDbEntity::layer() const {
 Acad::ErrorStatus AcDbEntity::setLayer(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
   if (name.empty()) return Acad::eInvalidInput;
-  if (view_->drawing) view_->drawing->layerNamed(name, true);
+  if (view_->drawing && !view_->drawing->layerNamed(name, true)) return Acad::eInvalidInput;
   TagList& t = tagsForWrite();
   const int i = t.find(8, t.body());
   if (i >= 0) {
@@ -122,6 +122,7 @@ std::u16string AcDbEntity::linetype() const {
 
 Acad::ErrorStatus AcDbEntity::setLinetype(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
+  if (view_->drawing && !view_->drawing->hasLinetype(name)) return Acad::eKeyNotFound;
   TagList& t = tagsForWrite();
   TagRange common = t.subclass("AcDbEntity");
   const int i = t.find(6, common);
@@ -252,6 +253,7 @@ std::u16string AcDbText::textStyleName() const {
 }
 Acad::ErrorStatus AcDbText::setTextStyleName(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
+  if (view_->drawing && !view_->drawing->tableEntry(cad::Type::style, name)) return Acad::eKeyNotFound;
   TagList& t = tagsForWrite();
   t.putText(7, name, t.subclass("AcDbText"));
   return Acad::eOk;
@@ -262,9 +264,14 @@ Acad::ErrorStatus AcDbText::setJustification(int horizontal, int vertical,
   TagList& t = tagsForWrite();
   t.putInteger(72, horizontal, t.subclass("AcDbText"));
   t.putPoint(11, alignment, t.subclass("AcDbText"));
-  TagRange second = t.subclass("AcDbText", 2);
-  if (second.begin == t.xdataBegin() && second.empty() && t.find(100) < 0) second = t.body();
-  t.putInteger(73, vertical, second);
+  // The vertical alignment is 73 in a text; in attributes 73 is the length of the field.
+  if (t.is(0, "ATTRIB")) {
+    t.putInteger(74, vertical, t.subclass("AcDbAttribute"));
+  } else if (t.is(0, "ATTDEF")) {
+    t.putInteger(74, vertical, t.subclass("AcDbAttributeDefinition"));
+  } else {
+    t.putInteger(73, vertical, t.subclass("AcDbText", 2));
+  }
   return Acad::eOk;
 }
 
@@ -323,44 +330,51 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
   if (!definition) return Acad::eNullObjectPointer;
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
   const TagList& from = definition->tags();
+  const bool old = !from.format().hasHandlesAndMarkers();  // one stretch holds everything there
+  const TagRange common = from.subclass("AcDbEntity"), text = from.subclass("AcDbText"),
+                 own = from.subclass("AcDbAttributeDefinition");
   TagList& t = tagsForWrite();
   t.create(from.format(), "ATTRIB");
   t.addAscii(100, "AcDbEntity");
-  for (const int code : {8, 6, 62, 48, 60, 370, 420}) {
-    const int i = from.find(code, from.subclass("AcDbEntity"));
-    if (i >= 0) t.insertCopy(t.size(), from, i);
+  for (int i = common.begin; i < common.end; ++i) {
+    switch (from[i].code) {
+      case 8:
+      case 6:
+      case 62:
+      case 48:
+      case 60:
+      case 370:
+      case 420: t.insertCopy(t.size(), from, i); break;
+      default: break;
+    }
   }
   t.addAscii(100, "AcDbText");
-  const double scale = AcGeVector3d(transform.entry[0][1], transform.entry[1][1], transform.entry[2][1])
-                           .length();
+  const double scale =
+      AcGeVector3d(transform.entry[0][1], transform.entry[1][1], transform.entry[2][1]).length();
   const double turn = std::atan2(transform.entry[1][0], transform.entry[0][0]);
-  const TagRange text = from.subclass("AcDbText"), second = from.subclass("AcDbText", 2);
-  const TagRange own = from.subclass("AcDbAttributeDefinition");
   bool turned = false;
   for (int i = text.begin; i < text.end; ++i) {
     const int code = from[i].code;
-    const bool old = !from.format().hasHandlesAndMarkers();  // one stretch holds everything there
     if (code == 10 || code == 11) {
       t.addPoint(code, transform * from.point(i));
       while (i + 1 < text.end && (from[i + 1].code == code + 10 || from[i + 1].code == code + 20)) ++i;
-    } else if (code == 40) {
+    } else if (code == 40 && scale != 1) {
       t.addReal(40, from.real(i) * scale);
     } else if (code == 50) {
       t.addReal(50, from.real(i) + turn / kDegree);
       turned = true;
-    } else if (!old || (code != 2 && code != 3 && code != 70 && code != 73 && code != 74 && code != 8)) {
+    } else if (!old || (code != 2 && code != 3 && code != 70 && code != 73 && code != 74 &&
+                        code != 8 && code != 6 && code != 62 && code != 5)) {
       t.insertCopy(t.size(), from, i);
     }
   }
   if (!turned && turn != 0) t.addReal(50, turn / kDegree);
+  // Tag, flags, field length and vertical alignment have the same codes in both.
   t.addAscii(100, "AcDbAttribute");
-  for (const int code : {2, 70, 73}) {
+  for (const int code : {2, 70, 73, 74}) {
     const int i = from.find(code, own);
     if (i >= 0) t.insertCopy(t.size(), from, i);
   }
-  // The vertical alignment is 74 in an attribute and 74 in its definition, but 73 in a plain text.
-  if (const int i = from.find(74, own); i >= 0) t.insertCopy(t.size(), from, i);
-  (void)second;
   return Acad::eOk;
 }
 

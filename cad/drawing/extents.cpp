@@ -180,12 +180,15 @@ AcDbExtents extentsOf(const Drawing& drawing, std::uint32_t entity) {
 
 AcGePoint3d blockOrigin(const Drawing& drawing, const BlockInfo& block) {
   if (!block.begin) return {};
+  const char* text = drawing.record(block.begin).bytes;
+  if (block.originOf == text) return block.origin;
   auto t = borrowTags();
   drawing.parse(block.begin, *t);
   const int i = t->find(10, t->body());
-  const AcGePoint3d p = i < 0 ? AcGePoint3d() : t->point(i);
+  block.origin = i < 0 ? AcGePoint3d() : t->point(i);
+  block.originOf = text;
   returnTags(std::move(t));
-  return p;
+  return block.origin;
 }
 
 void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& before,

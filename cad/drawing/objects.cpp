@@ -1,5 +1,6 @@
 // Opening, changing, adding and erasing the objects of a drawing, and taking changes back.
 #include <algorithm>
+#include <utility>
 
 #include "cad/drawing/drawing.h"
 #include "platform/text.h"
@@ -123,16 +124,21 @@ void Drawing::keepForUndo(std::uint32_t record) {
   r.set(Record::touched);
 }
 
+std::string_view Drawing::store(const TagList& tags) {
+  const std::size_t bound = tags.writtenSize() + 16;
+  char* text = texts_.allocate(bound);
+  const auto size = static_cast<std::size_t>(tags.write(text) - text);
+  texts_.shrink(bound - size);
+  return {text, size};
+}
+
 void Drawing::commit(std::uint32_t record, const TagList& tags) {
   keepForUndo(record);
   Record& r = records_[record];
   const Record before = r;
-  const std::size_t bound = tags.writtenSize() + 16;
-  char* text = texts_.allocate(bound);
-  char* end = tags.write(text);
-  texts_.shrink(bound - static_cast<std::size_t>(end - text));
-  r.bytes = text;
-  r.size = static_cast<std::uint32_t>(end - text);
+  const std::string_view text = store(tags);
+  r.bytes = text.data();
+  r.size = static_cast<std::uint32_t>(text.size());
   indexTags(r, tags, names_, sets_);
   r.handle = before.handle ? before.handle : r.handle;
   if (before.is(Record::hasParts)) r.set(Record::hasParts);
@@ -182,16 +188,37 @@ std::uint32_t Drawing::addRecord(TagList& tags, std::uint32_t before, std::uint3
 
 std::uint64_t Drawing::ownerHandle(std::uint32_t owner) const { return records_[owner].handle; }
 
+// Tags that releases before the drawing's would stumble over: line weight and plot style came with R2000,
+// true colour and transparency with R2004, the locks of attributes with R2007.
+static void dropNewerTags(TagList& tags, int version) {
+  if (version >= 1021) return;
+  const bool attribute = tags.is(0, "ATTRIB") || tags.is(0, "ATTDEF");
+  const TagRange own = tags.is(0, "LAYER") ? tags.body() : tags.subclass("AcDbEntity");
+  for (int i = tags.xdataBegin() - 1; i > 0; --i) {
+    const int c = tags[i].code;
+    const bool common = i >= own.begin && i < own.end;
+    if ((attribute && c == 280) ||
+        (common && version < 1018 && (c == 420 || c == 430 || c == 440 || c == 347 || c == 348)) ||
+        (common && version < 1015 && (c == 370 || c == 390 || c == 290 || c == 410))) {
+      tags.erase(i, i + 1);
+      return dropNewerTags(tags, version);  // the stretch has become shorter
+    }
+  }
+}
+
 // A new object's tags get what depends on the drawing: handle, owner, and the markers of its version.
 void Drawing::completeTags(TagList& tags, std::uint64_t handle, std::uint32_t owner, bool paper,
                            bool entity) {
   tags.transcode(format_);
   if (!format_.hasHandlesAndMarkers()) {
+    const bool linetype = tags.is(0, "LTYPE");
     for (int i = tags.xdataBegin() - 1; i > 0; --i) {
       const int c = tags[i].code;
-      const bool unknown = c == 100 || (c >= 330 && c <= 369) || c == 102 || c == 370 || c == 420 ||
-                           c == 440 || (c >= 280 && c <= 289) || (c >= 90 && c <= 99);
-      if (unknown || c == 5) tags.erase(i, i + 1);
+      // These versions know the codes up to 79, those of dimension styles, and the extrusion.
+      const bool known = c < 80 || (c >= 140 && c <= 148) || (c >= 170 && c <= 178) || c == 210 ||
+                         c == 220 || c == 230;
+      const bool complex = linetype && (c == 74 || c == 75 || c == 9 || (c >= 44 && c <= 46) || c == 50);
+      if (!known || complex || c == 5 || (entity && (c == 48 || c == 60))) tags.erase(i, i + 1);
     }
     if (usesHandles_ && handle) tags.insertHandle(1, 5, handle);
     if (paper) tags.insertInteger(std::min(2, tags.size()), 67, 1);
@@ -219,16 +246,28 @@ void Drawing::completeTags(TagList& tags, std::uint64_t handle, std::uint32_t ow
   } else {
     tags.insertHandle(at, 330, ownerHandle(owner));
   }
+  dropNewerTags(tags, format_.version);
   if (!entity) return;
   if (paper) {
     const TagRange common = tags.subclass("AcDbEntity");
     tags.insertInteger(common.begin, 67, 1);
   }
-  if (format_.version < 1015) {
-    for (int i = tags.xdataBegin() - 1; i > 0; --i) {
-      if (tags[i].code == 370) tags.erase(i, i + 1);
-    }
+}
+
+// A new entity names nothing that the drawing does not have: applications are registered, a line type or
+// text style that is not there gives way to the default.
+void Drawing::settleReferences(TagList& tags) {
+  const int end = tags.xdataBegin();
+  for (int i = end; i < tags.size(); ++i) {
+    if (tags[i].code == 1001) registerApplication(tags.text(i));
   }
+  if (end < 3) return;
+  const auto settle = [&](int code, std::string_view marker, auto&& has) {
+    const int i = tags.find(code, tags.subclass(marker));
+    if (i >= 0 && !has(tags.text(i))) tags.erase(i, i + 1);
+  };
+  settle(6, "AcDbEntity", [&](const std::u16string& n) { return hasLinetype(n); });
+  settle(7, "AcDbText", [&](const std::u16string& n) { return tableEntry(Type::style, n) != 0; });
 }
 
 std::uint32_t Drawing::endOf(std::uint32_t block) const {
@@ -247,9 +286,13 @@ Acad::ErrorStatus Drawing::appendEntity(std::uint32_t block, AcDbObject& entity)
   const std::uint32_t before = endOf(block);
   if (!before) return Acad::eKeyNotFound;
   entity.beforeCommit();
+  if (v.tags->is(0, "INSERT") && !blockByName(names_.find(v.tags->textOr(2, u"", v.tags->body())))) {
+    return Acad::eKeyNotFound;
+  }
+  settleReferences(*v.tags);
   const bool space = block == modelSpace_ || block == paperSpace_ ||
                      records_[endOf(block)].type == Type::endsec;
-  const std::uint64_t handle = usesHandles_ ? takeHandle() : 0;
+  const std::uint64_t handle = newHandle();
   completeTags(*v.tags, handle, block, block == paperSpace_, true);
   const std::uint32_t i = addRecord(*v.tags, before, block, space, false);
   if (records_[i].type == Type::insert) dropInsertCache(records_[i].name);
@@ -258,7 +301,7 @@ Acad::ErrorStatus Drawing::appendEntity(std::uint32_t block, AcDbObject& entity)
     end->create(format_, "SEQEND");
     end->addAscii(100, "AcDbEntity");
     end->addText(8, names_.text(records_[i].layer));
-    completeTags(*end, usesHandles_ ? takeHandle() : 0, i, block == paperSpace_, true);
+    completeTags(*end, newHandle(), i, block == paperSpace_, true);
     addRecord(*end, before, i, space, true);
     returnTags(std::move(end));
   }
@@ -276,6 +319,7 @@ Acad::ErrorStatus Drawing::appendPart(std::uint32_t owner, AcDbObject& part) {
   ViewState& v = *part.view_;
   if (v.drawing) return Acad::eAlreadyInDb;
   part.beforeCommit();
+  settleReferences(*v.tags);
   const bool paper = records_[owner].is(Record::paper);
   const bool space = records_[owner].is(Record::space);
   // Behind the last part; the end mark of the sequence is made with the first attribute.
@@ -290,11 +334,15 @@ Acad::ErrorStatus Drawing::appendPart(std::uint32_t owner, AcDbObject& part) {
     mark->create(format_, "SEQEND");
     mark->addAscii(100, "AcDbEntity");
     mark->addText(8, names_.text(records_[owner].layer));
-    completeTags(*mark, usesHandles_ ? takeHandle() : 0, owner, paper, true);
+    completeTags(*mark, newHandle(), owner, paper, true);
     end = addRecord(*mark, end, owner, space, true);
     returnTags(std::move(mark));
   }
-  completeTags(*v.tags, usesHandles_ ? takeHandle() : 0, owner, paper, true);
+  if (records_[end].is(Record::erased)) {  // made by a command that was taken back
+    keepForUndo(end);
+    records_[end].set(Record::erased, false);
+  }
+  completeTags(*v.tags, newHandle(), owner, paper, true);
   const std::uint32_t i = addRecord(*v.tags, end, owner, space, true);
   lastOwner_ = owner;
   lastEnd_ = end;
@@ -315,7 +363,7 @@ Acad::ErrorStatus Drawing::addTableEntry(std::uint32_t tableIndex, AcDbObject& e
     if (info.table != tableIndex || !info.endtab) continue;
     if (tableEntry(static_cast<Type>(type), name)) return Acad::eDuplicateRecordName;
     entry.beforeCommit();
-    completeTags(*v.tags, usesHandles_ ? takeHandle() : 0, tableIndex, false, false);
+    completeTags(*v.tags, newHandle(), tableIndex, false, false);
     const std::uint32_t i = addRecord(*v.tags, info.endtab, tableIndex, false, false);
     info.byName[records_[i].name] = i;
     v.drawing = this;
@@ -352,63 +400,70 @@ Acad::ErrorStatus Drawing::erase(std::uint32_t record, bool erasing) {
   Record& r = records_[record];
   if (r.is(Record::erased) == erasing) return erasing ? Acad::eWasErased : Acad::eOk;
   keepForUndo(record);
-  if (erasing && !r.is(Record::child)) {
-    auto tags = borrowTags();
-    parse(record, *tags);
-    dropReferences(record, *tags);
-    returnTags(std::move(tags));
-  }
+  if (erasing) dropReferences(record);
   records_[record].set(Record::erased, erasing);
   if (records_[record].type == Type::insert) dropInsertCache(records_[record].name);
   for (std::uint32_t i = records_[record].next; i; i = records_[i].next) {
     if (!records_[i].is(Record::child) || records_[i].owner != record) break;
     if (records_[i].is(Record::erased) == erasing) continue;
     keepForUndo(i);
+    if (erasing) dropReferences(i);
     records_[i].set(Record::erased, erasing);
   }
   if (!erasing) noteInIndex(record, Record());
   return Acad::eOk;
 }
 
-// What hangs on an erased object goes with it: its extension dictionary and all that it owns, and its
-// place in groups and drawing orders.
-void Drawing::dropReferences(std::uint32_t record, TagList& tags) {
-  const TagRange dictionary = tags.group("ACAD_XDICTIONARY");
-  std::vector<std::uint32_t> owned, reactors;
-  for (int i = dictionary.begin; i < dictionary.end; ++i) {
-    if (tags[i].code == 360) owned.push_back(byHandle(tags.handle(i)));
-  }
-  const TagRange reacting = tags.group("ACAD_REACTORS");
-  for (int i = reacting.begin; i < reacting.end; ++i) {
-    if (tags[i].code == 330) reactors.push_back(byHandle(tags.handle(i)));
-  }
-  const std::uint64_t handle = records_[record].handle;
+// What hangs on an erased object goes with it: its extension dictionary and all that it owns.
+void Drawing::dropReferences(std::uint32_t record) {
+  erasedMembers_ = true;
+  if (records_[record].text().find("{ACAD_XDICTIONARY") == std::string_view::npos) return;
   auto other = borrowTags();
+  parse(record, *other);
+  const TagRange dictionary = other->group("ACAD_XDICTIONARY");
+  std::vector<std::uint32_t> owned;
+  for (int i = dictionary.begin; i < dictionary.end; ++i) {
+    if ((*other)[i].code == 360) owned.push_back(byHandle(other->handle(i)));
+  }
   while (!owned.empty()) {
     const std::uint32_t i = owned.back();
     owned.pop_back();
     if (!i || records_[i].is(Record::erased) || records_[i].is(Record::space)) continue;
     parse(i, *other);
     for (int t = 1; t < other->xdataBegin(); ++t) {
-      if ((*other)[t].code == 360) owned.push_back(byHandle(other->handle(t)));
+      if ((*other)[t].code == 360 || (*other)[t].code == 350) owned.push_back(byHandle(other->handle(t)));
     }
     keepForUndo(i);
     records_[i].set(Record::erased);
   }
-  for (const std::uint32_t i : reactors) {
-    if (!i || records_[i].is(Record::erased) || records_[i].is(Record::open)) continue;
-    if (typeName(i) != u"GROUP") continue;
-    parse(i, *other);
-    bool hit = false;
-    for (int t = other->size() - 1; t > 0; --t) {
-      if ((*other)[t].code == 340 && other->handle(t) == handle) {
-        other->erase(t, t + 1);
-        hit = true;
-      }
-    }
-    if (hit) commit(i, *other);
-  }
   returnTags(std::move(other));
+}
+
+// Groups and drawing orders must not list what is gone. Done once, before the drawing is written: an
+// order may list every entity of the drawing, and thousands may be erased.
+void Drawing::dropErasedMembers() {
+  if (!std::exchange(erasedMembers_, false)) return;
+  const std::uint32_t group = names_.find(u"GROUP"), order = names_.find(u"SORTENTSTABLE");
+  auto tags = borrowTags();
+  for (std::uint32_t i = first_; i; i = records_[i].next) {
+    const Record& r = records_[i];
+    if (r.typeName == 0 || (r.typeName != group && r.typeName != order) || r.is(Record::erased)) continue;
+    parse(i, *tags);
+    TagList kept;
+    kept.create(format_, r.typeName == group ? "GROUP" : "SORTENTSTABLE");
+    for (int t = 1; t < tags->size(); ++t) {
+      const int code = (*tags)[t].code;
+      const bool member = r.typeName == group ? code == 340 : code == 331;
+      const std::uint32_t entity = member ? byHandle(tags->handle(t)) : 0;
+      if (entity && records_[entity].is(Record::erased)) {
+        if (r.typeName == order && t + 1 < tags->size() && (*tags)[t + 1].code == 5) ++t;
+        continue;
+      }
+      kept.insertCopy(kept.size(), *tags, t);
+    }
+    if (kept.size() != tags->size()) commit(i, kept);
+  }
+  returnTags(std::move(tags));
 }
 
 // A block record may list the inserts of its block: a cache, dropped when one comes or goes.
@@ -431,6 +486,7 @@ void Drawing::dropInsertCache(std::uint32_t blockName) {
 
 void Drawing::renameEntry(std::uint32_t record, std::u16string_view name) {
   const std::uint32_t known = names_.of(name);
+  lastLayer_ = 0;
   for (auto& [type, info] : tables_) {
     if (info.table == records_[record].owner) info.byName[known] = record;
   }
@@ -439,27 +495,61 @@ void Drawing::renameEntry(std::uint32_t record, std::u16string_view name) {
 
 // --- structure that a file may lack --------------------------------------------------------------
 
-std::uint32_t Drawing::addSection(std::string_view name, std::uint32_t before) {
+// Structure is not undone with the command that needed it first: what came later stands on it.
+std::uint32_t Drawing::addMark(TagList& tags, std::uint32_t before, std::uint32_t owner) {
+  const bool inCommand = std::exchange(inCommand_, false), changed = changed_;
+  const std::uint32_t i = addRecord(tags, before, owner, false, false);
+  inCommand_ = inCommand;
+  changed_ = changed;
+  records_[i].set(Record::synthetic);
+  marks_.push_back(i);
+  return i;
+}
+
+std::uint32_t Drawing::addMark(std::string_view type, std::uint32_t before, std::uint32_t owner) {
+  auto tags = borrowTags();
+  tags->create(format_, type);
+  if (type == "ENDBLK") {
+    tags->addAscii(100, "AcDbEntity");
+    tags->addAscii(8, "0");
+    tags->addAscii(100, "AcDbBlockEnd");
+    completeTags(*tags, newHandle(), owner, false, true);
+  }
+  const std::uint32_t i = addMark(*tags, before, owner);
+  returnTags(std::move(tags));
+  return i;
+}
+
+// The record before which a section belongs that the file does not have.
+std::uint32_t Drawing::placeOfSection(std::string_view name) const {
+  static const char* order[] = {"HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS",
+                                "THUMBNAILIMAGE", "ACDSDATA"};
+  const auto own = std::find(std::begin(order), std::end(order), name);
+  for (auto later = own; later != std::end(order); ++later) {
+    if (const auto it = sections_.find(platform::widen(*later)); it != sections_.end()) {
+      return it->second.first;
+    }
+  }
+  std::uint32_t eof = last_;
+  while (eof && records_[eof].type != Type::eof) eof = records_[eof].previous;
+  return eof;
+}
+
+std::uint32_t Drawing::addSection(std::string_view name) {
+  const std::uint32_t before = placeOfSection(name);
   auto tags = borrowTags();
   tags->create(format_, "SECTION");
   tags->addAscii(2, name);
-  const std::uint32_t head = addRecord(*tags, before, 0, false, false);
-  tags->create(format_, "ENDSEC");
-  const std::uint32_t end = addRecord(*tags, before, 0, false, false);
+  const std::uint32_t head = addMark(*tags, before, 0);
   returnTags(std::move(tags));
+  const std::uint32_t end = addMark("ENDSEC", before, 0);
   sections_[platform::widen(name)] = {head, end};
   return end;
 }
 
 // Files may leave out what they do not use; what commands write needs these.
 void Drawing::completeStructure() {
-  const auto endFor = [&](std::u16string_view name) { return findSectionEnd(name); };
-  if (endFor(u"ENTITIES")) return;
-  std::uint32_t eof = last_;
-  while (eof && records_[eof].type != Type::eof) eof = records_[eof].previous;
-  std::uint32_t before = eof;
-  if (const auto it = sections_.find(u"OBJECTS"); it != sections_.end()) before = it->second.first;
-  addSection("ENTITIES", before);
+  if (!findSectionEnd(u"ENTITIES")) addSection("ENTITIES");
 }
 
 std::uint32_t Drawing::findSectionEnd(std::u16string_view name) const {
@@ -469,9 +559,28 @@ std::uint32_t Drawing::findSectionEnd(std::u16string_view name) const {
 
 std::uint32_t Drawing::objectsEnd() {
   if (const std::uint32_t end = findSectionEnd(u"OBJECTS")) return end;
-  std::uint32_t eof = last_;
-  while (eof && records_[eof].type != Type::eof) eof = records_[eof].previous;
-  return addSection("OBJECTS", eof);
+  return addSection("OBJECTS");
+}
+
+std::uint32_t Drawing::rootDictionary() {
+  if (namedObjects_ || !format_.hasHandlesAndMarkers()) return namedObjects_;
+  const std::uint32_t end = objectsEnd();
+  const std::uint64_t groups = takeHandle();
+  auto tags = borrowTags();
+  tags->create(format_, "DICTIONARY");
+  tags->addAscii(100, "AcDbDictionary");
+  if (format_.version >= 1015) tags->addInteger(281, 1);
+  tags->addAscii(3, "ACAD_GROUP");
+  tags->addHandle(350, groups);
+  completeTags(*tags, takeHandle(), 0, false, false);
+  namedObjects_ = addMark(*tags, end, 0);
+  tags->create(format_, "DICTIONARY");
+  tags->addAscii(100, "AcDbDictionary");
+  if (format_.version >= 1015) tags->addInteger(281, 1);
+  completeTags(*tags, groups, namedObjects_, false, false);
+  addMark(*tags, end, namedObjects_);
+  returnTags(std::move(tags));
+  return namedObjects_;
 }
 
 std::uint32_t Drawing::tableRecord(Type entryType) {
@@ -479,16 +588,7 @@ std::uint32_t Drawing::tableRecord(Type entryType) {
     return info->table;
   }
   std::uint32_t end = findSectionEnd(u"TABLES");
-  if (!end) {
-    std::uint32_t before = 0;
-    for (const char16_t* later : {u"BLOCKS", u"ENTITIES", u"OBJECTS"}) {
-      if (const auto it = sections_.find(later); it != sections_.end()) {
-        before = it->second.first;
-        break;
-      }
-    }
-    end = addSection("TABLES", before);
-  }
+  if (!end) end = addSection("TABLES");
   auto tags = borrowTags();
   tags->create(format_, "TABLE");
   tags->addAscii(2, nameOf(entryType));
@@ -499,15 +599,27 @@ std::uint32_t Drawing::tableRecord(Type entryType) {
   }
   tags->addInteger(70, 0);
   TableInfo& info = tables_[static_cast<int>(entryType)];
-  info.table = addRecord(*tags, end, 0, false, false);
-  tags->create(format_, "ENDTAB");
-  info.endtab = addRecord(*tags, end, 0, false, false);
+  info.table = addMark(*tags, end, 0);
+  info.endtab = addMark("ENDTAB", end, 0);
   returnTags(std::move(tags));
+  // Old files have no table of blocks; a stand-in lets modules ask for it.
+  if (entryType == Type::blockRecord && !format_.hasHandlesAndMarkers()) {
+    marks_.resize(marks_.size() - 2);
+  }
   return info.table;
 }
 
 std::uint32_t Drawing::layerNamed(std::u16string_view name, bool make) {
-  if (const std::uint32_t i = tableEntry(Type::layer, name); i || !make) return i;
+  if (lastLayer_ && name == lastLayerName_ && !records_[lastLayer_].is(Record::erased) &&
+      !records_[lastLayer_].is(Record::open)) {
+    return lastLayer_;  // entities come in runs on one layer; an open one may be given another name
+  }
+  if (const std::uint32_t i = tableEntry(Type::layer, name); i || !make) {
+    lastLayerName_ = name;
+    lastLayer_ = i;
+    return i;
+  }
+  if (!usableName(name)) return 0;
   const std::uint32_t tableIndex = tableRecord(Type::layer);
   auto tags = borrowTags();
   tags->create(format_, "LAYER");
@@ -517,7 +629,7 @@ std::uint32_t Drawing::layerNamed(std::u16string_view name, bool make) {
   tags->addInteger(70, 0);
   tags->addInteger(62, 7);
   tags->addAscii(6, "Continuous");
-  completeTags(*tags, usesHandles_ ? takeHandle() : 0, tableIndex, false, false);
+  completeTags(*tags, newHandle(), tableIndex, false, false);
   TableInfo& info = tables_[static_cast<int>(Type::layer)];
   // A layer needs its plot style where the drawing has them: take over that of layer "0".
   if (format_.version >= 1015) {
@@ -547,7 +659,7 @@ std::uint32_t Drawing::registerApplication(std::u16string_view name) {
   tags->addAscii(100, "AcDbRegAppTableRecord");
   tags->addText(2, name);
   tags->addInteger(70, 0);
-  completeTags(*tags, usesHandles_ ? takeHandle() : 0, tableIndex, false, false);
+  completeTags(*tags, newHandle(), tableIndex, false, false);
   TableInfo& info = tables_[static_cast<int>(Type::appid)];
   const std::uint32_t i = addRecord(*tags, info.endtab, tableIndex, false, false);
   info.byName[records_[i].name] = i;
@@ -558,8 +670,8 @@ std::uint32_t Drawing::registerApplication(std::u16string_view name) {
 void Drawing::ensureClass(std::string_view dxf, std::string_view cpp, std::string_view application,
                           int flags, bool entity) {
   if (!format_.hasHandlesAndMarkers()) return;
+  if (!findSectionEnd(u"CLASSES")) addSection("CLASSES");
   const auto it = sections_.find(u"CLASSES");
-  if (it == sections_.end()) return;
   auto tags = borrowTags();
   for (std::uint32_t i = records_[it->second.first].next; i && i != it->second.second;
        i = records_[i].next) {
@@ -601,10 +713,7 @@ BlockInfo Drawing::addBlock(std::u16string_view name, const AcGePoint3d& base) {
     table.byName[records_[info.id].name] = info.id;
   }
   std::uint32_t end = findSectionEnd(u"BLOCKS");
-  if (!end) {
-    const auto entities = sections_.find(u"ENTITIES");
-    end = addSection("BLOCKS", entities == sections_.end() ? 0 : entities->second.first);
-  }
+  if (!end) end = addSection("BLOCKS");
   tags->create(format_, "BLOCK");
   tags->addAscii(100, "AcDbEntity");
   tags->addAscii(8, "0");
@@ -614,14 +723,14 @@ BlockInfo Drawing::addBlock(std::u16string_view name, const AcGePoint3d& base) {
   tags->addPoint(10, base);
   tags->addText(3, name);
   if (format_.hasHandlesAndMarkers()) tags->addAscii(1, "");
-  completeTags(*tags, usesHandles_ ? takeHandle() : 0, info.id, false, true);
+  completeTags(*tags, newHandle(), info.id, false, true);
   info.begin = addRecord(*tags, end, info.id, false, false);
   if (!info.id) info.id = info.begin;
   tags->create(format_, "ENDBLK");
   tags->addAscii(100, "AcDbEntity");
   tags->addAscii(8, "0");
   tags->addAscii(100, "AcDbBlockEnd");
-  completeTags(*tags, usesHandles_ ? takeHandle() : 0, info.id, false, true);
+  completeTags(*tags, newHandle(), info.id, false, true);
   info.end = addRecord(*tags, end, info.id, false, false);
   records_[info.begin].owner = info.id;
   returnTags(std::move(tags));

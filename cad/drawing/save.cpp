@@ -42,6 +42,9 @@ void Drawing::setHeader(TagList& tags, std::string_view name, int code, double r
 // What a changed drawing must say of itself: which handles are free, and when it was changed.
 void Drawing::updateHeader() {
   if (!changed_) return;
+  for (const std::uint32_t i : marks_) records_[i].set(Record::synthetic, false);
+  marks_.clear();
+  dropErasedMembers();
   const auto it = sections_.find(u"HEADER");
   if (it == sections_.end()) return;
   auto tags = borrowTags();
@@ -65,9 +68,12 @@ void Drawing::writeTo(Sink&& sink) {
       pending = {pending.data(), pending.size() + r.size};
       continue;
     }
-    if (!pending.empty()) sink(pending);
+    if (!pending.empty()) {
+      sink(pending);
+      // A text that ends without a line end (the last one of a file) must not run into the next.
+      if (!format_.binary && pending.back() != '\n') sink(std::string_view("\n"));
+    }
     pending = r.text();
-    // A text that ends without a line end (the last one of a file) must not run into the next.
   }
   if (!pending.empty()) sink(pending);
 }

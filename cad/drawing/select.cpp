@@ -41,6 +41,7 @@ bool Filter::parse(const resbuf*& at, Node& group, std::u16string_view closing) 
       case 8: node.kind = Kind::layer; break;
       case 62: node.kind = Kind::color; break;
       case 67: node.kind = Kind::paper; break;
+      case 410: node.kind = Kind::layout; break;
       case 1001: node.kind = Kind::application; break;
       default: return false;
     }
@@ -66,12 +67,22 @@ bool Filter::test(const Drawing& d, std::uint32_t entity, const Node& node) {
                           [&](const Node& n) { return test(d, entity, n); });
     case Kind::layer: return r.layer == static_cast<std::uint32_t>(node.number) && r.layer != 0;
     case Kind::block:
-      return r.type == Type::insert && r.name == static_cast<std::uint32_t>(node.number);
+      return r.type == Type::insert && node.number != 0 && r.name == static_cast<std::uint32_t>(node.number);
     case Kind::type: return r.typeName == static_cast<std::uint32_t>(node.number);
     case Kind::application:
       return d.applicationSets().contains(r.apps, static_cast<std::uint32_t>(node.number)) &&
              node.number != 0;
     case Kind::paper: return r.is(Record::paper) == (node.number != 0);
+    case Kind::layout: {
+      // Entities of the model do not always say so.
+      if (platform::equalNoCase(node.text, u"Model")) return r.owner == d.modelSpace();
+      if (r.owner == d.modelSpace()) return false;
+      auto t = borrowTags();
+      d.parse(entity, *t);
+      const bool hit = platform::equalNoCase(t->textOr(410, u"", t->body()), node.text);
+      returnTags(std::move(t));
+      return hit;
+    }
     case Kind::color:
     case Kind::linetype: {
       auto t = borrowTags();

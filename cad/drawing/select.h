@@ -22,7 +22,7 @@ class CAD_API Filter {
   std::vector<std::uint32_t> select(Drawing& drawing) const;
 
  private:
-  enum class Kind { all, any, one, none, layer, block, type, application, color, linetype, paper };
+  enum class Kind { all, any, one, none, layer, block, type, application, color, linetype, paper, layout };
   struct Node {
     Kind kind = Kind::all;
     std::u16string text;

@@ -39,13 +39,6 @@ TagList& beginEntry(AcDbObject& object, std::string_view type, std::string_view 
   return t;
 }
 
-// A symbol name that files can hold: not empty, at most 255 characters, none of the reserved ones.
-bool usableName(std::u16string_view name) {
-  return !name.empty() && name.size() <= 255 &&
-         name.find_first_of(u"<>/\\\":;?|,=`") == name.npos &&
-         (name.find(u'*') == name.npos || name[0] == u'*');
-}
-
 Acad::ErrorStatus flagOf(AcDbObject& object, int bit, bool on) {
   if (!object.isWriteEnabled()) return Acad::eNotOpenForWrite;
   const TagList& now = object.tags();
@@ -73,7 +66,13 @@ Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::u16string& name) const {
 
 Acad::ErrorStatus AcDbSymbolTableRecord::setName(std::u16string_view name) {
   if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  if (!usableName(name)) return Acad::eInvalidInput;
+  if (!cad::usableName(name)) return Acad::eInvalidInput;
+  if (view_->drawing && !platform::equalNoCase(name, getName())) {
+    // A block is named by its definition and its references too.
+    if (isKindOf(AcDbBlockTableRecord::desc())) return Acad::eInvalidInput;
+    const Type kind = view_->drawing->record(view_->record).type;
+    if (view_->drawing->tableEntry(kind, name)) return Acad::eDuplicateRecordName;
+  }
   TagList& t = tagsForWrite();
   if (const int i = t.find(2, t.body()); i >= 0) {
     t.setText(i, name);
@@ -266,7 +265,7 @@ Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* 
   if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
   if (!record) return Acad::eNullObjectPointer;
   const std::u16string name = record->getName();
-  if (!usableName(name)) return Acad::eInvalidInput;
+  if (!cad::usableName(name)) return Acad::eInvalidInput;
   const Acad::ErrorStatus s = view_->drawing->addTableEntry(view_->record, *record, name);
   if (s == Acad::eOk) id = record->objectId();
   return s;
@@ -387,7 +386,12 @@ Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf* chain) {
   for (const resbuf* n = chain; n; n = n->rbnext) {
     const int code = n->restype;
     switch (acutKindOf(code)) {
-      case RbKind::text: t.addText(code, n->resval.rstring); break;
+      case RbKind::text: {
+        const std::u16string_view text = n->resval.rstring;
+        if (cad::kindOf(code) == cad::ValueKind::bytes && text.size() > 254) return Acad::eInvalidInput;
+        t.addText(code, text);
+        break;
+      }
       case RbKind::real: t.addReal(code, n->resval.rreal); break;
       case RbKind::int16: t.addInteger(code, n->resval.rint); break;
       case RbKind::int32: t.addInteger(code, n->resval.rlong); break;

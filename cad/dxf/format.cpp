@@ -118,6 +118,7 @@ ValueKind kindOf(int code) {
 }
 
 bool Format::sameEncoding(const Format& other) const {
+  if (this == &other) return true;
   return binary == other.binary && page.isUtf8() && other.page.isUtf8() &&
          (!binary || wideCodes == other.wideCodes);
 }
@@ -138,7 +139,9 @@ void Format::encode(std::string& out, std::u16string_view text) const {
   bool plain = true;
   for (const char16_t c : text) plain &= c >= 32 && c < 127 && c != u'^';
   if (plain) {
-    for (const char16_t c : text) out += static_cast<char>(c);
+    const std::size_t old = out.size();
+    out.resize(old + text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) out[old + i] = static_cast<char>(text[i]);
     return;
   }
   std::u16string safe;

@@ -73,26 +73,34 @@ std::uint64_t parseTagHandle(std::string_view text) {
 bool readAsciiTag(std::string_view text, std::size_t& at, Tag& tag) {
   const char* begin = text.data() + at;
   const char* end = text.data() + text.size();
-  const char* codeEnd = static_cast<const char*>(std::memchr(begin, '\n', static_cast<std::size_t>(end - begin)));
-  if (!codeEnd) return false;
-  const std::string_view code = trim({begin, static_cast<std::size_t>(codeEnd - begin)});
+  const char* p = begin;
+  while (p < end && (*p == ' ' || *p == '\t')) ++p;
+  const bool negative = p < end && *p == '-';
+  if (negative) ++p;
   int number = 0;
-  const auto r = std::from_chars(code.data(), code.data() + code.size(), number);
-  if (r.ec != std::errc() || r.ptr != code.data() + code.size() || number < -32768 ||
-      number > 32767) {
-    return false;
+  const char* digits = p;
+  while (p < end && static_cast<unsigned char>(*p - '0') < 10 && number < 100000) {
+    number = number * 10 + (*p++ - '0');
   }
-  const char* value = codeEnd + 1;
-  const char* valueEnd =
-      value < end ? static_cast<const char*>(std::memchr(value, '\n', static_cast<std::size_t>(end - value))) : nullptr;
-  const char* next = valueEnd ? valueEnd + 1 : end;
-  if (!valueEnd) valueEnd = end;
+  if (p == digits) return false;
+  while (p < end && (*p == ' ' || *p == '\t' || *p == '\r')) ++p;
+  if (p == end || *p != '\n' || number > 32767) return false;
+  const char* value = p + 1;
+  // Most values are a few bytes long: looking at the first ones is quicker than starting a search.
+  const char* valueEnd = value;
+  const char* near = end - value > 16 ? value + 16 : end;
+  while (valueEnd < near && *valueEnd != '\n') ++valueEnd;
+  if (valueEnd == near && valueEnd < end) {
+    const void* found = std::memchr(valueEnd, '\n', static_cast<std::size_t>(end - valueEnd));
+    valueEnd = found ? static_cast<const char*>(found) : end;
+  }
+  const char* next = valueEnd < end ? valueEnd + 1 : end;
   if (valueEnd > value && valueEnd[-1] == '\r') --valueEnd;
   tag.start = begin;
   tag.value = value;
   tag.size = static_cast<std::uint32_t>(valueEnd - value);
   tag.total = static_cast<std::uint32_t>(next - begin);
-  tag.code = static_cast<std::int16_t>(number);
+  tag.code = static_cast<std::int16_t>(negative ? -number : number);
   at = static_cast<std::size_t>(next - text.data());
   return true;
 }
@@ -193,23 +201,10 @@ void TagList::transcode(const Format& to) {
         case ValueKind::handle: fresh = make(t.code, std::string(t.bytes())); break;
         case ValueKind::bytes: {
           // Hex digits in ASCII files, plain bytes in binary ones.
-          std::string value(t.bytes());
-          if (from.binary != to.binary) {
-            std::string other;
-            if (to.binary) {
-              for (std::size_t k = 0; k + 1 < value.size(); k += 2) {
-                other += static_cast<char>(parseTagHandle(value.substr(k, 2)));
-              }
-            } else {
-              static const char* digits = "0123456789ABCDEF";
-              for (const char c : value) {
-                other += digits[(static_cast<unsigned char>(c) >> 4)];
-                other += digits[c & 15];
-              }
-            }
-            value = other;
-          }
-          fresh = make(t.code, value);
+          const std::u16string digits = this->text(i);
+          format_ = &to;
+          fresh = makeText(t.code, digits);
+          format_ = &from;
           break;
         }
         case ValueKind::real: {
@@ -375,11 +370,32 @@ Tag TagList::makeInteger(int code, std::int64_t value) {
   return make(code, {buffer, static_cast<std::size_t>(n)});
 }
 
-void TagList::setText(int i, std::u16string_view text) {
+Tag TagList::makeText(int code, std::u16string_view text) {
   scratch_.clear();
-  format_->encode(scratch_, text);
-  at(i) = make((*this)[i].code, scratch_);
+  if (format_->binary && kindOf(code) == ValueKind::bytes) {
+    // A length byte stands before the value.
+    const std::string digits = platform::narrow(text.substr(0, 510));
+    for (std::size_t k = 0; k + 1 < digits.size(); k += 2) {
+      scratch_ += static_cast<char>(parseTagHandle(std::string_view(digits).substr(k, 2)));
+    }
+  } else {
+    format_->encode(scratch_, text);
+  }
+  return make(code, scratch_);
 }
+
+std::u16string TagList::text(int i) const {
+  const Tag& t = (*this)[i];
+  if (!format_->binary || kindOf(t.code) != ValueKind::bytes) return format_->decode(t.bytes());
+  std::u16string digits;
+  for (const char c : t.bytes()) {
+    digits += u"0123456789ABCDEF"[static_cast<unsigned char>(c) >> 4];
+    digits += u"0123456789ABCDEF"[c & 15];
+  }
+  return digits;
+}
+
+void TagList::setText(int i, std::u16string_view text) { at(i) = makeText((*this)[i].code, text); }
 void TagList::setAscii(int i, std::string_view text) { at(i) = make((*this)[i].code, text); }
 void TagList::setReal(int i, double value) { at(i) = makeReal((*this)[i].code, value); }
 void TagList::setInteger(int i, std::int64_t value) { at(i) = makeInteger((*this)[i].code, value); }
@@ -392,9 +408,7 @@ void TagList::setHandle(int i, std::uint64_t handle) {
 }
 
 void TagList::insertText(int at, int code, std::u16string_view text) {
-  scratch_.clear();
-  format_->encode(scratch_, text);
-  place(at, make(code, scratch_));
+  place(at, makeText(code, text));
 }
 void TagList::insertAscii(int at, int code, std::string_view text) { place(at, make(code, text)); }
 void TagList::insertReal(int at, int code, double value) { place(at, makeReal(code, value)); }
@@ -478,6 +492,8 @@ char* TagList::write(char* out) const {
     if (t.start) {
       std::memcpy(out, t.start, t.total);
       out += t.total;
+      // The last line of a file may have no end; what was added behind it begins a line of its own.
+      if (!format_->binary && out[-1] != '\n' && &t != &tags_.back()) *out++ = '\n';
       continue;
     }
     if (format_->binary) {

@@ -65,7 +65,8 @@ class TagList {
   TagRange group(std::string_view name) const;
 
   // --- values
-  std::u16string text(int i) const { return format_->decode((*this)[i].bytes()); }
+  // Bytes (310, 1004) read as hex digits, also those of binary files.
+  std::u16string text(int i) const;
   double real(int i) const;
   std::int64_t integer(int i) const;
   std::uint64_t handle(int i) const;
@@ -111,6 +112,7 @@ class TagList {
  private:
   Tag& at(int i) { return tags_[static_cast<std::size_t>(i)]; }
   Tag make(int code, std::string_view encoded);
+  Tag makeText(int code, std::u16string_view text);
   Tag makeReal(int code, double value);
   Tag makeInteger(int code, std::int64_t value);
   void place(int at, const Tag& tag) { tags_.insert(tags_.begin() + at, tag); }

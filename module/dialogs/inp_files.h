@@ -17,12 +17,10 @@ class DlgExpInp : public ModuleDialog {
   ui::Text path{this, u"", {.name = u"Percorso", .capacity = 1000, .enabled = false}};
   ui::Button browse{this, u"Sfoglia...", &DlgExpInp::onBrowse};
   // Out of reach: an export is always for the first formula.
-  ui::Choice formula{this,
-                     u"Formula di resistenza da adottare",
-                     {.items = {u"D-W", u"H-W", u"M-C"},
-                      .initial = 0,
-                      .translate = false,
-                      .visible = false}};
+  ui::Choice formula{
+      this,
+      u"Formula di resistenza da adottare",
+      {.items = {u"D-W", u"H-W", u"M-C"}, .initial = 0, .translate = false, .visible = false}};
   ui::Button ok{this, u"OK", {.role = ui::Role::ok, .isDefault = true}};
   ui::Button cancel{this, u"Annulla", {.role = ui::Role::cancel}};
   ui::Button help{this, u"?", {.role = ui::Role::help}};

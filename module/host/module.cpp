@@ -76,8 +76,8 @@ void unloadModule() {
   ReleaseTranslator();
 }
 
-constexpr ModuleDescriptor kDescriptor = {kGroup,  bindTranslator, unloadModule,
-                                          [] {},   nullptr,        kCommands};
+constexpr ModuleDescriptor kDescriptor = {kGroup, bindTranslator, unloadModule,
+                                          [] {},  nullptr,        kCommands};
 
 const CommandEntry& endEntry() {
   const CommandEntry* entry = kDescriptor.commands;
@@ -261,8 +261,8 @@ MODULE_EXPORT void odrxGetAPIVersion(std::uint32_t* major, std::uint32_t* minor,
                                      std::uint32_t* majorUpdate, std::uint32_t* minorUpdate)
     __attribute__((alias("acrxGetApiVersion")));
 
-// The one module object. The first call takes over the handle and leaves the argument null; on later
-// calls the handle stays the caller's.
+// The one module object. The first call takes over the handle and leaves the argument null; on
+// later calls the handle stays the caller's.
 MODULE_EXPORT OdRxModule* odrxCreateModuleObject(void** handle) {
   if (!vessora::moduleObject) {
     void* memory = odrxAlloc(sizeof(vessora::CDrxModule));

@@ -2,10 +2,10 @@
 #include "module/host/module.h"
 #include "module/host/translate.h"
 
-#define PENDING(name)                                                                \
-  int vessora::EpaCommands::name() {                                                 \
+#define PENDING(name)                                                                    \
+  int vessora::EpaCommands::name() {                                                     \
     acutPrintf(vessora::TraduciTesto(u"\nComando non disponibile in questa versione.")); \
-    return kAbandoned;                                                               \
+    return kAbandoned;                                                                   \
   }
 
 PENDING(hnaddepa)

@@ -14,7 +14,7 @@ namespace vessora {
 namespace {
 
 constexpr char kLibraryFile[] = "HNTranslatorDll.dll";
-constexpr std::size_t kTextCapacity = 1024;    // what the library may fill, the ending zero included
+constexpr std::size_t kTextCapacity = 1024;  // what the library may fill, the ending zero included
 constexpr std::size_t kResultCapacity = 1000;  // what TraduciTesto hands out
 
 // The library's functions in the order in which they are checked; the last one may be missing.
@@ -31,8 +31,8 @@ enum Entry {
   kRequiredCount = kGetCurInteropLanguage,
 };
 constexpr const char* kEntryNames[kEntryCount] = {
-    "TraduciMfc",      "TraduciMessaggioVoid", "FiltraDizPerLib", "SetAppName",
-    "FreeDllStrings",  "TraduciMenu",          "TrTab",           "GetCurInteropLanguage"};
+    "TraduciMfc",     "TraduciMessaggioVoid", "FiltraDizPerLib", "SetAppName",
+    "FreeDllStrings", "TraduciMenu",          "TrTab",           "GetCurInteropLanguage"};
 
 using TranslateDialogFunction = void(cad::ui::Dialog*, const char16_t*, const char16_t*);
 using TranslateTextFunction = void(char16_t*, const char16_t*, const char16_t*);

@@ -207,10 +207,10 @@ bool drawCompanion(std::u16string_view layer, int color, std::u16string_view id,
 
 void NetworkDrawing::DrawPipes(std::u16string_view layer) {
   const auto draw = [layer](const EpaPipe& pipe, const LinkPath& path) {
-    const Chain xdata(acutBuildList(
-        1001, app::kImport, 1000, pipe.id, 1040, wtof(pipe.length), 1040, wtof(pipe.diameter),
-        1040, wtof(pipe.roughness), 1040, wtof(pipe.minorLoss), 1000, pipe.status, 1000,
-        path.node1(), 1000, path.node2(), RTNONE));
+    const Chain xdata(acutBuildList(1001, app::kImport, 1000, pipe.id, 1040, wtof(pipe.length),
+                                    1040, wtof(pipe.diameter), 1040, wtof(pipe.roughness), 1040,
+                                    wtof(pipe.minorLoss), 1000, pipe.status, 1000, path.node1(),
+                                    1000, path.node2(), RTNONE));
     return HNGeometry::Create3Dpoly(path.points(), kPipeColor, layer, 0, xdata.get()).isValid();
   };
   drawLinks(network_.pipes, draw, u"\nImportazione rami terminata", u"\nRami assenti");
@@ -233,9 +233,9 @@ void NetworkDrawing::DrawValves(std::u16string_view layer) {
   const auto draw = [layer](const EpaValv& valve, const LinkPath& path) {
     const bool drawn = drawCompanion(layer, kValveColor, valve.id, path.points());
     const Chain xdata(acutBuildList(1001, app::kImport, 1000, valve.id, 1040, wtof(valve.diameter),
-                                    1000, valve.type, 1000, valve.status, 1000, valve.setting,
-                                    1040, wtof(valve.minorLoss), 1000, path.node1(), 1000,
-                                    path.node2(), RTNONE));
+                                    1000, valve.type, 1000, valve.status, 1000, valve.setting, 1040,
+                                    wtof(valve.minorLoss), 1000, path.node1(), 1000, path.node2(),
+                                    RTNONE));
     InsertValv(path.symbolPoint(), layer, valve.id, valve.diameter, valve.type, valve.setting,
                valve.minorLoss, xdata);
     return drawn;

@@ -1,8 +1,8 @@
 // Drawing the records of an INP file: nodes as symbols at their coordinates, links as 3D polylines
 // between the places of their end nodes, pumps and valves with a symbol on top.
 //
-// Each function draws one kind on its layer, which must exist, and prints one line: that it is done,
-// or that there was nothing to draw.
+// Each function draws one kind on its layer, which must exist, and prints one line: that it is
+// done, or that there was nothing to draw.
 #pragma once
 
 #include <cstdint>

@@ -19,8 +19,8 @@ namespace vessora {
 
 namespace {
 
-// The settings of a network, which get a record of default ones when the drawing has none yet. Those
-// defaults keep their empty name: the record is one of no network.
+// The settings of a network, which get a record of default ones when the drawing has none yet.
+// Those defaults keep their empty name: the record is one of no network.
 EpaSettings settingsOf(std::u16string_view network) {
   EpaSettings settings;
   if (!LoadSettings(settings, network)) SaveSettings(settings, true);

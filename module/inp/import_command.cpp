@@ -69,6 +69,7 @@ bool askForFile(std::u16string& path) {
 int EpaCommands::impinp() {
   if (!ReadInstallPath()) return kAbandoned;
   EpaSettings settings;
+  networkNames.clear();
   ListNetworks(networkNames, defaultNetwork);
   // The first network of a drawing is its default one.
   if (networkNames.empty()) settings.isDefault = 1;

@@ -52,8 +52,8 @@ class PointGrid {
       for (const double v : {c.x, c.y, c.z}) {
         std::uint64_t bits;
         std::memcpy(&bits, &v, sizeof bits);
-        h = (h ^ bits) * 0x9E3779B97F4A7C15u;
-        h ^= h >> 32;
+        h = (h ^ bits ^ (bits >> 29)) * 0x9E3779B97F4A7C15u;
+        h ^= h >> 31;
       }
       return static_cast<std::size_t>(h);
     }
@@ -63,18 +63,18 @@ class PointGrid {
     Value value;
   };
 
-  // Adding zero makes one zero of the two.
+  // Cells are centred on the round numbers that coordinates like to be, lest most points lie on a
+  // border. Adding zero makes one zero of the two.
   Cell cellOf(const AcGePoint3d& p) const {
-    return {std::floor(p.x / cell_) + 0.0, std::floor(p.y / cell_) + 0.0,
-            std::floor(p.z / cell_) + 0.0};
+    const auto round = [this](double v) { return std::floor(v / cell_ + 0.5) + 0.0; };
+    return {round(p.x), round(p.y), round(p.z)};
   }
 
   template <class Take>
   void visitCell(const Cell& cell, const AcGePoint3d& point, Take& take) {
     auto [at, end] = items_.equal_range(cell);
     while (at != end) {
-      const bool leaves =
-          samePoint(at->second.point, point, tolerance_) && take(at->second.value);
+      const bool leaves = samePoint(at->second.point, point, tolerance_) && take(at->second.value);
       at = leaves ? items_.erase(at) : std::next(at);
     }
   }

@@ -34,8 +34,8 @@ using ArrowGrid = PointGrid<AcDbObjectId>;
 struct Memory {
   std::uint32_t command = 0;
   AcDbObjectId modelSpace;
-  AcGeVector3d normal;  // the user's Z axis in the world
-  std::map<std::u16string, Symbol, std::less<>> symbols;   // by block name
+  AcGeVector3d normal;                                      // the user's Z axis in the world
+  std::map<std::u16string, Symbol, std::less<>> symbols;    // by block name
   std::map<std::u16string, ArrowGrid, std::less<>> arrows;  // by layer
 };
 std::optional<Memory> memory;
@@ -257,8 +257,8 @@ int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, std::u16stri
   const Chain xdata(
       acutBuildList(1001, app::kImport, 1000, id, 1040, emitter, 1000, pattern, RTNONE));
   {
-    const auto junction = insertNode(
-        u"Junc", point, layer, {{u"ID", id}, {u"EL", elev}, {u"BD", demand}}, xdata);
+    const auto junction =
+        insertNode(u"Junc", point, layer, {{u"ID", id}, {u"EL", elev}, {u"BD", demand}}, xdata);
     if (!junction) return 0;
     if (emitter > 0) junction->setColorIndex(1);
   }
@@ -334,8 +334,7 @@ int InsertNamedBlock(const AcGePoint3d& point, std::u16string_view layer, std::u
                      std::u16string_view code, std::u16string_view description,
                      std::u16string_view blockName, double rotation, double scale) {
   const Values values = {{u"NOME", name}, {u"CODICE", code}, {u"DESCRIZIONE", description}};
-  return insertSymbol(blockName, {point, layer, rotation, scale}, values, nullptr, nullptr) ? 1
-                                                                                            : 0;
+  return insertSymbol(blockName, {point, layer, rotation, scale}, values, nullptr, nullptr) ? 1 : 0;
 }
 
 }  // namespace vessora

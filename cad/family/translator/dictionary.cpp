@@ -130,7 +130,8 @@ class DictionaryParser {
       }
       if (c == '\\' && i + 1 < quoted.size()) {
         const char plain = escaped(quoted[++i]);
-        if (plain == 0) return fail("an escape that is not understood: \\" + std::string(1, quoted[i]));
+        if (plain == 0)
+          return fail("an escape that is not understood: \\" + std::string(1, quoted[i]));
         to += plain;
       } else if (static_cast<unsigned char>(c) < ' ' && c != '\t') {
         return fail("a control character in the text");

@@ -1,9 +1,9 @@
 // HNTranslatorDll: the translator that the modules of the family find by name at run time.
 //
 // The language is that of the environment variable VESSORA_LANG; without it, or with "it", texts
-// stay the Italian that they are. Any other language needs its dictionary lingue/<language>.po under
-// the product root or beside this library. A language that has none, or a faulty one, is told once
-// on standard error, and texts stay Italian.
+// stay the Italian that they are. Any other language needs its dictionary lingue/<language>.po
+// under the product root or beside this library. A language that has none, or a faulty one, is told
+// once on standard error, and texts stay Italian.
 #include <algorithm>
 #include <cstdio>
 #include <cstdlib>
@@ -27,10 +27,10 @@ namespace {
 constexpr std::size_t kTextCapacity = 1024;
 
 struct State {
-  std::string language;            // empty: Italian
-  std::u16string languageWide;     // the same for callers
-  bool known = false;              // the language has been asked for
-  bool settled = false;            // there is a dictionary, or it has been told that there is none
+  std::string language;         // empty: Italian
+  std::u16string languageWide;  // the same for callers
+  bool known = false;           // the language has been asked for
+  bool settled = false;         // there is a dictionary, or it has been told that there is none
   std::optional<cad::Dictionary> dictionary;
   std::vector<std::u16string> libraries;  // whose texts are wanted beside the caller's own
 };
