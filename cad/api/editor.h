@@ -85,7 +85,10 @@ CAD_API int acedCmd(const resbuf* chain);
 // Queues a command line that runs when the running command has ended.
 CAD_API int acedPostCommand(std::u16string_view line);
 
-class CFrontendAccess;
+enum class AcEdIcon { none, stop, warning, information };
+// A message box with the OK button; an empty title is the host's own.
+CAD_API void acedMessageBox(std::u16string_view text, std::u16string_view title, AcEdIcon icon);
+
 namespace cad::ui {
 class Frontend;
 }

@@ -70,6 +70,8 @@ class CAD_API Drawing {
   // Writes the drawing in the version it came in; safe against crash and full disk (see
   // platform::SaveFile). Objects must be closed.
   platform::Result<void> save(const std::string& path, const SaveOptions& options = {});
+  // Turns the view with which programs open the drawing to what has been drawn since it was made or read.
+  void fitView();
   // The whole file as one text, for tests and comparisons.
   std::string toBytes();
   bool isChanged() const { return changed_; }
@@ -266,6 +268,7 @@ class CAD_API Drawing {
   std::vector<std::uint32_t> empty_;
   bool changed_ = false;
   std::uint64_t revision_ = 0;
+  std::unordered_map<std::uint32_t, AcDbExtents> drawn_;  // by layer: first points of what was added
   std::u16string lastLayerName_;               // the layer asked for last, and its record
   std::uint32_t lastLayer_ = 0;
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one

@@ -193,13 +193,20 @@ AcGePoint3d blockOrigin(const Drawing& drawing, const BlockInfo& block) {
 
 void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& before,
                          const AcGeMatrix3d& after) {
-  const AcGeMatrix3d m = after * inverse(before);
-  const double scale = AcGeVector3d(m.entry[0][1], m.entry[1][1], m.entry[2][1]).length();
-  const double turn = std::atan2(m.entry[1][0], m.entry[0][0]) / kDegree;
+  const AcGeMatrix3d world = after * inverse(before);
   auto t = borrowTags();
   for (std::uint32_t a = drawing.firstPart(reference); a; a = drawing.nextPart(reference, a)) {
     if (drawing.record(a).type != Type::attrib || drawing.record(a).is(Record::open)) continue;
     drawing.parse(a, *t);
+    // The attribute's points are in its own system, which need not be the world's.
+    AcGeVector3d normal(0, 0, 1);
+    if (const int i = t->find(210, t->subclass("AcDbText")); i >= 0) {
+      const AcGePoint3d n = t->point(i);
+      normal = {n.x, n.y, n.z};
+    }
+    const AcGeMatrix3d axes = acGeEntitySystem(normal), m = inverse(axes) * world * axes;
+    const double scale = AcGeVector3d(m.entry[0][1], m.entry[1][1], m.entry[2][1]).length();
+    const double turn = std::atan2(m.entry[1][0], m.entry[0][0]) / kDegree;
     for (const int code : {10, 11}) {
       const TagRange text = t->subclass("AcDbText");
       const int i = t->find(code, text);

@@ -182,6 +182,10 @@ std::uint32_t Drawing::addRecord(TagList& tags, std::uint32_t before, std::uint3
   r.set(Record::child, child);
   commit(i, tags);
   if (records_[i].handle) registerHandle(records_[i].handle, i);
+  if (space && records_[i].type != Type::polyline && records_[i].type != Type::seqend &&
+      records_[i].type != Type::attrib && !records_[i].is(Record::paper)) {
+    if (const int at = tags.find(10); at >= 0) drawn_[records_[i].layer].addPoint(tags.point(at));
+  }
   if (observer_ && (i & 0xFFF) == 0) observer_(i);
   return i;
 }

@@ -57,6 +57,43 @@ void Drawing::updateHeader() {
   returnTags(std::move(tags));
 }
 
+void Drawing::fitView() {
+  const std::uint32_t viewport = tableEntry(Type::vport, u"*Active");
+  auto tags = borrowTags();
+  AcDbExtents box;
+  for (const auto& [name, points] : drawn_) {
+    const std::uint32_t layer = tableEntry(Type::layer, names_.text(name));
+    if (layer) parse(layer, *tags);
+    const bool hidden = layer && (tags->integerOr(70, 0, tags->body()) & 1 ||
+                                  tags->integerOr(62, 7, tags->body()) < 0);
+    if (!hidden) box.addExt(points);
+  }
+  if (box.isEmpty() || !viewport) return returnTags(std::move(tags));
+  const AcGePoint3d &low = box.minPoint(), &high = box.maxPoint();
+  parse(viewport, *tags);
+  const TagRange body = tags->body();
+  const double aspect = std::max(0.1, tags->realOr(41, 1, body));
+  const double height = std::max({high.y - low.y, (high.x - low.x) / aspect, 10.0}) * 1.1;
+  const double center[] = {(low.x + high.x) / 2, (low.y + high.y) / 2};
+  for (int k = 0; k < 2; ++k) {
+    if (const int i = tags->find(12 + 10 * k, body); i >= 0) tags->setReal(i, center[k]);
+  }
+  if (const int i = tags->find(40, body); i >= 0) tags->setReal(i, height);
+  commit(viewport, *tags);
+  const auto header = sections_.find(u"HEADER");
+  if (header != sections_.end()) {
+    parse(header->second.first, *tags);
+    for (int i = 1; i + 3 < tags->size(); ++i) {
+      const bool least = (*tags)[i].bytes() == "$EXTMIN";
+      if ((*tags)[i].code != 9 || (!least && (*tags)[i].bytes() != "$EXTMAX")) continue;
+      const AcGePoint3d& p = least ? low : high;
+      tags->putPoint(10, p, {i + 1, i + 4});
+    }
+    commit(header->second.first, *tags);
+  }
+  returnTags(std::move(tags));
+}
+
 // Calls sink with the longest stretches that lie together in memory.
 template <class Sink>
 void Drawing::writeTo(Sink&& sink) {

@@ -18,6 +18,14 @@ const char kEmptyDrawing[] =
 10 0.0
 20 0.0
 30 0.0
+9 $EXTMIN
+10 0.0
+20 0.0
+30 0.0
+9 $EXTMAX
+10 0.0
+20 0.0
+30 0.0
 9 $CLAYER
 8 0
 9 $TEXTSTYLE

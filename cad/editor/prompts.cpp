@@ -411,4 +411,17 @@ int acedPostCommand(std::u16string_view line) {
   return RTNORM;
 }
 
+void acedMessageBox(std::u16string_view text, std::u16string_view title, AcEdIcon icon) {
+  cad::ui::Message message;
+  message.text = text;
+  message.title = title;
+  switch (icon) {
+    case AcEdIcon::none: message.icon = cad::ui::Icon::none; break;
+    case AcEdIcon::stop: message.icon = cad::ui::Icon::stop; break;
+    case AcEdIcon::warning: message.icon = cad::ui::Icon::warning; break;
+    case AcEdIcon::information: message.icon = cad::ui::Icon::information; break;
+  }
+  acedFrontend().messageBox(message);
+}
+
 cad::ui::Frontend& acedFrontend() { return Session::instance().frontend(); }

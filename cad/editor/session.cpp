@@ -120,12 +120,18 @@ void Session::closeDrawing() {
 
 std::string Session::versionProblem() const {
   const Drawing& d = database_->drawing();
-  if (d.format().version >= 1018) return {};
+  const int version = d.format().version;
+  if (version >= 1018) return {};
   for (std::uint32_t i = d.firstRecord(); i; i = d.record(i).next) {
     const Record& r = d.record(i);
-    if (r.type == Type::acadTable && r.is(Record::changed) && !r.is(Record::erased)) {
-      return std::string("a drawing of release ") + releaseName(d.format().version) +
-             " cannot hold the tables that were drawn; use a drawing of release R2004 or newer";
+    if (!r.is(Record::changed) || r.is(Record::erased)) continue;
+    const char* what = r.type == Type::acadTable                       ? "tables"
+                       : r.type == Type::lwpolyline && version < 1014 ? "light polylines"
+                                                                      : nullptr;
+    if (what) {
+      return std::string("a drawing of release ") + releaseName(version) + " cannot hold the " + what +
+             " that were drawn; use a drawing of release " +
+             (r.type == Type::acadTable ? "R2004" : "R14") + " or newer";
     }
   }
   return {};
@@ -139,6 +145,8 @@ platform::Result<void> Session::saveDrawing(const std::string& path) {
     return platform::Error{target + ": not saved: " + problem};
   }
   sendToModules(AcRx::kSaveMsg);
+  // A drawing that gets its first file opens on what is in it.
+  if (path_.empty()) database_->drawing().fitView();
   auto saved = database_->drawing().save(target);
   if (saved) path_ = target;
   return saved;

@@ -1,30 +1,25 @@
 #include "module/host/messages.h"
 
-#include "cad/ui/frontend.h"
 #include "module/host/host_drawing.h"
 
 namespace vessora {
 
-namespace {
-
-cad::ui::Icon iconOf(MessageIcon icon) {
+void ShowMessage(std::u16string_view text, std::u16string_view title, MessageIcon icon) {
+  AcEdIcon shown = AcEdIcon::none;
   switch (icon) {
-    case MessageIcon::stop:
-      return cad::ui::Icon::stop;
-    case MessageIcon::warning:
-      return cad::ui::Icon::warning;
-    case MessageIcon::information:
-      return cad::ui::Icon::information;
     case MessageIcon::none:
       break;
+    case MessageIcon::stop:
+      shown = AcEdIcon::stop;
+      break;
+    case MessageIcon::warning:
+      shown = AcEdIcon::warning;
+      break;
+    case MessageIcon::information:
+      shown = AcEdIcon::information;
+      break;
   }
-  return cad::ui::Icon::none;
-}
-
-}  // namespace
-
-void ShowMessage(std::u16string_view text, std::u16string_view title, MessageIcon icon) {
-  acedFrontend().messageBox({std::u16string(title), std::u16string(text), iconOf(icon)});
+  acedMessageBox(text, title, shown);
 }
 
 }  // namespace vessora

@@ -10,8 +10,29 @@ namespace {
 
 class Collector {
  public:
-  Collector(const NetworkLayers& layers, EpaNetwork& network)
-      : layers_(layers), network_(network) {}
+  // A record is one to two kilobytes: growing lists of them would cost more than reading the
+  // drawing.
+  Collector(const NetworkLayers& layers, EpaNetwork& network) : layers_(layers), network_(network) {
+    network.juncs.reserve(countOf(BlocksOnLayerFilter(layers.junc)));
+    network.resvs.reserve(countOf(BlocksOnLayerFilter(layers.resv)));
+    network.tanks.reserve(countOf(BlocksOnLayerFilter(layers.tank)));
+    network.pumps.reserve(countOf(BlocksOnLayerFilter(layers.pump)));
+    network.valves.reserve(countOf(BlocksOnLayerFilter(layers.valv)));
+    network.pipes.reserve(countOf(ElementPolylineFilter(layers.pipe)));
+    network.coords.reserve(network.juncs.capacity() + network.resvs.capacity() +
+                           network.tanks.capacity());
+  }
+
+  // Puts the vertices that were met into their list, in one go.
+  void finish() {
+    network_.vertices.reserve(points_.size());
+    const AcGePoint3d* at = points_.data();
+    for (const Course& course : courses_) {
+      for (std::size_t i = 0; i < course.vertices; ++i) {
+        addPoint(network_.vertices, course.id, *at++);
+      }
+    }
+  }
 
   void take(AcDb3dPolyline* polyline) {
     const std::u16string layer = polyline->layer();
@@ -114,9 +135,9 @@ class Collector {
   }
 
   void addVertices(AcDb3dPolyline* polyline, std::u16string_view id) {
-    points_.clear();
+    const std::size_t before = points_.size();
     ReadVertices(polyline, points_);
-    for (const AcGePoint3d& point : points_) addPoint(network_.vertices, id, point);
+    courses_.push_back({std::u16string(id), points_.size() - before});
   }
 
   static void addPoint(RecordList<EpaCoord>& list, std::u16string_view id,
@@ -127,9 +148,19 @@ class Collector {
     StoreReal(row.y, point.y);
   }
 
+  static std::size_t countOf(resbuf* filter) {
+    return static_cast<std::size_t>(SelectionSet(u"_X", filter).size());
+  }
+
+  struct Course {
+    std::u16string id;
+    std::size_t vertices;
+  };
+
   const NetworkLayers& layers_;
   EpaNetwork& network_;
-  AcGePoint3dArray points_;
+  AcGePoint3dArray points_;  // of all link polylines
+  std::vector<Course> courses_;
 };
 
 // Calls visit with each 3D polyline and each block of a selection.
@@ -154,6 +185,7 @@ void CollectNetwork(std::u16string_view name, EpaNetwork& network) {
   const SelectionSet set(u"_X", WholeNetworkFilter(layers));
   Collector collector(layers, network);
   forEachEntity(set, [&](auto* entity) { collector.take(entity); });
+  collector.finish();
 }
 
 void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
