@@ -246,7 +246,7 @@ int runScript(const RunOptions& o) {
   Job job(ui);
   if (auto opened = job.open(o.drawing); !opened) return fail(opened.error());
   Session& session = Session::instance();
-  while (ui.hasAnswer() && !ui.failed() && !session.quitRequested()) session.commandLoop();
+  session.commandLoop([&] { return ui.hasAnswer() && !ui.failed(); });
   std::fputs("\n", stdout);
   if (auto finished = ui.finish(); !finished) return fail(finished.error());
   if (const std::string l = leaks(); !l.empty()) return fail(l);

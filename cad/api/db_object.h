@@ -63,7 +63,7 @@ class CAD_API AcDbObject : public AcRxObject {
   bool hasXData(std::u16string_view application) const;
 
   // The host's own door to the tags of the object. Not for modules.
-  cad::TagList& tags() const;
+  const cad::TagList& tags() const;
   cad::TagList& tagsForWrite();
   cad::ViewState& view() const { return *view_; }
 

@@ -84,17 +84,24 @@ bool AcDbObject::isErased() const {
   return view_->drawing && view_->drawing->record(view_->record).is(cad::Record::erased);
 }
 
-TagList& AcDbObject::tags() const {
-  if (!view_->tags) {
-    view_->tags = cad::borrowTags();
-    view_->drawing->parse(view_->record, *view_->tags);
-  }
+const TagList& AcDbObject::tags() const {
+  if (view_->tags) return *view_->tags;
+  if (view_->shared) return *view_->shared;
+  view_->shared = view_->drawing->definitionTags(view_->record);
+  if (view_->shared) return *view_->shared;
+  view_->tags = cad::borrowTags();
+  view_->drawing->parse(view_->record, *view_->tags);
   return *view_->tags;
 }
 
 TagList& AcDbObject::tagsForWrite() {
   view_->modified = true;
-  return tags();
+  if (!view_->tags) {
+    view_->shared = nullptr;
+    view_->tags = cad::borrowTags();
+    view_->drawing->parse(view_->record, *view_->tags);
+  }
+  return *view_->tags;
 }
 
 // --- extended data -------------------------------------------------------------------------------

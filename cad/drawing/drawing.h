@@ -32,6 +32,7 @@ struct ViewState {
   bool writing = false;
   bool modified = false;
   std::unique_ptr<TagList> tags;  // null until somebody looks
+  const TagList* shared = nullptr;  // the drawing's own copy, for readers of what is read all the time
   std::vector<AcDbObject*> parts; // made with the object and not yet in a drawing
 };
 
@@ -100,6 +101,9 @@ class CAD_API Drawing {
   std::uint64_t takeHandle();
   // The tags of a record that is not open, for readers inside the host.
   void parse(std::uint32_t record, TagList& tags) const { tags.parse(format_, records_[record].text()); }
+  // The tags of an attribute definition, kept parsed: every new reference of a block reads them. Null for
+  // other objects.
+  const TagList* definitionTags(std::uint32_t record) const;
 
   // --- blocks and tables
   std::uint32_t modelSpace() const { return modelSpace_; }
@@ -269,6 +273,7 @@ class CAD_API Drawing {
   bool changed_ = false;
   std::uint64_t revision_ = 0;
   std::unordered_map<std::uint32_t, AcDbExtents> drawn_;  // by layer: first points of what was added
+  mutable std::unordered_map<std::uint32_t, std::pair<const char*, std::unique_ptr<TagList>>> definitions_;
   std::u16string lastLayerName_;               // the layer asked for last, and its record
   std::uint32_t lastLayer_ = 0;
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one

@@ -210,6 +210,7 @@ class BlockCopier {
     from_.parse(source, t);
     TagList* copy = &t;
     if (needsItsDrawing(type, t)) return 0;
+    if (type == Type::other && newForm_) classOf(t);
     if (!sameForm_ && newForm_) {
       if (!addMarkers(marked, t, type, polyline)) return 0;
       copy = &marked;
@@ -217,6 +218,22 @@ class BlockCopier {
       return 0;
     }
     return add(*copy, type, before, owner, child);
+  }
+
+  // Kinds that not every program knows stand in a list of their own.
+  void classOf(const TagList& entity) {
+    const std::string_view dxf = entity[0].bytes();
+    TagList t;
+    for (std::uint32_t i = from_.firstRecord(); i && from_.record(i).type != Type::table;
+         i = from_.record(i).next) {
+      if (from_.record(i).type != Type::classRecord) continue;
+      from_.parse(i, t);
+      const int name = t.find(1), cpp = t.find(2), application = t.find(3);
+      if (name < 0 || cpp < 0 || application < 0 || !t.is(name, dxf)) continue;
+      to_.ensureClass(dxf, t[cpp].bytes(), t[application].bytes(),
+                      static_cast<int>(t.integerOr(90, 0, t.body())), true);
+      return;
+    }
   }
 
   std::uint32_t add(TagList& t, Type type, std::uint32_t before, std::uint32_t owner, bool child) {

@@ -54,6 +54,17 @@ AcDbObject* Drawing::makeView(std::uint32_t record, ViewState* state) const {
   return new AcDbObject(state);
 }
 
+const TagList* Drawing::definitionTags(std::uint32_t record) const {
+  if (records_[record].type != Type::attdef) return nullptr;
+  auto& [text, tags] = definitions_[record];
+  if (text != records_[record].bytes) {
+    tags = std::make_unique<TagList>();
+    parse(record, *tags);
+    text = records_[record].bytes;
+  }
+  return tags.get();
+}
+
 AcDbObject* Drawing::open(std::uint32_t record, AcDb::OpenMode mode, bool openErased,
                           Acad::ErrorStatus& status) {
   Record& r = records_[record];

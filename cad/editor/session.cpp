@@ -274,14 +274,13 @@ void Session::checkLeaks(std::u16string_view command) {
 
 std::string Session::takeLeaks() { return std::exchange(leaks_, {}); }
 
-void Session::commandLoop() {
+void Session::commandLoop(const std::function<bool()>& more) {
   std::u16string last;
   quit_ = false;
-  while (!quit_) {
+  while (!quit_ && (!more || more())) {
     ui::Prompt prompt;
     prompt.kind = ui::Prompt::Kind::command;
     prompt.text = u"\nComando: ";
-    std::u16string previous;
     for (const auto& [key, command] : commands_) prompt.keywords.push_back(key);
     const ui::Answer answer = frontend().ask(prompt);
     if (answer.status == ui::Answer::Status::end) return;

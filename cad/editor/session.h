@@ -67,8 +67,9 @@ class CAD_API Session {
   // Runs one command by its global or local name (any letter case, leading '_' or '-' ignored), then
   // what was posted meanwhile.
   RunResult run(std::u16string_view name);
-  // Asks for commands and runs them until there are no more, or the user quits.
-  void commandLoop();
+  // Asks for commands and runs them until the user quits, input ends, or `more`, asked before each
+  // command, says no.
+  void commandLoop(const std::function<bool()>& more = {});
   const std::map<std::u16string, Command>& commands() const { return commands_; }
   bool addCommand(Command command);
   bool removeGroup(std::u16string_view group);
