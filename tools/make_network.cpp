@@ -26,6 +26,11 @@
 
 namespace {
 
+// The headloss curve of general-purpose valves. An export of a drawn network writes this text as the
+// setting of every valve, and their setting is the name of their curve: so the exported file runs.
+const char kMeterCurve[] = "0.000";
+
+
 const double kPi = std::acos(-1.0);
 
 // A generator of our own: the distributions of the standard library differ between its makers.
@@ -911,9 +916,10 @@ void TownMaker::addSpring(const Site& site, const Settlement& town, int number, 
 // A metered main down the slope to a hamlet behind a pressure reducing valve.
 void TownMaker::valleyHamlet(const Site& site, const Settlement& town, int number) {
   const Settlement hamlet = buildStreets(site.valley, site.angle + 0.5, site.valleyNodes, "FV");
-  const std::string curve = "M" + std::to_string(number);
-  net_.curves.push_back(
-      {"HEADLOSS", curve, {{0, 0}, {hamlet.demand, 0.4}, {hamlet.demand * 4, 4}}});
+  if (number == 1) {  // meters of one make: all share the first hamlet's curve
+    net_.curves.push_back(
+        {"HEADLOSS", kMeterCurve, {{0, 0}, {hamlet.demand, 0.4}, {hamlet.demand * 4, 4}}});
+  }
   const NodeIndex gate = nearestMain(town, site.valley);
   const Point from = net_.nodes[gate].at;
   const NodeIndex entry = nearestMain(hamlet, from);
@@ -922,7 +928,7 @@ void TownMaker::valleyHamlet(const Site& site, const Settlement& town, int numbe
   const NodeIndex metered = net_.addJunction(junctionAt(between(from, to, 16 / d), "S"));
   const NodeIndex high = net_.addJunction(junctionAt(between(from, to, 0.8), "S"));
   const NodeIndex low = net_.addJunction(junctionAt(between(from, to, 0.8 + 16 / d), "S"));
-  addValve(gate, metered, "GPV", 150, curve);
+  addValve(gate, metered, "GPV", 150, kMeterCurve);
   lay(metered, high, 150, 130);
   addValve(high, low, "PRV", 125, "35");
   lay(low, entry, 150, 130);
@@ -1049,7 +1055,7 @@ class GridMaker {
     addSources();
     addValves();
     net_.curves.push_back({"PUMP", "1", {{50, 65}}});
-    net_.curves.push_back({"HEADLOSS", "2", {{0, 0}, {10, 0.5}, {50, 4}}});
+    net_.curves.push_back({"HEADLOSS", kMeterCurve, {{0, 0}, {10, 0.5}, {50, 4}}});
     return std::move(net_);
   }
 
@@ -1134,7 +1140,7 @@ class GridMaker {
 
   void addValves() {
     constexpr std::pair<const char*, const char*> kKinds[] = {
-        {"PRV", "30"}, {"TCV", "5"}, {"FCV", "10"}, {"PSV", "5"}, {"PBV", "2"}, {"GPV", "2"}};
+        {"PRV", "30"}, {"TCV", "5"}, {"FCV", "10"}, {"PSV", "5"}, {"PBV", "2"}, {"GPV", kMeterCurve}};
     for (std::size_t k = 0; k < valves_; ++k) {
       const NodeIndex at = (2 * k + 1) * junctions_ / (2 * valves_);
       Node leaf = nodeAt("L" + std::to_string(k + 1), net_.nodes[at].at + Point{30, -40});

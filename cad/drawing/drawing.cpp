@@ -364,6 +364,7 @@ platform::Result<void> Drawing::build(ScannedFile file, const std::string& name,
                                       std::vector<std::string>& warnings) {
   format_ = file.format;
   preamble_ = file.preamble;
+  trailer_ = file.trailer;
   records_ = std::move(file.records);
   const std::uint32_t count = recordCount();
   for (std::uint32_t i = 1; i < count; ++i) {

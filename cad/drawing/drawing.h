@@ -244,7 +244,7 @@ class CAD_API Drawing {
   Format format_;
   std::vector<Block> sources_;
   Arena texts_;
-  std::string_view preamble_;
+  std::string_view preamble_, trailer_;
   std::vector<Record> records_;
   std::uint32_t first_ = 0, last_ = 0;
   NameTable names_;

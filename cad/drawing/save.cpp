@@ -44,6 +44,7 @@ void Drawing::updateHeader() {
   if (!changed_) return;
   for (const std::uint32_t i : marks_) records_[i].set(Record::synthetic, false);
   marks_.clear();
+  trailer_ = {};
   dropErasedMembers();
   const auto it = sections_.find(u"HEADER");
   if (it == sections_.end()) return;
@@ -113,6 +114,7 @@ void Drawing::writeTo(Sink&& sink) {
     pending = r.text();
   }
   if (!pending.empty()) sink(pending);
+  if (!trailer_.empty()) sink(trailer_);
 }
 
 std::string Drawing::toBytes() {

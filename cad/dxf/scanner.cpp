@@ -273,7 +273,10 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
     while (p < end && static_cast<unsigned char>(*p - '0') < 10 && code < 100000) code = code * 10 + (*p++ - '0');
     while (p > digits && p < end && (*p == ' ' || *p == '\t' || *p == '\r')) ++p;
     if (p != end || p == digits || code > 32767) {
-      if (onlyBlanks(bytes.substr(at))) break;
+      if (onlyBlanks(bytes.substr(at))) {
+        file.trailer = bytes.substr(at);
+        break;
+      }
       return malformed(bytes, at, name,
                        "a group code was expected, found " +
                            quoted(trimmed(bytes.substr(at, codeEnd - at))) +
@@ -312,7 +315,7 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
   if (!any) {
     return platform::Error{name + ": no DXF drawing (no record begins in it); give a file saved as DXF"};
   }
-  endRecord(bytes.size());
+  endRecord(bytes.size() - file.trailer.size());
   return file;
 }
 
@@ -329,7 +332,10 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
   while (at < bytes.size()) {
     const std::size_t start = at;
     if (!readBinaryTag(bytes, at, file.format.wideCodes, tag)) {
-      if (any && onlyBlanks(bytes.substr(at))) break;
+      if (any && onlyBlanks(bytes.substr(start))) {
+        file.trailer = bytes.substr(start);
+        break;
+      }
       return platform::Error{name + ": byte " + std::to_string(start) +
                              ": the file is cut off or damaged"};
     }
@@ -348,7 +354,8 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
     }
   }
   if (!any) return platform::Error{name + ": no DXF drawing (no record begins in it)"};
-  records.back().size = static_cast<std::uint32_t>(bytes.data() + bytes.size() - records.back().bytes);
+  records.back().size = static_cast<std::uint32_t>(bytes.data() + bytes.size() - file.trailer.size() -
+                                                   records.back().bytes);
   return file;
 }
 

@@ -66,6 +66,7 @@ struct ScannedFile {
   Format format;
   std::string_view preamble;     // what stands before the first record
   std::vector<Record> records;   // in file order; [0] is unused
+  std::string_view trailer;      // blank bytes behind the last record of a file without end mark
   bool sawEof = false;
 };
 
