@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace cli {
 
@@ -17,12 +18,27 @@ struct ExportOptions {
 };
 int exportNetwork(const ExportOptions& options);
 
+struct ResultsOptions {
+  std::string drawing, report, out, network, period;
+  bool listPeriods = false, clear = false;
+};
+// Without `out` the drawing is saved in place.
+int importResults(const ResultsOptions& options);
+
 int showInfo(const std::string& drawing, bool json);
 
 struct RunOptions {
   std::string drawing, script, out;
 };
 int runScript(const RunOptions& options);
+
+struct RenderOptions {
+  std::string drawing, out, view = "plan", window;
+  std::vector<std::string> layers;
+  bool dark = false;
+  int width = 1600;
+};
+int render(const RenderOptions& options);
 
 int shell(const std::string& drawing);
 

@@ -73,6 +73,8 @@ class CAD_API AcDbObject : public AcRxObject {
   // Called by close before the object's text is written: the place where a view that keeps fields of
   // its own puts them into the tags.
   virtual void beforeCommit() {}
+  // Called when a new object has become a drawing's: the place for what needs its handle and owner.
+  virtual void afterAppend() {}
   cad::ViewState* view_;
   friend class cad::Drawing;
 };

@@ -1,5 +1,6 @@
 #include "cad/api/database.h"
 
+#include "cad/api/table.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/insert_block.h"
 #include "platform/files.h"
@@ -56,6 +57,14 @@ Acad::ErrorStatus AcDbDatabase::getTableStyleDictionary(AcDbDictionary*& diction
       delete fresh;
       root->close();
       return s;
+    }
+    // Programs count on the style that every table falls back to.
+    auto* standard = new AcDbTableStyle;
+    AcDbObjectId standardId;
+    if (fresh->setAt(u"Standard", standard, standardId) == Acad::eOk) {
+      standard->close();
+    } else {
+      delete standard;
     }
     fresh->close();
   }

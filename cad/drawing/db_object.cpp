@@ -181,10 +181,10 @@ Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
   return depth == 0 ? Acad::eOk : Acad::eInvalidXdata;
 }
 
-// Bytes that extended data take on one object, as the format counts them.
-int xdataSize(const TagList& tags) {
+// Bytes that extended data take, as the format counts them.
+int xdataSize(const TagList& tags, TagRange range) {
   int size = 0;
-  for (int i = tags.xdataBegin(); i < tags.size(); ++i) {
+  for (int i = range.begin; i < range.end; ++i) {
     switch (cad::kindOf(tags[i].code)) {
       case cad::ValueKind::real: size += 10; break;
       case cad::ValueKind::int16: size += 4; break;
@@ -224,7 +224,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
     t.erase(old.begin, old.end);
     return Acad::eOk;
   }
-  const int first = at;
+  const int first = at, oldSize = xdataSize(t, old);
   for (const resbuf* n = chain; n; n = n->rbnext) {
     const int code = n->restype;
     switch (acutKindOf(code)) {
@@ -238,7 +238,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
       case RbKind::none: break;
     }
   }
-  if (xdataSize(t) - (old.end - old.begin) > 16383) {
+  if (xdataSize(t, {t.xdataBegin(), t.size()}) - oldSize > 16383) {
     t.erase(first, at);
     return Acad::eXdataSizeExceeded;
   }

@@ -176,6 +176,8 @@ class CAD_API Drawing {
   // A new empty block definition of the name; the caller fills it with addRecord before its end.
   BlockInfo addBlock(std::u16string_view name, const AcGePoint3d& base);
   std::uint32_t endOf(std::uint32_t block) const;
+  // A name for the block of a new table, "*T1" and so on, that no block of the drawing has or had.
+  std::u16string freeTableName();
   std::uint32_t objectsEnd();
 
   // --- undo by command
@@ -276,6 +278,7 @@ class CAD_API Drawing {
   mutable std::unordered_map<std::uint32_t, std::pair<const char*, std::unique_ptr<TagList>>> definitions_;
   std::u16string lastLayerName_;               // the layer asked for last, and its record
   std::uint32_t lastLayer_ = 0;
+  std::uint32_t lastTable_ = 0;                // number of the latest table's block, 0 not counted yet
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
   std::function<void(std::uint32_t)> observer_;
 

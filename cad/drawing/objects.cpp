@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "cad/api/table.h"
 #include "cad/drawing/drawing.h"
 #include "platform/text.h"
 
@@ -35,6 +36,8 @@ AcDbObject* Drawing::makeView(std::uint32_t record, ViewState* state) const {
     case Type::block: return new AcDbBlockTableRecord(state);  // what names a block in old files
     case Type::dictionary: return new AcDbDictionary(state);
     case Type::xrecord: return new AcDbXrecord(state);
+    case Type::acadTable: return new AcDbTable(state);
+    case Type::tableStyle: return new AcDbTableStyle(state);
     case Type::table: {
       const auto is = [&](Type t) {
         const TableInfo* info = table(t);
@@ -327,6 +330,7 @@ Acad::ErrorStatus Drawing::appendEntity(std::uint32_t block, AcDbObject& entity)
   v.modified = false;
   records_[i].set(Record::open);
   open_.push_back(&entity);
+  entity.afterAppend();
   return Acad::eOk;
 }
 
@@ -408,6 +412,7 @@ Acad::ErrorStatus Drawing::addObject(std::uint32_t owner, AcDbObject& object) {
   v.modified = false;
   records_[i].set(Record::open);
   open_.push_back(&object);
+  object.afterAppend();
   return Acad::eOk;
 }
 
@@ -706,7 +711,10 @@ void Drawing::ensureClass(std::string_view dxf, std::string_view cpp, std::strin
   if (format_.version >= 1018) tags->addInteger(91, 0);
   tags->addInteger(280, 0);
   tags->addInteger(281, entity ? 1 : 0);
+  // Not undone with the command that needed it first: what came later counts on it.
+  const bool inCommand = std::exchange(inCommand_, false);
   const std::uint32_t i = addRecord(*tags, it->second.second, 0, false, false);
+  inCommand_ = inCommand;
   records_[i].handle = 0;
   returnTags(std::move(tags));
 }

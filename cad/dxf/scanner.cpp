@@ -282,7 +282,7 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
                            quoted(trimmed(bytes.substr(at, codeEnd - at))) +
                            "; the file is damaged or is no DXF drawing");
     }
-    if (codeEnd == bytes.size()) {
+    if (codeEnd + 1 >= bytes.size()) {
       return malformed(bytes, at, name, "the file ends in the middle of a tag; it is cut off");
     }
     if (negative) code = -code;
@@ -325,7 +325,6 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
   records.reserve(bytes.size() / 96 + 16);
   records.emplace_back();
   Indexer index(file.format, names, sets);
-  file.preamble = bytes.substr(0, 22);
   std::size_t at = 22;
   Tag tag;
   bool any = false;
@@ -343,7 +342,11 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
       if (any) index.tag(tag.code, tag.bytes());
       continue;
     }
-    if (any) records.back().size = static_cast<std::uint32_t>(bytes.data() + start - records.back().bytes);
+    if (any) {
+      records.back().size = static_cast<std::uint32_t>(bytes.data() + start - records.back().bytes);
+    } else {
+      file.preamble = bytes.substr(0, start);
+    }
     any = true;
     Record& record = records.emplace_back();
     record.bytes = bytes.data() + start;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <dlfcn.h>
+#include <filesystem>
 
 #include "cad/drawing/drawing.h"
 #include "platform/files.h"
@@ -335,8 +335,10 @@ Installation findInstallation() {
   found.root = root && *root ? std::string(root) : bin + "../share/vessora/";
   if (found.root.back() != '/') found.root += '/';
   found.module = module && *module ? std::string(module) : bin + "../lib/vessora/vessora.arx";
-  found.root = platform::absolutePath(found.root);
-  found.module = platform::absolutePath(found.module);
+  // Shown to users as a proposed path, so without the detours of the program's own place.
+  std::error_code unknown;
+  found.root = std::filesystem::weakly_canonical(found.root, unknown).string();
+  found.module = std::filesystem::weakly_canonical(found.module, unknown).string();
   if (!found.root.empty() && found.root.back() != '/') found.root += '/';
   return found;
 }

@@ -15,7 +15,7 @@
 using AcGePoint3dArray = std::vector<AcGePoint3d>;
 using ResbufArray = std::vector<resbuf*>;
 
-// One vertex of a polyline in space: position, chainage from the start in plan, next vertex.
+// One vertex of a polyline in space: position, chainage from the start, next vertex.
 struct datipoli3d {
   AcGePoint3d point;
   double prog = 0;

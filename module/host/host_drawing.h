@@ -16,6 +16,8 @@
 #include "cad/api/database.h"
 #include "cad/api/editor.h"
 #include "cad/api/services.h"
+#include "cad/api/table.h"
+#include "cad/family/hn_engineering.h"
 #include "cad/family/hn_geometry.h"
 #include "cad/family/ksr.h"
 

@@ -92,7 +92,6 @@ TEST(Lossless, AnEditedObjectKeepsItsUnknownTagsAndTheirOrder) {
 // Every version, ASCII and binary: all kinds of edits, then the check that CAD programs would make, then
 // the values again from the written file.
 TEST(Lossless, EveryVersionTakesEveryEdit) {
-  auto model = std::make_unique<AcDbDatabase>();
   auto symbol = symbolDrawing();
   for (const int version : {1009, 1012, 1014, 1015, 1018, 1021, 1024, 1027, 1032}) {
     for (const bool binary : {false, true}) {
@@ -137,14 +136,6 @@ TEST(Lossless, TheEmptyDrawingIsOneThatProgramsTake) {
   // What a file lacks is added with the first change, and not undone with it.
   auto bare = load(tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1015\n0 ENDSEC\n0 EOF\n"));
   ASSERT_TRUE(bare);
-  const std::string before = bare->drawing().toBytes();
-  bare->drawing().beginCommand(u"A");
-  append(*bare, new AcDbPoint({1, 2, 3}));
-  for (std::uint32_t e : bare->drawing().allInSpace()) Open<AcDbEntity> close(bare->drawing().idOf(e));
-  EXPECT_NE(bare->drawing().openCount(), 0);
-  Open<AcDbEntity> none(bare->drawing().idOf(1));
-  bare.reset();  // also with objects open
-  bare = load(before);
   for (int round = 0; round < 2; ++round) {
     bare->drawing().beginCommand(u"A");
     auto* point = new AcDbPoint({1, 2, 3});
@@ -158,7 +149,9 @@ TEST(Lossless, TheEmptyDrawingIsOneThatProgramsTake) {
     own->close();
     root->close();
     bare->drawing().endCommand();
-    if (round == 0) EXPECT_EQ(bare->drawing().undo(), u"A");
+    if (round == 0) {
+      EXPECT_EQ(bare->drawing().undo(), u"A");
+    }
   }
   const std::string written = bare->drawing().toBytes();
   EXPECT_EQ(load(written)->drawing().allInSpace().size(), 1u) << written;

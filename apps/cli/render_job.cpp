@@ -1,0 +1,74 @@
+#include <cstdio>
+
+#include "apps/cli/host.h"
+#include "apps/cli/jobs.h"
+#include "cad/drawing/drawing.h"
+#include "cad/view/painter.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace cli {
+namespace {
+
+// The form of the picture by the file's extension.
+bool formatOf(const std::string& path, cad::view::Format& format) {
+  const std::size_t dot = path.find_last_of('.');
+  const std::u16string ext = platform::upper(platform::widen(dot == path.npos ? "" : path.substr(dot + 1)));
+  if (ext == u"PNG") return format = cad::view::Format::png, true;
+  if (ext == u"SVG") return format = cad::view::Format::svg, true;
+  if (ext == u"PDF") return format = cad::view::Format::pdf, true;
+  return false;
+}
+
+bool parseWindow(const std::string& text, cad::view::Window& window) {
+  double* const to[] = {&window.x1, &window.y1, &window.x2, &window.y2};
+  platform::BasicTokens<char> tokens(text, ",");
+  for (double* value : to) {
+    const auto token = tokens.next();
+    const auto number = token ? platform::parseReal(platform::widen(*token)) : std::nullopt;
+    if (!number) return false;
+    *value = *number;
+  }
+  return !tokens.next() && window.x1 != window.x2 && window.y1 != window.y2;
+}
+
+}  // namespace
+
+int render(const RenderOptions& o) {
+  cad::view::PaintOptions paint;
+  if (!formatOf(o.out, paint.format)) {
+    return fail(o.out + ": " + words("l'estensione deve essere .png, .svg o .pdf",
+                                     "the extension must be .png, .svg or .pdf"));
+  }
+  paint.view = o.view == "iso" ? cad::view::View::isometric : cad::view::View::plan;
+  paint.dark = o.dark;
+  paint.width = o.width;
+  if (!o.window.empty()) {
+    cad::view::Window window;
+    if (!parseWindow(o.window, window)) {
+      return fail(o.window + ": " + words("una finestra si scrive x1,y1,x2,y2", "a window is written x1,y1,x2,y2"));
+    }
+    paint.window = window;
+  }
+  AcDbDatabase database(false);
+  std::vector<std::string> warnings;
+  auto loaded = database.drawing().load(o.drawing, warnings);
+  if (!loaded) return fail(loaded.error());
+  cad::view::Selection selection;
+  for (const std::string& name : o.layers) selection.layers.push_back(platform::widen(name));
+  const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
+  for (const auto& [type, count] : picture.unknown) {
+    std::fprintf(stderr, "vessora: %s%d %s\n", words("attenzione: ", "warning: ").c_str(), count,
+                 (words("oggetti non mostrati di tipo ", "objects not shown of type ") + platform::narrow(type)).c_str());
+  }
+  if (cad::view::isEmpty(picture)) {
+    std::fprintf(stderr, "vessora: %s\n", words("attenzione: non c'è nulla da mostrare; la pagina è vuota",
+                                                "warning: there is nothing to show; the page is empty").c_str());
+  }
+  auto bytes = cad::view::paint(picture, paint);
+  if (!bytes) return fail(o.out + ": " + bytes.error());
+  auto written = platform::writeFile(o.out, *bytes);
+  return written ? 0 : fail(written.error());
+}
+
+}  // namespace cli

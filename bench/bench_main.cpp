@@ -1,0 +1,282 @@
+// How long the product's jobs take and what memory they need, as drawings and networks grow.
+//
+//   bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]
+//
+// Every job runs in a process of its own, so that its peak of memory is its own. Times depend on the
+// machine; growth from one size to the ten times larger one does not, so that is what --check looks at.
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <string>
+#include <vector>
+
+#include "bench/make_drawing.h"
+#include "cad/api/database.h"
+#include "cad/drawing/drawing.h"
+#include "module/inp/inp_reader.h"
+#include "platform/files.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+using Clock = std::chrono::steady_clock;
+
+constexpr double kLargestGrowth = 11;  // of a job whose work is in proportion to its input
+
+double secondsSince(Clock::time_point start) {
+  return std::chrono::duration<double>(Clock::now() - start).count();
+}
+
+[[noreturn]] void fail(const std::string& message) {
+  std::fprintf(stderr, "bench_vessora: %s\n", message.c_str());
+  std::exit(1);
+}
+
+// --- the jobs that run in this program, each in a child of it. They return the seconds that count.
+
+double readInp(const std::string& path) {
+  const auto start = Clock::now();
+  auto text = platform::readFile(path);
+  if (!text) fail(text.error());
+  vessora::EpaNetwork network;
+  vessora::EpaSettings settings;
+  vessora::ParseInp(std::move(*text), network, settings);
+  if (network.juncs.size() == 0) fail(path + ": no junctions were read");
+  return secondsSince(start);
+}
+
+double loadDrawing(const std::string& path) {
+  const auto start = Clock::now();
+  AcDbDatabase database(false);
+  std::vector<std::string> warnings;
+  const auto loaded = database.drawing().load(path, warnings);
+  if (!loaded) fail(loaded.error());
+  return secondsSince(start);
+}
+
+double saveDrawing(const std::string& path, const std::string& out) {
+  AcDbDatabase database(false);
+  std::vector<std::string> warnings;
+  const auto loaded = database.drawing().load(path, warnings);
+  if (!loaded) fail(loaded.error());
+  const auto start = Clock::now();
+  const auto saved = database.drawing().save(out, {false});
+  if (!saved) fail(saved.error());
+  return secondsSince(start);
+}
+
+int runChild(const std::vector<std::string>& a) {
+  double seconds = 0;
+  if (a[1] == "inp-read") seconds = readInp(a[2]);
+  if (a[1] == "dxf-load") seconds = loadDrawing(a[2]);
+  if (a[1] == "dxf-save") seconds = saveDrawing(a[2], a[3]);
+  std::printf("%.9f\n", seconds);
+  return 0;
+}
+
+// --- running and measuring -----------------------------------------------------------------------
+
+struct Measure {
+  double seconds = 0;
+  double megabytes = 0;  // peak of resident memory
+};
+
+// Runs a program to its end. The time is what it prints, or the wall clock when it prints none.
+Measure run(const std::vector<std::string>& command) {
+  int pipeEnds[2];
+  if (pipe(pipeEnds) != 0) fail("no pipe");
+  const auto start = Clock::now();
+  const pid_t child = fork();
+  if (child == 0) {
+    dup2(pipeEnds[1], 1);
+    close(pipeEnds[0]);
+    close(pipeEnds[1]);
+    std::vector<char*> argv;
+    for (const std::string& s : command) argv.push_back(strdup(s.c_str()));
+    argv.push_back(nullptr);
+    execv(argv[0], argv.data());
+    _exit(127);
+  }
+  close(pipeEnds[1]);
+  std::string printed;
+  char buffer[4096];
+  for (ssize_t n; (n = read(pipeEnds[0], buffer, sizeof buffer)) > 0;) {
+    printed.append(buffer, static_cast<std::size_t>(n));
+  }
+  close(pipeEnds[0]);
+  int status = 0;
+  rusage used{};
+  wait4(child, &status, 0, &used);
+  Measure m{secondsSince(start), static_cast<double>(used.ru_maxrss) / 1024};
+  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) fail(command[0] + " " + command[1] + " failed");
+  char* end = nullptr;
+  const double own = std::strtod(printed.c_str(), &end);
+  if (end != printed.c_str() && *end == '\n') m.seconds = own;
+  return m;
+}
+
+Measure best(const std::vector<std::string>& command, int times) {
+  Measure result = run(command);
+  for (int i = 1; i < times; ++i) {
+    const Measure m = run(command);
+    result.seconds = std::min(result.seconds, m.seconds);
+    result.megabytes = std::min(result.megabytes, m.megabytes);
+  }
+  return result;
+}
+
+struct Job {
+  const char* name;
+  const char* what;
+  const char* input;  // kind of file: inp, dxf
+};
+
+const Job kJobs[] = {
+    {"inp-read", "EPANET file into records", "inp"},
+    {"import", "vessora import: file to drawing", "inp"},
+    {"export", "vessora export: drawing to file", "drawn"},
+    {"dxf-load", "open a drawing", "dxf"},
+    {"dxf-save", "save it unchanged", "dxf"},
+};
+
+class Bench {
+ public:
+  Bench(std::string self, fs::path folder, bool large)
+      : self_(std::move(self)), folder_(std::move(folder)) {
+    sizes_ = {1000, 10000, 100000};
+    if (large) sizes_.push_back(1000000);
+    const fs::path build = fs::path(self_).parent_path().parent_path();
+    vessora_ = (build / "bin/vessora").string();
+    makeNetwork_ = (build / "tools/make_network").string();
+  }
+
+  // False when a job grows faster than its input from 100 000 to 1 000 000.
+  bool runAll(const std::vector<std::string>& wanted) {
+    std::printf("%-10s %10s %11s %9s %12s %9s %12s\n", "job", "elements", "seconds", "growth",
+                "us/element", "peak MB", "peak / file");
+    bool good = true;
+    for (const Job& job : kJobs) {
+      if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), job.name) == wanted.end()) continue;
+      double before = 0;
+      for (const std::size_t size : sizes_) {
+        const std::string input = inputOf(job, size);
+        const Measure m = best(commandOf(job, input), size <= 10000 ? 5 : size <= 100000 ? 3 : 1);
+        const double growth = before > 0 ? m.seconds / before : 0;
+        row(job, size, m, growth, static_cast<double>(fs::file_size(input)) / (1 << 20));
+        if (size == 1000000 && growth > kLargestGrowth) good = false;
+        before = m.seconds;
+      }
+    }
+    return good;
+  }
+
+ private:
+  static void row(const Job& job, std::size_t size, const Measure& m, double growth, double megabytes) {
+    char text[16] = "";
+    if (growth > 0) std::snprintf(text, sizeof text, "%.1f", growth);
+    std::printf("%-10s %10zu %11.4f %9s %12.3f %9.0f %12.2f\n", job.name, size, m.seconds, text,
+                m.seconds * 1e6 / static_cast<double>(size), m.megabytes, m.megabytes / megabytes);
+    std::fflush(stdout);
+  }
+
+  std::string file(const std::string& kind, std::size_t size, const char* extension) const {
+    return (folder_ / (kind + std::to_string(size) + extension)).string();
+  }
+
+  // The file that a job reads, made when it is not there yet.
+  std::string inputOf(const Job& job, std::size_t size) {
+    if (std::strcmp(job.input, "dxf") == 0) {
+      const std::string path = file("drawing", size, ".dxf");
+      if (!fs::exists(path)) {
+        const auto made = bench::makeDrawing(size, path);
+        if (!made) fail(made.error());
+      }
+      return path;
+    }
+    const std::string inp = file("rete", size, ".inp");
+    if (!fs::exists(inp)) run({makeNetwork_, "grid", std::to_string(size), "1", inp});
+    if (std::strcmp(job.input, "inp") == 0) return inp;
+    const std::string drawn = file("rete", size, ".dxf");
+    if (!fs::exists(drawn)) run({vessora_, "import", inp, "-o", drawn});
+    return drawn;
+  }
+
+  std::vector<std::string> commandOf(const Job& job, const std::string& input) const {
+    const std::string out = (folder_ / (std::strcmp(job.name, "export") == 0 ? "out.inp" : "out.dxf")).string();
+    if (std::strcmp(job.name, "import") == 0) return {vessora_, "import", input, "-o", out};
+    if (std::strcmp(job.name, "export") == 0) return {vessora_, "export", input, "-o", out};
+    return {self_, "--child", job.name, input, out};
+  }
+
+  std::string self_, vessora_, makeNetwork_;
+  fs::path folder_;
+  std::vector<std::size_t> sizes_;
+};
+
+int usage() {
+  std::fprintf(stderr, "usage: bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]\njobs:\n");
+  for (const Job& job : kJobs) std::fprintf(stderr, "  %-10s %s\n", job.name, job.what);
+  return 2;
+}
+
+std::vector<std::string> splitAtCommas(const std::string& text) {
+  std::vector<std::string> parts;
+  for (std::size_t at = 0; at <= text.size();) {
+    const std::size_t end = std::min(text.find(',', at), text.size());
+    parts.push_back(text.substr(at, end - at));
+    at = end + 1;
+  }
+  return parts;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  const std::vector<std::string> a(argv + 1, argv + argc);
+  if (a.size() == 4 && a[0] == "--child") return runChild(a);
+  bool large = false, check = false;
+  std::vector<std::string> jobs;
+  // On a disk in memory where there is one: what is measured is the program.
+  std::string parent = fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path().string();
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    if (a[i] == "--large") {
+      large = true;
+    } else if (a[i] == "--check") {
+      check = true;
+    } else if (a[i] == "--jobs" && i + 1 < a.size()) {
+      jobs = splitAtCommas(a[++i]);
+    } else if (a[i] == "--folder" && i + 1 < a.size()) {
+      parent = a[++i];
+    } else {
+      return usage();
+    }
+  }
+  for (const std::string& name : jobs) {
+    if (std::none_of(std::begin(kJobs), std::end(kJobs), [&](const Job& j) { return name == j.name; })) return usage();
+  }
+  if (check && !large) {
+    std::fprintf(stderr, "bench_vessora: --check compares 100 000 with 1 000 000 elements; add --large\n");
+    return 2;
+  }
+  std::string folder = parent + "/vessora-bench-XXXXXX";
+  if (!mkdtemp(folder.data())) fail(parent + ": no folder can be made in it");
+  std::error_code ignored;
+  bool good = false;
+  {
+    Bench bench(fs::canonical("/proc/self/exe").string(), folder, large);
+    good = bench.runAll(jobs);
+  }
+  fs::remove_all(folder, ignored);
+  if (check && !good) {
+    std::fprintf(stderr, "bench_vessora: a job grew more than %g times for ten times the elements\n", kLargestGrowth);
+    return 1;
+  }
+  return 0;
+}

@@ -1,0 +1,498 @@
+#include "cad/family/hn_engineering.h"
+
+#include <algorithm>
+#include <cmath>
+#include <optional>
+
+#include "cad/drawing/drawing.h"
+#include "cad/editor/session.h"
+#include "cad/family/profile.h"
+#include "platform/format.h"
+#include "platform/text.h"
+
+using cad::BlockInfo;
+using cad::Drawing;
+using cad::ProfileChainData;
+using cad::ProfileLayout;
+using cad::ProfileStation;
+using cad::ProfileTitle;
+using cad::Record;
+
+namespace {
+
+constexpr char16_t kTitleData[] = u"HN-TERVANE-HN-RR";
+constexpr char16_t kLinkNames[] = u"HN-RR_PROFILO_EPA";
+constexpr char16_t kManholeData[] = u"HN-TERVANE-HN-PZ";
+constexpr char16_t kLayer[] = u"HN-PROFILO";
+constexpr char16_t kManholeLayer[] = u"HN-PROFILO-POZZETTI";
+constexpr char16_t kManholeBlock[] = u"HN-POZZETTO";
+
+std::u16string hex(std::uint64_t handle) {
+  return platform::upper(platform::format(u"%x", static_cast<std::int64_t>(handle)));
+}
+
+// A result chain that releases itself, and its items from behind the application's name.
+class Data {
+ public:
+  Data(const AcDbObject& object, const char16_t* application) : chain_(object.xData(application)) {
+    at_ = chain_ ? chain_->rbnext : nullptr;
+  }
+  Data(const Data&) = delete;
+  Data& operator=(const Data&) = delete;
+  ~Data() { acutRelRb(chain_); }
+  int code() const { return at_ ? at_->restype : 0; }
+  std::u16string text() {
+    const resbuf* n = next();
+    return n && acutKindOf(n->restype) == RbKind::text ? n->resval.rstring : u"";
+  }
+  double real() {
+    const resbuf* n = next();
+    return n && acutKindOf(n->restype) == RbKind::real ? n->resval.rreal : 0;
+  }
+  void skip() { next(); }
+
+ private:
+  const resbuf* next() { return at_ ? std::exchange(at_, at_->rbnext) : nullptr; }
+  resbuf* chain_;
+  const resbuf* at_;
+};
+
+Acad::ErrorStatus setData(AcDbObject& object, resbuf* chain) {
+  const Acad::ErrorStatus status = object.setXData(chain);
+  acutRelRb(chain);
+  return status;
+}
+
+// A block definition of a name that is free: the stem and a number.
+BlockInfo newBlock(Drawing& d, const std::u16string& stem) {
+  std::u16string name;
+  int number = 0;
+  do name = stem + platform::widen(std::to_string(++number));
+  while (d.blockByName(d.names().find(name)));
+  return d.addBlock(name, {});
+}
+
+// The block holds definitions of attributes, which the file says of it.
+void markAttributes(Drawing& d, const BlockInfo& block) {
+  cad::TagList t;
+  d.parse(block.begin, t);
+  t.putInteger(70, t.integerOr(70, 0, t.body()) | 2, t.subclass("AcDbBlockBegin"));
+  d.rewrite(block.begin, t);
+}
+
+struct AttributeText {
+  std::u16string_view tag;
+  std::u16string text;
+};
+
+// A reference to a block in model space with its attributes, open for write; null on failure.
+AcDbBlockReference* place(Drawing& d, const BlockInfo& block, const AcGePoint3d& at, double scale,
+                          std::u16string_view layer, const std::vector<AttributeText>& texts) {
+  AcDbBlockTableRecord* space = nullptr;
+  if (acdbOpenObject(space, d.idOf(d.modelSpace()), AcDb::kForWrite) != Acad::eOk) return nullptr;
+  auto* reference = new AcDbBlockReference(at, d.idOf(block.id));
+  reference->setLayer(layer);
+  if (scale != 1) reference->setScaleFactors({scale, scale, scale});
+  const Acad::ErrorStatus placed = space->appendAcDbEntity(reference);
+  space->close();
+  if (placed != Acad::eOk) {
+    delete reference;
+    return nullptr;
+  }
+  for (std::uint32_t e = d.firstEntity(block.id); e; e = d.nextEntity(block.id, e)) {
+    AcDbAttributeDefinition* definition = nullptr;
+    if (acdbOpenObject(definition, d.idOf(e)) != Acad::eOk) continue;
+    auto* attribute = new AcDbAttribute;
+    attribute->setAttributeFromBlock(definition, reference->blockTransform());
+    for (const AttributeText& t : texts) {
+      if (definition->tag() == t.tag) attribute->setTextString(t.text);
+    }
+    definition->close();
+    AcDbObjectId id;
+    if (reference->appendAttribute(id, attribute) == Acad::eOk) {
+      attribute->close();
+    } else {
+      delete attribute;
+    }
+  }
+  return reference;
+}
+
+std::vector<std::u16string> namesOf(const resbuf* chain) {
+  std::vector<std::u16string> names;
+  for (const resbuf* n = chain; n; n = n->rbnext) {
+    if (n->restype == 1000) names.emplace_back(n->resval.rstring);
+  }
+  return names;
+}
+
+resbuf* chainOf(const char16_t* application, const std::vector<std::u16string>& names) {
+  resbuf* head = acutBuildList(1001, application, RTNONE);
+  resbuf* tail = head;
+  for (const std::u16string& name : names) tail = tail->rbnext = acutBuildList(1000, name, RTNONE);
+  return head;
+}
+
+}  // namespace
+
+struct GestioneOggetto::State {
+  ProfileTitle title;
+  AcGePoint3d insertion;
+  AcDbObjectId titleBlock;
+  std::uint64_t frame = 0;  // handle of the frame's reference
+  std::vector<std::u16string> links;
+  std::vector<pozzetto> manholes;
+
+  Drawing* drawing() const { return cad::drawingNumbered(titleBlock.databaseIndex()); }
+  bool drawn() const { return drawing() && drawing()->has(titleBlock); }
+  void read(AcDbBlockReference& reference);
+  resbuf* data() const;
+  void readManholes();
+};
+
+// Layout of the title block's data: handle of the frame, kind, six texts, height and width.
+resbuf* GestioneOggetto::State::data() const {
+  return acutBuildList(1001, kTitleData, 1005, hex(frame), 1070, 3, 1000, title.network, 1000,
+                       title.name, 1000, title.start, 1000, title.datum, 1000, title.scaleX, 1000,
+                       title.scaleY, 1040, title.height, 1040, title.width, RTNONE);
+}
+
+void GestioneOggetto::State::read(AcDbBlockReference& reference) {
+  Data data(reference, kTitleData);
+  if (data.code() != 1005) return;
+  titleBlock = reference.objectId();
+  insertion = reference.position();
+  frame = std::strtoull(platform::narrow(data.text()).c_str(), nullptr, 16);
+  data.skip();
+  for (std::u16string* text :
+       {&title.network, &title.name, &title.start, &title.datum, &title.scaleX, &title.scaleY}) {
+    *text = data.text();
+  }
+  title.height = data.real();
+  title.width = data.real();
+  resbuf* names = reference.xData(kLinkNames);
+  links = namesOf(names);
+  acutRelRb(names);
+}
+
+GestioneOggetto::GestioneOggetto(int) : state_(std::make_unique<State>()) {}
+
+GestioneOggetto::GestioneOggetto(AcDbObjectId titleBlock) : state_(std::make_unique<State>()) {
+  AcDbBlockReference* reference = nullptr;
+  if (acdbOpenObject(reference, titleBlock) != Acad::eOk) return;
+  state_->read(*reference);
+  reference->close();
+}
+GestioneOggetto::~GestioneOggetto() = default;
+
+void GestioneOggetto::SetOBJ1Nome1(std::u16string_view text) { state_->title.network = text; }
+void GestioneOggetto::SetOBJ2Nome2(std::u16string_view text) { state_->title.name = text; }
+void GestioneOggetto::SetOBJ3Prog(std::u16string_view text) { state_->title.start = text; }
+void GestioneOggetto::SetOBJ4QRif(std::u16string_view text) { state_->title.datum = text; }
+void GestioneOggetto::SetOBJ5ScX(std::u16string_view text) { state_->title.scaleX = text; }
+void GestioneOggetto::SetOBJ6ScY(std::u16string_view text) { state_->title.scaleY = text; }
+void GestioneOggetto::SetPInsCART(const AcGePoint3d& point) { state_->insertion = point; }
+void GestioneOggetto::SetAltezzaLarghezzaUtile(double height, double width) {
+  state_->title.height = height;
+  state_->title.width = width;
+}
+
+std::u16string GestioneOggetto::GetNome1() const { return state_->title.network; }
+std::u16string GestioneOggetto::GetNome2() const { return state_->title.name; }
+std::u16string GestioneOggetto::GetOBJ3Prog() const { return state_->title.start; }
+AcDbObjectId GestioneOggetto::titleBlock() const { return state_->titleBlock; }
+
+bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
+  State& s = *state_;
+  if (!database) database = acdbHostApplicationServices()->workingDatabase();
+  const ProfileTitle& title = s.title;
+  if (!database || s.drawn() || !std::isfinite(title.height) || !std::isfinite(title.width) ||
+      title.height < 0 || title.width <= 0) {
+    return false;
+  }
+  Drawing& d = database->drawing();
+  const ProfileLayout layout(title);
+  HNGeometry::createNewLayer(kLayer, nullptr, database);
+  d.registerApplication(kTitleData);
+  d.registerApplication(kLinkNames);
+
+  const BlockInfo frameBlock = newBlock(d, u"HN-PROFILO_");
+  drawProfileFrame(d, frameBlock, layout, {});
+  AcDbBlockReference* frame = place(d, frameBlock, s.insertion, 1, kLayer, {});
+  if (!frame) return false;
+  s.frame = frame->handle();
+  frame->close();
+
+  const BlockInfo titleBlock = newBlock(d, u"HN-CARTIGLIO_");
+  drawProfileTitle(d, titleBlock, layout);
+  markAttributes(d, titleBlock);
+  namespace tag = cad::profile_tag;
+  const auto meters = [](std::u16string_view text) {
+    return platform::format(u"%.3lf", platform::wtof(text));
+  };
+  AcDbBlockReference* reference = place(d, titleBlock, s.insertion, 1, kLayer,
+                                        {{tag::kNetwork, title.network},
+                                         {tag::kName, title.name},
+                                         {tag::kStart, meters(title.start)},
+                                         {tag::kDatum, meters(title.datum)},
+                                         {tag::kScaleX, title.scaleX},
+                                         {tag::kScaleY, title.scaleY}});
+  if (!reference) return false;
+  setData(*reference, s.data());
+  s.titleBlock = reference->objectId();
+  reference->close();
+  return true;
+}
+
+void GestioneOggetto::SetXdataProfSewer(const resbuf* names) { state_->links = namesOf(names); }
+
+bool GestioneOggetto::UpdateXdata() {
+  State& s = *state_;
+  AcDbBlockReference* reference = nullptr;
+  if (acdbOpenObject(reference, s.titleBlock, AcDb::kForWrite) != Acad::eOk) return false;
+  const Acad::ErrorStatus kept = setData(*reference, chainOf(kLinkNames, s.links));
+  reference->close();
+  if (kept != Acad::eOk) return false;
+
+  Drawing& d = *s.drawing();
+  const std::uint32_t frame = d.byHandle(s.frame);
+  const std::uint32_t id = frame ? d.blockByName(d.record(frame).name) : 0;
+  const BlockInfo* info = d.block(id);
+  if (!info) return true;  // the user has taken the frame away
+  const BlockInfo block = *info;
+  const ProfileChainData chain = cad::readProfileChain(d, s.title.network, s.links);
+  std::vector<std::uint32_t> old;
+  for (std::uint32_t e = d.firstEntity(id); e; e = d.nextEntity(id, e)) old.push_back(e);
+  for (const std::uint32_t e : old) d.erase(e, true);
+  drawProfileFrame(d, block, ProfileLayout(s.title), chain);
+  return true;
+}
+
+resbuf* GestioneOggetto::GetXdataProfEpa() const {
+  return state_->links.empty() ? nullptr : chainOf(kLinkNames, state_->links);
+}
+
+AcGePoint3d GestioneOggetto::GetOrigin() const {
+  const State& s = *state_;
+  if (!s.drawn()) return {};
+  const ProfileLayout layout(s.title);
+  return s.insertion + AcGeVector3d(layout.firstStation - layout.start, layout.y(0), 0);
+}
+
+AcGePoint3d GestioneOggetto::GetPInsFINOBJ() const {
+  const State& s = *state_;
+  return s.drawn() ? s.insertion + AcGeVector3d(ProfileLayout(s.title).right, 0, 0) : AcGePoint3d();
+}
+
+// --- manholes ------------------------------------------------------------------------------------
+
+// Each is a block reference of its own, so that erasing it takes it off the list. Its data: handle
+// of the title block, chainage, name, level, description, code.
+void GestioneOggetto::State::readManholes() {
+  manholes.clear();
+  if (!drawn()) return;
+  Drawing& d = *drawing();
+  const std::uint64_t own = d.record(titleBlock.index()).handle;
+  for (const std::uint32_t e : d.withApplication(d.names().find(kManholeData))) {
+    AcDbBlockReference* block = nullptr;
+    if (acdbOpenObject(block, d.idOf(e)) != Acad::eOk) continue;
+    Data data(*block, kManholeData);
+    if (data.code() == 1005 &&
+        std::strtoull(platform::narrow(data.text()).c_str(), nullptr, 16) == own) {
+      pozzetto p;
+      p.prog = data.real();
+      p.nome = data.text();
+      p.quota = data.real();
+      p.descrizione = data.text();
+      p.codice = data.text();
+      manholes.push_back(std::move(p));
+    }
+    block->close();
+  }
+  for (std::size_t i = 0; i + 1 < manholes.size(); ++i) manholes[i].next = &manholes[i + 1];
+}
+
+const pozzetto* GestioneOggetto::GetListaPozzetti() {
+  state_->readManholes();
+  return state_->manholes.empty() ? nullptr : state_->manholes.data();
+}
+
+bool GestioneOggetto::AddPozzetto(const pozzetto& manhole) {
+  const State& s = *state_;
+  if (!s.drawn()) return false;
+  Drawing& d = *s.drawing();
+  const ProfileLayout layout(s.title);
+  d.registerApplication(kManholeData);
+  HNGeometry::createNewLayer(kManholeLayer, nullptr, d.database());
+  std::uint32_t id = d.blockByName(d.names().find(kManholeBlock));
+  if (!id) {
+    const BlockInfo fresh = d.addBlock(kManholeBlock, {});
+    cad::drawManhole(d, fresh);
+    markAttributes(d, fresh);
+    id = fresh.id;
+  }
+  const AcGePoint3d at = GetOrigin() + AcGeVector3d(layout.start + manhole.prog, manhole.quota, 0);
+  AcDbBlockReference* block = place(d, *d.block(id), at, layout.unit, kManholeLayer,
+                                    {{u"NOME", manhole.nome},
+                                     {u"CODICE", manhole.codice},
+                                     {u"DESCRIZIONE", manhole.descrizione}});
+  if (!block) return false;
+  setData(*block,
+          acutBuildList(1001, kManholeData, 1005, hex(d.record(s.titleBlock.index()).handle), 1040,
+                        manhole.prog, 1000, manhole.nome, 1040, manhole.quota, 1000,
+                        manhole.descrizione, 1000, manhole.codice, RTNONE));
+  block->close();
+  return true;
+}
+
+// --- the command that puts manholes on a profile -------------------------------------------------
+
+namespace {
+
+// The title block that the user picks; null when he gives up.
+AcDbObjectId pickTitleBlock() {
+  for (;;) {
+    ads_name name;
+    AcGePoint3d point;
+    AcDbObjectId id;
+    if (acedEntSel(u"\nSelezionare un cartiglio profilo...", name, point) != RTNORM) return {};
+    if (acdbGetObjectId(id, name) != RTNORM) continue;
+    AcDbBlockReference* block = nullptr;
+    bool good = false;
+    if (acdbOpenObject(block, id) == Acad::eOk) {
+      good = Data(*block, kTitleData).code() == 1005;
+      block->close();
+    }
+    if (good) return id;
+    acutPrintf(u"\nEntità non valida!");
+  }
+}
+
+// Level of the chain of nodes at a distance from the first; nothing beyond its ends.
+std::optional<double> levelAt(const ProfileChainData& chain, double distance) {
+  for (std::size_t i = 1; i < chain.stations.size(); ++i) {
+    const ProfileStation &a = chain.stations[i - 1], &b = chain.stations[i];
+    if (distance < a.chainage || distance > b.chainage) continue;
+    const double span = b.chainage - a.chainage;
+    return span > 0 ? a.point.z + (b.point.z - a.point.z) * (distance - a.chainage) / span
+                    : a.point.z;
+  }
+  return std::nullopt;
+}
+
+// Asks for one manhole. Chainages are asked for as the band shows them.
+bool askManhole(const ProfileChainData& chain, double start, pozzetto& manhole) {
+  double chainage = 0;
+  if (acedGetReal(u"\nProgressiva del pozzetto <fine>: ", chainage) != RTNORM) return false;
+  manhole.prog = chainage - start;
+  if (acedGetString(true, u"\nNome: ", manhole.nome) != RTNORM ||
+      acedGetString(true, u"\nCodice: ", manhole.codice) != RTNORM ||
+      acedGetString(true, u"\nDescrizione: ", manhole.descrizione) != RTNORM) {
+    return false;
+  }
+  const std::optional<double> level = levelAt(chain, manhole.prog);
+  if (!level) acedInitGet(1, nullptr);
+  const int answer = acedGetReal(
+      level ? platform::format(u"\nQuota <%.3lf>: ", *level) : std::u16string(u"\nQuota: "),
+      manhole.quota);
+  if (answer == RTNONE && level) manhole.quota = *level;
+  return answer == RTNORM || (answer == RTNONE && level);
+}
+
+void commandManholes() {
+  AcDbDatabase* database = acdbHostApplicationServices()->workingDatabase();
+  if (!database) {
+    acutPrintf(u"\nNessun disegno aperto.");
+    return;
+  }
+  const AcDbObjectId id = pickTitleBlock();
+  if (id.isNull()) return;
+  GestioneOggetto profile(id);
+  resbuf* links = profile.GetXdataProfEpa();
+  const ProfileChainData chain =
+      cad::readProfileChain(database->drawing(), profile.GetNome1(), namesOf(links));
+  acutRelRb(links);
+  const double start = platform::wtof(profile.GetOBJ3Prog());
+  int count = 0;
+  for (pozzetto manhole; askManhole(chain, start, manhole); manhole = {}) {
+    if (profile.AddPozzetto(manhole)) ++count;
+  }
+  acutPrintf(count == 1 ? u"\n%d pozzetto inserito." : u"\n%d pozzetti inseriti.", count);
+}
+
+const bool g_registered = cad::Session::instance().addCommand(
+    {u"HOST", u"PZZPROFILO", u"PZZPROFILO", 0, commandManholes, u"pozzetti su un profilo"});
+
+}  // namespace
+
+// --- polylines as lists --------------------------------------------------------------------------
+
+namespace {
+
+// The vertices of a 3D or light polyline in the world; a closed one comes back to its first. False
+// for anything else.
+bool verticesOf(AcDbObjectId id, std::vector<AcGePoint3d>& points, std::vector<double>& bulges) {
+  AcDbEntity* entity = nullptr;
+  if (acdbOpenObject(entity, id) != Acad::eOk) return false;
+  bool closed = false, known = true;
+  if (const auto* line = AcDb3dPolyline::cast(entity, static_cast<AcDb3dPolyline*>(nullptr))) {
+    line->vertices(points);
+    closed = line->isClosed();
+  } else if (const auto* light = AcDbPolyline::cast(entity, static_cast<AcDbPolyline*>(nullptr))) {
+    for (const AcDbPolyline::Vertex& v : light->vertices()) {
+      points.push_back({v.point.x, v.point.y, light->elevation()});
+      bulges.push_back(v.bulge);
+    }
+    closed = light->isClosed();
+  } else {
+    known = false;
+  }
+  entity->close();
+  if (closed && !points.empty()) points.push_back(points.front());
+  bulges.resize(points.size(), 0);
+  return known && !points.empty();
+}
+
+}  // namespace
+
+short LeggiDATIPOLI(const ads_name& entity, datipoli*& path, int, int) {
+  path = nullptr;
+  AcDbObjectId id;
+  std::vector<AcGePoint3d> points;
+  std::vector<double> bulges;
+  if (acdbGetObjectId(id, entity) != RTNORM || !verticesOf(id, points, bulges)) return 0;
+  datipoli** tail = &path;
+  double chainage = 0;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (i > 0) chainage += std::hypot(points[i].x - points[i - 1].x, points[i].y - points[i - 1].y);
+    *tail = new datipoli{points[i], bulges[i], chainage, nullptr};
+    tail = &(*tail)->next;
+  }
+  return 1;
+}
+
+listadatipoli* AllocaLISTADATIPOLI(AcDbObjectId polyline, int, double, int, double, double, int,
+                                   const char16_t*, listadatipoli* rest, int) {
+  std::vector<AcGePoint3d> points;
+  std::vector<double> bulges;
+  if (!verticesOf(polyline, points, bulges)) return nullptr;
+  auto* list = new listadatipoli;
+  datipoli3d** tail = &list->dati3d;
+  for (std::size_t i = 0; i < points.size(); ++i) {
+    if (i > 0) list->lunghezza += points[i].distanceTo(points[i - 1]);
+    *tail = new datipoli3d{points[i], list->lunghezza, nullptr};
+    tail = &(*tail)->next;
+  }
+  list->numvertici = static_cast<int>(points.size());
+  list->primo = points.front();
+  list->ultimo = points.back();
+  list->next = rest;
+  return list;
+}
+
+void LiberaLISTADATIPOLI(listadatipoli* list) {
+  while (list) {
+    for (datipoli3d* v = list->dati3d; v;) delete std::exchange(v, v->next);
+    delete std::exchange(list, list->next);
+  }
+}

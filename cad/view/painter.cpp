@@ -1,0 +1,265 @@
+#include "cad/view/painter.h"
+
+#include <cairo-pdf.h>
+#include <cairo-svg.h>
+#include <cairo.h>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "platform/text.h"
+
+namespace cad::view {
+namespace {
+
+constexpr double kMargin = 0.03;         // of the larger side
+constexpr double kCapHeight = 0.73;      // of the em, in the fonts at hand
+constexpr double kSmallestText = 1.6;    // pixels: below that letters are dust
+constexpr double kPixelsPerMillimetre = 4;
+
+struct Spot {
+  double x = 0, y = 0;
+};
+
+// From the world to the page.
+class Projection {
+ public:
+  Projection(const Picture& picture, const PaintOptions& options) : iso_(options.view == View::isometric) {
+    double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
+    const auto grow = [&](Spot s) {
+      low[0] = std::min(low[0], s.x);
+      low[1] = std::min(low[1], s.y);
+      high[0] = std::max(high[0], s.x);
+      high[1] = std::max(high[1], s.y);
+    };
+    if (options.window && !iso_) {
+      grow({options.window->x1, options.window->y1});
+      grow({options.window->x2, options.window->y2});
+    } else {
+      for (const Item& item : picture.items) {
+        if (item.endless) continue;
+        for (std::uint32_t i = 0; i < item.count; ++i) {
+          const AcGePoint3d& p = picture.points[item.first + i];
+          if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 && std::fabs(p.y) < 1e15) grow(flat(p));
+        }
+      }
+    }
+    if (low[0] > high[0]) low[0] = low[1] = 0, high[0] = high[1] = 1;
+    double w = high[0] - low[0], h = high[1] - low[1];
+    const double margin = std::max({w, h, 1e-6}) * kMargin;
+    w = std::max(w + 2 * margin, 1e-6);
+    h = std::max(h + 2 * margin, 1e-6);
+    width = options.width;
+    height = std::clamp(std::ceil(width * h / w), width / 4, width * 1.5);
+    scale = std::min(width / w, height / h);
+    left_ = (low[0] + high[0]) / 2 - width / scale / 2;
+    top_ = (low[1] + high[1]) / 2 + height / scale / 2;
+  }
+
+  Spot operator()(const AcGePoint3d& p) const {
+    const Spot s = flat(p);
+    return {(s.x - left_) * scale, (top_ - s.y) * scale};
+  }
+
+  double width = 0, height = 0, scale = 1;
+
+ private:
+  Spot flat(const AcGePoint3d& p) const {
+    if (!iso_) return {p.x, p.y};
+    return {(p.x - p.y) / std::sqrt(2.0), (p.x + p.y) / std::sqrt(6.0) + p.z * std::sqrt(2.0 / 3.0)};
+  }
+  bool iso_;
+  double left_ = 0, top_ = 0;
+};
+
+cairo_status_t append(void* closure, const unsigned char* data, unsigned int length) {
+  static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
+  return CAIRO_STATUS_SUCCESS;
+}
+
+class Painter {
+ public:
+  Painter(cairo_t* cr, const Picture& picture, const PaintOptions& options, const Projection& at)
+      : cr_(cr), p_(picture), o_(options), at_(at) {}
+
+  void run() {
+    o_.dark ? cairo_set_source_rgb(cr_, 0.13, 0.14, 0.16) : cairo_set_source_rgb(cr_, 1, 1, 1);
+    cairo_paint(cr_);
+    cairo_set_line_join(cr_, CAIRO_LINE_JOIN_ROUND);
+    cairo_set_line_cap(cr_, CAIRO_LINE_CAP_ROUND);
+    cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_set_tolerance(cr_, 0.25);
+    cairo_select_font_face(cr_, "sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
+    // Surfaces lie under lines, and texts over both.
+    for (const Kind kind : {Kind::fill, Kind::line, Kind::dot, Kind::text}) {
+      std::size_t loops = 0;
+      for (const Item& item : p_.items) {
+        if (item.kind == kind) {
+          source(item.pen);
+          if (kind == Kind::fill) fill(item, loops);
+          if (kind == Kind::line) line(item);
+          if (kind == Kind::dot) dot(item);
+          if (kind == Kind::text) text(item);
+        }
+        loops += item.loops;
+      }
+    }
+  }
+
+ private:
+  Spot spot(std::uint32_t i) const { return at_(p_.points[i]); }
+
+  // Colours of the lightest kind cannot be told from white paper.
+  void source(const Pen& pen) {
+    Color c = pen.index < 0 ? pen.exact : indexedColor(pen.index, o_.dark);
+    if (haveColor_ && c == color_) return;
+    color_ = c;
+    haveColor_ = true;
+    double r = c.red / 255.0, g = c.green / 255.0, b = c.blue / 255.0;
+    const double light = 0.299 * r + 0.587 * g + 0.114 * b;
+    if (!o_.dark && light > 0.7) {
+      const double f = 0.62 / light;
+      r *= f;
+      g *= f;
+      b *= f;
+    }
+    if (o_.dark && light < 0.25) {
+      const double lift = 0.35;
+      r += (1 - r) * lift;
+      g += (1 - g) * lift;
+      b += (1 - b) * lift;
+    }
+    cairo_set_source_rgb(cr_, r, g, b);
+  }
+
+  bool outside(const Item& item) const {
+    double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
+    for (std::uint32_t i = 0; i < item.count; ++i) {
+      const Spot s = spot(item.first + i);
+      low[0] = std::min(low[0], s.x), high[0] = std::max(high[0], s.x);
+      low[1] = std::min(low[1], s.y), high[1] = std::max(high[1], s.y);
+    }
+    return high[0] < -50 || high[1] < -50 || low[0] > at_.width + 50 || low[1] > at_.height + 50;
+  }
+
+  void fill(const Item& item, std::size_t loop) {
+    if (outside(item)) return;
+    std::uint32_t i = item.first;
+    for (std::uint32_t n = 0; n < item.loops; ++n) {
+      const std::uint32_t end = i + p_.loopSizes[loop + n];
+      for (bool first = true; i < end; ++i, first = false) {
+        const Spot s = spot(i);
+        first ? cairo_move_to(cr_, s.x, s.y) : cairo_line_to(cr_, s.x, s.y);
+      }
+      cairo_close_path(cr_);
+    }
+    cairo_fill(cr_);
+  }
+
+  void line(const Item& item) {
+    if (outside(item)) return;
+    const double wide = std::max(1.0, item.pen.weight * kPixelsPerMillimetre);
+    cairo_set_line_width(cr_, wide);
+    Spot before = spot(item.first);
+    cairo_move_to(cr_, before.x, before.y);
+    bool drawn = false;
+    for (std::uint32_t i = 1; i < item.count; ++i) {
+      const Spot s = spot(item.first + i);
+      // Steps that nobody can see only cost time; the last point is always reached.
+      if (i + 1 < item.count && std::fabs(s.x - before.x) + std::fabs(s.y - before.y) < 0.3) continue;
+      cairo_line_to(cr_, s.x, s.y);
+      before = s;
+      drawn = true;
+    }
+    if (item.closed && drawn) cairo_close_path(cr_);
+    dash(item.pen);
+    cairo_stroke(cr_);
+  }
+
+  void dash(const Pen& pen) {
+    if (pen.linetype < 0) {
+      if (dashed_) cairo_set_dash(cr_, nullptr, 0, 0);
+      dashed_ = false;
+      return;
+    }
+    std::vector<double> lengths;
+    double whole = 0;
+    for (const double d : p_.linetypes[static_cast<std::size_t>(pen.linetype)]) {
+      lengths.push_back(std::max(std::fabs(d) * pen.linetypeScale * at_.scale, d == 0 ? 0.01 : 0.0));
+      whole += lengths.back();
+    }
+    if (lengths.size() % 2) lengths.pop_back();
+    // A pattern too fine to be seen is a plain line; at this scale a dotted one would be a grey veil.
+    dashed_ = whole >= 4 && !lengths.empty();
+    cairo_set_dash(cr_, lengths.data(), dashed_ ? static_cast<int>(lengths.size()) : 0, 0);
+  }
+
+  void dot(const Item& item) {
+    const Spot s = spot(item.first);
+    cairo_arc(cr_, s.x, s.y, 1.2, 0, 6.2832);
+    cairo_fill(cr_);
+  }
+
+  void text(const Item& item) {
+    const Spot a = spot(item.first), b = spot(item.first + 1), c = spot(item.first + 2);
+    const Spot x{b.x - a.x, b.y - a.y}, y{c.x - a.x, c.y - a.y};
+    const double high = std::hypot(y.x, y.y);
+    if (high < kSmallestText || a.x < -2000 || a.y < -2000 || a.x > at_.width + 2000 || a.y > at_.height + 2000) return;
+    const Text& t = p_.texts[item.text];
+    const double lean = std::tan(t.oblique);
+    cairo_matrix_t m;
+    cairo_matrix_init(&m, x.x / kCapHeight, x.y / kCapHeight, -(y.x + x.x * lean) / kCapHeight,
+                      -(y.y + x.y * lean) / kCapHeight, 0, 0);
+    if (std::fabs(m.xx * m.yy - m.xy * m.yx) < 1e-6) return;  // seen from its edge
+    cairo_set_font_matrix(cr_, &m);
+    const std::string utf8 = platform::narrow(t.text);
+    cairo_text_extents_t extents;
+    cairo_text_extents(cr_, utf8.c_str(), &extents);
+    const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
+    const double up = t.vertical == 1 ? -0.25 : t.vertical == 2 ? 0.5 : t.vertical == 3 ? 1 : 0;
+    cairo_move_to(cr_, a.x - extents.x_advance * along - y.x * up, a.y - extents.y_advance * along - y.y * up);
+    cairo_show_text(cr_, utf8.c_str());
+  }
+
+  cairo_t* cr_;
+  const Picture& p_;
+  const PaintOptions& o_;
+  const Projection& at_;
+  Color color_;
+  bool haveColor_ = false, dashed_ = false;
+};
+
+}  // namespace
+
+bool isEmpty(const Picture& picture) { return picture.items.empty(); }
+
+platform::Result<std::string> paint(const Picture& picture, const PaintOptions& options) {
+  const Projection at(picture, options);
+  std::string bytes;
+  cairo_surface_t* made = nullptr;
+  switch (options.format) {
+    case Format::png:
+      made = cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(at.width), static_cast<int>(at.height));
+      break;
+    case Format::svg: made = cairo_svg_surface_create_for_stream(append, &bytes, at.width, at.height); break;
+    case Format::pdf: made = cairo_pdf_surface_create_for_stream(append, &bytes, at.width, at.height); break;
+  }
+  const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(made, cairo_surface_destroy);
+  {
+    const std::unique_ptr<cairo_t, void (*)(cairo_t*)> cr(cairo_create(surface.get()), cairo_destroy);
+    Painter(cr.get(), picture, options, at).run();
+    cairo_show_page(cr.get());
+    if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS) {
+      return platform::Error{cairo_status_to_string(cairo_status(cr.get()))};
+    }
+  }
+  if (options.format == Format::png) {
+    const cairo_status_t status = cairo_surface_write_to_png_stream(surface.get(), append, &bytes);
+    if (status != CAIRO_STATUS_SUCCESS) return platform::Error{cairo_status_to_string(status)};
+  }
+  cairo_surface_finish(surface.get());
+  return bytes;
+}
+
+}  // namespace cad::view

@@ -1,0 +1,30 @@
+// Results of one period of a report onto the elements of a network, as extended data, and off them
+// again.
+//
+// Elements are found by their layer and rows by the element's name. An element that the report does
+// not name gets the list's last row: nothing tells it from the others afterwards.
+#pragma once
+
+#include <string_view>
+
+#include "module/network/schema.h"
+#include "module/results/rpt_reader.h"
+
+namespace vessora {
+
+// What writes the results. A null list removes results and periods; else the list has at least one
+// row, and each element gets its row and `time`. Each prints one line that says whether any element
+// was given results.
+void WriteNodeResults(const NetworkLayers& layers, const NodeResultList* nodes,
+                      std::u16string_view time);
+void WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
+                      std::u16string_view time);
+void WriteValvePumpResults(const NetworkLayers& layers, const LinkResultList* links,
+                           std::u16string_view time);
+
+// Takes the colours that a query gave off the link polylines: by layer again.
+void ResetLinkColors(const NetworkLayers& layers);
+// A piezometric line drawn from older results must not outlive them.
+void ErasePiezometricLine(std::u16string_view network);
+
+}  // namespace vessora
