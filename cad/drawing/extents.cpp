@@ -1,12 +1,21 @@
 #include "cad/drawing/extents.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace cad {
 namespace {
 
 constexpr double kDegree = 3.14159265358979323846 / 180;
-constexpr int kDeepest = 16;  // nesting of blocks; a file may hold a block inside itself
+// A walk through nested blocks. A file may hold a block inside itself, or blocks that multiply on every
+// level: such a walk ends after so many references.
+struct Walk {
+  std::vector<std::uint32_t> path;  // the blocks that are being walked through
+  int left = 100000;
+  bool mayEnter(std::uint32_t block) {
+    return left-- > 0 && std::find(path.begin(), path.end(), block) == path.end();
+  }
+};
 
 AcGeMatrix3d inverse(const AcGeMatrix3d& m) {
   const auto& e = m.entry;
@@ -56,7 +65,7 @@ AcGeMatrix3d insertTransform(const Drawing& d, const TagList& t, std::uint32_t b
   return acGeEntitySystem(normal) * m * base;
 }
 
-void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, int depth,
+void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, Walk& walk,
                AcDbExtents& box);
 
 void addBox(AcDbExtents& box, const AcGeMatrix3d& m, const AcGePoint3d& c, double rx, double ry) {
@@ -92,14 +101,16 @@ void addParts(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, AcD
 }
 
 void addInsert(const Drawing& d, std::uint32_t entity, const TagList& t, const AcGeMatrix3d& m,
-               int depth, AcDbExtents& box) {
+               Walk& walk, AcDbExtents& box) {
   const std::uint32_t id = d.blockByName(d.record(entity).name);
   AcDbExtents inside;
-  if (id && depth < kDeepest) {
+  if (id && walk.mayEnter(id)) {
+    walk.path.push_back(id);
     const AcGeMatrix3d inner = m * insertTransform(d, t, id);
     for (std::uint32_t e = d.firstEntity(id); e; e = d.nextEntity(id, e)) {
-      if (d.record(e).type != Type::attdef) addEntity(d, e, inner, depth + 1, inside);
+      if (d.record(e).type != Type::attdef) addEntity(d, e, inner, walk, inside);
     }
+    walk.path.pop_back();
   }
   if (inside.isEmpty()) {
     if (const int i = t.find(10, t.body()); i >= 0) inside.addPoint(m * t.point(i));
@@ -108,7 +119,7 @@ void addInsert(const Drawing& d, std::uint32_t entity, const TagList& t, const A
   addParts(d, entity, m, box);
 }
 
-void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, int depth,
+void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, Walk& walk,
                AcDbExtents& box) {
   auto held = borrowTags();
   TagList& t = *held;
@@ -117,7 +128,7 @@ void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, in
   const Record& r = d.record(entity);
   switch (r.type) {
     case Type::polyline: addParts(d, entity, m, box); break;
-    case Type::insert: addInsert(d, entity, t, m, depth, box); break;
+    case Type::insert: addInsert(d, entity, t, m, walk, box); break;
     case Type::text:
     case Type::attdef:
     case Type::mtext: addText(t, m, box); break;
@@ -174,7 +185,8 @@ void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, in
 
 AcDbExtents extentsOf(const Drawing& drawing, std::uint32_t entity) {
   AcDbExtents box;
-  addEntity(drawing, entity, AcGeMatrix3d(), 0, box);
+  Walk walk;
+  addEntity(drawing, entity, AcGeMatrix3d(), walk, box);
   return box;
 }
 

@@ -39,6 +39,10 @@ class Projection {
     } else {
       for (const Item& item : picture.items) {
         if (item.endless) continue;
+        if (item.kind == Kind::text) {
+          growText(picture, item, grow);
+          continue;
+        }
         for (std::uint32_t i = 0; i < item.count; ++i) {
           const AcGePoint3d& p = picture.points[item.first + i];
           if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 && std::fabs(p.y) < 1e15) grow(flat(p));
@@ -65,6 +69,19 @@ class Projection {
   double width = 0, height = 0, scale = 1;
 
  private:
+  // A text reaches as far as its letters do, by an average of their width.
+  template <class Grow>
+  void growText(const Picture& picture, const Item& item, Grow&& grow) const {
+    const AcGePoint3d& a = picture.points[item.first];
+    const AcGeVector3d x = picture.points[item.first + 1] - a, y = picture.points[item.first + 2] - a;
+    const Text& t = picture.texts[item.text];
+    const double length = 0.85 * static_cast<double>(t.text.size());
+    const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
+    for (const double end : {-along * length, (1 - along) * length}) {
+      for (const double side : {-0.3, 1.1}) grow(flat(a + x * end + y * side));
+    }
+  }
+
   Spot flat(const AcGePoint3d& p) const {
     if (!iso_) return {p.x, p.y};
     return {(p.x - p.y) / std::sqrt(2.0), (p.x + p.y) / std::sqrt(6.0) + p.z * std::sqrt(2.0 / 3.0)};
