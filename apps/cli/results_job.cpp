@@ -7,6 +7,7 @@
 #include <filesystem>
 #include <fstream>
 #include <system_error>
+#include <unordered_set>
 
 #include "apps/cli/answers.h"
 #include "apps/cli/host.h"
@@ -181,6 +182,84 @@ int linksWithResults(const std::u16string& network) {
   return count;
 }
 
+// --- elements that the report does not name ------------------------------------------------------
+
+using Names = std::unordered_set<std::string>;
+struct ReportNames {
+  Names nodes, links;
+};
+
+// The names in the tables of one period, and around them some words that are none.
+ReportNames namesInPeriod(const std::string& report, const std::string& period) {
+  const std::string head = period.empty() ? " Results:" : " Results at " + period + " ";
+  ReportNames names;
+  Names* table = nullptr;
+  std::ifstream file(report);
+  for (std::string line; std::getline(file, line);) {
+    const bool node = line.compare(0, 14, "  Node Results") == 0;
+    if (node || line.compare(0, 14, "  Link Results") == 0) {
+      // Behind the links of the period nothing of it comes any more.
+      const bool own = line.compare(6, head.size(), head) == 0;
+      if (!own && table == &names.links) break;
+      table = !own ? nullptr : node ? &names.nodes : &names.links;
+      continue;
+    }
+    const std::size_t from = table ? line.find_first_not_of(" \t\r") : line.npos;
+    if (from == line.npos) continue;
+    table->insert(line.substr(from, line.find_first_of(" \t\r", from) - from));
+  }
+  return names;
+}
+
+int countUnnamed(const Names& names, const char16_t* application, const std::u16string& layer) {
+  int count = 0;
+  resbuf* filter = acutBuildList(1001, application, 8, layer, RTNONE);
+  ads_name set;
+  if (acedSSGet(u"_X", nullptr, nullptr, filter, set) == RTNORM) {
+    std::int32_t length = 0;
+    acedSSLength(set, &length);
+    for (std::int32_t i = 0; i < length; ++i) {
+      ads_name entity;
+      AcDbObjectId id;
+      acedSSName(set, i, entity);
+      acdbGetObjectId(id, entity);
+      AcDbObject* object = nullptr;
+      if (acdbOpenObject(object, id) != Acad::eOk) continue;
+      resbuf* data = object->xData(u"HN-C_EPAHNIMPORT");
+      object->close();
+      const resbuf* item = data ? data->rbnext : nullptr;
+      if (item && acutKindOf(item->restype) == RbKind::text &&
+          !names.count(platform::narrow(item->resval.rstring))) {
+        ++count;
+      }
+      acutRelRb(data);
+    }
+    acedSSFree(set);
+  }
+  acutRelRb(filter);
+  return count;
+}
+
+// The command gives such elements the values of some other row and says nothing.
+void warnOfUnnamed(const ResultsOptions& o, const std::u16string& network) {
+  const ReportNames names = namesInPeriod(o.report, o.period);
+  int count = 0;
+  for (const char16_t* prefix : {u"JUNC-", u"RESV-", u"TANK-"}) {
+    count += countUnnamed(names.nodes, u"HN-C_NODE_RESULT", prefix + network);
+  }
+  for (const char16_t* prefix : {u"PIPE-", u"PUMP-", u"VALV-"}) {
+    count += countUnnamed(names.links, u"HN-C_LINK_RESULT", prefix + network);
+  }
+  if (count == 0) return;
+  std::fprintf(
+      stderr, "vessora: %s%d %s\n", words("attenzione: ", "warning: ").c_str(), count,
+      words("elementi non compaiono in questo periodo del report: i loro valori vengono da "
+            "altre righe",
+            "elements are not in this period of the report: their values are those of "
+            "other rows")
+          .c_str());
+}
+
 // --- the work ------------------------------------------------------------------------------------
 
 bool importByExport(const std::string& report, std::u16string network) {
@@ -310,6 +389,7 @@ int importReport(const ResultsOptions& o, ResultsFrontend& ui, Heads heads,
                 platform::narrow(network));
   }
   if (const int status = save(o)) return status;
+  warnOfUnnamed(o, network);
   const std::string period = o.period.empty() ? words("periodo unico", "single period")
                                               : words("periodo ", "period ") + o.period;
   std::printf("%s: %s %d, %s %d, %s\n", platform::narrow(network).c_str(),

@@ -153,7 +153,7 @@ class Indexer {
         if (record_->type == Type::insert && number(value) == 1) record_->set(Record::hasParts);
         break;
       case 1001: {
-        const std::uint32_t app = names_.ofBytes(format_, value);
+        const std::uint32_t app = cached(value, lastApp_, lastAppBytes_);
         if (record_->type != Type::section) record_->apps = sets_.with(record_->apps, app);
         seen_ |= kName | kLayer | kHandle | kFlags;
         break;
@@ -190,8 +190,8 @@ class Indexer {
   NameSets& sets_;
   Record* record_ = nullptr;
   unsigned seen_ = 0;
-  std::string_view lastTypeText_, lastNameBytes_, lastLayerBytes_;
-  std::uint32_t lastType_ = 0, lastName_ = 0, lastLayer_ = 0;
+  std::string_view lastTypeText_, lastNameBytes_, lastLayerBytes_, lastAppBytes_;
+  std::uint32_t lastType_ = 0, lastName_ = 0, lastLayer_ = 0, lastApp_ = 0;
 };
 
 int versionOf(std::string_view acadver) {

@@ -2,6 +2,7 @@
 #include <algorithm>
 
 #include "cad/api/editor.h"
+#include "cad/api/table.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/extents.h"
 #include "cad/editor/session.h"
@@ -143,6 +144,20 @@ void listChain(const resbuf* chain) {
   }
 }
 
+void listTable(const AcDbTable& table) {
+  const AcGePoint3d p = table.position();
+  acutPrintf(u"\n  tabella in %.3f,%.3f,%.3f  larga %.3f alta %.3f  testo %.3f", p.x, p.y, p.z,
+             table.width(), table.height(), table.textHeight(0, 0));
+  for (int row = 0; row < table.numRows(); ++row) {
+    std::u16string line;
+    for (int column = 0; column < table.numColumns(); ++column) {
+      if (column > 0) line += u" | ";
+      line += table.textString(row, column);
+    }
+    acutPrintf(u"\n  %s", line);
+  }
+}
+
 void listEntity(AcDbObjectId id) {
   AcDbEntity* entity = nullptr;
   if (acdbOpenObject(entity, id) != Acad::eOk) return;
@@ -166,6 +181,22 @@ void listEntity(AcDbObjectId id) {
     std::vector<AcGePoint3d> points;
     static_cast<AcDb3dPolyline*>(entity)->vertices(points);
     for (const AcGePoint3d& p : points) acutPrintf(u"\n  vertice %.3f,%.3f,%.3f", p.x, p.y, p.z);
+  } else if (entity->isKindOf(AcDbPolyline::desc())) {
+    for (const AcDbPolyline::Vertex& v : static_cast<AcDbPolyline*>(entity)->vertices()) {
+      acutPrintf(u"\n  vertice %.3f,%.3f", v.point.x, v.point.y);
+    }
+  } else if (entity->isKindOf(AcDbLine::desc())) {
+    const auto* line = static_cast<AcDbLine*>(entity);
+    const AcGePoint3d a = line->startPoint(), b = line->endPoint();
+    acutPrintf(u"\n  da %.3f,%.3f,%.3f a %.3f,%.3f,%.3f  linea %s", a.x, a.y, a.z, b.x, b.y, b.z,
+               line->linetype());
+  } else if (entity->isKindOf(AcDbText::desc())) {
+    const auto* text = static_cast<AcDbText*>(entity);
+    const AcGePoint3d p = text->position();
+    acutPrintf(u"\n  \"%s\" in %.3f,%.3f,%.3f  altezza %.3f", text->textString(), p.x, p.y, p.z,
+               text->height());
+  } else if (entity->isKindOf(AcDbTable::desc())) {
+    listTable(*static_cast<AcDbTable*>(entity));
   }
   resbuf* data = entity->xData();
   listChain(data);

@@ -1,0 +1,180 @@
+#include "module/results/network_tables.h"
+
+#include "module/dialogs/elenco_reti.h"
+#include "module/dialogs/tables.h"
+#include "module/host/messages.h"
+#include "module/network/schema.h"
+
+namespace vessora {
+
+namespace {
+
+constexpr char16_t kPipeTables[] = u"PIPE_DATA-";
+constexpr char16_t kLinkTables[] = u"LINKS_RESULTS-";
+constexpr char16_t kNodeTables[] = u"NODES_RESULTS-";
+constexpr double kTextHeight = 0.6;  // of the row height
+constexpr int kDataTitle = 1, kResultTitle = 3;
+
+// A run of the command once the user has said what he wants.
+class TableDrawer {
+ public:
+  explicit TableDrawer(const DlgTables& dialog)
+      : asked_(dialog),
+        layers_(currentNetwork),
+        pipeLayer_(layer::of(kPipeTables, currentNetwork)),
+        linkLayer_(layer::of(kLinkTables, currentNetwork)),
+        nodeLayer_(layer::of(kNodeTables, currentNetwork)) {}
+
+  void draw() {
+    makeLayer(pipeLayer_, 0);
+    makeLayer(linkLayer_, 1);
+    makeLayer(nodeLayer_, 1);
+    if (asked_.pipes.value()) drawPipes();
+    if (asked_.links.value()) drawLinks();
+    if (asked_.nodes.value()) drawNodes();
+  }
+
+ private:
+  static void makeLayer(std::u16string_view name, int color) {
+    HNGeometry::createNewLayer(name, nullptr, nullptr, 256);
+    HNGeometry::setColorLtypeLayer(name, color, u"ByLayer");
+  }
+
+  double rowHeight() const { return asked_.rowHeight.value(); }
+  double columnWidth() const { return asked_.columnWidth.value(); }
+  TablePlace at(const AcGePoint3d& position, std::u16string_view layer) const {
+    return {position, rowHeight(), columnWidth(), layer};
+  }
+  void makeStyle(int titleColor) const {
+    MakeTableStyle(kTableStyle, kTextHeight * rowHeight(), titleColor);
+  }
+  static double value(const ui::Check& wanted, double v) { return wanted.value() ? v : kNoValue; }
+  static std::u16string_view value(const ui::Check& wanted, std::u16string_view v) {
+    return wanted.value() ? v : std::u16string_view(kNoText);
+  }
+
+  // The middle of a link; false for a polyline without vertices. `straight` tells of two vertices.
+  static bool middle(AcDb3dPolyline* polyline, AcGePoint3d& point, bool& straight) {
+    straight = CountVertices(polyline) == 2;
+    if (!straight) return PolylineCentroid(polyline, point);
+    AcGePoint3dArray ends;
+    ReadVertices(polyline, ends);
+    point = ends[0] + (ends[1] - ends[0]) * 0.5;
+    return true;
+  }
+
+  void drawPipes() {
+    const SelectionSet pipes(u"_X", acutBuildList(RTDXF0, u"POLYLINE", 8, layers_.pipe, RTNONE));
+    for (const AcDbObjectId id : pipes) {
+      const Opened<AcDbEntity> entity(id);
+      auto* polyline = entity.as<AcDb3dPolyline>();
+      AcGePoint3d point;
+      bool straight;
+      if (!polyline || !middle(polyline, point, straight)) continue;
+      const Chain data(polyline->xData(app::kImport));
+      if (!data) continue;
+      XDataReader read(data);
+      const std::u16string name(read.text());
+      const double length = read.real(), diameter = read.real(), roughness = read.real();
+      const double minorLoss = read.real();
+      const std::u16string_view status = read.text();
+      makeStyle(kDataTitle);
+      DrawPipeDataTable(kTableStyle, name, value(asked_.length, length),
+                        value(asked_.diameter, diameter), value(asked_.roughness, roughness),
+                        value(asked_.minorLoss, minorLoss), value(asked_.pipeStatus, status),
+                        at(point, pipeLayer_));
+    }
+  }
+
+  void drawLinks() {
+    const SelectionSet links(
+        u"_X", acutBuildList(-4, u"<and", 1001, app::kLinkResult, -4, u"<or", 8, layers_.pipe, 8,
+                             layers_.valv, 8, layers_.pump, -4, u"or>", -4, u"and>", RTNONE));
+    for (const AcDbObjectId id : links) {
+      const Opened<AcDbEntity> entity(id);
+      AcGePoint3d point;
+      std::u16string name;
+      if (!linkPlace(entity, point, name)) continue;
+      const Chain results(entity->xData(app::kLinkResult));
+      XDataReader read(results);
+      const double flow = read.real(), velocity = read.real(), headloss = read.real();
+      const std::u16string_view status = read.text();
+      makeStyle(kResultTitle);
+      DrawLinkResultTable(kTableStyle, name, value(asked_.flow, flow),
+                          value(asked_.velocity, velocity), value(asked_.headloss, headloss),
+                          value(asked_.linkStatus, status), at(point, linkLayer_));
+    }
+  }
+
+  // Where the result table of a link stands, and the link's name.
+  bool linkPlace(const Opened<AcDbEntity>& entity, AcGePoint3d& point, std::u16string& name) const {
+    if (auto* polyline = entity.as<AcDb3dPolyline>()) {
+      bool straight;
+      if (!middle(polyline, point, straight)) return false;
+      // Clear of the table of the pipe's data, which a straight pipe has at the same point.
+      if (straight) point = point + AcGeVector3d(-2 * columnWidth(), 5 * rowHeight(), 0);
+      name = Chain(polyline->xData(app::kImport)).text(1);
+      return true;
+    }
+    auto* block = entity.as<AcDbBlockReference>();
+    if (!block) return false;
+    point = block->position();
+    ReadAttribute(block, tag::kId, name);
+    return true;
+  }
+
+  void drawNodes() {
+    const SelectionSet nodes(
+        u"_X", acutBuildList(-4, u"<and", 1001, app::kNodeResult, -4, u"<or", 8, layers_.junc, 8,
+                             layers_.resv, 8, layers_.tank, -4, u"or>", -4, u"and>", RTNONE));
+    for (const AcDbObjectId id : nodes) {
+      const Opened<AcDbEntity> entity(id);
+      auto* block = entity.as<AcDbBlockReference>();
+      if (!block) continue;
+      const AcGePoint3d point = block->position();
+      std::u16string name;
+      ReadAttribute(block, tag::kId, name);
+      const Chain results(block->xData(app::kNodeResult));
+      XDataReader read(results);
+      const double demand = read.real(), head = read.real(), pressure = read.real();
+      const std::u16string_view quality = read.text();
+      makeStyle(kResultTitle);
+      DrawNodeResultTable(kTableStyle, name, value(asked_.demand, demand), value(asked_.head, head),
+                          value(asked_.pressure, pressure), value(asked_.quality, quality),
+                          at(point, nodeLayer_));
+    }
+  }
+
+  const DlgTables& asked_;
+  const NetworkLayers layers_;
+  const std::u16string pipeLayer_, linkLayer_, nodeLayer_;
+};
+
+// Shows the dialog until its sizes can be used; false for "Annulla".
+bool askTables(DlgTables& dialog) {
+  while (dialog.doModal()) {
+    const char16_t* fault = dialog.fault();
+    if (!fault) return true;
+    ShowMessage(TraduciTesto(fault));
+  }
+  return false;
+}
+
+}  // namespace
+
+int EpaCommands::epatables() {
+  if (!ReadInstallPath()) return kAbandoned;
+  std::u16string version;
+  if (ReadTextVariable(u"ACADVER", version) && version.substr(0, 4) == u"16.0") {
+    ShowMessage(TraduciTesto(u"Oggetto tabella assente nella versione corrente di Autocad"));
+    return kAbandoned;
+  }
+  if (!ChooseNetwork(AqueductNetworks::refused)) return kAbandoned;
+  DlgTables dialog;
+  const bool wanted = askTables(dialog);
+  if (wanted) TableDrawer(dialog).draw();
+  networkNames.clear();
+  return wanted ? kRan : kAbandoned;
+}
+
+}  // namespace vessora

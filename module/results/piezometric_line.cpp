@@ -1,0 +1,143 @@
+// The hydraulic grade line over picked links, in space: the command draws it from the heads that
+// stand on the nodes.
+#include "module/dialogs/elenco_reti.h"
+#include "module/inp/point_grid.h"
+#include "module/network/schema.h"
+#include "platform/format.h"
+
+namespace vessora {
+
+namespace {
+
+constexpr char16_t kLine[] = u"PIEZOMETRICA_3D-";
+constexpr char16_t kConstruction[] = u"LINEE_COSTR-";
+constexpr char16_t kHeads[] = u"PIEZOMETRICA_3D_H-";
+constexpr char16_t kPressures[] = u"PIEZOMETRICA_3D_P-";
+constexpr char16_t kDots[] = u"HNdots";
+constexpr double kSamePlace = 0.001;
+
+struct NodeHead {
+  double head = 0;
+  int order = 0;  // of the block in the selection
+};
+
+struct ListOfVertices {
+  explicit ListOfVertices(AcDbObjectId id)
+      : list(AllocaLISTADATIPOLI(id, 1, 0.0, 0, 0.0, 0.0, 0, nullptr, nullptr, 0)) {}
+  ListOfVertices(const ListOfVertices&) = delete;
+  ListOfVertices& operator=(const ListOfVertices&) = delete;
+  ~ListOfVertices() { LiberaLISTADATIPOLI(list); }
+  listadatipoli* list;
+};
+
+class GradeLine {
+ public:
+  explicit GradeLine(double textHeight)
+      : textHeight_(textHeight),
+        line_(layer::of(kLine, currentNetwork)),
+        construction_(layer::of(kConstruction, currentNetwork)),
+        heads_(layer::of(kHeads, currentNetwork)),
+        pressures_(layer::of(kPressures, currentNetwork)) {
+    makeLayer(line_, 4);
+    makeLayer(construction_, 7);
+    makeLayer(heads_, 140);
+    makeLayer(pressures_, 2);
+  }
+
+  void draw(const SelectionSet& picked) {
+    findNodes(picked);
+    for (const AcDbObjectId id : picked) {
+      // Closed again before anything is drawn: drawing opens other objects.
+      if (Opened<AcDb3dPolyline> polyline{id}; !polyline) continue;
+      const ListOfVertices vertices(id);
+      if (vertices.list) drawLink(*vertices.list);
+    }
+  }
+
+ private:
+  static void makeLayer(std::u16string_view name, int color) {
+    HNGeometry::createNewLayer(name, nullptr, nullptr, 256);
+    HNGeometry::setColorLtypeLayer(name, color, u"ByLayer");
+  }
+
+  // Any block of the selection with results can stand at a link's end.
+  void findNodes(const SelectionSet& picked) {
+    int order = 0;
+    for (const AcDbObjectId id : picked) {
+      const Opened<AcDbBlockReference> block(id);
+      if (!block) continue;
+      const Chain results(block->xData(app::kNodeResult));
+      if (!results) continue;
+      XDataReader read(results);
+      read.skip();
+      nodes_.add(block->position(), {read.real(), ++order});
+    }
+  }
+
+  // How many nodes stand at a point; the latest of them gives the head.
+  int nodesAt(const AcGePoint3d& point, double& head) {
+    int count = 0, latest = 0;
+    nodes_.visit(point, [&](const NodeHead& node) {
+      ++count;
+      if (node.order > latest) {
+        latest = node.order;
+        head = node.head;
+      }
+      return false;
+    });
+    return count;
+  }
+
+  void drawLink(listadatipoli& link) {
+    const AcGePoint3d start = link.primo, end = link.ultimo;
+    double startHead = 0, endHead = 0;
+    // Two nodes at one end, or none, leave it open which head is meant.
+    if (nodesAt(start, startHead) + nodesAt(end, endHead) != 2) return;
+    AcDbObjectId dots;
+    if (!HNGeometry::iterateLinetypeTable(kDots, dots)) {
+      HNGeometry::addLineType(kDots, u".......", {0, -0.25});
+    }
+    const AcGePoint3d above(start.x, start.y, startHead), aboveEnd(end.x, end.y, endHead);
+    HNGeometry::createLine(start, above, construction_, kDots, 7);
+    HNGeometry::createLine(end, aboveEnd, construction_, kDots, 7);
+    text(pressures_, {start.x, start.y, (startHead + start.z) / 2}, startHead - start.z);
+    text(pressures_, {end.x, end.y, (endHead + end.z) / 2}, endHead - end.z);
+    text(heads_, above, startHead);
+    text(heads_, aboveEnd, endHead);
+
+    const double slope = link.lunghezza != 0 ? (endHead - startHead) / link.lunghezza : 0;
+    for (datipoli3d* v = link.dati3d; v; v = v->next) v->point.z = startHead + slope * v->prog;
+    HNGeometry::Create3Dpoly_da_DATIPOLI3D(link.numvertici, link.dati3d, nullptr, 4, line_);
+  }
+
+  void text(std::u16string_view layer, const AcGePoint3d& at, double value) const {
+    HNGeometry::HNTextCommandTesto(layer, u"Standard", at, textHeight_, 0,
+                                   platform::format(u"%.3lf", value), u"Left", 256);
+  }
+
+  const double textHeight_;
+  const std::u16string line_, construction_, heads_, pressures_;
+  PointGrid<NodeHead> nodes_{kSamePlace};
+};
+
+}  // namespace
+
+int EpaCommands::epapiezo() {
+  if (!ReadInstallPath()) return kAbandoned;
+  if (!ChooseNetwork(AqueductNetworks::refused)) return kAbandoned;
+  networkNames.clear();
+  double textHeight = 0;
+  if (acedGetReal(TraduciTesto(u"\nAltezza del testo [u.d.]: "), textHeight) != RTNORM) {
+    return kAbandoned;
+  }
+  GradeLine line(textHeight);
+  const NetworkLayers layers(currentNetwork);
+  const SelectionSet picked(
+      nullptr, acutBuildList(-4, u"<or", 8, layers.junc, 8, layers.resv, 8, layers.tank, 8,
+                             layers.pipe, 8, layers.pump, 8, layers.valv, -4, u"or>", RTNONE));
+  if (!picked.ok()) return kAbandoned;
+  line.draw(picked);
+  return kRan;
+}
+
+}  // namespace vessora

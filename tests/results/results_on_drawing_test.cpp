@@ -1,0 +1,254 @@
+#include "module/results/query_colors.h"
+#include "module/results/query_rows.h"
+#include "module/results/result_import.h"
+#include "tests/network/network_testing.h"
+
+namespace vessora {
+namespace {
+
+const std::string kHead = "1\n2\n3\n4\n";
+
+class ResultsOnDrawing : public DrawnNetwork {
+ protected:
+  void SetUp() override {
+    DrawnNetwork::SetUp();
+    acdbRegApp(app::kPeriod);
+    acdbRegApp(app::kColor);
+  }
+
+  AcDbObjectId junction(const char16_t* id, double emitter = 0) {
+    return addBlock(block::kJunc, layers_.junc, {0, 0, 0}, {{u"ID", id}},
+                    JuncData(id, emitter, u""));
+  }
+  AcDbObjectId pipe(const char16_t* id) {
+    EpaPipe p;
+    p.id = id;
+    p.status = u"CV";
+    return addPolyline(layers_.pipe, {{0, 0, 0}, {10, 0, 0}}, PipeData(p));
+  }
+  AcDbObjectId valve(const char16_t* id) {
+    EpaValv v;
+    v.id = id;
+    return addBlock(block::kValv, layers_.valv, {5, 0, 0}, {{u"ID", id}}, ValvData(v, 0, 0));
+  }
+  AcDbObjectId companion(const char16_t* id) {
+    return addPolyline(layers_.valv, {{0, 0, 0}, {10, 0, 0}}, CompanionData(id));
+  }
+
+  void write(const std::string& nodes, const std::string& links, const char16_t* time = u"") {
+    const auto report = std::make_shared<const RptText>("  Node Results:\n" + kHead + nodes +
+                                                        "  Link Results:\n" + kHead + links);
+    NodeResultList nodeRows;
+    LinkResultList linkRows;
+    ASSERT_EQ(ReadRpt(report, nodeRows, linkRows), kRptSinglePeriod);
+    WriteNodeResults(layers_, &nodeRows, time);
+    WritePipeResults(layers_, &linkRows, time);
+    WriteValvePumpResults(layers_, &linkRows, time);
+  }
+  static void setColor(AcDbObjectId id, int color) {
+    Opened<AcDbEntity>(id, AcDb::kForWrite)->setColorIndex(color);
+  }
+
+  NetworkLayers layers_{u"Rete"};
+};
+
+TEST_F(ResultsOnDrawing, EachElementGetsItsFirstRowAndAMissingOneTheLast) {
+  const auto n1 = junction(u"N1"), n2 = junction(u"N2"), lost = junction(u"n1");
+  const auto p1 = pipe(u"P1"), lostPipe = pipe(u"P9"), v1 = valve(u"V1"), course = companion(u"V1");
+  script(
+      ": Importazione risultati nodi terminata\n"
+      ": Importazione risultati rami terminata\n"
+      ": Importazione risultati valvole/pompe terminata\n");
+  write("  N1 1.25 2 x3 0.5\n  N2 4 5 6\n  N1 7 8 9\n   \n",
+        "  P1 10 0.2 30 closed\n  V1 1 2 3\n  Analysis ended at noon\n", u"2:00:00");
+  EXPECT_EQ(data(n1, app::kNodeResult), "1.25|2.0|0.0|0.5");
+  EXPECT_EQ(data(n1, app::kPeriod), "2:00:00");
+  EXPECT_EQ(data(n2, app::kNodeResult), "4.0|5.0|6.0|0");
+  EXPECT_EQ(data(lost, app::kNodeResult), "7.0|8.0|9.0|0");
+  EXPECT_EQ(data(p1, app::kLinkResult), "10.0|0.2|30.0|closed");
+  EXPECT_EQ(data(lostPipe, app::kLinkResult), "0.0|0.0|0.0|Open");
+  EXPECT_EQ(data(v1, app::kLinkResult), "1.0|2.0|3.0|Open");
+  EXPECT_EQ(data(course, app::kLinkResult), "");
+  expectScriptDone();
+  // The next import takes their place as a whole.
+  script("");
+  write("  N1 1 1 1 1\n", "  P1 2 2 2\n");
+  EXPECT_EQ(data(n1, app::kNodeResult), "1.0|1.0|1.0|1");
+  EXPECT_EQ(data(n1, app::kPeriod), "");
+}
+
+TEST_F(ResultsOnDrawing, TheImportedNameWinsOverAnEditedAttribute) {
+  const auto n =
+      addBlock(block::kJunc, layers_.junc, {0, 0, 0}, {{u"ID", u"N2"}}, JuncData(u"N1", 0, u""));
+  script(
+      "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: N2\\n"
+      "Valore di importazione: N1\n");
+  write("  N1 1 2 3\n  N2 4 5 6\n", "  P 1 2 3\n");
+  EXPECT_EQ(data(n, app::kNodeResult), "1.0|2.0|3.0|0");
+}
+
+TEST_F(ResultsOnDrawing, RemovalLeavesNothingAndSaysAbsent) {
+  const auto n = junction(u"N1"), p = pipe(u"P1"), v = valve(u"V1"), bare = junction(u"N2");
+  const auto other = addPolyline(u"PIPE-Altra", {{0, 0, 0}, {1, 0, 0}}, CompanionData(u"P1"));
+  setColor(p, 3);
+  setColor(other, 3);
+  write("  N1 1 2 3\n", "  P1 1 2 3\n  V1 4 5 6\n", u"1:00");
+  saveAndReload();
+  std::vector<AcDbObjectId> ids = onLayer(layers_.junc);
+  for (const std::u16string& layer : {layers_.pipe, layers_.valv}) {
+    for (const AcDbObjectId id : onLayer(layer)) ids.push_back(id);
+  }
+  ASSERT_EQ(ids.size(), 4U);
+  script(": Risultati nodi assenti\n: Risultati rami assenti\n: Risultati valvole/pompe assenti\n");
+  WriteNodeResults(layers_, nullptr, u"");
+  WritePipeResults(layers_, nullptr, u"");
+  WriteValvePumpResults(layers_, nullptr, u"");
+  ResetLinkColors(layers_);
+  for (const AcDbObjectId id : ids) {
+    for (const char16_t* application : {app::kNodeResult, app::kLinkResult, app::kPeriod}) {
+      EXPECT_FALSE(Chain(Opened<AcDbEntity>(id)->xData(application)));
+    }
+  }
+  EXPECT_EQ(color(onLayer(layers_.pipe)[0]), 256);
+  EXPECT_EQ(color(onLayer(u"PIPE-Altra")[0]), 3);
+  static_cast<void>(n), static_cast<void>(v), static_cast<void>(bare);
+}
+
+TEST_F(ResultsOnDrawing, ThePiezometricLineOfThisNetworkGoes) {
+  for (const char16_t* layer : {u"PIEZOMETRICA_3D-Rete", u"LINEE_COSTR-Rete",
+                                u"PIEZOMETRICA_3D_VAL-Rete", u"PIEZOMETRICA_3D-Rete2"}) {
+    addPolyline(layer, {{0, 0, 0}, {1, 0, 0}});
+  }
+  ErasePiezometricLine(u"Rete");
+  EXPECT_TRUE(onLayer(u"PIEZOMETRICA_3D-Rete").empty());
+  EXPECT_TRUE(onLayer(u"LINEE_COSTR-Rete").empty());
+  EXPECT_TRUE(onLayer(u"PIEZOMETRICA_3D_VAL-Rete").empty());
+  EXPECT_EQ(onLayer(u"PIEZOMETRICA_3D-Rete2").size(), 1U);
+}
+
+TEST_F(ResultsOnDrawing, RowsHaveThreeDecimalsAndDashesWithoutResults) {
+  const auto n1 = junction(u"N1"), n2 = junction(u"N2");
+  const auto p1 = pipe(u"P1");
+  {
+    const Chain material(acutBuildList(1001, app::kMaterial, 1000, u"PEAD", RTNONE));
+    Opened<AcDbEntity>(p1, AcDb::kForWrite)->setXData(material.get());
+  }
+  companion(u"V1");
+  write("  N1 1.0005 2 1e3 0.30\n", "  P1 1 2 3 Open\n", u"3:00");
+  EpaNodeResult record;
+  ASSERT_TRUE(ReadNodeResult(record, Opened<AcDbBlockReference>(n1).get()));
+  EXPECT_EQ(record.head, u"2.000");
+  EXPECT_EQ(record.pressure, u"1000.000");
+  EXPECT_EQ(record.quality, u"0.30");
+  EXPECT_EQ(record.period, u"3:00");
+  Opened<AcDbEntity>(n2, AcDb::kForWrite)
+      ->setXData(Chain(acutBuildList(1001, app::kNodeResult, RTNONE)).get());
+
+  NetworkQuery query;
+  script("tutto\n<invio>\n: Selezionare gli oggetti desiderati:\n");
+  ASSERT_TRUE(CollectQueryRows(layers_, query));
+  ASSERT_EQ(query.nodes.size(), 2U);
+  EXPECT_EQ(query.nodes[1].id, u"N2");
+  EXPECT_EQ(query.nodes[1].values[3], u"-");
+  ASSERT_EQ(query.links.size(), 1U);  // a companion is no element of its own
+  ASSERT_EQ(query.pipeMaterials.size(), 1U);
+  EXPECT_EQ(query.pipeMaterials[0].material, u"PEAD");
+  expectScriptDone();
+  script("<invio>\n");
+  EXPECT_FALSE(CollectQueryRows(layers_, query));
+}
+
+// --- colours -------------------------------------------------------------------------------------
+
+class QueryColors : public ResultsOnDrawing {
+ protected:
+  void SetUp() override {
+    ResultsOnDrawing::SetUp();
+    low_ = junction(u"N1");
+    high_ = junction(u"N2", 0.5);
+    tank_ =
+        addBlock(block::kTank, layers_.tank, {0, 0, 0}, {{u"ID", u"T1"}}, TankData(u"T1", u"VOL"));
+    pipe_ = pipe(u"P1");
+    valve_ = valve(u"V1");
+    companion_ = companion(u"V1");
+    lone_ = valve(u"V2");
+    last_ = companion(u"V3");
+    write("  N1 0 0 10\n  N2 0 0 57.2\n  T1 0 0 30\n", "  P1 1 0 0\n  V1 9.5 0 0\n  V2 5 0 0\n");
+    query_.nodes = {row(u"N1", u"10.000"), row(u"N2", u"57.200")};
+    query_.links = {row(u"P1", u"1.000"), row(u"V1", u"9.500"), row(u"V2", u"5.000")};
+  }
+  static QueryRow row(const char16_t* id, const char16_t* value) {
+    return {id, {value, value, value, value}};
+  }
+  void legend(const char16_t* title, int kind, const AcGePoint3d& at) {
+    addBlock(u"LEG_5", u"0", at, {},
+             Chain(acutBuildList(1001, app::kColor, 1000, title, 1070, kind, RTNONE)));
+  }
+  std::vector<AcDbObjectId> legends() const {
+    std::vector<AcDbObjectId> ids;
+    for (const AcDbObjectId id : SelectionSet(u"_X", acutBuildList(1001, app::kColor, RTNONE))) {
+      ids.push_back(id);
+    }
+    return ids;
+  }
+  AcDbObjectId low_, high_, tank_, pipe_, valve_, companion_, lone_, last_;
+  NetworkQuery query_;
+};
+
+TEST_F(QueryColors, ClassesOfThePickedRowsColourEveryElementWithResults) {
+  query_.nodeColorBy = 1;
+  query_.linkColorBy = 1;
+  script("<esc>\n<esc>\n: Selezionare un punto...\n: Selezionare un punto...\n");
+  ApplyQueryColors(layers_, query_);
+  EXPECT_EQ(color(low_), 5);
+  EXPECT_EQ(color(high_), 1);
+  EXPECT_EQ(color(tank_), 3);  // 30 was not picked, yet has a class
+  EXPECT_EQ(color(pipe_), 5);
+  EXPECT_EQ(color(valve_), 1);
+  EXPECT_EQ(color(companion_), 1);
+  // A block without a course colours the one at which the search for it ends.
+  EXPECT_EQ(color(lone_), 3);
+  EXPECT_EQ(color(last_), 3);
+  EXPECT_TRUE(legends().empty());
+}
+
+TEST_F(QueryColors, FilteredElementsTurnOrangeAndAResetTakesEverythingPicked) {
+  query_.colorFiltered = true;
+  query_.filteredNodes = {1};
+  query_.filteredLinks = {1};
+  ApplyQueryColors(layers_, query_);
+  EXPECT_EQ(color(high_), 40);
+  EXPECT_EQ(color(low_), 256);
+  EXPECT_EQ(color(valve_), 40);
+  EXPECT_EQ(color(companion_), 40);
+  EXPECT_EQ(color(pipe_), 256);
+
+  setColor(tank_, 40);
+  setColor(last_, 40);
+  setColor(low_, 5);
+  setColor(pipe_, 5);
+  query_.resetColors = true;
+  query_.nodeColorBy = query_.linkColorBy = 1;
+  ApplyQueryColors(layers_, query_);
+  EXPECT_EQ(color(high_), 1);  // it has an emitter
+  for (const AcDbObjectId id : {low_, pipe_, valve_, companion_}) EXPECT_EQ(color(id), 256);
+  EXPECT_EQ(color(tank_), 40);  // was not picked
+  EXPECT_EQ(color(last_), 40);
+}
+
+TEST_F(QueryColors, ALegendKeepsItsPlaceAndReplacesTheOtherOfItsKind) {
+  legend(u"Portata ai nodi [l/s]", 1, {3, 4, 0});
+  legend(u"Portata dei rami [l/s]", 2, {7, 8, 0});
+  AcGePoint3d at{-1, -1, -1};
+  EXPECT_FALSE(TakeColorLegend(u"Pressione dei nodi [m]", at, 1));
+  EXPECT_EQ(at.x, -1);
+  ASSERT_EQ(legends().size(), 1U);
+  EXPECT_TRUE(TakeColorLegend(u"Portata dei rami [l/s]", at, 2));
+  EXPECT_EQ(at.x, 7);
+  EXPECT_TRUE(legends().empty());
+  InsertClassLegend({0, 1, 7}, u"Sette", at, 2);
+  EXPECT_TRUE(legends().empty());
+}
+
+}  // namespace
+}  // namespace vessora
