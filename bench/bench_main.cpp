@@ -2,8 +2,9 @@
 //
 //   bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]
 //
-// Every job runs in a process of its own, so that its peak of memory is its own. Times are of processor,
-// the system's work for the job included. They depend on the machine; growth from one size to the ten times larger one does not, so that is what --check looks at.
+// Every job runs in a process of its own, so that its peak of memory is its own. Times are of
+// processor, the program's own apart from the system's work for it. They depend on the machine;
+// growth from one size to the ten times larger one does not, so that is what --check looks at.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -12,7 +13,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -28,15 +28,31 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr double kLargestGrowth = 11;  // of a job whose work is in proportion to its input
+constexpr double kNothing = 0.05;      // seconds too short to compare
 
-// Seconds of processor that this process has used, in the program and in the system for it: what others
-// do on the machine meanwhile hardly changes them.
-double processorSeconds() {
-  timespec now{};
-  clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &now);
-  return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+// Seconds of processor: in the program, and in the system for it (pages of memory, files). What
+// others do on the machine meanwhile hardly changes the first; the second depends on how much
+// memory is free.
+struct Seconds {
+  double program = 0, system = 0;
+  double both() const { return program + system; }
+};
+
+Seconds of(const rusage& used) {
+  const auto seconds = [](const timeval& t) {
+    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
+  };
+  return {seconds(used.ru_utime), seconds(used.ru_stime)};
 }
-double secondsSince(double start) { return processorSeconds() - start; }
+Seconds now() {
+  rusage used{};
+  getrusage(RUSAGE_SELF, &used);
+  return of(used);
+}
+Seconds since(const Seconds& start) {
+  const Seconds end = now();
+  return {end.program - start.program, end.system - start.system};
+}
 
 [[noreturn]] void fail(const std::string& message) {
   std::fprintf(stderr, "bench_vessora: %s\n", message.c_str());
@@ -45,50 +61,50 @@ double secondsSince(double start) { return processorSeconds() - start; }
 
 // --- the jobs that run in this program, each in a child of it. They return the seconds that count.
 
-double readInp(const std::string& path) {
-  const double start = processorSeconds();
+Seconds readInp(const std::string& path) {
+  const Seconds start = now();
   auto text = platform::readFile(path);
   if (!text) fail(text.error());
   vessora::EpaNetwork network;
   vessora::EpaSettings settings;
   vessora::ParseInp(std::move(*text), network, settings);
   if (network.juncs.size() == 0) fail(path + ": no junctions were read");
-  return secondsSince(start);
+  return since(start);
 }
 
-double loadDrawing(const std::string& path) {
-  const double start = processorSeconds();
+Seconds loadDrawing(const std::string& path) {
+  const Seconds start = now();
   AcDbDatabase database(false);
   std::vector<std::string> warnings;
   const auto loaded = database.drawing().load(path, warnings);
   if (!loaded) fail(loaded.error());
-  return secondsSince(start);
+  return since(start);
 }
 
-double saveDrawing(const std::string& path, const std::string& out) {
+Seconds saveDrawing(const std::string& path, const std::string& out) {
   AcDbDatabase database(false);
   std::vector<std::string> warnings;
   const auto loaded = database.drawing().load(path, warnings);
   if (!loaded) fail(loaded.error());
-  const double start = processorSeconds();
+  const Seconds start = now();
   const auto saved = database.drawing().save(out, {false});
   if (!saved) fail(saved.error());
-  return secondsSince(start);
+  return since(start);
 }
 
 int runChild(const std::vector<std::string>& a) {
-  double seconds = 0;
+  Seconds seconds;
   if (a[1] == "inp-read") seconds = readInp(a[2]);
   if (a[1] == "dxf-load") seconds = loadDrawing(a[2]);
   if (a[1] == "dxf-save") seconds = saveDrawing(a[2], a[3]);
-  std::printf("%.9f\n", seconds);
+  std::printf("%.9f %.9f\n", seconds.program, seconds.system);
   return 0;
 }
 
 // --- running and measuring -----------------------------------------------------------------------
 
 struct Measure {
-  double seconds = 0;
+  Seconds seconds;
   double megabytes = 0;  // peak of resident memory
 };
 
@@ -117,25 +133,29 @@ Measure run(const std::vector<std::string>& command) {
   int status = 0;
   rusage used{};
   wait4(child, &status, 0, &used);
-  const auto seconds = [](const timeval& t) {
-    return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
-  };
-  Measure m{seconds(used.ru_utime) + seconds(used.ru_stime), static_cast<double>(used.ru_maxrss) / 1024};
-  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0) fail(command[0] + " " + command[1] + " failed");
-  char* end = nullptr;
-  const double own = std::strtod(printed.c_str(), &end);
-  if (end != printed.c_str() && *end == '\n') m.seconds = own;
+  Measure m{of(used), static_cast<double>(used.ru_maxrss) / 1024};
+  if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
+    fail(command[0] + " " + command[1] + " failed");
+  Seconds own;
+  if (std::sscanf(printed.c_str(), "%lf %lf", &own.program, &own.system) == 2) m.seconds = own;
   return m;
 }
 
-Measure best(const std::vector<std::string>& command, int times) {
-  Measure result = run(command);
-  for (int i = 1; i < times; ++i) {
+// The mean of some runs: the clock that parts program from system ticks every few milliseconds, so
+// that only many ticks together say something.
+Measure mean(const std::vector<std::string>& command, int times) {
+  Measure sum;
+  for (int i = 0; i < times; ++i) {
     const Measure m = run(command);
-    result.seconds = std::min(result.seconds, m.seconds);
-    result.megabytes = std::min(result.megabytes, m.megabytes);
+    sum.seconds.program += m.seconds.program / times;
+    sum.seconds.system += m.seconds.system / times;
+    sum.megabytes += m.megabytes / times;
   }
-  return result;
+  return sum;
+}
+
+int repeats(std::size_t size) {
+  return size <= 1000 ? 50 : size <= 10000 ? 20 : size <= 100000 ? 8 : 3;
 }
 
 struct Job {
@@ -165,30 +185,34 @@ class Bench {
 
   // False when a job grows faster than its input from 100 000 to 1 000 000.
   bool runAll(const std::vector<std::string>& wanted) {
-    std::printf("%-10s %10s %11s %9s %12s %9s %12s\n", "job", "elements", "seconds", "growth",
-                "us/element", "peak MB", "peak / file");
+    std::printf("%-10s %10s %11s %9s %11s %12s %9s %12s\n", "job", "elements", "seconds", "growth",
+                "in system", "us/element", "peak MB", "peak / file");
     bool good = true;
     for (const Job& job : kJobs) {
-      if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), job.name) == wanted.end()) continue;
+      if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), job.name) == wanted.end())
+        continue;
       double before = 0;
       for (const std::size_t size : sizes_) {
         const std::string input = inputOf(job, size);
-        const Measure m = best(commandOf(job, input), size <= 10000 ? 5 : size <= 100000 ? 3 : 2);
-        const double growth = before > 0 ? m.seconds / before : 0;
+        const Measure m = mean(commandOf(job, input), repeats(size));
+        const double growth = before > 0.001 ? m.seconds.program / before : 0;
         row(job, size, m, growth, static_cast<double>(fs::file_size(input)) / (1 << 20));
-        if (size == 1000000 && growth > kLargestGrowth) good = false;
-        before = m.seconds;
+        if (size == 1000000 && before > kNothing && growth > kLargestGrowth) good = false;
+        before = m.seconds.program;
       }
     }
     return good;
   }
 
  private:
-  static void row(const Job& job, std::size_t size, const Measure& m, double growth, double megabytes) {
+  static void row(const Job& job, std::size_t size, const Measure& m, double growth,
+                  double megabytes) {
     char text[16] = "";
     if (growth > 0) std::snprintf(text, sizeof text, "%.1f", growth);
-    std::printf("%-10s %10zu %11.4f %9s %12.3f %9.0f %12.2f\n", job.name, size, m.seconds, text,
-                m.seconds * 1e6 / static_cast<double>(size), m.megabytes, m.megabytes / megabytes);
+    std::printf("%-10s %10zu %11.4f %9s %11.4f %12.3f %9.0f %12.2f\n", job.name, size,
+                m.seconds.program, text, m.seconds.system,
+                m.seconds.both() * 1e6 / static_cast<double>(size), m.megabytes,
+                m.megabytes / megabytes);
     std::fflush(stdout);
   }
 
@@ -215,7 +239,8 @@ class Bench {
   }
 
   std::vector<std::string> commandOf(const Job& job, const std::string& input) const {
-    const std::string out = (folder_ / (std::strcmp(job.name, "export") == 0 ? "out.inp" : "out.dxf")).string();
+    const std::string out =
+        (folder_ / (std::strcmp(job.name, "export") == 0 ? "out.inp" : "out.dxf")).string();
     if (std::strcmp(job.name, "import") == 0) return {vessora_, "import", input, "-o", out};
     if (std::strcmp(job.name, "export") == 0) return {vessora_, "export", input, "-o", out};
     return {self_, "--child", job.name, input, out};
@@ -227,7 +252,9 @@ class Bench {
 };
 
 int usage() {
-  std::fprintf(stderr, "usage: bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]\njobs:\n");
+  std::fprintf(
+      stderr,
+      "usage: bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]\njobs:\n");
   for (const Job& job : kJobs) std::fprintf(stderr, "  %-10s %s\n", job.name, job.what);
   return 2;
 }
@@ -250,7 +277,8 @@ int main(int argc, char** argv) {
   bool large = false, check = false;
   std::vector<std::string> jobs;
   // On a disk in memory where there is one: what is measured is the program.
-  std::string parent = fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path().string();
+  std::string parent =
+      fs::is_directory("/dev/shm") ? "/dev/shm" : fs::temp_directory_path().string();
   for (std::size_t i = 0; i < a.size(); ++i) {
     if (a[i] == "--large") {
       large = true;
@@ -265,10 +293,13 @@ int main(int argc, char** argv) {
     }
   }
   for (const std::string& name : jobs) {
-    if (std::none_of(std::begin(kJobs), std::end(kJobs), [&](const Job& j) { return name == j.name; })) return usage();
+    if (std::none_of(std::begin(kJobs), std::end(kJobs),
+                     [&](const Job& j) { return name == j.name; }))
+      return usage();
   }
   if (check && !large) {
-    std::fprintf(stderr, "bench_vessora: --check compares 100 000 with 1 000 000 elements; add --large\n");
+    std::fprintf(stderr,
+                 "bench_vessora: --check compares 100 000 with 1 000 000 elements; add --large\n");
     return 2;
   }
   std::string folder = parent + "/vessora-bench-XXXXXX";
@@ -281,7 +312,9 @@ int main(int argc, char** argv) {
   }
   fs::remove_all(folder, ignored);
   if (check && !good) {
-    std::fprintf(stderr, "bench_vessora: a job grew more than %g times for ten times the elements\n", kLargestGrowth);
+    std::fprintf(stderr,
+                 "bench_vessora: a job grew more than %g times for ten times the elements\n",
+                 kLargestGrowth);
     return 1;
   }
   return 0;

@@ -21,7 +21,11 @@ class Writer {
   Writer& tag(int code, std::string_view value) {
     char digits[12];
     const auto n = static_cast<std::size_t>(std::to_chars(digits, digits + 12, code).ptr - digits);
-    out_.append(n < 3 ? 3 - n : 0, ' ').append(digits, n).append(1, '\n').append(value).append(1, '\n');
+    out_.append(n < 3 ? 3 - n : 0, ' ')
+        .append(digits, n)
+        .append(1, '\n')
+        .append(value)
+        .append(1, '\n');
     return *this;
   }
   Writer& real(int code, double value) {
@@ -55,7 +59,11 @@ void pipe(Writer& w, std::size_t i, double x, double y, std::uint64_t space) {
   const std::uint64_t own = w.begin("POLYLINE", space, "RETE_CONDOTTE");
   w.tag(100, "AcDb3dPolyline").tag(66, "1").point(10, 0, 0, 0).tag(70, "8");
   w.tag(1001, "MISURA").tag(1000, "P" + std::to_string(i)).tag(1000, "PEAD").real(1040, 110);
-  w.real(1040, 130.5).tag(1070, "1").tag(1071, std::to_string(i)).point(1010, x, y, 0).tag(1000, "Open");
+  w.real(1040, 130.5)
+      .tag(1070, "1")
+      .tag(1071, std::to_string(i))
+      .point(1010, x, y, 0)
+      .tag(1000, "Open");
   for (int k = 0; k < 3; ++k) {
     w.begin("VERTEX", own, "RETE_CONDOTTE");
     w.tag(100, "AcDbVertex").tag(100, "AcDb3dPolylineVertex");

@@ -374,8 +374,8 @@ int importReport(const ResultsOptions& o, ResultsFrontend& ui, Heads heads,
                  const std::u16string& network) {
   if (heads == Heads::single && !o.period.empty()) {
     return fail(o.report + ": " +
-                words("il report ha un solo periodo; togliere --period",
-                      "the report has a single period; leave --period out"));
+                words("il report non elenca periodi; togliere --period",
+                      "the report lists no periods; leave --period out"));
   }
   {
     const Progress progress(words("Risultati", "Results"));

@@ -506,9 +506,12 @@ const TableInfo* Drawing::table(Type entryType) const {
 }
 
 std::uint32_t Drawing::tableEntry(Type entryType, std::u16string_view name) const {
+  return tableEntry(entryType, names_.find(name));
+}
+
+std::uint32_t Drawing::tableEntry(Type entryType, std::uint32_t known) const {
   const TableInfo* info = table(entryType);
   if (!info) return 0;
-  const std::uint32_t known = names_.find(name);
   const auto it = known ? info->byName.find(known) : info->byName.end();
   if (it == info->byName.end()) return 0;
   const Record& r = records_[it->second];

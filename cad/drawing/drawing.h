@@ -122,6 +122,7 @@ class CAD_API Drawing {
   // The table's record, made when the file has no such table.
   std::uint32_t tableRecord(Type entryType);
   std::uint32_t tableEntry(Type entryType, std::u16string_view name) const;
+  std::uint32_t tableEntry(Type entryType, std::uint32_t name) const;
   std::uint32_t firstTableEntry(std::uint32_t table) const;
   std::uint32_t nextTableEntry(std::uint32_t table, std::uint32_t entry) const;
   // The layer, made on demand; 0 when there is none and none may be made of such a name.

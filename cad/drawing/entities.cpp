@@ -32,7 +32,7 @@ TagList& begin(AcDbObject& object, std::string_view type, std::string_view marke
   TagList& t = object.tagsForWrite();
   static const cad::Format neutral;
   t.create(neutral, type);
-  t.addAscii(100, "AcDbEntity");
+  t.addLiteral(100, "AcDbEntity");
   // New entities lie on the current layer until somebody puts them elsewhere.
   const AcDbDatabase* current = acdbHostApplicationServices()->workingDatabase();
   if (current) {
@@ -40,7 +40,7 @@ TagList& begin(AcDbObject& object, std::string_view type, std::string_view marke
   } else {
     t.addAscii(8, "0");
   }
-  t.addAscii(100, marker);
+  t.addLiteral(100, marker);
   return t;
 }
 
@@ -197,7 +197,7 @@ AcDbText::AcDbText(const AcGePoint3d& position, std::u16string_view text, double
   t.addReal(40, height);
   t.addText(1, text);
   if (rotation != 0) t.addReal(50, rotation / kDegree);
-  t.addAscii(100, "AcDbText");
+  t.addLiteral(100, "AcDbText");
 }
 
 AcGePoint3d AcDbText::position() const {
@@ -295,7 +295,7 @@ AcDbAttribute::AcDbAttribute() {
   t.addPoint(10, {});
   t.addReal(40, 1);
   t.addAscii(1, "");
-  t.addAscii(100, "AcDbAttribute");
+  t.addLiteral(100, "AcDbAttribute");
   t.addAscii(2, "");
   t.addInteger(70, 0);
 }
@@ -335,7 +335,7 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
                  own = from.subclass("AcDbAttributeDefinition");
   TagList& t = tagsForWrite();
   t.create(from.format(), "ATTRIB");
-  t.addAscii(100, "AcDbEntity");
+  t.addLiteral(100, "AcDbEntity");
   for (int i = common.begin; i < common.end; ++i) {
     switch (from[i].code) {
       case 8:
@@ -348,7 +348,7 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
       default: break;
     }
   }
-  t.addAscii(100, "AcDbText");
+  t.addLiteral(100, "AcDbText");
   const double scale =
       AcGeVector3d(transform.entry[0][1], transform.entry[1][1], transform.entry[2][1]).length();
   const double turn = std::atan2(transform.entry[1][0], transform.entry[0][0]);
@@ -370,7 +370,7 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
   }
   if (!turned && turn != 0) t.addReal(50, turn / kDegree);
   // Tag, flags, field length and vertical alignment have the same codes in both.
-  t.addAscii(100, "AcDbAttribute");
+  t.addLiteral(100, "AcDbAttribute");
   for (const int code : {2, 70, 73, 74}) {
     const int i = from.find(code, own);
     if (i >= 0) t.insertCopy(t.size(), from, i);
@@ -398,7 +398,7 @@ AcDbObjectId AcDbObjectIterator::objectId() const {
 
 AcDb3dPolylineVertex::AcDb3dPolylineVertex(const AcGePoint3d& position) {
   TagList& t = begin(*this, "VERTEX", "AcDbVertex");
-  t.addAscii(100, "AcDb3dPolylineVertex");
+  t.addLiteral(100, "AcDb3dPolylineVertex");
   t.addPoint(10, position);
   t.addInteger(70, 32);
 }

@@ -15,8 +15,8 @@ bool oneOf(int code, std::initializer_list<int> codes) {
 
 // --- between versions with and without subclass markers ------------------------------------------
 
-// Entities of files without subclass markers get them. The tags of one kind lie in one row there; here
-// they are dealt out to the stretches in which they belong.
+// Entities of files without subclass markers get them. The tags of one kind lie in one row there;
+// here they are dealt out to the stretches in which they belong.
 class Marker {
  public:
   Marker(TagList& out, const TagList& from) : out_(out), from_(from), end_(from.xdataBegin()) {
@@ -80,21 +80,40 @@ void markVertex(Marker& m, const TagList& t, std::int64_t polyline) {
 bool addMarkers(TagList& out, const TagList& t, Type type, std::int64_t polyline) {
   Marker m(out, t);
   switch (type) {
-    case Type::line: m.marker("AcDbLine").takeAllBut({}); break;
-    case Type::point: m.marker("AcDbPoint").takeAllBut({}); break;
-    case Type::circle: m.marker("AcDbCircle").takeAllBut({}); break;
-    case Type::arc: m.marker("AcDbCircle").takeAllBut({50, 51}).marker("AcDbArc").take({50, 51}); break;
+    case Type::line:
+      m.marker("AcDbLine").takeAllBut({});
+      break;
+    case Type::point:
+      m.marker("AcDbPoint").takeAllBut({});
+      break;
+    case Type::circle:
+      m.marker("AcDbCircle").takeAllBut({});
+      break;
+    case Type::arc:
+      m.marker("AcDbCircle").takeAllBut({50, 51}).marker("AcDbArc").take({50, 51});
+      break;
     case Type::solid:
-    case Type::trace: m.marker("AcDbTrace").takeAllBut({}); break;
-    case Type::face: m.marker("AcDbFace").takeAllBut({}); break;
-    case Type::insert: m.marker("AcDbBlockReference").takeAllBut({}); break;
-    case Type::text: m.marker("AcDbText").takeAllBut({73}).marker("AcDbText").take({73}); break;
+    case Type::trace:
+      m.marker("AcDbTrace").takeAllBut({});
+      break;
+    case Type::face:
+      m.marker("AcDbFace").takeAllBut({});
+      break;
+    case Type::insert:
+      m.marker("AcDbBlockReference").takeAllBut({});
+      break;
+    case Type::text:
+      m.marker("AcDbText").takeAllBut({73}).marker("AcDbText").take({73});
+      break;
     case Type::attdef:
       m.marker("AcDbText").takeAllBut({3, 2, 70, 73, 74});
       m.marker("AcDbAttributeDefinition").take({3, 2, 70, 73, 74});
       break;
     case Type::attrib:
-      m.marker("AcDbText").takeAllBut({2, 70, 73, 74}).marker("AcDbAttribute").take({2, 70, 73, 74});
+      m.marker("AcDbText")
+          .takeAllBut({2, 70, 73, 74})
+          .marker("AcDbAttribute")
+          .take({2, 70, 73, 74});
       break;
     case Type::polyline:
       m.marker(polyline & 64   ? "AcDbPolyFaceMesh"
@@ -103,9 +122,13 @@ bool addMarkers(TagList& out, const TagList& t, Type type, std::int64_t polyline
                                : "AcDb2dPolyline");
       m.takeAllBut({});
       break;
-    case Type::vertex: markVertex(m, t, polyline); break;
-    case Type::seqend: break;
-    default: return false;
+    case Type::vertex:
+      markVertex(m, t, polyline);
+      break;
+    case Type::seqend:
+      break;
+    default:
+      return false;
   }
   m.finish();
   return true;
@@ -114,11 +137,24 @@ bool addMarkers(TagList& out, const TagList& t, Type type, std::int64_t polyline
 // Kinds that versions before R13 hold.
 bool isOldKind(Type type) {
   switch (type) {
-    case Type::line: case Type::point: case Type::circle: case Type::arc: case Type::trace:
-    case Type::solid: case Type::face: case Type::text: case Type::attdef: case Type::attrib:
-    case Type::insert: case Type::polyline: case Type::vertex: case Type::seqend: case Type::dimension:
+    case Type::line:
+    case Type::point:
+    case Type::circle:
+    case Type::arc:
+    case Type::trace:
+    case Type::solid:
+    case Type::face:
+    case Type::text:
+    case Type::attdef:
+    case Type::attrib:
+    case Type::insert:
+    case Type::polyline:
+    case Type::vertex:
+    case Type::seqend:
+    case Type::dimension:
       return true;
-    default: return false;
+    default:
+      return false;
   }
 }
 
@@ -137,18 +173,23 @@ bool needsItsDrawing(Type type, const TagList& t) {
 class BlockCopier {
  public:
   BlockCopier(Drawing& to, const Drawing& from, std::u16string_view top)
-      : to_(to), from_(from), top_(top), newForm_(to.format().hasHandlesAndMarkers()),
+      : to_(to),
+        from_(from),
+        top_(top),
+        newForm_(to.format().hasHandlesAndMarkers()),
         sameForm_(newForm_ == from.format().hasHandlesAndMarkers()) {}
 
   std::uint32_t copy(std::u16string_view name, std::uint32_t sourceBlock, const AcGePoint3d& base) {
     // Blocks that the contents use come first, so that no reference stands before its definition.
-    for (std::uint32_t e = from_.firstEntity(sourceBlock); e; e = from_.nextEntity(sourceBlock, e)) {
+    for (std::uint32_t e = from_.firstEntity(sourceBlock); e;
+         e = from_.nextEntity(sourceBlock, e)) {
       const Type type = from_.record(e).type;
       if (type == Type::insert || type == Type::dimension) nested(from_.record(e).name);
     }
     const BlockInfo block = to_.addBlock(name, base);
     bool attributes = false;
-    for (std::uint32_t e = from_.firstEntity(sourceBlock); e; e = from_.nextEntity(sourceBlock, e)) {
+    for (std::uint32_t e = from_.firstEntity(sourceBlock); e;
+         e = from_.nextEntity(sourceBlock, e)) {
       entity(e, block);
       attributes |= from_.record(e).type == Type::attdef;
     }
@@ -170,15 +211,16 @@ class BlockCopier {
     const std::u16string& name = from_.names().text(sourceName);
     const bool anonymous = name[0] == u'*', clash = platform::equalNoCase(name, top_);
     newName_[sourceName] = anonymous || clash ? freeName(name) : name;
-    if (!anonymous && !clash && to_.blockByName(to_.names().of(name))) return;  // the target's own stays
+    if (!anonymous && !clash && to_.blockByName(to_.names().of(name)))
+      return;  // the target's own stays
     TagList t;
     from_.parse(info->begin, t);
     const int at = t.find(10, t.body());
     copy(newName_[sourceName], id, at < 0 ? AcGePoint3d() : t.point(at));
   }
 
-  // Anonymous names are numbered by each drawing on its own; a block may also be called like the one
-  // that is being made.
+  // Anonymous names are numbered by each drawing on its own; a block may also be called like the
+  // one that is being made.
   std::u16string freeName(const std::u16string& name) {
     const std::u16string stem = name[0] == u'*' ? name.substr(0, 2) : name + u"_";
     std::u16string fresh;
@@ -190,7 +232,8 @@ class BlockCopier {
 
   void entity(std::uint32_t source, const BlockInfo& block) {
     const Record& r = from_.record(source);
-    if (r.type == Type::lwpolyline && to_.format().version < 1014) return lightPolyline(source, block);
+    if (r.type == Type::lwpolyline && to_.format().version < 1014)
+      return lightPolyline(source, block);
     TagList t;
     from_.parse(source, t);
     const std::int64_t polyline = r.type == Type::polyline ? t.integerOr(70, 0, t.body()) : 0;
@@ -301,7 +344,8 @@ class BlockCopier {
   void symbols(TagList& t, Type type) {
     applications(t);
     if (const int i = t.find(8, t.body()); i >= 0) entry(Type::layer, t.text(i));
-    if (const int i = t.find(6, t.subclass("AcDbEntity")); i >= 0 && !entry(Type::ltype, t.text(i))) {
+    if (const int i = t.find(6, t.subclass("AcDbEntity"));
+        i >= 0 && !entry(Type::ltype, t.text(i))) {
       t.erase(i, i + 1);
     }
     if (type == Type::text || type == Type::attdef || type == Type::attrib || type == Type::mtext) {
@@ -309,7 +353,8 @@ class BlockCopier {
       if (const int i = t.find(7, own); i >= 0 && !entry(Type::style, t.text(i))) t.erase(i, i + 1);
     }
     if (type == Type::dimension || type == Type::leader) {
-      const TagRange own = type == Type::leader ? t.subclass("AcDbLeader") : t.subclass("AcDbDimension");
+      const TagRange own =
+          type == Type::leader ? t.subclass("AcDbLeader") : t.subclass("AcDbDimension");
       const int i = t.find(3, own);
       if (i >= 0 && !to_.tableEntry(Type::dimstyle, t.text(i))) t.setAscii(i, "STANDARD");
     }
@@ -339,7 +384,8 @@ class BlockCopier {
     if (type == Type::layer && !entry(Type::ltype, t.textOr(6, u"Continuous", t.body()))) {
       t.putText(6, u"Continuous", t.body());
     }
-    if (type == Type::ltype && t.find(340, t.body()) >= 0) return false;  // drawn with shapes or texts
+    if (type == Type::ltype && t.find(340, t.body()) >= 0)
+      return false;  // drawn with shapes or texts
     TagList* copy = &t;
     if (!sameForm_ && newForm_) {
       entryWithMarkers(marked, t, type);
@@ -373,14 +419,16 @@ class BlockCopier {
       const int c = t[i].code;
       if (c == 102) {
         int open = i;
-        while (open > 0 && !(t[open].code == 102 && t[open].size && t[open].value[0] == '{')) --open;
+        while (open > 0 && !(t[open].code == 102 && t[open].size && t[open].value[0] == '{'))
+          --open;
         if (open > 0) {
           t.erase(open, i + 1);
           i = open;
           continue;
         }
       }
-      if (c == 5 || c == 105 || (c >= 320 && c <= 369) || (c >= 390 && c <= 399) || c == 67 || c == 410) {
+      if (c == 5 || c == 105 || (c >= 320 && c <= 369) || (c >= 390 && c <= 399) || c == 67 ||
+          c == 410) {
         t.erase(i, i + 1);
       }
     }
@@ -401,7 +449,8 @@ std::uint32_t insertBlock(Drawing& to, std::u16string_view name, const Drawing& 
   TagList tags;
   TagRange range;
   AcGePoint3d base;
-  if (from.headerVariable("$INSBASE", tags, range) && !range.empty()) base = tags.point(range.begin);
+  if (from.headerVariable("$INSBASE", tags, range) && !range.empty())
+    base = tags.point(range.begin);
   return BlockCopier(to, from, name).copy(name, from.modelSpace(), base);
 }
 

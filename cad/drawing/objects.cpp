@@ -275,17 +275,19 @@ void Drawing::completeTags(TagList& tags, std::uint64_t handle, std::uint32_t ow
 // A new entity names nothing that the drawing does not have: applications are registered, a line type or
 // text style that is not there gives way to the default.
 void Drawing::settleReferences(TagList& tags) {
+  const auto nameAt = [&](int i) { return names_.ofBytes(tags.format(), tags[i].bytes()); };
   const int end = tags.xdataBegin();
   for (int i = end; i < tags.size(); ++i) {
-    if (tags[i].code == 1001) registerApplication(tags.text(i));
+    if (tags[i].code == 1001 && !tableEntry(Type::appid, nameAt(i))) registerApplication(tags.text(i));
   }
   if (end < 3) return;
   const auto settle = [&](int code, std::string_view marker, auto&& has) {
-    const int i = tags.find(code, tags.subclass(marker));
-    if (i >= 0 && !has(tags.text(i))) tags.erase(i, i + 1);
+    const int any = tags.find(code, 1, end);
+    const int i = any < 0 ? -1 : tags.find(code, tags.subclass(marker));
+    if (i >= 0 && !has(i)) tags.erase(i, i + 1);
   };
-  settle(6, "AcDbEntity", [&](const std::u16string& n) { return hasLinetype(n); });
-  settle(7, "AcDbText", [&](const std::u16string& n) { return tableEntry(Type::style, n) != 0; });
+  settle(6, "AcDbEntity", [&](int i) { return hasLinetype(tags.text(i)); });
+  settle(7, "AcDbText", [&](int i) { return tableEntry(Type::style, nameAt(i)) != 0; });
 }
 
 std::uint32_t Drawing::endOf(std::uint32_t block) const {
@@ -304,8 +306,11 @@ Acad::ErrorStatus Drawing::appendEntity(std::uint32_t block, AcDbObject& entity)
   const std::uint32_t before = endOf(block);
   if (!before) return Acad::eKeyNotFound;
   entity.beforeCommit();
-  if (v.tags->is(0, "INSERT") && !blockByName(names_.find(v.tags->textOr(2, u"", v.tags->body())))) {
-    return Acad::eKeyNotFound;
+  if (v.tags->is(0, "INSERT")) {
+    const int name = v.tags->find(2, v.tags->body());
+    if (name < 0 || !blockByName(names_.ofBytes(v.tags->format(), (*v.tags)[name].bytes()))) {
+      return Acad::eKeyNotFound;
+    }
   }
   settleReferences(*v.tags);
   const bool space = block == modelSpace_ || block == paperSpace_ ||

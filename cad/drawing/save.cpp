@@ -102,14 +102,15 @@ void Drawing::writeTo(Sink&& sink) {
   for (std::uint32_t i = first_; i; i = records_[i].next) {
     const Record& r = records_[i];
     if (r.is(Record::erased) || r.is(Record::synthetic)) continue;
-    if (pending.data() + pending.size() == r.bytes) {
+    // A text that ends without a line end (the last one of a file) must not run into the next.
+    const bool ended = format_.binary || i == first_ || pending.empty() || pending.back() == '\n';
+    if (ended && pending.data() + pending.size() == r.bytes) {
       pending = {pending.data(), pending.size() + r.size};
       continue;
     }
     if (!pending.empty()) {
       sink(pending);
-      // A text that ends without a line end (the last one of a file) must not run into the next.
-      if (!format_.binary && pending.back() != '\n') sink(std::string_view("\n"));
+      if (!ended) sink(std::string_view("\n"));
     }
     pending = r.text();
   }

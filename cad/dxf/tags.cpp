@@ -1,6 +1,7 @@
 #include "cad/dxf/tags.h"
 
 #include <algorithm>
+#include <array>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -487,6 +488,21 @@ std::size_t TagList::writtenSize() const {
   return n;
 }
 
+namespace {
+
+// Group codes as files have them: right-aligned in three places.
+constexpr auto kPaddedCodes = [] {
+  std::array<std::array<char, 4>, 1000> codes{};
+  for (int c = 0; c < 1000; ++c) {
+    codes[static_cast<std::size_t>(c)] = {c >= 100 ? static_cast<char>('0' + c / 100) : ' ',
+                                          c >= 10 ? static_cast<char>('0' + c / 10 % 10) : ' ',
+                                          static_cast<char>('0' + c % 10), 0};
+  }
+  return codes;
+}();
+
+}  // namespace
+
 char* TagList::write(char* out) const {
   for (const Tag& t : tags_) {
     if (t.start) {
@@ -515,9 +531,8 @@ char* TagList::write(char* out) const {
     }
     const int c = t.code;
     if (c >= 0 && c < 1000) {
-      *out++ = c >= 100 ? static_cast<char>('0' + c / 100) : ' ';
-      *out++ = c >= 10 ? static_cast<char>('0' + c / 10 % 10) : ' ';
-      *out++ = static_cast<char>('0' + c % 10);
+      std::memcpy(out, kPaddedCodes[static_cast<std::size_t>(c)].data(), 3);
+      out += 3;
     } else {
       out = std::to_chars(out, out + 8, c).ptr;
     }

@@ -92,6 +92,14 @@ class TagList {
   // The same at the end.
   void addText(int code, std::u16string_view text) { insertText(size(), code, text); }
   void addAscii(int code, std::string_view text) { insertAscii(size(), code, text); }
+  // A text that outlives the list, such as a literal: kept without a copy.
+  void addLiteral(int code, std::string_view text) {
+    Tag t;
+    t.value = text.data();
+    t.size = static_cast<std::uint32_t>(text.size());
+    t.code = static_cast<std::int16_t>(code);
+    tags_.push_back(t);
+  }
   void addReal(int code, double v) { insertReal(size(), code, v); }
   void addInteger(int code, std::int64_t v) { insertInteger(size(), code, v); }
   void addHandle(int code, std::uint64_t h) { insertHandle(size(), code, h); }

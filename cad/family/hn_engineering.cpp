@@ -64,12 +64,12 @@ Acad::ErrorStatus setData(AcDbObject& object, resbuf* chain) {
 }
 
 // A block definition of a name that is free: the stem and a number.
-BlockInfo newBlock(Drawing& d, const std::u16string& stem) {
+BlockInfo newBlock(Drawing& d, const std::u16string& stem, const AcGePoint3d& base) {
   std::u16string name;
   int number = 0;
   do name = stem + platform::widen(std::to_string(++number));
   while (d.blockByName(d.names().find(name)));
-  return d.addBlock(name, {});
+  return d.addBlock(name, base);
 }
 
 // The block holds definitions of attributes, which the file says of it.
@@ -216,14 +216,16 @@ bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
   d.registerApplication(kTitleData);
   d.registerApplication(kLinkNames);
 
-  const BlockInfo frameBlock = newBlock(d, u"HN-PROFILO_");
+  // The two references do not stand on one point, so that a pick tells them apart.
+  const AcGeVector3d besideTitle(layout.titleWidth, 0, 0);
+  const BlockInfo frameBlock = newBlock(d, u"HN-PROFILO_", AcGePoint3d() + besideTitle);
   drawProfileFrame(d, frameBlock, layout, {});
-  AcDbBlockReference* frame = place(d, frameBlock, s.insertion, 1, kLayer, {});
+  AcDbBlockReference* frame = place(d, frameBlock, s.insertion + besideTitle, 1, kLayer, {});
   if (!frame) return false;
   s.frame = frame->handle();
   frame->close();
 
-  const BlockInfo titleBlock = newBlock(d, u"HN-CARTIGLIO_");
+  const BlockInfo titleBlock = newBlock(d, u"HN-CARTIGLIO_", {});
   drawProfileTitle(d, titleBlock, layout);
   markAttributes(d, titleBlock);
   namespace tag = cad::profile_tag;

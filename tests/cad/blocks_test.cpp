@@ -42,13 +42,16 @@ TEST(Blocks, ComeWithWhatTheyUse) {
   cad::Drawing& d = db.drawing();
   expectPoint(Open<AcDbBlockTableRecord>(id)->origin(), 1, 0);
   EXPECT_NE(d.tableEntry(cad::Type::style, u"SCRITTE"), 0u);
-  EXPECT_EQ(Open<AcDbLayerTableRecord>(d.idOf(d.tableEntry(cad::Type::layer, u"SIMBOLI")))->linetype(), u"PUNTI");
+  EXPECT_EQ(
+      Open<AcDbLayerTableRecord>(d.idOf(d.tableEntry(cad::Type::layer, u"SIMBOLI")))->linetype(),
+      u"PUNTI");
   const AcDbObjectId nested = d.idOf(d.blockByName(d.names().find(u"FRECCIA")));
   EXPECT_EQ(kindsIn(nested), (std::vector<std::u16string>{u"LWPOLYLINE"}));
   expectNoFaults(db);
 }
 
-// The symbols of the product are of the new form; a base drawing of an old release takes them all the same.
+// The symbols of the product are of the new form; a base drawing of an old release takes them all
+// the same.
 TEST(Blocks, GoIntoOldDrawingsAndComeOutOfThem) {
   auto symbol = symbolDrawing();
   auto old = load(oldDrawing());
@@ -60,20 +63,24 @@ TEST(Blocks, GoIntoOldDrawingsAndComeOutOfThem) {
   ASSERT_FALSE(addReference(*old, id, {5, 5, 0}).isNull());
   expectNoFaults(*old);
   const std::string bytes = d.toBytes();
-  EXPECT_NE(bytes.find(tags("66 1\n10 0.0\n20 0.0\n30 0.5\n70 0\n40 0.2\n41 0.2\n")), bytes.npos) << bytes;
+  EXPECT_NE(bytes.find(tags("66 1\n10 0.0\n20 0.0\n30 0.5\n70 0\n40 0.2\n41 0.2\n")), bytes.npos)
+      << bytes;
 
   AcDbDatabase fresh;
   ASSERT_EQ(fresh.insert(id, u"VECCHIO", old.get()), Acad::eOk);
   const auto kinds = kindsIn(id);
-  EXPECT_EQ(kinds, (std::vector<std::u16string>{u"INSERT", u"LINE", u"INSERT"}));  // SHAPE cannot come
-  EXPECT_EQ(kindsIn(fresh.drawing().idOf(fresh.drawing().blockByName(fresh.drawing().names().find(u"PORTA")))),
+  EXPECT_EQ(kinds,
+            (std::vector<std::u16string>{u"INSERT", u"LINE", u"INSERT"}));  // SHAPE cannot come
+  EXPECT_EQ(kindsIn(fresh.drawing().idOf(
+                fresh.drawing().blockByName(fresh.drawing().names().find(u"PORTA")))),
             (std::vector<std::u16string>{u"LINE", u"ATTDEF"}));
   expectNoFaults(fresh);
 }
 
 TEST(Blocks, NamesThatClash) {
   AcDbDatabase inner, db;
-  // The source has a block of the name that it gets here, an anonymous one, and one that is here already.
+  // The source has a block of the name that it gets here, an anonymous one, and one that is here
+  // already.
   for (const char16_t* name : {u"TUBO", u"*U1", u"VALVOLA"}) {
     const cad::BlockInfo block = inner.drawing().addBlock(name, {});
     auto* line = new AcDbLine({0, 0, 0}, {2, 2, 2});
@@ -88,7 +95,8 @@ TEST(Blocks, NamesThatClash) {
   std::vector<std::u16string> used;
   AcDbBlockTableRecordIterator* it = nullptr;
   Open<AcDbBlockTableRecord>(id)->newIterator(it);
-  for (; !it->done(); it->step()) used.push_back(Open<AcDbBlockReference>(it->getEntityId())->blockName());
+  for (; !it->done(); it->step())
+    used.push_back(Open<AcDbBlockReference>(it->getEntityId())->blockName());
   delete it;
   ASSERT_EQ(used.size(), 3u);
   EXPECT_NE(used[0], u"TUBO");

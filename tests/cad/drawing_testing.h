@@ -1,4 +1,5 @@
-// What the tests of drawings share: drawings from text, and one edit that makes every kind of change.
+// What the tests of drawings share: drawings from text, and one edit that makes every kind of
+// change.
 #pragma once
 
 #include <cstring>
@@ -31,7 +32,8 @@ inline std::string tags(std::string_view lines, std::string_view end = "\n") {
   return out;
 }
 
-// A database read from bytes, or null; `warnings` gets what was repaired, `error` why it was refused.
+// A database read from bytes, or null; `warnings` gets what was repaired, `error` why it was
+// refused.
 inline Database load(std::string_view bytes, std::vector<std::string>* warnings = nullptr,
                      std::string* error = nullptr) {
   auto database = std::make_unique<AcDbDatabase>(false);
@@ -63,7 +65,8 @@ inline AcDbObjectId modelSpace(AcDbDatabase& database) {
   return database.drawing().idOf(database.drawing().modelSpace());
 }
 
-// Puts an entity at the end of a block; it stays open. Deletes it when the drawing does not take it.
+// Puts an entity at the end of a block; it stays open. Deletes it when the drawing does not take
+// it.
 inline AcDbObjectId append(AcDbDatabase& database, AcDbEntity* entity, AcDbObjectId block = {}) {
   AcDbObjectId id;
   AcDbBlockTableRecord* space = nullptr;
@@ -119,7 +122,8 @@ inline Acad::ErrorStatus setXData(AcDbObject& object, resbuf* chain) {
 
 // A 3D polyline with extended data on itself and on each vertex. Null when the drawing refuses it.
 inline AcDbObjectId addPolyline(AcDbDatabase& database, std::u16string_view layer,
-                                const std::vector<AcGePoint3d>& points, const char16_t* application) {
+                                const std::vector<AcGePoint3d>& points,
+                                const char16_t* application) {
   auto* polyline = new AcDb3dPolyline;
   polyline->setLayer(layer);
   const AcDbObjectId id = append(database, polyline);
@@ -134,8 +138,9 @@ inline AcDbObjectId addPolyline(AcDbDatabase& database, std::u16string_view laye
     setXData(*vertex, acutBuildList(1001, application, 1040, p.x, RTNONE));
     vertex->close();
   }
-  setXData(*polyline, acutBuildList(1001, application, 1000, u"tratto", 1070, 7, 1071, 70000, 1010,
-                                    AcGePoint3d(1, 2, 3), 1002, u"{", 1040, 0.1, 1002, u"}", RTNONE));
+  setXData(*polyline,
+           acutBuildList(1001, application, 1000, u"tratto", 1070, 7, 1071, 70000, 1010,
+                         AcGePoint3d(1, 2, 3), 1002, u"{", 1040, 0.1, 1002, u"}", RTNONE));
   polyline->close();
   return id;
 }
@@ -263,7 +268,8 @@ inline std::string editEverything(AcDbDatabase& database, AcDbDatabase& symbol) 
     root->close();
     auto* record = new AcDbXrecord;
     if (dictionary->setAt(u"Dati", record, id) != Acad::eOk) return fail("xrecord");
-    const Chain chain(acutBuildList(1, u"testo è", 40, 2.5, 90, 70000, 10, AcGePoint3d(1, 2, 3), 70, 5, RTNONE));
+    const Chain chain(
+        acutBuildList(1, u"testo è", 40, 2.5, 90, 70000, 10, AcGePoint3d(1, 2, 3), 70, 5, RTNONE));
     record->setFromRbChain(chain.head);
     record->close();
     dictionary->close();
@@ -271,13 +277,15 @@ inline std::string editEverything(AcDbDatabase& database, AcDbDatabase& symbol) 
   // What is written and then taken back or replaced.
   {
     Open<AcDb3dPolyline> p(polyline, AcDb::kForWrite);
-    if (setXData(*p.get(), acutBuildList(1001, u"VESSORA_PROVA", 1000, u"altro", RTNONE)) != Acad::eOk) {
+    if (setXData(*p.get(), acutBuildList(1001, u"VESSORA_PROVA", 1000, u"altro", RTNONE)) !=
+        Acad::eOk) {
       return fail("replace");
     }
   }
   {
     Open<AcDbBlockReference> r(reference, AcDb::kForWrite);
-    if (setXData(*r.get(), acutBuildList(1001, u"VESSORA_PROVA", RTNONE)) != Acad::eOk) return fail("remove");
+    if (setXData(*r.get(), acutBuildList(1001, u"VESSORA_PROVA", RTNONE)) != Acad::eOk)
+      return fail("remove");
   }
   return {};
 }

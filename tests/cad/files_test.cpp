@@ -37,7 +37,8 @@ TEST(Damaged, FilesAreRefusedWithLineAndReason) {
   } cases[] = {
       {"", "no DXF drawing"},
       {"ciao\nmondo\n", "test.dxf:1: a group code was expected, found \"ciao\""},
-      {replaced(good, " 62\n7\n", " 6x2\n7\n"), "test.dxf:61: a group code was expected, found \"6x2\""},
+      {replaced(good, " 62\n7\n", " 6x2\n7\n"),
+       "test.dxf:61: a group code was expected, found \"6x2\""},
       {replaced(good, " 70\n64\n", " 70\n64\n\n"), "a group code was expected"},
       {"AC1027\0\0binary", "this is a DWG file"},
       {tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1040\n0 ENDSEC\n0 EOF\n"), "newer release"},
@@ -65,12 +66,15 @@ TEST(Damaged, FilesAreRepairedWithAWarning) {
       {"cut off in the last entity", good.substr(0, good.find("  2\nSEGNO")), "no end mark"},
       {"cut off without a line end", good.substr(0, good.find("SEGNO") + 3), "no end mark"},
       {"blank lines at the end", replaced(good, "  0\nEOF\n", "\n \n"), "no end mark"},
-      {"section not closed", replaced(good, "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES", "  0\nSECTION\n  2\nENTITIES"),
+      {"section not closed",
+       replaced(good, "  0\nENDSEC\n  0\nSECTION\n  2\nENTITIES", "  0\nSECTION\n  2\nENTITIES"),
        "section BLOCKS is not closed"},
       {"block not closed", replaced(good, "  0\nENDBLK\n  8\n0\n  5\n23\n", ""), nullptr},
       {"table not closed", replaced(good, "  0\nENDTAB\n  0\nENDSEC", "  0\nENDSEC"), nullptr},
       {"handle twice", replaced(good, "  5\n33\n", "  5\n31\n"), "1 handle(s) used twice"},
-      {"layer twice", replaced(good, "  0\nLAYER\n  2\nMURI", "  0\nLAYER\n  2\n0\n 70\n0\n 62\n1\n  6\nCONTINUOUS\n  0\nLAYER\n  2\nMURI"),
+      {"layer twice",
+       replaced(good, "  0\nLAYER\n  2\nMURI",
+                "  0\nLAYER\n  2\n0\n 70\n0\n 62\n1\n  6\nCONTINUOUS\n  0\nLAYER\n  2\nMURI"),
        "has \"0\" twice"},
   };
   for (const auto& c : cases) {
@@ -120,10 +124,12 @@ TEST(Encodings, TextIsReadAndWrittenInThePageOfTheFile) {
   };
   for (const auto& c : cases) {
     SCOPED_TRACE(std::string(c.page) + " " + c.bytes);
-    const std::string bytes = tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 " + std::string(c.version) +
-                                   (*c.page ? "\n9 $DWGCODEPAGE\n3 " + std::string(c.page) : "") +
-                                   "\n9 $HANDSEED\n5 FF\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n0 TEXT\n5 50\n8 0\n10 0.0\n"
-                                   "20 0.0\n30 0.0\n40 1.0\n1 " + c.bytes + "\n0 ENDSEC\n0 EOF\n");
+    const std::string bytes =
+        tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 " + std::string(c.version) +
+             (*c.page ? "\n9 $DWGCODEPAGE\n3 " + std::string(c.page) : "") +
+             "\n9 $HANDSEED\n5 FF\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n0 TEXT\n5 50\n8 0\n10 0.0\n"
+             "20 0.0\n30 0.0\n40 1.0\n1 " +
+             c.bytes + "\n0 ENDSEC\n0 EOF\n");
     auto db = load(bytes);
     ASSERT_TRUE(db);
     const AcDbObjectId id = db->drawing().idOf(db->drawing().byHandle(0x50));
@@ -135,7 +141,8 @@ TEST(Encodings, TextIsReadAndWrittenInThePageOfTheFile) {
     EXPECT_NE(db->drawing().toBytes().find("  1\n" + std::string(c.bytes) + "\n"), bytes.npos);
     Open<AcDbText>(id, AcDb::kForWrite)->setTextString(c.written);
     EXPECT_EQ(Open<AcDbText>(id)->textString(), c.written);
-    EXPECT_NE(db->drawing().toBytes().find("  1\n" + std::string(c.writtenBytes) + "\n"), bytes.npos);
+    EXPECT_NE(db->drawing().toBytes().find("  1\n" + std::string(c.writtenBytes) + "\n"),
+              bytes.npos);
   }
 }
 
@@ -171,7 +178,8 @@ struct SavingTest : testing::Test {
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
   }
   std::size_t filesInFolder() {
-    return static_cast<std::size_t>(std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
+    return static_cast<std::size_t>(
+        std::distance(fs::directory_iterator(folder), fs::directory_iterator()));
   }
 };
 
@@ -187,7 +195,8 @@ TEST_F(SavingTest, KeepsTheOlderFileAsBackup) {
   EXPECT_FALSE(db.drawing().isChanged());
   EXPECT_EQ(read(path + ".bak"), oldDrawing());
   EXPECT_EQ(read(path), db.drawing().toBytes());
-  EXPECT_EQ(fs::status(path).permissions(), fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
+  EXPECT_EQ(fs::status(path).permissions(),
+            fs::perms::owner_read | fs::perms::owner_write | fs::perms::group_read);
   ASSERT_TRUE(db.drawing().save(path, {false}));
   EXPECT_EQ(filesInFolder(), 2u);
   // The text is in memory: another program may change the file meanwhile.
@@ -235,9 +244,11 @@ TEST_F(SavingTest, AFullDiskLeavesTheOldFile) {
 TEST_F(SavingTest, AKilledSaveLeavesAWholeFile) {
   constexpr int kPoints = 220000;
   const auto version = [](const char* layer) {
-    std::string bytes = tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1009\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n");
-    const std::string point = tags("0 POINT\n8 " + std::string(layer) +
-                                   "\n10 123456.789012345678\n20 123456.789012345678\n30 123456.789012345678\n");
+    std::string bytes =
+        tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1009\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n");
+    const std::string point =
+        tags("0 POINT\n8 " + std::string(layer) +
+             "\n10 123456.789012345678\n20 123456.789012345678\n30 123456.789012345678\n");
     bytes.reserve(bytes.size() + kPoints * point.size() + 100);
     for (int i = 0; i < kPoints; ++i) bytes += point;
     return bytes + tags("0 ENDSEC\n0 EOF\n");
@@ -250,7 +261,8 @@ TEST_F(SavingTest, AKilledSaveLeavesAWholeFile) {
   int wholeOld = 0, wholeNew = 0;
   const auto start = std::chrono::steady_clock::now();
   ASSERT_TRUE(db->drawing().save((folder / "altro.dxf").string()));
-  const auto once = std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() - start);
+  const auto once = std::chrono::duration_cast<std::chrono::microseconds>(
+      std::chrono::steady_clock::now() - start);
   constexpr int kRounds = 12;
   for (int round = 0; round < kRounds; ++round) {
     const pid_t child = fork();
@@ -265,7 +277,8 @@ TEST_F(SavingTest, AKilledSaveLeavesAWholeFile) {
     waitpid(child, &status, 0);
     ASSERT_TRUE(WIFSIGNALED(status));
     const std::string now = read(path);
-    ASSERT_TRUE(now == before || now == after) << "round " << round << ": " << now.size() << " bytes";
+    ASSERT_TRUE(now == before || now == after)
+        << "round " << round << ": " << now.size() << " bytes";
     now == before ? ++wholeOld : ++wholeNew;
     if (now == after) write(path, before);
   }

@@ -1,5 +1,5 @@
-// Nothing is lost: what nobody changed is written back byte for byte, what was changed keeps the rest, in
-// every version and form.
+// Nothing is lost: what nobody changed is written back byte for byte, what was changed keeps the
+// rest, in every version and form.
 #include <gtest/gtest.h>
 
 #include "platform/text.h"
@@ -27,7 +27,8 @@ std::string converted(AcDbDatabase& database, const cad::Format& format) {
     if (d.record(i).is(cad::Record::erased) || d.record(i).is(cad::Record::synthetic)) continue;
     d.parse(i, t);
     for (int k = 0; k + 1 < t.size(); ++k) {
-      if (t[k].code == 9 && t.is(k, "$ACADVER")) t.setAscii(k + 1, "AC" + std::to_string(format.version));
+      if (t[k].code == 9 && t.is(k, "$ACADVER"))
+        t.setAscii(k + 1, "AC" + std::to_string(format.version));
     }
     t.transcode(format);
     text.resize(t.writtenSize() + 16);
@@ -49,7 +50,8 @@ TEST(Lossless, WhatIsNotChangedIsWrittenByteForByte) {
   // Odd but legal spellings: blanks, CR LF, comments, no line end at the end, bytes behind the end.
   std::string odd = oldDrawing("\r\n");
   odd.insert(0, "999\r\nscritto a mano\r\n");
-  for (const std::string& bytes : {oldDrawing(), odd, oldDrawing() + "\n\x1A", "\xEF\xBB\xBF" + oldDrawing()}) {
+  for (const std::string& bytes :
+       {oldDrawing(), odd, oldDrawing() + "\n\x1A", "\xEF\xBB\xBF" + oldDrawing()}) {
     auto db = load(bytes);
     ASSERT_TRUE(db);
     EXPECT_EQ(db->drawing().toBytes(), bytes);
@@ -81,16 +83,18 @@ TEST(Lossless, AnEditedObjectKeepsItsUnknownTagsAndTheirOrder) {
     EXPECT_EQ(line->setLayer(u"NUOVO"), Acad::eOk);
   }
   const std::string bytes = db->drawing().toBytes();
-  EXPECT_NE(bytes.find(tags("0 LINE\n8 NUOVO\n62 1\n5 33\n10 0.0\n20 0.0\n30 0.0\n11 1.0000000000000001\n"
-                            "21 5.0\n31 0.0\n1001 ALTRA\n1000 a\n1020 7.5\n1040 1.0\n")),
-            bytes.npos)
+  EXPECT_NE(
+      bytes.find(tags("0 LINE\n8 NUOVO\n62 1\n5 33\n10 0.0\n20 0.0\n30 0.0\n11 1.0000000000000001\n"
+                      "21 5.0\n31 0.0\n1001 ALTRA\n1000 a\n1020 7.5\n1040 1.0\n")),
+      bytes.npos)
       << bytes;
-  EXPECT_NE(bytes.find(tags("0 SHAPE\n8 0\n5 34\n10 0.0\n20 0.0\n30 0.0\n40 1.0\n2 SEGNO\n")), bytes.npos);
+  EXPECT_NE(bytes.find(tags("0 SHAPE\n8 0\n5 34\n10 0.0\n20 0.0\n30 0.0\n40 1.0\n2 SEGNO\n")),
+            bytes.npos);
   EXPECT_EQ(faults(*db), "");
 }
 
-// Every version, ASCII and binary: all kinds of edits, then the check that CAD programs would make, then
-// the values again from the written file.
+// Every version, ASCII and binary: all kinds of edits, then the check that CAD programs would make,
+// then the values again from the written file.
 TEST(Lossless, EveryVersionTakesEveryEdit) {
   auto symbol = symbolDrawing();
   for (const int version : {1009, 1012, 1014, 1015, 1018, 1021, 1024, 1027, 1032}) {

@@ -241,7 +241,8 @@ TEST_F(ObjectsTest, UndoAndRedoByCommand) {
   for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
 }
 
-// The end mark of a sequence that a command made and undo took away must come back with the next part.
+// The end mark of a sequence that a command made and undo took away must come back with the next
+// part.
 TEST_F(ObjectsTest, PartsAddedAfterUndo) {
   auto symbol = symbolDrawing();
   AcDbObjectId block, reference;
@@ -370,11 +371,13 @@ TEST_F(ObjectsTest, HeaderVariables) {
   EXPECT_FALSE(d.setHeaderText("$NIENTE", u"1"));
   d.layerNamed(u"CORRENTE", true);
   EXPECT_TRUE(d.setHeaderText("$CLAYER", u"CORRENTE"));
-  const AcDbObjectId id = append(*db, new AcDbPoint({1, 1, 1}));
   EXPECT_EQ(d.currentLayer(), u"CORRENTE");
+  auto* point = new AcDbPoint({1, 1, 1});
+  const AcDbObjectId id = append(*db, point);
   Open<AcDbEntity> stillOpen(id);
   EXPECT_EQ(stillOpen.status, Acad::eWasOpenForWrite);
-  for (AcDbObject* unused = nullptr; unused;) unused->close();
+  EXPECT_EQ(point->layer(), u"CORRENTE");
+  point->close();
   // The seed stands above every handle that was given out.
   const std::string bytes = d.toBytes();
   const std::uint64_t handle = d.record(id.index()).handle;

@@ -1,4 +1,5 @@
-// Drawings written for the tests: the smallest complete ones of the old and the new form, and a symbol.
+// Drawings written for the tests: the smallest complete ones of the old and the new form, and a
+// symbol.
 #pragma once
 
 #include <string>
@@ -154,11 +155,12 @@ inline std::string oldDrawing(std::string_view end = "\n") {
 2 SEGNO
 0 ENDSEC
 0 EOF
-)", end);
+)",
+              end);
 }
 
-// A symbol to insert: nested block, definition of an attribute, layer, line type and text style of its
-// own, base point.
+// A symbol to insert: nested block, definition of an attribute, layer, line type and text style of
+// its own, base point.
 inline Database symbolDrawing() {
   auto database = std::make_unique<AcDbDatabase>();
   cad::Drawing& d = database->drawing();
@@ -178,12 +180,14 @@ inline Database symbolDrawing() {
     d.renameEntry(i, d.names().text(d.record(i).name));
   };
   entry(cad::Type::ltype,
-        "LTYPE|100 AcDbSymbolTableRecord|100 AcDbLinetypeTableRecord|2 PUNTI|70 0|3 . . .|72 65|73 2|40 1.0|"
+        "LTYPE|100 AcDbSymbolTableRecord|100 AcDbLinetypeTableRecord|2 PUNTI|70 0|3 . . .|72 65|73 "
+        "2|40 1.0|"
         "49 0.0|74 0|49 -1.0|74 0");
   entry(cad::Type::layer,
         "LAYER|100 AcDbSymbolTableRecord|100 AcDbLayerTableRecord|2 SIMBOLI|70 0|62 5|6 PUNTI");
   entry(cad::Type::style,
-        "STYLE|100 AcDbSymbolTableRecord|100 AcDbTextStyleTableRecord|2 SCRITTE|70 0|40 0.0|41 1.0|50 0.0|"
+        "STYLE|100 AcDbSymbolTableRecord|100 AcDbTextStyleTableRecord|2 SCRITTE|70 0|40 0.0|41 "
+        "1.0|50 0.0|"
         "71 0|42 2.5|3 romans|4 ");
   const auto entity = [&](const cad::BlockInfo* block, std::string_view lines) {
     cad::TagList t;
@@ -200,14 +204,20 @@ inline Database symbolDrawing() {
     d.addRecord(t, block ? block->end : d.endOf(owner), owner, !block, false);
   };
   const cad::BlockInfo nested = d.addBlock(u"FRECCIA", {0, 0, 0});
-  entity(&nested, "LWPOLYLINE|100 AcDbEntity|8 SIMBOLI|6 PUNTI|62 1|370 25|420 255|100 AcDbPolyline|90 2|70 0|"
-                  "43 0.2|38 0.5|10 0.0|20 0.0|42 0.5|10 1.0|20 0.0");
+  entity(
+      &nested,
+      "LWPOLYLINE|100 AcDbEntity|8 SIMBOLI|6 PUNTI|62 1|370 25|420 255|100 AcDbPolyline|90 2|70 0|"
+      "43 0.2|38 0.5|10 0.0|20 0.0|42 0.5|10 1.0|20 0.0");
   entity(nullptr, "CIRCLE|100 AcDbEntity|8 SIMBOLI|100 AcDbCircle|10 1.0|20 0.0|30 0.0|40 2.0");
-  entity(nullptr, "INSERT|100 AcDbEntity|8 SIMBOLI|100 AcDbBlockReference|2 FRECCIA|10 1.0|20 1.0|30 0.0|50 90.0");
-  entity(nullptr, "TEXT|100 AcDbEntity|8 0|100 AcDbText|10 0.0|20 0.0|30 0.0|40 1.0|1 H|7 SCRITTE|72 1|"
-                  "11 0.5|21 0.0|31 0.0|100 AcDbText|73 2");
-  entity(nullptr, "ATTDEF|100 AcDbEntity|8 0|100 AcDbText|10 3.0|20 0.0|30 0.0|40 1.0|1 ?|7 SCRITTE|72 1|"
-                  "11 4.0|21 0.0|31 0.0|100 AcDbAttributeDefinition|280 0|3 Nome|2 ID|70 0|73 0|74 2|280 1");
+  entity(nullptr,
+         "INSERT|100 AcDbEntity|8 SIMBOLI|100 AcDbBlockReference|2 FRECCIA|10 1.0|20 1.0|30 0.0|50 "
+         "90.0");
+  entity(nullptr,
+         "TEXT|100 AcDbEntity|8 0|100 AcDbText|10 0.0|20 0.0|30 0.0|40 1.0|1 H|7 SCRITTE|72 1|"
+         "11 0.5|21 0.0|31 0.0|100 AcDbText|73 2");
+  entity(nullptr,
+         "ATTDEF|100 AcDbEntity|8 0|100 AcDbText|10 3.0|20 0.0|30 0.0|40 1.0|1 ?|7 SCRITTE|72 1|"
+         "11 4.0|21 0.0|31 0.0|100 AcDbAttributeDefinition|280 0|3 Nome|2 ID|70 0|73 0|74 2|280 1");
   cad::TagList header;
   cad::TagRange range;
   if (d.headerVariable("$INSBASE", header, range)) d.setHeaderText("$INSBASE", u"1.0");

@@ -14,7 +14,8 @@ struct SelectionTest : testing::Test {
   std::vector<AcDbObjectId> ids;
   cad::Drawing& drawing() { return db->drawing(); }
 
-  AcDbObjectId add(AcDbEntity* entity, std::u16string_view layer, int color, const char16_t* application) {
+  AcDbObjectId add(AcDbEntity* entity, std::u16string_view layer, int color,
+                   const char16_t* application) {
     entity->setLayer(layer);
     if (color >= 0) entity->setColorIndex(color);
     const AcDbObjectId id = append(*db, entity);
@@ -27,19 +28,19 @@ struct SelectionTest : testing::Test {
     return id;
   }
   void SetUp() override {
-    add(new AcDbPoint(AcGePoint3d()), u"A", 1, u"UNO");                   // 0
-    add(new AcDbPoint(AcGePoint3d()), u"B", 2, nullptr);                  // 1
-    add(new AcDbLine({}, {}), u"a", -1, u"DUE");               // 2
-    add(new AcDbLine({}, {1, 1, 1}), u"C", 1, u"UNO");         // 3
+    add(new AcDbPoint(AcGePoint3d()), u"A", 1, u"UNO");   // 0
+    add(new AcDbPoint(AcGePoint3d()), u"B", 2, nullptr);  // 1
+    add(new AcDbLine({}, {}), u"a", -1, u"DUE");          // 2
+    add(new AcDbLine({}, {1, 1, 1}), u"C", 1, u"UNO");    // 3
     auto symbol = symbolDrawing();
     AcDbObjectId block;
     ASSERT_EQ(db->insert(block, u"Simbolo", symbol.get()), Acad::eOk);
-    ids.push_back(addReference(*db, block, {1, 1, 0}));        // 4
+    ids.push_back(addReference(*db, block, {1, 1, 0}));  // 4
     Open<AcDbEntity>(ids.back(), AcDb::kForWrite)->setLayer(u"B");
     const AcDbObjectId paper = drawing().idOf(drawing().paperSpace());
     auto* onPaper = new AcDbPoint(AcGePoint3d());
     onPaper->setLayer(u"A");
-    ids.push_back(append(*db, onPaper, paper));                // 5
+    ids.push_back(append(*db, onPaper, paper));  // 5
     onPaper->close();
   }
   // Which of the entities a filter finds, by number.
@@ -79,8 +80,8 @@ TEST_F(SelectionTest, ItemsAndOperators) {
   EXPECT_EQ(found(acutBuildList(-4, u"<AND", 8, u"A", 1001, u"UNO", -4, u"AND>", RTNONE)), "0");
   EXPECT_EQ(found(acutBuildList(-4, u"<NOT", 8, u"A", -4, u"NOT>", RTNONE)), "134");
   EXPECT_EQ(found(acutBuildList(-4, u"<XOR", 8, u"A", 1001, u"UNO", -4, u"XOR>", RTNONE)), "235");
-  EXPECT_EQ(found(acutBuildList(8, u"A", -4, u"<NOT", -4, u"<OR", 62, 1, 0, u"LINE", -4, u"OR>", -4, u"NOT>",
-                                RTNONE)),
+  EXPECT_EQ(found(acutBuildList(8, u"A", -4, u"<NOT", -4, u"<OR", 62, 1, 0, u"LINE", -4, u"OR>", -4,
+                                u"NOT>", RTNONE)),
             "5");
 }
 

@@ -18,18 +18,27 @@ std::string shown(const resbuf* chain) {
     switch (acutKindOf(n->restype)) {
       case RbKind::text: {
         std::string text;
-        for (const char16_t* c = n->resval.rstring; *c; ++c) text += *c < 128 ? static_cast<char>(*c) : '?';
+        for (const char16_t* c = n->resval.rstring; *c; ++c)
+          text += *c < 128 ? static_cast<char>(*c) : '?';
         std::snprintf(line, sizeof line, "%d=%.80s ", n->restype, text.c_str());
         break;
       }
-      case RbKind::real: std::snprintf(line, sizeof line, "%d=%g ", n->restype, n->resval.rreal); break;
-      case RbKind::int16: std::snprintf(line, sizeof line, "%d=%d ", n->restype, n->resval.rint); break;
-      case RbKind::int32: std::snprintf(line, sizeof line, "%d=%d ", n->restype, n->resval.rlong); break;
-      case RbKind::point:
-        std::snprintf(line, sizeof line, "%d=%g,%g,%g ", n->restype, n->resval.rpoint[0], n->resval.rpoint[1],
-                      n->resval.rpoint[2]);
+      case RbKind::real:
+        std::snprintf(line, sizeof line, "%d=%g ", n->restype, n->resval.rreal);
         break;
-      case RbKind::none: line[0] = 0; break;
+      case RbKind::int16:
+        std::snprintf(line, sizeof line, "%d=%d ", n->restype, n->resval.rint);
+        break;
+      case RbKind::int32:
+        std::snprintf(line, sizeof line, "%d=%d ", n->restype, n->resval.rlong);
+        break;
+      case RbKind::point:
+        std::snprintf(line, sizeof line, "%d=%g,%g,%g ", n->restype, n->resval.rpoint[0],
+                      n->resval.rpoint[1], n->resval.rpoint[2]);
+        break;
+      case RbKind::none:
+        line[0] = 0;
+        break;
     }
     out += line;
   }
@@ -60,8 +69,11 @@ struct XDataTest : testing::Test {
 };
 
 TEST_F(XDataTest, ReplaceAndRemoveByApplication) {
-  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, u"a", 1040, 1.5, 1070, 7, 1071, 70000, RTNONE)), Acad::eOk);
-  EXPECT_EQ(set(acutBuildList(1001, u"DUE", 1010, AcGePoint3d(1, 2, 3), 1041, 2.0, 1005, u"1F", RTNONE)), Acad::eOk);
+  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, u"a", 1040, 1.5, 1070, 7, 1071, 70000, RTNONE)),
+            Acad::eOk);
+  EXPECT_EQ(
+      set(acutBuildList(1001, u"DUE", 1010, AcGePoint3d(1, 2, 3), 1041, 2.0, 1005, u"1F", RTNONE)),
+      Acad::eOk);
   EXPECT_EQ(get(u"uno"), "1001=UNO 1000=a 1040=1.5 1070=7 1071=70000 ");
   EXPECT_EQ(get(u"DUE"), "1001=DUE 1010=1,2,3 1041=2 1005=1F ");
   EXPECT_EQ(get(u"TRE"), "");
@@ -84,7 +96,8 @@ TEST_F(XDataTest, WhatCannotBeKeptIsRefusedAndTheOldStays) {
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1002, u"}", 1002, u"{", RTNONE)), Acad::eInvalidXdata);
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 40, 1.0, RTNONE)), Acad::eInvalidXdata);
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1040, std::nan(""), RTNONE)), Acad::eInvalidXdata);
-  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1011, AcGePoint3d(0, HUGE_VAL, 0), RTNONE)), Acad::eInvalidXdata);
+  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1011, AcGePoint3d(0, HUGE_VAL, 0), RTNONE)),
+            Acad::eInvalidXdata);
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1004, u"ABC", RTNONE)), Acad::eInvalidXdata);
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, tooLong, RTNONE)), Acad::eXdataSizeExceeded);
   EXPECT_EQ(get(u"UNO"), "1001=UNO 1000=vecchio ");
@@ -114,10 +127,12 @@ TEST_F(XDataTest, OldFilesKeepBrokenTriplesAndCountBytes) {
   EXPECT_EQ(get(nullptr), "1001=ALTRA 1000=a 1020=7.5 1040=1 ");
   acdbRegApp(u"UNO");
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, u"\u00e8", RTNONE)), Acad::eOk);
-  EXPECT_NE(db->drawing().toBytes().find(tags("1001 ALTRA\n1000 a\n1020 7.5\n1040 1.0\n1001 UNO\n1000 \xE8\n")),
+  EXPECT_NE(db->drawing().toBytes().find(
+                tags("1001 ALTRA\n1000 a\n1020 7.5\n1040 1.0\n1001 UNO\n1000 \xE8\n")),
             std::string::npos);
   // 40 characters outside the code page take seven bytes each.
-  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, u16string(40, u'\u0416'), RTNONE)), Acad::eXdataSizeExceeded);
+  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, u16string(40, u'\u0416'), RTNONE)),
+            Acad::eXdataSizeExceeded);
   EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1000, u16string(36, u'\u0416'), RTNONE)), Acad::eOk);
   Open<AcDbObject> object(id);
   const Chain chain(object->xData(u"UNO"));
@@ -129,9 +144,12 @@ TEST_F(XDataTest, BytesAreHexInAsciiAndPlainInBinary) {
   binary.binary = true;
   const std::string head("AutoCAD Binary DXF\r\n\x1A\0", 22);
   std::string bytes = head;
-  auto source = load(tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1027\n9 $HANDSEED\n5 FF\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n"
-                          "0 POINT\n5 50\n330 1F\n100 AcDbEntity\n8 0\n160 3\n310 00FF0a\n100 AcDbPoint\n10 1.0\n20 2.0\n"
-                          "30 3.0\n290 1\n1001 UNO\n1004 0A0B0C\n0 ENDSEC\n0 EOF\n"));
+  auto source =
+      load(tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1027\n9 $HANDSEED\n5 FF\n0 ENDSEC\n0 "
+                "SECTION\n2 ENTITIES\n"
+                "0 POINT\n5 50\n330 1F\n100 AcDbEntity\n8 0\n160 3\n310 00FF0a\n100 AcDbPoint\n10 "
+                "1.0\n20 2.0\n"
+                "30 3.0\n290 1\n1001 UNO\n1004 0A0B0C\n0 ENDSEC\n0 EOF\n"));
   cad::Drawing& from = source->drawing();
   cad::TagList t;
   char text[400];
@@ -140,14 +158,17 @@ TEST_F(XDataTest, BytesAreHexInAsciiAndPlainInBinary) {
     t.transcode(binary);
     bytes.append(text, static_cast<std::size_t>(t.write(text) - text));
   }
-  EXPECT_NE(bytes.find(std::string("\x36\x01\x03\x00\xFF\x0A", 6)), bytes.npos);  // 310, three bytes
+  EXPECT_NE(bytes.find(std::string("\x36\x01\x03\x00\xFF\x0A", 6)),
+            bytes.npos);  // 310, three bytes
   db = load(bytes);
   ASSERT_TRUE(db);
   const Working current(db.get());
   acdbRegApp(u"UNO");
   id = db->drawing().idOf(db->drawing().byHandle(0x50));
   EXPECT_EQ(get(u"UNO"), "1001=UNO 1004=0A0B0C ");
-  EXPECT_EQ(set(acutBuildList(1001, u"UNO", 1004, u"FF00FF00", 1071, -2, 1070, -3, 1040, 0.1, RTNONE)), Acad::eOk);
+  EXPECT_EQ(
+      set(acutBuildList(1001, u"UNO", 1004, u"FF00FF00", 1071, -2, 1070, -3, 1040, 0.1, RTNONE)),
+      Acad::eOk);
   db = load(db->drawing().toBytes());
   id = db->drawing().idOf(db->drawing().byHandle(0x50));
   EXPECT_EQ(get(u"UNO"), "1001=UNO 1004=FF00FF00 1071=-2 1070=-3 1040=0.1 ");

@@ -1,5 +1,5 @@
-// Any bytes as a drawing: reading must end; what was read is written back as the same drawing, can be
-// looked at and changed, and the changed drawing can be read again.
+// Any bytes as a drawing: reading must end; what was read is written back as the same drawing, can
+// be looked at and changed, and the changed drawing can be read again.
 #include <cstdint>
 #include <cstdlib>
 #include <cstring>
@@ -41,7 +41,8 @@ void look(cad::Drawing& d, std::uint32_t record) {
     static_cast<AcDb3dPolyline*>(object)->vertices(points);
   }
   if (object->isKindOf(AcDbPolyline::desc())) static_cast<AcDbPolyline*>(object)->vertices();
-  if (object->isKindOf(AcDbXrecord::desc())) acutRelRb(static_cast<AcDbXrecord*>(object)->rbChain());
+  if (object->isKindOf(AcDbXrecord::desc()))
+    acutRelRb(static_cast<AcDbXrecord*>(object)->rbChain());
   if (object->isKindOf(AcDbDictionary::desc())) {
     AcDbObjectId id;
     static_cast<AcDbDictionary*>(object)->getAt(u"ACAD_GROUP", id);
@@ -63,7 +64,8 @@ void change(cad::Drawing& d, std::uint32_t record, std::uint32_t how) {
     if (entity->isKindOf(AcDbBlockReference::desc())) {
       static_cast<AcDbBlockReference*>(entity)->setPosition({1, 2, 3});
     }
-    if (entity->isKindOf(AcDbText::desc())) static_cast<AcDbText*>(entity)->setTextString(u"\u00e8^");
+    if (entity->isKindOf(AcDbText::desc()))
+      static_cast<AcDbText*>(entity)->setTextString(u"\u00e8^");
   }
   entity->close();
 }

@@ -105,7 +105,7 @@ TEST_F(NetworkQueryCommand, LongListsFilterOnTheirOwn) {
   }
   DlgListRes dialog(query);
   std::string steps = "[Interroga Rete]\n";
-  for (int i = 0; i < 10; ++i) {
+  for (int i = 0; i < 3; ++i) {
     steps +=
         "Pressione/> di = 9.5\nPressione/< di = 99990.5\nPressione/Filtra Nodi\n"
         "Elenco nodi ? (righe) 99981\nElenco nodi[1] ? N10.000 | 10.000 | 10.000 | 10.000 | 0\n"

@@ -33,18 +33,20 @@ Kind kindOf(int c) {
 }
 
 bool isShort(int c) {
-  return in(c, 60, 79) || in(c, 170, 179) || in(c, 270, 289) || in(c, 370, 389) || in(c, 400, 409) ||
-         in(c, 1060, 1070);
+  return in(c, 60, 79) || in(c, 170, 179) || in(c, 270, 289) || in(c, 370, 389) ||
+         in(c, 400, 409) || in(c, 1060, 1070);
 }
 
 int binarySize(int c) {
   switch (kindOf(c)) {
-    case Kind::real: return 8;
+    case Kind::real:
+      return 8;
     case Kind::integer:
       if (in(c, 290, 299)) return 1;
       if (in(c, 160, 169)) return 8;
       return isShort(c) ? 2 : 4;
-    default: return 0;
+    default:
+      return 0;
   }
 }
 
@@ -126,18 +128,24 @@ struct Item {
 
 const std::map<std::string, std::vector<std::string>>& requiredTables() {
   static const std::map<std::string, std::vector<std::string>> tables = {
-      {"VPORT", {}}, {"LTYPE", {"BYBLOCK", "BYLAYER", "CONTINUOUS"}}, {"LAYER", {"0"}},
-      {"STYLE", {"STANDARD"}}, {"VIEW", {}}, {"UCS", {}}, {"APPID", {"ACAD"}}, {"DIMSTYLE", {}},
+      {"VPORT", {}},
+      {"LTYPE", {"BYBLOCK", "BYLAYER", "CONTINUOUS"}},
+      {"LAYER", {"0"}},
+      {"STYLE", {"STANDARD"}},
+      {"VIEW", {}},
+      {"UCS", {}},
+      {"APPID", {"ACAD"}},
+      {"DIMSTYLE", {}},
       {"BLOCK_RECORD", {"*MODEL_SPACE", "*PAPER_SPACE"}}};
   return tables;
 }
 
 const std::map<std::string, std::string>& entryMarkers() {
   static const std::map<std::string, std::string> markers = {
-      {"VPORT", "AcDbViewportTableRecord"}, {"LTYPE", "AcDbLinetypeTableRecord"},
-      {"LAYER", "AcDbLayerTableRecord"}, {"STYLE", "AcDbTextStyleTableRecord"},
-      {"VIEW", "AcDbViewTableRecord"}, {"UCS", "AcDbUCSTableRecord"},
-      {"APPID", "AcDbRegAppTableRecord"}, {"DIMSTYLE", "AcDbDimStyleTableRecord"},
+      {"VPORT", "AcDbViewportTableRecord"},    {"LTYPE", "AcDbLinetypeTableRecord"},
+      {"LAYER", "AcDbLayerTableRecord"},       {"STYLE", "AcDbTextStyleTableRecord"},
+      {"VIEW", "AcDbViewTableRecord"},         {"UCS", "AcDbUCSTableRecord"},
+      {"APPID", "AcDbRegAppTableRecord"},      {"DIMSTYLE", "AcDbDimStyleTableRecord"},
       {"BLOCK_RECORD", "AcDbBlockTableRecord"}};
   return markers;
 }
@@ -145,29 +153,63 @@ const std::map<std::string, std::string>& entryMarkers() {
 // The markers behind AcDbEntity, in order; several rows for a kind are alternatives.
 const std::multimap<std::string, std::vector<std::string>>& entityMarkers() {
   static const std::multimap<std::string, std::vector<std::string>> markers = {
-      {"POINT", {"AcDbPoint"}}, {"LINE", {"AcDbLine"}}, {"CIRCLE", {"AcDbCircle"}},
-      {"ARC", {"AcDbCircle", "AcDbArc"}}, {"TEXT", {"AcDbText", "AcDbText"}}, {"MTEXT", {"AcDbMText"}},
-      {"LWPOLYLINE", {"AcDbPolyline"}}, {"SOLID", {"AcDbTrace"}}, {"TRACE", {"AcDbTrace"}},
-      {"3DFACE", {"AcDbFace"}}, {"HATCH", {"AcDbHatch"}}, {"ELLIPSE", {"AcDbEllipse"}},
-      {"SPLINE", {"AcDbSpline"}}, {"INSERT", {"AcDbBlockReference"}}, {"INSERT", {"AcDbMInsertBlock"}},
-      {"INSERT", {"AcDbBlockReference", "AcDbMInsertBlock"}}, {"ATTRIB", {"AcDbText", "AcDbAttribute"}},
-      {"ATTDEF", {"AcDbText", "AcDbAttributeDefinition"}}, {"POLYLINE", {"AcDb3dPolyline"}},
-      {"POLYLINE", {"AcDb2dPolyline"}}, {"POLYLINE", {"AcDbPolygonMesh"}},
-      {"POLYLINE", {"AcDbPolyFaceMesh"}}, {"VERTEX", {"AcDbVertex", "AcDb3dPolylineVertex"}},
-      {"VERTEX", {"AcDbVertex", "AcDb2dVertex"}}, {"VERTEX", {"AcDbVertex", "AcDbPolygonMeshVertex"}},
-      {"VERTEX", {"AcDbVertex", "AcDbPolyFaceMeshVertex"}}, {"VERTEX", {"AcDbFaceRecord"}},
-      {"SEQEND", {}}, {"BLOCK", {"AcDbBlockBegin"}}, {"ENDBLK", {"AcDbBlockEnd"}},
+      {"POINT", {"AcDbPoint"}},
+      {"LINE", {"AcDbLine"}},
+      {"CIRCLE", {"AcDbCircle"}},
+      {"ARC", {"AcDbCircle", "AcDbArc"}},
+      {"TEXT", {"AcDbText", "AcDbText"}},
+      {"MTEXT", {"AcDbMText"}},
+      {"LWPOLYLINE", {"AcDbPolyline"}},
+      {"SOLID", {"AcDbTrace"}},
+      {"TRACE", {"AcDbTrace"}},
+      {"3DFACE", {"AcDbFace"}},
+      {"HATCH", {"AcDbHatch"}},
+      {"ELLIPSE", {"AcDbEllipse"}},
+      {"SPLINE", {"AcDbSpline"}},
+      {"INSERT", {"AcDbBlockReference"}},
+      {"INSERT", {"AcDbMInsertBlock"}},
+      {"INSERT", {"AcDbBlockReference", "AcDbMInsertBlock"}},
+      {"ATTRIB", {"AcDbText", "AcDbAttribute"}},
+      {"ATTDEF", {"AcDbText", "AcDbAttributeDefinition"}},
+      {"POLYLINE", {"AcDb3dPolyline"}},
+      {"POLYLINE", {"AcDb2dPolyline"}},
+      {"POLYLINE", {"AcDbPolygonMesh"}},
+      {"POLYLINE", {"AcDbPolyFaceMesh"}},
+      {"VERTEX", {"AcDbVertex", "AcDb3dPolylineVertex"}},
+      {"VERTEX", {"AcDbVertex", "AcDb2dVertex"}},
+      {"VERTEX", {"AcDbVertex", "AcDbPolygonMeshVertex"}},
+      {"VERTEX", {"AcDbVertex", "AcDbPolyFaceMeshVertex"}},
+      {"VERTEX", {"AcDbFaceRecord"}},
+      {"SEQEND", {}},
+      {"BLOCK", {"AcDbBlockBegin"}},
+      {"ENDBLK", {"AcDbBlockEnd"}},
       {"ACAD_TABLE", {"AcDbBlockReference", "AcDbTable"}}};
   return markers;
 }
 
 // Kinds that a program knows only from the list of classes.
 bool needsClass(const std::string& type) {
-  static const std::set<std::string> kinds = {
-      "ACAD_TABLE", "TABLESTYLE", "TABLECONTENT", "TABLEGEOMETRY", "CELLSTYLEMAP", "MATERIAL",
-      "VISUALSTYLE", "MLEADERSTYLE", "MULTILEADER", "SCALE", "ACDBDICTIONARYWDFLT", "DICTIONARYVAR",
-      "SUN", "IMAGE", "IMAGEDEF", "IMAGEDEF_REACTOR", "WIPEOUT", "SORTENTSTABLE", "GEODATA", "FIELD",
-      "FIELDLIST"};
+  static const std::set<std::string> kinds = {"ACAD_TABLE",
+                                              "TABLESTYLE",
+                                              "TABLECONTENT",
+                                              "TABLEGEOMETRY",
+                                              "CELLSTYLEMAP",
+                                              "MATERIAL",
+                                              "VISUALSTYLE",
+                                              "MLEADERSTYLE",
+                                              "MULTILEADER",
+                                              "SCALE",
+                                              "ACDBDICTIONARYWDFLT",
+                                              "DICTIONARYVAR",
+                                              "SUN",
+                                              "IMAGE",
+                                              "IMAGEDEF",
+                                              "IMAGEDEF_REACTOR",
+                                              "WIPEOUT",
+                                              "SORTENTSTABLE",
+                                              "GEODATA",
+                                              "FIELD",
+                                              "FIELDLIST"};
   return kinds.count(type) != 0;
 }
 
@@ -292,7 +334,8 @@ class Checker {
     std::int64_t v = 0;
     std::memcpy(&v, p, static_cast<std::size_t>(size));
     const int shift = 64 - 8 * size;
-    return std::to_string(static_cast<std::int64_t>(static_cast<std::uint64_t>(v) << shift) >> shift);
+    return std::to_string(static_cast<std::int64_t>(static_cast<std::uint64_t>(v) << shift) >>
+                          shift);
   }
 
   // --- records, with what they stand in
@@ -338,7 +381,8 @@ class Checker {
         parent = &kept;
       }
     }
-    version_ = integerOf(variable("$ACADVER").substr(std::min<std::size_t>(2, variable("$ACADVER").size())));
+    version_ = integerOf(
+        variable("$ACADVER").substr(std::min<std::size_t>(2, variable("$ACADVER").size())));
     old_ = version_ < 1012;
     index();
   }
@@ -354,7 +398,8 @@ class Checker {
     }
     item.container = container;
     if (item.type == "ENDTAB" || item.type == "ENDBLK") container.clear();
-    if (item.type == "VERTEX" || item.type == "ATTRIB" || item.type == "SEQEND") item.parent = parent;
+    if (item.type == "VERTEX" || item.type == "ATTRIB" || item.type == "SEQEND")
+      item.parent = parent;
     if (section == "TABLES" || item.type == "BLOCK") item.name = item.text(2);
   }
 
@@ -415,7 +460,8 @@ class Checker {
     for (const Item& i : items_) {
       if (i.section != "TABLES" || i.type == "ENDTAB") continue;
       if (i.type == "TABLE") {
-        if (i.markers().empty() || i.markers()[0] != "AcDbSymbolTable") say(i, "lacks AcDbSymbolTable");
+        if (i.markers().empty() || i.markers()[0] != "AcDbSymbolTable")
+          say(i, "lacks AcDbSymbolTable");
         continue;
       }
       const auto marker = entryMarkers().find(i.type);
@@ -455,11 +501,16 @@ class Checker {
 
   void entity(const Item& i) {
     const bool mark = i.type == "BLOCK" || i.type == "ENDBLK";
-    if (!mark && !i.find(8) && !(old_ && (i.type == "SEQEND" || i.type == "VERTEX"))) say(i, "has no layer");
-    if (i.find(8) && !old_ && !has("LAYER", i.text(8))) say(i, "its layer is missing: " + i.text(8));
-    if (i.find(6) && !old_ && !has("LTYPE", i.text(6))) say(i, "its line type is missing: " + i.text(6));
-    const bool text = i.type == "TEXT" || i.type == "ATTRIB" || i.type == "ATTDEF" || i.type == "MTEXT";
-    if (text && i.find(7) && !has("STYLE", i.text(7))) say(i, "its text style is missing: " + i.text(7));
+    if (!mark && !i.find(8) && !(old_ && (i.type == "SEQEND" || i.type == "VERTEX")))
+      say(i, "has no layer");
+    if (i.find(8) && !old_ && !has("LAYER", i.text(8)))
+      say(i, "its layer is missing: " + i.text(8));
+    if (i.find(6) && !old_ && !has("LTYPE", i.text(6)))
+      say(i, "its line type is missing: " + i.text(6));
+    const bool text =
+        i.type == "TEXT" || i.type == "ATTRIB" || i.type == "ATTDEF" || i.type == "MTEXT";
+    if (text && i.find(7) && !has("STYLE", i.text(7)))
+      say(i, "its text style is missing: " + i.text(7));
     if ((i.type == "INSERT" || i.type == "ACAD_TABLE") && !blocks_.count(upper(i.text(2)))) {
       say(i, "its block is missing: " + i.text(2));
     }
@@ -468,7 +519,8 @@ class Checker {
     }
     if (old_) return oldEntity(i);
     markers(i);
-    if (i.type == "LWPOLYLINE" && i.number_(90, -1) != countVertices(i)) say(i, "counts its vertices wrong");
+    if (i.type == "LWPOLYLINE" && i.number_(90, -1) != countVertices(i))
+      say(i, "counts its vertices wrong");
     if (version_ < 1014 && i.type == "LWPOLYLINE") say(i, "this release has no light polylines");
     if (version_ >= 1015) owner(i);
   }
@@ -484,12 +536,14 @@ class Checker {
 
   void oldEntity(const Item& i) {
     static const std::set<std::string> kinds = {
-        "LINE", "POINT", "CIRCLE", "ARC", "TRACE", "SOLID", "TEXT", "SHAPE", "INSERT", "ATTDEF", "ATTRIB",
-        "POLYLINE", "VERTEX", "SEQEND", "3DFACE", "VIEWPORT", "DIMENSION", "BLOCK", "ENDBLK", "3DLINE"};
+        "LINE",   "POINT",    "CIRCLE",    "ARC",    "TRACE",    "SOLID",  "TEXT",
+        "SHAPE",  "INSERT",   "ATTDEF",    "ATTRIB", "POLYLINE", "VERTEX", "SEQEND",
+        "3DFACE", "VIEWPORT", "DIMENSION", "BLOCK",  "ENDBLK",   "3DLINE"};
     if (!kinds.count(i.type)) say(i, "this release has no such kind");
     for (const Tag& t : i.tags) {
       if (t.code == 1001) break;
-      if (in(t.code, 80, 139) || in(t.code, 149, 169) || in(t.code, 179, 209) || in(t.code, 240, 998)) {
+      if (in(t.code, 80, 139) || in(t.code, 149, 169) || in(t.code, 179, 209) ||
+          in(t.code, 240, 998)) {
         say(i, "group " + std::to_string(t.code) + " is unknown to this release");
       }
     }
@@ -501,7 +555,8 @@ class Checker {
     auto own = i.markers();
     bool good = !own.empty() && own[0] == "AcDbEntity";
     if (good) own.erase(own.begin());
-    good = good && std::any_of(range.first, range.second, [&](const auto& row) { return row.second == own; });
+    good = good && std::any_of(range.first, range.second,
+                               [&](const auto& row) { return row.second == own; });
     if (good) return;
     std::string all;
     for (const std::string& m : i.markers()) all += " " + m;
@@ -534,10 +589,10 @@ class Checker {
       if (i.type != "VERTEX" && i.type != "ATTRIB" && i.type != "SEQEND") continue;
       if (!isEntity(i)) continue;
       const std::string parent = i.parent ? i.parent->type : "";
-      const bool good = i.type == "VERTEX"   ? parent == "POLYLINE"
-                        : i.type == "ATTRIB" ? parent == "INSERT" || parent == "ACAD_TABLE"
-                                             : parent == "POLYLINE" || parent == "INSERT" ||
-                                                   parent == "ACAD_TABLE";
+      const bool good = i.type == "VERTEX" ? parent == "POLYLINE"
+                        : i.type == "ATTRIB"
+                            ? parent == "INSERT" || parent == "ACAD_TABLE"
+                            : parent == "POLYLINE" || parent == "INSERT" || parent == "ACAD_TABLE";
       if (!good) say(i, "stands out of place");
       if (i.type == "SEQEND") closed.insert(i.parent);
       if (i.type != "SEQEND") withParts.insert(i.parent);
@@ -546,12 +601,14 @@ class Checker {
       if (!isEntity(i)) continue;
       const bool follows = i.type == "POLYLINE" || (i.type == "INSERT" && i.number_(66) == 1);
       if (follows && !closed.count(&i)) say(i, "no SEQEND closes it");
-      if (i.type == "INSERT" && !follows && withParts.count(&i)) say(i, "has attributes but not 66 = 1");
+      if (i.type == "INSERT" && !follows && withParts.count(&i))
+        say(i, "has attributes but not 66 = 1");
     }
   }
 
   void xdata(const Item& i) {
-    const auto first = std::find_if(i.tags.begin(), i.tags.end(), [](const Tag& t) { return t.code == 1001; });
+    const auto first =
+        std::find_if(i.tags.begin(), i.tags.end(), [](const Tag& t) { return t.code == 1001; });
     if (first == i.tags.end() || i.section == "HEADER") return;
     std::set<std::string> applications;
     int depth = 0, size = 0;
@@ -575,7 +632,8 @@ class Checker {
         size += 4 + static_cast<int>(t->value.size());
         const std::size_t limit = version_ < 1021 ? 255 : 2049;
         if (t->value.size() > limit) say(i, "extended data: a text too long");
-        if (c == 1003 && !old_ && !has("LAYER", std::string(t->value))) say(i, "extended data: no such layer");
+        if (c == 1003 && !old_ && !has("LAYER", std::string(t->value)))
+          say(i, "extended data: no such layer");
       } else if (c == 1002) {
         const std::string_view brace = trimmed(t->value);
         depth += brace == "{" ? 1 : brace == "}" ? -1 : 1000;
@@ -585,7 +643,8 @@ class Checker {
         }
       } else if (c == 1004) {
         size += 2 + static_cast<int>(t->value.size() / 2);
-        if (trimmed(t->value).size() > 254) say(i, "extended data: more than 127 bytes in one piece");
+        if (trimmed(t->value).size() > 254)
+          say(i, "extended data: more than 127 bytes in one piece");
       } else if (in(c, 1010, 1013)) {
         expected = {c + 10, c + 20};
         size += 25;
@@ -609,7 +668,8 @@ class Checker {
       if (!in(t.code, 340, 369)) continue;
       const std::int64_t h = handleOf(t.value);
       if (h != 0 && !byHandle_.count(h)) {
-        say(i, "group " + std::to_string(t.code) + " points at nothing: " + std::string(trimmed(t.value)));
+        say(i, "group " + std::to_string(t.code) +
+                   " points at nothing: " + std::string(trimmed(t.value)));
       }
     }
   }
@@ -623,7 +683,8 @@ class Checker {
         double number = 0;
         const std::string_view digits = !v.empty() && v[0] == '+' ? v.substr(1) : v;
         const auto r = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-        good = r.ec == std::errc() && r.ptr == digits.data() + digits.size() && std::isfinite(number);
+        good =
+            r.ec == std::errc() && r.ptr == digits.data() + digits.size() && std::isfinite(number);
       } else if (kindOf(t.code) == Kind::integer) {
         std::int64_t number = 0;
         const auto r = std::from_chars(v.data(), v.data() + v.size(), number);
@@ -641,8 +702,11 @@ class Checker {
   static bool isUtf8(std::string_view s) {
     for (std::size_t i = 0; i < s.size();) {
       const auto c = static_cast<unsigned char>(s[i]);
-      const std::size_t n = c < 0x80 ? 1 : c >= 0xC2 && c < 0xE0 ? 2 : c >= 0xE0 && c < 0xF0 ? 3
-                            : c >= 0xF0 && c < 0xF5 ? 4 : 0;
+      const std::size_t n = c < 0x80                ? 1
+                            : c >= 0xC2 && c < 0xE0 ? 2
+                            : c >= 0xE0 && c < 0xF0 ? 3
+                            : c >= 0xF0 && c < 0xF5 ? 4
+                                                    : 0;
       if (n == 0 || i + n > s.size()) return false;
       for (std::size_t k = 1; k < n; ++k) {
         if ((static_cast<unsigned char>(s[i + k]) & 0xC0) != 0x80) return false;
@@ -657,11 +721,13 @@ class Checker {
     std::map<std::int64_t, std::int64_t> layouts;
     std::set<std::string> lacking;
     for (const Item& i : items_) {
-      if (i.section != "CLASSES" && needsClass(i.type) && !classes_.count(i.type)) lacking.insert(i.type);
+      if (i.section != "CLASSES" && needsClass(i.type) && !classes_.count(i.type))
+        lacking.insert(i.type);
       if (i.section != "OBJECTS") continue;
       if (!root) {
         root = &i;
-        if (i.type != "DICTIONARY" || i.owner() > 0) say(i, "OBJECTS must begin with the root dictionary");
+        if (i.type != "DICTIONARY" || i.owner() > 0)
+          say(i, "OBJECTS must begin with the root dictionary");
       } else if (version_ >= 1015 && !byHandle_.count(i.owner())) {
         say(i, "its owner is missing");
       }
@@ -676,7 +742,8 @@ class Checker {
       if (!blocks_.count(name)) say(*record, "has no BLOCK");
       const std::int64_t layout = record->find(340) ? handleOf(record->find(340)->value) : 0;
       const bool space = name.rfind("*MODEL_SPACE", 0) == 0 || name.rfind("*PAPER_SPACE", 0) == 0;
-      if (space && layout > 0 && layouts[layout] != record->handle) say(*record, "its LAYOUT is another's");
+      if (space && layout > 0 && layouts[layout] != record->handle)
+        say(*record, "its LAYOUT is another's");
     }
     for (const std::string& name : blocks_) {
       if (!has("BLOCK_RECORD", name)) say("BLOCK " + name + " has no BLOCK_RECORD");

@@ -1,4 +1,5 @@
-// check_drawing FILE...: prints the faults of drawing files. Exit status 0 none, 1 some, 2 unreadable.
+// check_drawing FILE...: prints the faults of drawing files. Exit status 0 none, 1 some, 2
+// unreadable.
 #include <fstream>
 #include <iostream>
 #include <iterator>

@@ -1,0 +1,171 @@
+#include "cad/api/table.h"
+
+#include "module/results/network_tables.h"
+#include "tests/results_draw/draw_testing.h"
+#include "tests/tools/check_drawing.h"
+
+namespace vessora {
+namespace {
+
+class Tables : public CalculatedNetwork {
+ protected:
+  AcDbObjectId drawn(const TableGrid& grid) {
+    MakeTableStyle(kTableStyle, 1.2, 1);
+    DrawTable(kTableStyle, grid, {{100, 50, 3}, 2, 15, u"TAB"});
+    return onLayer(u"TAB").back();
+  }
+  // How many entities of each type show the table.
+  std::string picture(AcDbObjectId id) {
+    const std::u16string name = Opened<AcDbTable>(id)->blockName();
+    const std::uint32_t block = drawing().blockByName(drawing().names().find(name));
+    int lines = 0, texts = 0, others = 0;
+    for (std::uint32_t e = drawing().firstEntity(block); e; e = drawing().nextEntity(block, e)) {
+      switch (drawing().record(e).type) {
+        case cad::Type::line:
+          ++lines;
+          break;
+        case cad::Type::text:
+          ++texts;
+          break;
+        default:
+          ++others;
+          break;
+      }
+    }
+    return std::to_string(lines) + " lines, " + std::to_string(texts) + " texts, " +
+           std::to_string(others) + " others";
+  }
+  std::vector<std::string> faults() { return checking::checkDrawing(bytes()); }
+};
+
+TEST_F(Tables, AreWholeAfterSaving) {
+  drawn({{u"Titolo"}, {u"a", u"1"}, {u"b", u"2"}});
+  EXPECT_EQ(faults(), std::vector<std::string>());
+  saveAndReload();
+  const AcDbObjectId id = onLayer(u"TAB")[0];
+  // Three lines across, one under the title, two sides, one between the columns below it.
+  EXPECT_EQ(picture(id), "7 lines, 5 texts, 0 others");
+  const Opened<AcDbTable> table(id);
+  EXPECT_EQ(table->numRows(), 3);
+  EXPECT_EQ(table->numColumns(), 2);
+  EXPECT_EQ(table->width(), 30);
+  EXPECT_EQ(table->height(), 6);
+  EXPECT_EQ(table->textString(0, 0), u"Titolo");
+  EXPECT_EQ(table->textString(2, 1), u"2");
+  EXPECT_EQ(table->textString(3, 0), u"");
+  EXPECT_TRUE(table->isMergedCell(0, 1));
+  EXPECT_FALSE(table->isMergedCell(1, 1));
+  EXPECT_EQ(table->textHeight(0, 0), 1.2);
+  EXPECT_EQ(table->position().z, 3);
+  const Opened<AcDbTableStyle> style(table->tableStyle());
+  EXPECT_EQ(style->color(AcDb::kTitleRow).colorIndex(), 1);
+  EXPECT_EQ(style->color(AcDb::kHeaderRow).colorIndex(), 2);
+  EXPECT_EQ(style->alignment(), AcDb::kMiddleCenter);
+  EXPECT_EQ(style->textStyleName(), u"HN-EPA");
+  EXPECT_DOUBLE_EQ(style->horzCellMargin(), 0.12);
+}
+
+TEST_F(Tables, TheFirstStyleStaysInForce) {
+  drawn({{u"Titolo"}});
+  MakeTableStyle(kTableStyle, 5, 3);
+  const Opened<AcDbTable> table(onLayer(u"TAB")[0]);
+  EXPECT_EQ(table->numColumns(), 1);
+  EXPECT_EQ(table->textHeight(0, 0), 1.2);
+}
+
+TEST_F(Tables, NamesOfBlocksAreNeverTakenTwice) {
+  drawing().addBlock(u"*T41", {});
+  drawn({{u"a"}});
+  drawing().beginCommand(u"X");
+  drawn({{u"b"}});
+  drawing().endCommand();
+  drawing().undo();
+  drawn({{u"c"}});
+  std::vector<std::u16string> names;
+  for (const AcDbObjectId id : onLayer(u"TAB")) names.push_back(Opened<AcDbTable>(id)->blockName());
+  EXPECT_EQ(names, (std::vector<std::u16string>{u"*T42", u"*T44"}));
+  EXPECT_EQ(faults(), std::vector<std::string>());
+}
+
+TEST_F(Tables, AnEditRedrawsAndDropsWhatWouldContradictIt) {
+  const AcDbObjectId id = drawn({{u"Titolo"}, {u"a", u"1"}});
+  // As other programs leave a table: its content once more in an extension dictionary, a picture in
+  // bytes, and things of cells that this program does not know.
+  {
+    auto* dictionary = new AcDbDictionary;
+    ASSERT_EQ(drawing().addObject(id.index(), *dictionary), Acad::eOk);
+    AcDbObjectId unused;
+    for (const char16_t* name : {u"ACAD_XREC_ROUNDTRIP", u"MIO"}) {
+      auto* record = new AcDbXrecord;
+      ASSERT_EQ(dictionary->setAt(name, record, unused), Acad::eOk);
+      record->close();
+    }
+    const Opened<AcDbTable> table(id, AcDb::kForWrite);
+    cad::TagList& t = table->tagsForWrite();
+    const int common = t.subclass("AcDbEntity").end;
+    t.insertAscii(common, 310, "0123");
+    t.insertInteger(common, 160, 2);
+    t.insertInteger(t.find(145, t.subclass("AcDbTable")) + 1, 170, 7);
+    t.insertAscii(2, 102, "{ACAD_XDICTIONARY");
+    t.insertHandle(3, 360, dictionary->handle());
+    t.insertAscii(4, 102, "}");
+    dictionary->close();
+  }
+  saveAndReload();
+  const std::string before = bytes();
+  EXPECT_NE(before.find("ACAD_XREC_ROUNDTRIP"), std::string::npos);
+  {
+    const Opened<AcDbTable> table(onLayer(u"TAB")[0], AcDb::kForWrite);
+    EXPECT_EQ(table->setWidth(0), Acad::eInvalidInput);
+    table->setWidth(60);
+    table->setTextHeight(3, AcDb::kTitleRow);
+    table->setTextString(1, 1, u"{\\Hallo} ");
+  }
+  saveAndReload();
+  const AcDbObjectId after = onLayer(u"TAB")[0];
+  EXPECT_EQ(picture(after), "6 lines, 2 texts, 1 others");
+  const Opened<AcDbTable> table(after);
+  EXPECT_EQ(table->columnWidth(1), 30);
+  EXPECT_EQ(table->rowHeight(1), 2);
+  EXPECT_EQ(table->textHeight(0, 0), 3);
+  EXPECT_EQ(table->textHeight(1, 0), 1.2);
+  EXPECT_EQ(table->textString(1, 1), u"{\\Hallo} ");
+  const cad::TagList& t = table->tags();
+  EXPECT_EQ(t.find(310), -1);
+  EXPECT_EQ(t.integerOr(170, 0, t.subclass("AcDbTable")), 7);
+  const std::string text = bytes();
+  EXPECT_EQ(text.find("ACAD_XREC_ROUNDTRIP"), std::string::npos);
+  EXPECT_NE(text.find("MIO"), std::string::npos);
+  EXPECT_EQ(faults(), std::vector<std::string>());
+}
+
+TEST_F(Tables, SizesThatAFileClaimsAreNotBelieved) {
+  drawn({{u"Titolo"}, {u"a", u"1"}});
+  {
+    const Opened<AcDbTable> table(onLayer(u"TAB")[0], AcDb::kForWrite);
+    cad::TagList& t = table->tagsForWrite();
+    t.setInteger(t.find(91, t.subclass("AcDbTable")), 2000000000);
+  }
+  saveAndReload();
+  const Opened<AcDbTable> table(onLayer(u"TAB")[0]);
+  EXPECT_EQ(table->numRows(), 2);
+  EXPECT_EQ(table->textString(1, 1), u"1");
+}
+
+TEST_F(Tables, HiddenRowsAndATableThatDoesNotFitItsGrid) {
+  DrawNodeResultTable(kTableStyle, u"N1", 1, 2, 3, u"4", {{}, 2, 15, u"NONE"});  // no style yet
+  MakeTableStyle(kTableStyle, 1.2, 3);
+  DrawNodeResultTable(kTableStyle, u"N1", kNoValue, 2, -99999.0, kNoText, {{}, 2, 15, u"NODI"});
+  EXPECT_EQ(onLayer(u"NONE").size(), 0u);
+  {
+    const Opened<AcDbTable> table(onLayer(u"NODI")[0]);
+    EXPECT_EQ(table->numRows(), 2);
+    EXPECT_EQ(table->textString(0, 0), u"Risultati Nodo: N1");
+    EXPECT_EQ(table->textString(1, 0), u"Carico [m]");
+  }
+  DrawTable(kTableStyle, {{u"t"}, {u"a", u"b"}, {u"a", u"b", u"c"}}, {{}, 2, 15, u"STORTA"});
+  EXPECT_EQ(onLayer(u"STORTA").size(), 1u);  // the table stands, filled as far as it went
+}
+
+}  // namespace
+}  // namespace vessora
