@@ -39,7 +39,7 @@ struct ProfileLinkResult {
   double flow = 0, velocity = 0, headloss = 0;
 };
 
-// Length of a chain with `n` links: `n` + 1 nodes, in the order in which it runs.
+// A chain and its network. Of `n` links it has `n` + 1 nodes, in the order in which it runs.
 struct ProfileChain {
   EpaNetwork network;
   std::unordered_map<std::u16string, ProfileNodeResult> nodeResults;  // the first of each name
