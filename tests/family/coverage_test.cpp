@@ -40,10 +40,10 @@ const std::set<std::string, std::less<>> kNotTexts = {
     "Left",
     "DynamicLinker",
     "Results.csv",
+    "%.3lf ÷ %.3lf",
     "Error while loading ",
     "Error while creating imported function %d from %s.",
     "Table and data does not match",
-    "Quality [mg/l];\n",
 };
 // The headings in these files are fixed: programs read them.
 const std::set<std::string, std::less<>> kFileWriters = {"inp_writer.cpp", "csv_writer.cpp"};
