@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "bench/make_drawing.h"
+#include "bench/make_report.h"
 #include "cad/api/database.h"
 #include "cad/drawing/drawing.h"
 #include "module/inp/inp_reader.h"
@@ -161,13 +162,24 @@ int repeats(std::size_t size) {
 struct Job {
   const char* name;
   const char* what;
-  const char* input;  // kind of file: inp, dxf
+  const char* input;  // inp, drawn (from it), report (on drawn), solved (drawn with results), dxf
 };
+
+// What the commands are answered with, whatever the size of the network.
+const char kColours[] =
+    "NETVIS\ntutto\n<invio>\n[Interroga Rete]\nNodi/Colore = Pressione\nRami/Colore = Velocità\nOK\n0,0\n0,100\n";
+const char kGradeLine[] = "EPAPIEZO\n2\ntutto\n<invio>\n";
+const char kTables[] = "EPATABLES\n[Disegna Tabelle]\nRisultati Nodi\nOK\n";
 
 const Job kJobs[] = {
     {"inp-read", "EPANET file into records", "inp"},
     {"import", "vessora import: file to drawing", "inp"},
     {"export", "vessora export: drawing to file", "drawn"},
+    {"results", "vessora results: one of 5 periods onto the drawing", "report"},
+    {"colours", "NETVIS: nodes and links in classes, with legends", "solved"},
+    {"grade-line", "EPAPIEZO over the whole network", "solved"},
+    {"tables", "EPATABLES: pipe data and node results", "solved"},
+    {"render", "vessora render: plan as PNG", "drawn"},
     {"dxf-load", "open a drawing", "dxf"},
     {"dxf-save", "save it unchanged", "dxf"},
 };
@@ -235,7 +247,26 @@ class Bench {
     if (std::strcmp(job.input, "inp") == 0) return inp;
     const std::string drawn = file("rete", size, ".dxf");
     if (!fs::exists(drawn)) run({vessora_, "import", inp, "-o", drawn});
-    return drawn;
+    if (std::strcmp(job.input, "drawn") == 0) return drawn;
+    const std::string report = file("rete", size, ".rpt");
+    if (!fs::exists(report)) {
+      const auto made = bench::makeReport(inp, 5, report);
+      if (!made) fail(made.error());
+    }
+    if (std::strcmp(job.input, "report") == 0) return report;
+    const std::string solved = file("solved", size, ".dxf");
+    if (!fs::exists(solved)) run({vessora_, "results", drawn, report, "--period", "1:00:00", "-o", solved});
+    return solved;
+  }
+
+  // A script's file, made when it is not there yet.
+  std::string script(const char* name, const char* text) const {
+    const std::string path = (folder_ / name).string();
+    if (!fs::exists(path)) {
+      const auto written = platform::writeFile(path, text);
+      if (!written) fail(written.error());
+    }
+    return path;
   }
 
   std::vector<std::string> commandOf(const Job& job, const std::string& input) const {
@@ -243,6 +274,19 @@ class Bench {
         (folder_ / (std::strcmp(job.name, "export") == 0 ? "out.inp" : "out.dxf")).string();
     if (std::strcmp(job.name, "import") == 0) return {vessora_, "import", input, "-o", out};
     if (std::strcmp(job.name, "export") == 0) return {vessora_, "export", input, "-o", out};
+    if (std::strcmp(job.name, "results") == 0) {
+      const std::string drawn = fs::path(input).replace_extension(".dxf").string();
+      return {vessora_, "results", drawn, input, "--period", "1:00:00", "-o", out};
+    }
+    const auto play = [&](const char* name, const char* text) {
+      return std::vector<std::string>{vessora_, "run", input, script(name, text)};
+    };
+    if (std::strcmp(job.name, "colours") == 0) return play("colours", kColours);
+    if (std::strcmp(job.name, "grade-line") == 0) return play("grade-line", kGradeLine);
+    if (std::strcmp(job.name, "tables") == 0) return play("tables", kTables);
+    if (std::strcmp(job.name, "render") == 0) {
+      return {vessora_, "render", input, "-o", (folder_ / "out.png").string()};
+    }
     return {self_, "--child", job.name, input, out};
   }
 
