@@ -401,14 +401,13 @@ platform::Result<void> Drawing::build(ScannedFile file, const std::string& name,
     warnings.push_back(name + ": " + std::to_string(builder.missing) +
                        " object(s) without a handle; they get new ones");
   }
-  repairHandles(builder.broken, warnings, name);
+  repairHandles(builder.broken);
   builder.close();
   if (!file.sawEof) addMark("EOF", 0, 0);
   return {};
 }
 
-void Drawing::repairHandles(const std::vector<std::uint32_t>& broken, std::vector<std::string>&,
-                            const std::string&) {
+void Drawing::repairHandles(const std::vector<std::uint32_t>& broken) {
   auto tags = borrowTags();
   for (const std::uint32_t i : broken) {
     parse(i, *tags);
@@ -662,10 +661,8 @@ void Drawing::noteInIndex(std::uint32_t record, const Record& before) {
 // A list may hold records that have moved away, been erased, or come in twice or out of order: put right
 // when it is asked for.
 const std::vector<std::uint32_t>& Drawing::query(std::vector<std::vector<std::uint32_t>>& lists,
-                                                 std::vector<bool>& mixed, std::uint32_t name,
-                                                 int what) {
-  if (name == 0 && what != 0) return empty_;
-  if (name >= lists.size()) return empty_;
+                                                 std::vector<bool>& mixed, std::uint32_t name) {
+  if (name == 0 || name >= lists.size()) return empty_;
   std::vector<std::uint32_t>& list = lists[name];
   if (mixed[name]) {
     std::sort(list.begin(), list.end());
@@ -677,15 +674,15 @@ const std::vector<std::uint32_t>& Drawing::query(std::vector<std::vector<std::ui
 
 const std::vector<std::uint32_t>& Drawing::onLayer(std::uint32_t name) {
   if (!index_.built) buildIndex();
-  return query(index_.byLayer, index_.mixedLayer, name, 0);
+  return query(index_.byLayer, index_.mixedLayer, name);
 }
 const std::vector<std::uint32_t>& Drawing::withApplication(std::uint32_t name) {
   if (!index_.built) buildIndex();
-  return query(index_.byApplication, index_.mixedApplication, name, 1);
+  return query(index_.byApplication, index_.mixedApplication, name);
 }
 const std::vector<std::uint32_t>& Drawing::ofBlock(std::uint32_t name) {
   if (!index_.built) buildIndex();
-  return query(index_.byBlock, index_.mixedBlock, name, 2);
+  return query(index_.byBlock, index_.mixedBlock, name);
 }
 
 std::vector<std::uint32_t> Drawing::allInSpace() const {

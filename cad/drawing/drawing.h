@@ -76,7 +76,6 @@ class CAD_API Drawing {
   // The whole file as one text, for tests and comparisons.
   std::string toBytes();
   bool isChanged() const { return changed_; }
-  void markSaved() { changed_ = false; }
 
   // --- records
   const Format& format() const { return format_; }
@@ -212,8 +211,8 @@ class CAD_API Drawing {
   platform::Result<void> build(ScannedFile file, const std::string& name,
                                std::vector<std::string>& warnings);
   void registerHandle(std::uint64_t handle, std::uint32_t record);
-  void repairHandles(const std::vector<std::uint32_t>& broken, std::vector<std::string>& warnings,
-                     const std::string& name);
+  // Gives new handles to these records.
+  void repairHandles(const std::vector<std::uint32_t>& broken);
   void completeStructure();
   AcDbObject* makeView(std::uint32_t record, ViewState* state) const;
   void keepForUndo(std::uint32_t record);
@@ -222,7 +221,7 @@ class CAD_API Drawing {
   void noteInIndex(std::uint32_t record, const Record& before);
   void buildIndex();
   const std::vector<std::uint32_t>& query(std::vector<std::vector<std::uint32_t>>& lists,
-                                          std::vector<bool>& mixed, std::uint32_t name, int what);
+                                          std::vector<bool>& mixed, std::uint32_t name);
   void addToIndex(std::vector<std::vector<std::uint32_t>>& lists, std::vector<bool>& mixed,
                   std::uint32_t name, std::uint32_t record);
   std::uint32_t link(const Record& fresh, std::uint32_t before);

@@ -109,11 +109,16 @@ void Filter::resolve(const Drawing& d, Node& n) {
   for (Node& c : n.children) resolve(d, c);
 }
 
-bool Filter::passes(const Drawing& drawing, std::uint32_t entity) const {
-  if (!valid_) return false;
+std::vector<std::uint32_t> Filter::passing(const Drawing& drawing,
+                                           const std::vector<std::uint32_t>& entities) const {
+  std::vector<std::uint32_t> found;
+  if (!valid_) return found;
   Node root = root_;
   resolve(drawing, root);
-  return test(drawing, entity, root);
+  for (const std::uint32_t e : entities) {
+    if (test(drawing, e, root)) found.push_back(e);
+  }
+  return found;
 }
 
 std::size_t Filter::estimate(Drawing& d, const Node& node) {

@@ -17,7 +17,8 @@ class CAD_API Filter {
   // filter invalid: it passes nothing.
   explicit Filter(const resbuf* chain);
   bool valid() const { return valid_; }
-  bool passes(const Drawing& drawing, std::uint32_t entity) const;
+  // Those of some entities that pass, in their order.
+  std::vector<std::uint32_t> passing(const Drawing& drawing, const std::vector<std::uint32_t>& entities) const;
   // All entities of the spaces that pass, in drawing order.
   std::vector<std::uint32_t> select(Drawing& drawing) const;
 

@@ -152,9 +152,7 @@ int pickSelection(cad::Drawing& d, const cad::Filter& filter, std::vector<AcDbOb
     if (!takeSelection(d, a.text, picked, have, complaint)) ui.invalid(complaint);
   }
   std::sort(picked.begin(), picked.end());
-  for (const std::uint32_t e : picked) {
-    if (filter.passes(d, e)) ids.push_back(d.idOf(e));
-  }
+  for (const std::uint32_t e : filter.passing(d, picked)) ids.push_back(d.idOf(e));
   return ids.empty() ? RTERROR : RTNORM;
 }
 
