@@ -618,8 +618,9 @@ void junction(Drawing& d) {
   d.circle({0, 0}, 1);
   d.circle({0, 0}, 0.25);
   d.solid({-0.25, 0}, {0, -0.25}, {0.25, 0}, {0, 0.25});
-  d.attribute("ID", "Nome", {1.8, 0.5}, kText);
-  d.attribute("EL", "Quota [m]", {1.8, -2.3}, kText);
+  // Above the node's own height: tables of results hang from it to the right and below.
+  d.attribute("ID", "Nome", {1.8, 3.3}, kText);
+  d.attribute("EL", "Quota [m]", {1.8, 0.5}, kText);
   hidden(d, {1.8, -5.1}, {{"BD", "Portata base [l/s]"}});
 }
 
@@ -630,8 +631,8 @@ void reservoir(Drawing& d) {
   d.line({-2, -0.4}, {2, -0.4});
   d.line({-1, -1.2}, {1, -1.2});
   d.polyline({{0, 0.8}, {-1, 2.6}, {1, 2.6}}, true);
-  d.attribute("ID", "Nome", {4.5, 0.5}, kText);
-  d.attribute("TH", "Carico [m]", {4.5, -2.3}, kText);
+  d.attribute("ID", "Nome", {4.5, 3.3}, kText);
+  d.attribute("TH", "Carico [m]", {4.5, 0.5}, kText);
 }
 
 // A closed body with a domed roof, filled to its level.
@@ -641,8 +642,8 @@ void tank(Drawing& d) {
   d.line({-3, 1.8}, {3, 1.8});
   d.line({-3, 0.3}, {3, 0.3});
   d.solid({-2.7, -2.5}, {2.7, -2.5}, {2.7, 0}, {-2.7, 0});
-  d.attribute("ID", "Nome", {4.2, 0.5}, kText);
-  d.attribute("EL", "Quota fondo [m]", {4.2, -2.3}, kText);
+  d.attribute("ID", "Nome", {4.2, 3.3}, kText);
+  d.attribute("EL", "Quota fondo [m]", {4.2, 0.5}, kText);
   hidden(d, {4.2, -5.1},
          {{"D", "Diametro [m]"},
           {"INITL", "Livello iniziale [m]"},
