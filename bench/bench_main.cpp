@@ -167,7 +167,8 @@ struct Job {
 
 // What the commands are answered with, whatever the size of the network.
 const char kColours[] =
-    "NETVIS\ntutto\n<invio>\n[Interroga Rete]\nNodi/Colore = Pressione\nRami/Colore = Velocità\nOK\n0,0\n0,100\n";
+    "NETVIS\ntutto\n<invio>\n[Interroga Rete]\nNodi/Colore = Pressione\nRami/Colore = "
+    "Velocità\nOK\n0,0\n0,100\n";
 const char kGradeLine[] = "EPAPIEZO\n2\ntutto\n<invio>\n";
 const char kTables[] = "EPATABLES\n[Disegna Tabelle]\nRisultati Nodi\nOK\n";
 
@@ -255,7 +256,8 @@ class Bench {
     }
     if (std::strcmp(job.input, "report") == 0) return report;
     const std::string solved = file("solved", size, ".dxf");
-    if (!fs::exists(solved)) run({vessora_, "results", drawn, report, "--period", "1:00:00", "-o", solved});
+    if (!fs::exists(solved))
+      run({vessora_, "results", drawn, report, "--period", "1:00:00", "-o", solved});
     return solved;
   }
 

@@ -13,14 +13,15 @@ namespace {
 void row(std::string& out, std::u16string_view id, double a, double b, double c) {
   char text[128];
   const std::string name = platform::narrow(id);
-  const int n = std::snprintf(text, sizeof text, "\n  %-15s%10.2f%10.2f%10.2f", name.c_str(), a, b, c);
+  const int n =
+      std::snprintf(text, sizeof text, "\n  %-15s%10.2f%10.2f%10.2f", name.c_str(), a, b, c);
   out.append(text, static_cast<std::size_t>(n));
 }
 
 void head(std::string& out, const char* kind, int hour, const char* columns) {
   out += "\n  " + std::string(kind) + " Results at " + std::to_string(hour) + ":00:00 hrs:\n  " +
-         std::string(50, '-') + "\n  " + columns + "\n                      LPS         m         m\n  " +
-         std::string(50, '-');
+         std::string(50, '-') + "\n  " + columns +
+         "\n                      LPS         m         m\n  " + std::string(50, '-');
 }
 
 }  // namespace

@@ -7,8 +7,8 @@
 
 namespace bench {
 
-// A report with hourly periods from 0:00:00 for all nodes and links of an INP file; the values are made up
-// and the same for the same arguments.
+// A report with hourly periods from 0:00:00 for all nodes and links of an INP file; the values are
+// made up and the same for the same arguments.
 platform::Result<void> makeReport(const std::string& inp, int periods, const std::string& path);
 
 }  // namespace bench

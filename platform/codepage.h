@@ -8,10 +8,10 @@
 namespace platform {
 
 // A named encoding. Names as in $DWGCODEPAGE, in any letter case: ANSI_874, ANSI_932, ANSI_936,
-// ANSI_949, ANSI_950, ANSI_1250..ANSI_1258, ANSI_1361, DOS437, DOS850, DOS852, DOS855, DOS857, DOS860..
-// DOS866, DOS932, MACINTOSH, MAC-ROMAN, ISO8859-1..-15, KOI8-R, ASCII; "UTF-8". An unknown or empty
-// name is ANSI_1252. Values are small and can be copied; all operations are safe for bytes and text of
-// any content.
+// ANSI_949, ANSI_950, ANSI_1250..ANSI_1258, ANSI_1361, DOS437, DOS850, DOS852, DOS855, DOS857,
+// DOS860.. DOS866, DOS932, MACINTOSH, MAC-ROMAN, ISO8859-1..-15, KOI8-R, ASCII; "UTF-8". An unknown
+// or empty name is ANSI_1252. Values are small and can be copied; all operations are safe for bytes
+// and text of any content.
 class CodePage {
  public:
   CodePage() = default;  // UTF-8

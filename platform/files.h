@@ -1,4 +1,5 @@
-// Files as the product sees them: whole files in, safe replacement out, paths with either separator.
+// Files as the product sees them: whole files in, safe replacement out, paths with either
+// separator.
 #pragma once
 
 #include <cstdint>
@@ -10,8 +11,9 @@
 
 namespace platform {
 
-// A path as users and drawings hold it may have backslashes (the product root ends in one): turned into
-// the native separator. UTF-16 in, UTF-8 out; the UTF-8 form is for paths that are native already.
+// A path as users and drawings hold it may have backslashes (the product root ends in one): turned
+// into the native separator. UTF-16 in, UTF-8 out; the UTF-8 form is for paths that are native
+// already.
 std::string nativePath(std::u16string_view path);
 std::string nativePath(std::string_view path);
 
@@ -22,19 +24,19 @@ std::u16string_view fileNameOf(std::u16string_view path);
 std::u16string_view folderOf(std::u16string_view path);
 std::string absolutePath(const std::string& path);
 
-// The whole file as bytes. The error names the path and the reason ("No such file or directory"...),
-// and tells a folder from a file.
+// The whole file as bytes. The error names the path and the reason ("No such file or
+// directory"...), and tells a folder from a file.
 Result<std::string> readFile(const std::string& path);
 
 // Writes a new file as a whole or not at all: the bytes go to a temporary file beside `path`, which
-// takes its place when everything has been written and flushed to disk. On failure the temporary file
-// is gone, an older file at `path` is whole, and the error says what happened and what to do.
+// takes its place when everything has been written and flushed to disk. On failure the temporary
+// file is gone, an older file at `path` is whole, and the error says what happened and what to do.
 Result<void> writeFile(const std::string& path, std::string_view bytes);
 
 // A safe replacement in pieces, for large files.
 //   auto save = SaveFile::begin(path);  save->write(a); save->write(b);  save->commit(true);
-// Destroying it without commit removes the temporary file. Killed at any moment, the file at `path` is
-// whole, old or new.
+// Destroying it without commit removes the temporary file. Killed at any moment, the file at `path`
+// is whole, old or new.
 class SaveFile {
  public:
   static Result<SaveFile> begin(const std::string& path);
@@ -44,8 +46,9 @@ class SaveFile {
 
   // Appends bytes; after a failure further writes do nothing and commit reports the first failure.
   void write(std::string_view bytes);
-  // Flushes to disk, keeps the older file as path + ".bak" when asked (by a link, so that `path` never
-  // stops existing), renames over `path` and flushes the folder. Keeps the older file's permissions.
+  // Flushes to disk, keeps the older file as path + ".bak" when asked (by a link, so that `path`
+  // never stops existing), renames over `path` and flushes the folder. Keeps the older file's
+  // permissions.
   Result<void> commit(bool keepBackup);
 
  private:

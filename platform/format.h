@@ -1,14 +1,15 @@
 // One printf-style formatter for wide templates.
 //
 // Templates are data here: messages pass through a translator before they are formatted, so the
-// compiler cannot check them. The arguments carry their types instead, and a conversion that does not
-// fit its argument prints the argument in its own natural form rather than reading it wrongly; a
-// conversion without an argument prints nothing. The decimal mark is always a point.
+// compiler cannot check them. The arguments carry their types instead, and a conversion that does
+// not fit its argument prints the argument in its own natural form rather than reading it wrongly;
+// a conversion without an argument prints nothing. The decimal mark is always a point.
 //
-// Conversions: %s (text), %c, %d %i %u (whole numbers), %f %lf %e %g (reals), %x, %%; flags - + 0 blank
-// #, width and precision as in C, "l", "h", "ll" accepted and ignored. A '%' followed by anything that
-// makes no conversion is dropped together with its flags and width, and the text goes on with the
-// offending character: "% ;" prints ";".
+// Conversions: %s (text), %c, %d %i %u (whole numbers), %f %lf %e %g (reals), %x, %%; flags - + 0
+// blank
+// #, width and precision as in C, "l", "h", "ll" accepted and ignored. A '%' followed by anything
+// that makes no conversion is dropped together with its flags and width, and the text goes on with
+// the offending character: "% ;" prints ";".
 #pragma once
 
 #include <cstdint>
@@ -21,13 +22,13 @@ namespace platform {
 class FormatArg {
  public:
   enum class Kind { text, bytes, integer, real };
-  FormatArg(std::u16string_view v) : kind(Kind::text), text(v) {}      // NOLINT
-  FormatArg(const std::u16string& v) : kind(Kind::text), text(v) {}    // NOLINT
-  FormatArg(const char16_t* v) : kind(Kind::text), text(v) {}          // NOLINT
-  FormatArg(std::string_view utf8) : kind(Kind::bytes), bytes(utf8) {} // NOLINT
+  FormatArg(std::u16string_view v) : kind(Kind::text), text(v) {}       // NOLINT
+  FormatArg(const std::u16string& v) : kind(Kind::text), text(v) {}     // NOLINT
+  FormatArg(const char16_t* v) : kind(Kind::text), text(v) {}           // NOLINT
+  FormatArg(std::string_view utf8) : kind(Kind::bytes), bytes(utf8) {}  // NOLINT
   template <class T, std::enable_if_t<std::is_integral_v<T>, int> = 0>
   FormatArg(T v) : kind(Kind::integer), integer(static_cast<std::int64_t>(v)) {}  // NOLINT
-  FormatArg(double v) : kind(Kind::real), real(v) {}  // NOLINT
+  FormatArg(double v) : kind(Kind::real), real(v) {}                              // NOLINT
 
   Kind kind;
   std::u16string_view text;
@@ -37,7 +38,8 @@ class FormatArg {
 };
 
 namespace detail {
-void formatTo(std::u16string& out, std::u16string_view pattern, const FormatArg* args, std::size_t n);
+void formatTo(std::u16string& out, std::u16string_view pattern, const FormatArg* args,
+              std::size_t n);
 void formatTo(std::string& out, std::u16string_view pattern, const FormatArg* args, std::size_t n);
 }  // namespace detail
 

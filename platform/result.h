@@ -1,5 +1,5 @@
-// A value or the reason why there is none. Exceptions cross no seam of this project; operations that
-// can fail for reasons outside the program (files, input) return one of these.
+// A value or the reason why there is none. Exceptions cross no seam of this project; operations
+// that can fail for reasons outside the program (files, input) return one of these.
 #pragma once
 
 #include <optional>
@@ -16,8 +16,8 @@ struct Error {
 template <class T>
 class [[nodiscard]] Result {
  public:
-  Result(T value) : value_(std::move(value)) {}        // NOLINT: a value is a result
-  Result(Error error) : error_(std::move(error)) {}    // NOLINT: so is an error
+  Result(T value) : value_(std::move(value)) {}      // NOLINT: a value is a result
+  Result(Error error) : error_(std::move(error)) {}  // NOLINT: so is an error
 
   explicit operator bool() const { return value_.has_value(); }
   T& operator*() { return *value_; }
@@ -35,7 +35,7 @@ template <>
 class [[nodiscard]] Result<void> {
  public:
   Result() = default;
-  Result(Error error) : error_(std::move(error)) {}    // NOLINT
+  Result(Error error) : error_(std::move(error)) {}  // NOLINT
   explicit operator bool() const { return !error_.has_value(); }
   const std::string& error() const { return error_->message; }
 

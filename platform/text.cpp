@@ -436,9 +436,9 @@ char* writeReal(char* to, double value) {
       return to;
     }
   }
-  // Coordinates and most other numbers of a drawing have three decimals at most. Where a number of that
-  // form reads back as this double it is the shortest one, because two decimals of so few digits are
-  // never the same double.
+  // Coordinates and most other numbers of a drawing have three decimals at most. Where a number of
+  // that form reads back as this double it is the shortest one, because two decimals of so few
+  // digits are never the same double.
   if (std::fabs(value) < 1e11) {
     const double scaled = std::round(value * 1000);
     if (scaled / 1000 == value) return writeThousandths(to, static_cast<std::int64_t>(scaled));

@@ -36,8 +36,8 @@ bool equalNoCase(std::u16string_view a, std::u16string_view b);
 
 // --- numbers -----------------------------------------------------------------------------------
 
-// The number that begins the text, as _wtof reads it: leading blanks, a sign, digits with at most one
-// point, an exponent; what follows is ignored and no number gives 0. Only decimal numbers count
+// The number that begins the text, as _wtof reads it: leading blanks, a sign, digits with at most
+// one point, an exponent; what follows is ignored and no number gives 0. Only decimal numbers count
 // ("inf", "nan" and hexadecimal text give 0), and a number beyond the range of double gives the
 // largest double of its sign, so that a result is always finite.
 double wtof(std::u16string_view text);
@@ -51,8 +51,8 @@ std::optional<double> parseReal(std::u16string_view text);
 std::optional<std::int64_t> parseInteger(std::u16string_view text);
 
 // Shortest text that reads back as the same double, with ".0" behind a whole number: the form in
-// which drawings keep reals. No drawing reader knows "nan" or "inf": they become 0.0 and the largest
-// double of their sign. Writes at most 32 characters at `to` and returns the end.
+// which drawings keep reals. No drawing reader knows "nan" or "inf": they become 0.0 and the
+// largest double of their sign. Writes at most 32 characters at `to` and returns the end.
 char* writeReal(char* to, double value);
 // "%.3f" of value, correctly rounded to even as the C library does, with a point always. Writes at
 // most 330 characters at `to` and returns the end. Fast for magnitudes below 1e15.
@@ -60,8 +60,8 @@ char* writeFixed3(char* to, double value);
 
 // --- tokens ------------------------------------------------------------------------------------
 
-// Walks the tokens of a text as wcstok does: runs of delimiters count as one, delimiters at the start
-// are skipped, and what is not in `delimiters` is text.
+// Walks the tokens of a text as wcstok does: runs of delimiters count as one, delimiters at the
+// start are skipped, and what is not in `delimiters` is text.
 //   Tokens t(line, u" \t;");  while (auto token = t.next()) ...
 template <class Char>
 class BasicTokens {
@@ -88,17 +88,18 @@ using Tokens = BasicTokens<char16_t>;
 
 // --- lines -------------------------------------------------------------------------------------
 
-// The lines of a text file as fgetws delivers them in text mode: CR LF arrives as LF, the line feed is
-// part of the line, Ctrl-Z (0x1A) ends the file, and a line longer than `limit` characters arrives in
-// pieces of at most `limit` UTF-16 units. Works on the file's bytes as UTF-8 (see toUtf8) and yields
-// UTF-8 views that stay valid as long as the bytes do, except that a line which ends in CR LF is
-// delivered from an internal buffer, valid until the next call.
+// The lines of a text file as fgetws delivers them in text mode: CR LF arrives as LF, the line feed
+// is part of the line, Ctrl-Z (0x1A) ends the file, and a line longer than `limit` characters
+// arrives in pieces of at most `limit` UTF-16 units. Works on the file's bytes as UTF-8 (see
+// toUtf8) and yields UTF-8 views that stay valid as long as the bytes do, except that a line which
+// ends in CR LF is delivered from an internal buffer, valid until the next call.
 class TextLines {
  public:
   explicit TextLines(std::string_view utf8, std::size_t limit = 999);
   // The next line or piece, or nothing at end of file.
   std::optional<std::string_view> next();
-  // True when the last read failed: what feof answers after the loop has tried to read beyond the end.
+  // True when the last read failed: what feof answers after the loop has tried to read beyond the
+  // end.
   bool atEnd() const { return ended_; }
 
  private:

@@ -1,8 +1,8 @@
 // Wide text of fixed capacity: the value types in which the records of a network keep every field.
 //
 // A Wide<N> is an array of N UTF-16 units that always ends in a zero unit, so that it holds at most
-// N - 1 units. It is trivially copyable: records made of such fields are copied as bytes, and lists of
-// them move without calling anything.
+// N - 1 units. It is trivially copyable: records made of such fields are copied as bytes, and lists
+// of them move without calling anything.
 #pragma once
 
 #include <cstddef>
@@ -18,14 +18,14 @@ class Wide {
   static constexpr std::size_t capacity = N;  // units, the ending zero included
 
   Wide() { text_[0] = 0; }
-  Wide(std::u16string_view text) { assign(text); }   // NOLINT: a text is a Wide
-  Wide(const char16_t* text) { assign(text); }       // NOLINT
+  Wide(std::u16string_view text) { assign(text); }  // NOLINT: a text is a Wide
+  Wide(const char16_t* text) { assign(text); }      // NOLINT
   Wide& operator=(std::u16string_view text) { return assign(text); }
   Wide& operator=(const char16_t* text) { return assign(text); }
 
   // Copies the text up to its first zero unit and truncates it at the capacity, between whole code
-  // points: a surrogate pair that does not fit is left out altogether. `text` may not lie inside this
-  // object.
+  // points: a surrogate pair that does not fit is left out altogether. `text` may not lie inside
+  // this object.
   Wide& assign(std::u16string_view text) {
     std::size_t n = text.size() < N ? text.size() : N - 1;
     if (n < text.size() && n > 0 && (text[n - 1] & 0xFC00) == 0xD800) --n;

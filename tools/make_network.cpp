@@ -26,10 +26,10 @@
 
 namespace {
 
-// The headloss curve of general-purpose valves. An export of a drawn network writes this text as the
-// setting of every valve, and their setting is the name of their curve: so the exported file runs.
+// The headloss curve of general-purpose valves. An export of a drawn network writes this text as
+// the setting of every valve, and their setting is the name of their curve: so the exported file
+// runs.
 const char kMeterCurve[] = "0.000";
-
 
 const double kPi = std::acos(-1.0);
 
@@ -1139,8 +1139,9 @@ class GridMaker {
   }
 
   void addValves() {
-    constexpr std::pair<const char*, const char*> kKinds[] = {
-        {"PRV", "30"}, {"TCV", "5"}, {"FCV", "10"}, {"PSV", "5"}, {"PBV", "2"}, {"GPV", kMeterCurve}};
+    constexpr std::pair<const char*, const char*> kKinds[] = {{"PRV", "30"}, {"TCV", "5"},
+                                                              {"FCV", "10"}, {"PSV", "5"},
+                                                              {"PBV", "2"},  {"GPV", kMeterCurve}};
     for (std::size_t k = 0; k < valves_; ++k) {
       const NodeIndex at = (2 * k + 1) * junctions_ / (2 * valves_);
       Node leaf = nodeAt("L" + std::to_string(k + 1), net_.nodes[at].at + Point{30, -40});

@@ -38,7 +38,8 @@ Answer AnswerFrontend::showPrompt(const Prompt& prompt) {
 
 void AnswerFrontend::showInvalid(std::u16string_view reason) { note(reason); }
 
-bool enter(AnswerFrontend& ui, Dialog& dialog, std::u16string_view control, std::u16string_view text) {
+bool enter(AnswerFrontend& ui, Dialog& dialog, std::u16string_view control,
+           std::u16string_view text) {
   auto found = dialog.find(control);
   const Gesture done = found ? (*found)->enter(text) : Gesture(platform::Error{found.error()});
   if (!done && ui.problem.empty()) ui.problem = done.error();

@@ -1,5 +1,5 @@
-// The front end of jobs that run by themselves: answers the dialogs they expect and takes down what the
-// commands say.
+// The front end of jobs that run by themselves: answers the dialogs they expect and takes down what
+// the commands say.
 #pragma once
 
 #include <functional>

@@ -12,9 +12,10 @@
 namespace cli {
 
 const std::vector<std::string>& moduleCommands() {
-  static const std::vector<std::string> names = {
-      "hnaddepa", "hnmatepa", "hnmodepa", "hnpzzpmod", "hnsetmat", "hnsetpat", "epaProf", "epacalc",
-      "epapiezo", "epascale", "epatables", "expinp",   "impinp",   "imprpt",   "netvis"};
+  static const std::vector<std::string> names = {"hnaddepa", "hnmatepa", "hnmodepa",  "hnpzzpmod",
+                                                 "hnsetmat", "hnsetpat", "epaProf",   "epacalc",
+                                                 "epapiezo", "epascale", "epatables", "expinp",
+                                                 "impinp",   "imprpt",   "netvis"};
   return names;
 }
 

@@ -27,8 +27,8 @@ inline std::string words(const char* it, const char* en) { return italian() ? it
 // Prints "vessora: message" on standard error and returns the exit status of a failed job.
 int fail(const std::string& message);
 
-// A line on standard error that is written over again and again while a job runs; silent when standard
-// error is no terminal.
+// A line on standard error that is written over again and again while a job runs; silent when
+// standard error is no terminal.
 class Progress {
  public:
   explicit Progress(const std::string& what);

@@ -69,16 +69,19 @@ std::u16string networkNameOf(const std::string& inp) {
 }
 
 // The network to work on: the one named, or else the default, or else the only one.
-platform::Result<std::u16string> pickNetwork(const std::string& drawing, const std::string& wanted) {
+platform::Result<std::u16string> pickNetwork(const std::string& drawing,
+                                             const std::string& wanted) {
   const std::vector<NetworkInfo> networks = listNetworks();
   std::string names;
-  for (const NetworkInfo& n : networks) names += (names.empty() ? "" : ", ") + platform::narrow(n.name);
+  for (const NetworkInfo& n : networks)
+    names += (names.empty() ? "" : ", ") + platform::narrow(n.name);
   if (!wanted.empty()) {
     const std::u16string name = platform::widen(wanted);
     if (chooseNetwork(name)) return name;
-    return platform::Error{drawing + ": " + words("la rete non c'è: ", "no such network: ") + wanted +
-                           (names.empty() ? words(" (il disegno non ha reti)", " (it has no network)")
-                                          : words("; ci sono: ", "; it has: ") + names)};
+    return platform::Error{
+        drawing + ": " + words("la rete non c'è: ", "no such network: ") + wanted +
+        (names.empty() ? words(" (il disegno non ha reti)", " (it has no network)")
+                       : words("; ci sono: ", "; it has: ") + names)};
   }
   const NetworkInfo* found = nullptr;
   for (const NetworkInfo& n : networks) {
@@ -89,11 +92,12 @@ platform::Result<std::u16string> pickNetwork(const std::string& drawing, const s
     chooseNetwork(name);
     return name;
   }
-  return platform::Error{drawing + ": " +
-                         (networks.empty()
-                              ? words("il disegno non ha reti", "the drawing has no network")
-                              : words("indicare la rete con -n; ci sono: ",
-                                      "name the network with -n; it has: ") + names)};
+  return platform::Error{
+      drawing + ": " +
+      (networks.empty()
+           ? words("il disegno non ha reti", "the drawing has no network")
+           : words("indicare la rete con -n; ci sono: ", "name the network with -n; it has: ") +
+                 names)};
 }
 
 std::string jsonText(const std::u16string& text) {
@@ -117,12 +121,14 @@ std::string jsonText(const std::u16string& text) {
 int importNetwork(const ImportOptions& o) {
   // Asked here already: the command itself would go on with an empty network.
   if (platform::folderExists(o.inp) || !platform::fileExists(o.inp)) {
-    return fail(o.inp + ": " + words("file INP inesistente; controllare il percorso",
-                                     "no such INP file; check the path"));
+    return fail(
+        o.inp + ": " +
+        words("file INP inesistente; controllare il percorso", "no such INP file; check the path"));
   }
   if (networkNameOf(o.inp).empty()) {
-    return fail(o.inp + ": " + words("il nome del file deve dare il nome alla rete (NOME.inp)",
-                                     "the file's name must give the network its name (NAME.inp)"));
+    return fail(o.inp + ": " +
+                words("il nome del file deve dare il nome alla rete (NOME.inp)",
+                      "the file's name must give the network its name (NAME.inp)"));
   }
   AnswerFrontend ui;
   Job job(ui);
@@ -140,7 +146,8 @@ int importNetwork(const ImportOptions& o) {
   }
   if (!ui.problem.empty()) return fail(o.inp + ": " + ui.problem);
   for (const std::u16string& message : ui.messages) {
-    // The second one asks for another name than those of the sibling module; the network is drawn all the same.
+    // The second one asks for another name than those of the sibling module; the network is drawn
+    // all the same.
     if (message != u"Importazione terminata!" && message != u"Nome del file non valido!") {
       return fail(o.inp + ": " + platform::narrow(message));
     }
@@ -170,7 +177,8 @@ int exportNetwork(const ExportOptions& o) {
   Progress progress(words("Esportazione", "Exporting"));
   bool written = false;
   if (!o.csv && !schematic) {
-    auto* write = Session::instance().moduleFunction<std::int64_t(const char16_t*, char16_t*)>("ScriviInp");
+    auto* write =
+        Session::instance().moduleFunction<std::int64_t(const char16_t*, char16_t*)>("ScriviInp");
     std::u16string name = *network;
     written = write && write(path.c_str(), name.data()) == 1;
   } else {
@@ -194,12 +202,14 @@ int exportNetwork(const ExportOptions& o) {
     if (message == u"Esportazione completata!") continue;
     std::string text = platform::narrow(message);
     std::replace(text.begin(), text.end(), '\n', ' ');
-    std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(), text.c_str());
+    std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(),
+                 text.c_str());
   }
   if (schematic && o.csv) {
     std::fprintf(stderr, "vessora: %s\n",
                  words("attenzione: una rete schematica non ha file CSV",
-                       "warning: a schematic network has no CSV file").c_str());
+                       "warning: a schematic network has no CSV file")
+                     .c_str());
   }
   if (const std::string l = leaks(); !l.empty()) return fail(l);
   return 0;
@@ -214,12 +224,13 @@ int showInfo(const std::string& drawing, bool json) {
     std::printf("{\"networks\": [");
     const char* separator = "";
     for (const NetworkInfo& n : networks) {
-      std::printf("%s\n  {\"name\": %s, \"default\": %s, \"junctions\": %d, \"reservoirs\": %d, "
-                  "\"tanks\": %d, \"pipes\": %d, \"pumps\": %d, \"valves\": %d, \"results\": %s, "
-                  "\"period\": %s}",
-                  separator, jsonText(n.name).c_str(), n.isDefault ? "true" : "false", n.junctions,
-                  n.reservoirs, n.tanks, n.pipes, n.pumps, n.valves, n.hasResults ? "true" : "false",
-                  n.hasResults ? jsonText(n.period).c_str() : "null");
+      std::printf(
+          "%s\n  {\"name\": %s, \"default\": %s, \"junctions\": %d, \"reservoirs\": %d, "
+          "\"tanks\": %d, \"pipes\": %d, \"pumps\": %d, \"valves\": %d, \"results\": %s, "
+          "\"period\": %s}",
+          separator, jsonText(n.name).c_str(), n.isDefault ? "true" : "false", n.junctions,
+          n.reservoirs, n.tanks, n.pipes, n.pumps, n.valves, n.hasResults ? "true" : "false",
+          n.hasResults ? jsonText(n.period).c_str() : "null");
       separator = ",";
     }
     std::printf("%s]}\n", networks.empty() ? "" : "\n");
@@ -229,12 +240,14 @@ int showInfo(const std::string& drawing, bool json) {
   for (const NetworkInfo& n : networks) {
     std::string results = words("nessun risultato", "no results");
     if (n.hasResults) {
-      results = words("risultati", "results") +
-                (n.period.empty() ? "" : words(" del periodo ", " of period ") + platform::narrow(n.period));
+      results =
+          words("risultati", "results") +
+          (n.period.empty() ? ""
+                            : words(" del periodo ", " of period ") + platform::narrow(n.period));
     }
     std::printf("%s%s: %s; %s\n", platform::narrow(n.name).c_str(),
-                n.isDefault ? words(" (predefinita)", " (default)").c_str() : "", countsLine(n).c_str(),
-                results.c_str());
+                n.isDefault ? words(" (predefinita)", " (default)").c_str() : "",
+                countsLine(n).c_str(), results.c_str());
   }
   return 0;
 }

@@ -1,5 +1,5 @@
-// The subcommands. Each returns the program's exit status: 0 done, 1 failed with one line on standard
-// error.
+// The subcommands. Each returns the program's exit status: 0 done, 1 failed with one line on
+// standard error.
 #pragma once
 
 #include <string>

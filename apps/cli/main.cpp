@@ -16,31 +16,39 @@ int main(int argc, char** argv) {
   cli::ImportOptions import;
   auto* c = app.add_subcommand("import", words("disegna una rete da un file INP di EPANET",
                                                "draw a network from an EPANET INP file"));
-  c->add_option("INP", import.inp, words("file INP; il suo nome dà il nome alla rete",
-                                         "INP file; its name becomes the network's name"))->required();
-  c->add_option("-o,--output", import.out, words("disegno DXF da scrivere", "DXF drawing to write"))->required();
-  c->add_option("-d,--drawing", import.base, words("disegno di base a cui aggiungere la rete",
-                                                   "base drawing that the network is added to"));
+  c->add_option("INP", import.inp,
+                words("file INP; il suo nome dà il nome alla rete",
+                      "INP file; its name becomes the network's name"))
+      ->required();
+  c->add_option("-o,--output", import.out, words("disegno DXF da scrivere", "DXF drawing to write"))
+      ->required();
+  c->add_option("-d,--drawing", import.base,
+                words("disegno di base a cui aggiungere la rete",
+                      "base drawing that the network is added to"));
   c->callback([&] { status = cli::importNetwork(import); });
 
   cli::ExportOptions exporting;
   c = app.add_subcommand("export", words("scrive il file INP di una rete disegnata",
                                          "write the INP file of a drawn network"));
   c->add_option("DRAWING", exporting.drawing, words("disegno DXF", "DXF drawing"))->required();
-  c->add_option("-o,--output", exporting.out, words("file INP da scrivere", "INP file to write"))->required();
+  c->add_option("-o,--output", exporting.out, words("file INP da scrivere", "INP file to write"))
+      ->required();
   c->add_option("-n,--network", exporting.network,
                 words("rete (altrimenti la predefinita, o l'unica)",
                       "network (else the default one, or the only one)"));
-  c->add_flag("--csv", exporting.csv, words("scrive anche il file CSV accanto", "write the CSV file beside it too"));
+  c->add_flag("--csv", exporting.csv,
+              words("scrive anche il file CSV accanto", "write the CSV file beside it too"));
   c->callback([&] { status = cli::exportNetwork(exporting); });
 
   cli::ResultsOptions results;
-  c = app.add_subcommand("results", words("porta i risultati di un report RPT di EPANET su una rete disegnata",
-                                          "bring the results of an EPANET RPT report onto a drawn network"));
+  c = app.add_subcommand("results",
+                         words("porta i risultati di un report RPT di EPANET su una rete disegnata",
+                               "bring the results of an EPANET RPT report onto a drawn network"));
   c->add_option("DRAWING", results.drawing, words("disegno DXF", "DXF drawing"))->required();
-  auto* report = c->add_option("REPORT", results.report,
-                               words("report RPT; il suo nome sceglie la rete, se ce n'è una così",
-                                     "RPT report; its name chooses the network, if there is one so named"));
+  auto* report =
+      c->add_option("REPORT", results.report,
+                    words("report RPT; il suo nome sceglie la rete, se ce n'è una così",
+                          "RPT report; its name chooses the network, if there is one so named"));
   c->add_option("-o,--output", results.out,
                 words("disegno DXF da scrivere (altrimenti lo stesso)",
                       "DXF drawing to write (else the same one)"));
@@ -50,9 +58,11 @@ int main(int argc, char** argv) {
                                      "period to import, as the report writes it"));
   auto* list = c->add_flag("--list-periods", results.listPeriods,
                            words("elenca i periodi e non cambia nulla",
-                                 "list the periods and change nothing"))->excludes(period);
-  auto* clear = c->add_flag("--clear", results.clear,
-                            words("toglie i risultati", "remove the results"))->excludes(report, period, list);
+                                 "list the periods and change nothing"))
+                   ->excludes(period);
+  auto* clear =
+      c->add_flag("--clear", results.clear, words("toglie i risultati", "remove the results"))
+          ->excludes(report, period, list);
   c->callback([&, report, clear] {
     if (report->count() + clear->count() == 0) throw CLI::RequiredError("REPORT");
     status = cli::importResults(results);
@@ -60,32 +70,47 @@ int main(int argc, char** argv) {
 
   std::string infoDrawing;
   bool json = false;
-  c = app.add_subcommand("info", words("elenca le reti di un disegno", "list the networks of a drawing"));
+  c = app.add_subcommand("info",
+                         words("elenca le reti di un disegno", "list the networks of a drawing"));
   c->add_option("DRAWING", infoDrawing, words("disegno DXF", "DXF drawing"))->required();
   c->add_flag("--json", json, words("in forma JSON", "as JSON"));
   c->callback([&] { status = cli::showInfo(infoDrawing, json); });
 
   cli::RunOptions run;
-  c = app.add_subcommand("run", words("esegue comandi da uno script", "run commands from a script"));
-  c->add_option("DRAWING", run.drawing, words("disegno DXF, o - per uno nuovo", "DXF drawing, or - for a new one"))->required();
-  c->add_option("SCRIPT", run.script, words("file di script (docs/scripts.md)", "script file (docs/scripts.md)"))->required();
-  c->add_option("-o,--output", run.out, words("disegno DXF da scrivere alla fine", "DXF drawing to write at the end"));
+  c = app.add_subcommand("run",
+                         words("esegue comandi da uno script", "run commands from a script"));
+  c->add_option("DRAWING", run.drawing,
+                words("disegno DXF, o - per uno nuovo", "DXF drawing, or - for a new one"))
+      ->required();
+  c->add_option("SCRIPT", run.script,
+                words("file di script (docs/scripts.md)", "script file (docs/scripts.md)"))
+      ->required();
+  c->add_option("-o,--output", run.out,
+                words("disegno DXF da scrivere alla fine", "DXF drawing to write at the end"));
   c->callback([&] { status = cli::runScript(run); });
 
   cli::RenderOptions render;
-  c = app.add_subcommand("render", words("disegna il disegno su PNG, SVG o PDF", "paint the drawing as PNG, SVG or PDF"));
+  c = app.add_subcommand("render", words("disegna il disegno su PNG, SVG o PDF",
+                                         "paint the drawing as PNG, SVG or PDF"));
   c->add_option("DRAWING", render.drawing, words("disegno DXF", "DXF drawing"))->required();
-  c->add_option("-o,--output", render.out, words("file .png, .svg o .pdf", "file .png, .svg or .pdf"))->required();
-  c->add_option("--view", render.view, words("plan (dall'alto) o iso (da sud-ovest)", "plan (from above) or iso (from the south-west)"))
+  c->add_option("-o,--output", render.out,
+                words("file .png, .svg o .pdf", "file .png, .svg or .pdf"))
+      ->required();
+  c->add_option("--view", render.view,
+                words("plan (dall'alto) o iso (da sud-ovest)",
+                      "plan (from above) or iso (from the south-west)"))
       ->check(CLI::IsMember({"plan", "iso"}));
   c->add_flag("--dark", render.dark, words("fondo scuro", "dark ground"));
-  c->add_option("--width", render.width, words("larghezza in pixel", "width in pixels"))->check(CLI::Range(100, 20000));
+  c->add_option("--width", render.width, words("larghezza in pixel", "width in pixels"))
+      ->check(CLI::Range(100, 20000));
   c->add_option("--window", render.window, words("finestra x1,y1,x2,y2", "window x1,y1,x2,y2"));
-  c->add_option("--layers", render.layers, words("solo questi layer", "only these layers"))->delimiter(',');
+  c->add_option("--layers", render.layers, words("solo questi layer", "only these layers"))
+      ->delimiter(',');
   c->callback([&] { status = cli::render(render); });
 
   std::string shellDrawing;
-  c = app.add_subcommand("shell", words("la riga di comando interattiva", "the interactive command line"));
+  c = app.add_subcommand("shell",
+                         words("la riga di comando interattiva", "the interactive command line"));
   c->add_option("DRAWING", shellDrawing, words("disegno DXF", "DXF drawing"));
   c->callback([&] { status = cli::shell(shellDrawing); });
 

@@ -46,7 +46,8 @@ std::u16string textAt(const resbuf* chain, int position) {
 // The period of the first element that has results.
 void readPeriod(NetworkInfo& info) {
   for (const char16_t* prefix : {u"JUNC-", u"RESV-", u"TANK-", u"PIPE-"}) {
-    for (const AcDbObjectId id : select(acutBuildList(8, prefix + info.name, 1001, u"HN-C_PERIOD_RPT", RTNONE))) {
+    for (const AcDbObjectId id :
+         select(acutBuildList(8, prefix + info.name, 1001, u"HN-C_PERIOD_RPT", RTNONE))) {
       AcDbObject* object = nullptr;
       if (acdbOpenObject(object, id) != Acad::eOk) continue;
       resbuf* data = object->xData(u"HN-C_PERIOD_RPT");

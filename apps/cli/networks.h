@@ -19,8 +19,9 @@ std::vector<NetworkInfo> listNetworks();
 NetworkInfo countNetwork(const std::u16string& name);
 // "junctions 9, reservoirs 1, ..." in the user's language.
 std::string countsLine(const NetworkInfo& n);
-// Makes one network the default of the drawing in memory, so that commands take it without asking. A
-// network that stands on its layer alone gets a settings point. False when there is no such network.
+// Makes one network the default of the drawing in memory, so that commands take it without asking.
+// A network that stands on its layer alone gets a settings point. False when there is no such
+// network.
 bool chooseNetwork(const std::u16string& name);
 
 }  // namespace cli

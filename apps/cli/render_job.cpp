@@ -13,7 +13,8 @@ namespace {
 // The form of the picture by the file's extension.
 bool formatOf(const std::string& path, cad::view::Format& format) {
   const std::size_t dot = path.find_last_of('.');
-  const std::u16string ext = platform::upper(platform::widen(dot == path.npos ? "" : path.substr(dot + 1)));
+  const std::u16string ext =
+      platform::upper(platform::widen(dot == path.npos ? "" : path.substr(dot + 1)));
   if (ext == u"PNG") return format = cad::view::Format::png, true;
   if (ext == u"SVG") return format = cad::view::Format::svg, true;
   if (ext == u"PDF") return format = cad::view::Format::pdf, true;
@@ -37,8 +38,9 @@ bool parseWindow(const std::string& text, cad::view::Window& window) {
 int render(const RenderOptions& o) {
   cad::view::PaintOptions paint;
   if (!formatOf(o.out, paint.format)) {
-    return fail(o.out + ": " + words("l'estensione deve essere .png, .svg o .pdf",
-                                     "the extension must be .png, .svg or .pdf"));
+    return fail(o.out + ": " +
+                words("l'estensione deve essere .png, .svg o .pdf",
+                      "the extension must be .png, .svg or .pdf"));
   }
   paint.view = o.view == "iso" ? cad::view::View::isometric : cad::view::View::plan;
   paint.dark = o.dark;
@@ -46,7 +48,8 @@ int render(const RenderOptions& o) {
   if (!o.window.empty()) {
     cad::view::Window window;
     if (!parseWindow(o.window, window)) {
-      return fail(o.window + ": " + words("una finestra si scrive x1,y1,x2,y2", "a window is written x1,y1,x2,y2"));
+      return fail(o.window + ": " +
+                  words("una finestra si scrive x1,y1,x2,y2", "a window is written x1,y1,x2,y2"));
     }
     paint.window = window;
   }
@@ -59,11 +62,15 @@ int render(const RenderOptions& o) {
   const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
   for (const auto& [type, count] : picture.unknown) {
     std::fprintf(stderr, "vessora: %s%d %s\n", words("attenzione: ", "warning: ").c_str(), count,
-                 (words("oggetti non mostrati di tipo ", "objects not shown of type ") + platform::narrow(type)).c_str());
+                 (words("oggetti non mostrati di tipo ", "objects not shown of type ") +
+                  platform::narrow(type))
+                     .c_str());
   }
   if (cad::view::isEmpty(picture)) {
-    std::fprintf(stderr, "vessora: %s\n", words("attenzione: non c'è nulla da mostrare; la pagina è vuota",
-                                                "warning: there is nothing to show; the page is empty").c_str());
+    std::fprintf(stderr, "vessora: %s\n",
+                 words("attenzione: non c'è nulla da mostrare; la pagina è vuota",
+                       "warning: there is nothing to show; the page is empty")
+                     .c_str());
   }
   auto bytes = cad::view::paint(picture, paint);
   if (!bytes) return fail(o.out + ": " + bytes.error());

@@ -39,7 +39,8 @@ std::string historyFile() {
   return home ? std::string(home) + "/.vessora_history" : "";
 }
 
-std::optional<std::string> readLine(const std::string& prompt, const std::vector<std::string>& words) {
+std::optional<std::string> readLine(const std::string& prompt,
+                                    const std::vector<std::string>& words) {
   g_completions = words;
   if (!isatty(0)) {
     // Piped input: no editing, no echo of our own.
@@ -76,7 +77,8 @@ int shell(const std::string& drawing) {
     return fail(opened.error());
   }
   std::puts(words("vessora: digitare GUIDA per i comandi, ESCI per uscire, TAB per completare.",
-                  "vessora: type GUIDA for the commands, ESCI to leave, TAB to complete.").c_str());
+                  "vessora: type GUIDA for the commands, ESCI to leave, TAB to complete.")
+                .c_str());
   cad::Session::instance().commandLoop();
   stopHost();
   if (!history.empty()) write_history(history.c_str());

@@ -1,4 +1,5 @@
-// Result and type codes of the editor functions and of result chains, with the host interface's values.
+// Result and type codes of the editor functions and of result chains, with the host interface's
+// values.
 #pragma once
 
 constexpr int RTNONE = 5000;    // end of a list

@@ -8,7 +8,8 @@
 
 class CAD_API AcDbDatabase {
  public:
-  // With contents: a new empty drawing with the standard tables. Without: nothing, to read a file into.
+  // With contents: a new empty drawing with the standard tables. Without: nothing, to read a file
+  // into.
   explicit AcDbDatabase(bool buildDefaultDrawing = true);
   ~AcDbDatabase();
   AcDbDatabase(const AcDbDatabase&) = delete;
@@ -24,13 +25,13 @@ class CAD_API AcDbDatabase {
   // The dictionary of table styles, made when the drawing has none yet.
   Acad::ErrorStatus getTableStyleDictionary(AcDbDictionary*& dictionary, AcDb::OpenMode mode);
 
-  // Reads a drawing file into this database, which must have been made without contents. A name that
-  // ends in ".dwg" is looked for as it stands and then with ".dxf" in place of it; a file in DWG form
-  // is refused. On failure lastError() says why.
+  // Reads a drawing file into this database, which must have been made without contents. A name
+  // that ends in ".dwg" is looked for as it stands and then with ".dxf" in place of it; a file in
+  // DWG form is refused. On failure lastError() says why.
   Acad::ErrorStatus readDwgFile(std::u16string_view path);
-  // Makes a block of the name out of the model space of another drawing, with the layers, line types,
-  // text styles and blocks that it uses, and gives the block's id. eDuplicateRecordName when there is
-  // one of the name already.
+  // Makes a block of the name out of the model space of another drawing, with the layers, line
+  // types, text styles and blocks that it uses, and gives the block's id. eDuplicateRecordName when
+  // there is one of the name already.
   Acad::ErrorStatus insert(AcDbObjectId& id, std::u16string_view name, AcDbDatabase* source);
 
   // The object of a handle; eKeyNotFound.

@@ -1,10 +1,10 @@
 // Objects of a drawing and the discipline in which they are used: open, act, close.
 //
 // An opened object is a view on the database's record of it. Opening for read (kForRead) may be
-// repeated; opening for write needs that nobody has it open; upgradeOpen turns the one reader into the
-// writer. Every open is matched by one close, after which the pointer is dead. A new object is made
-// with new, given to the database by the append operation of its container, and then closed like any
-// other; if it is never given to a database its maker deletes it.
+// repeated; opening for write needs that nobody has it open; upgradeOpen turns the one reader into
+// the writer. Every open is matched by one close, after which the pointer is dead. A new object is
+// made with new, given to the database by the append operation of its container, and then closed
+// like any other; if it is never given to a database its maker deletes it.
 #pragma once
 
 #include <cstdint>
@@ -39,7 +39,8 @@ class CAD_API AcDbObject : public AcRxObject {
   Acad::ErrorStatus close();
   // From the only reader to the writer; eWasOpenForRead when somebody else reads.
   Acad::ErrorStatus upgradeOpen();
-  // Erases, or with false brings back. Needs write. Parts (vertices, attributes) go with their owner.
+  // Erases, or with false brings back. Needs write. Parts (vertices, attributes) go with their
+  // owner.
   Acad::ErrorStatus erase(bool erasing = true);
 
   AcDbObjectId objectId() const;
@@ -51,13 +52,13 @@ class CAD_API AcDbObject : public AcRxObject {
   bool isErased() const;
   bool isModified() const;
 
-  // The extended data of one application: a chain that begins with the 1001 node, or null when there
-  // is none. With a null application, all of it. The caller owns the chain.
+  // The extended data of one application: a chain that begins with the 1001 node, or null when
+  // there is none. With a null application, all of it. The caller owns the chain.
   resbuf* xData(const char16_t* application = nullptr) const;
-  // Replaces the data of the chain's application; a chain of only the 1001 node removes it. The chain
-  // stays the caller's. eRegappIdNotFound for an application that is not registered, eInvalidXdata for
-  // a chain that is no extended data, eXdataSizeExceeded beyond 16383 bytes on one object or a text
-  // beyond 255 characters.
+  // Replaces the data of the chain's application; a chain of only the 1001 node removes it. The
+  // chain stays the caller's. eRegappIdNotFound for an application that is not registered,
+  // eInvalidXdata for a chain that is no extended data, eXdataSizeExceeded beyond 16383 bytes on
+  // one object or a text beyond 255 characters.
   Acad::ErrorStatus setXData(const resbuf* chain);
   // Whether xData(application) would give something, without building the chain.
   bool hasXData(std::u16string_view application) const;
@@ -70,8 +71,8 @@ class CAD_API AcDbObject : public AcRxObject {
  protected:
   AcDbObject();
   explicit AcDbObject(cad::ViewState* state);
-  // Called by close before the object's text is written: the place where a view that keeps fields of
-  // its own puts them into the tags.
+  // Called by close before the object's text is written: the place where a view that keeps fields
+  // of its own puts them into the tags.
   virtual void beforeCommit() {}
   // Called when a new object has become a drawing's: the place for what needs its handle and owner.
   virtual void afterAppend() {}

@@ -1,8 +1,8 @@
-// The editor: what a command asks of the user and says to him, selection sets, host variables and Lisp
-// symbols. All calls belong to the command thread.
+// The editor: what a command asks of the user and says to him, selection sets, host variables and
+// Lisp symbols. All calls belong to the command thread.
 //
-// Results are RTNORM for success, RTCAN for Esc, RTNONE for Enter alone, RTKWORD for a keyword in place
-// of a value, RTERROR for a call that makes no sense.
+// Results are RTNORM for success, RTCAN for Esc, RTNONE for Enter alone, RTKWORD for a keyword in
+// place of a value, RTERROR for a call that makes no sense.
 #pragma once
 
 #include <cstdint>
@@ -24,8 +24,8 @@ CAD_API int acdbGetAdsName(ads_name& name, AcDbObjectId id);
 
 // Text on the command line as it stands.
 CAD_API void acedPrintText(std::u16string_view text);
-// The same with a template; arguments carry their types (see platform/format.h). Without arguments the
-// text is not looked at, so a '%' in it stays.
+// The same with a template; arguments carry their types (see platform/format.h). Without arguments
+// the text is not looked at, so a '%' in it stays.
 template <class... Args>
 void acutPrintf(std::u16string_view pattern, const Args&... args) {
   if constexpr (sizeof...(args) == 0) {
@@ -38,11 +38,11 @@ CAD_API int acedPrompt(std::u16string_view text);
 
 // --- selection sets ------------------------------------------------------------------------------
 
-// Mode u"_X": the entities of the whole drawing that pass the filter, in drawing order. Mode null: the
-// user picks, until he presses Enter; what does not pass the filter is left out. Filters are chains of
-// 8 layer, 2 block name, 0 or 5020 entity type, 1001 application, 62 colour, 410/67 space, joined by
-// -4 "<and" "and>" "<or" "or>" "<not" "not>" "<xor" "xor>"; texts are literal and compare without case.
-// RTNORM when at least one entity is in the set, which the caller then frees.
+// Mode u"_X": the entities of the whole drawing that pass the filter, in drawing order. Mode null:
+// the user picks, until he presses Enter; what does not pass the filter is left out. Filters are
+// chains of 8 layer, 2 block name, 0 or 5020 entity type, 1001 application, 62 colour, 410/67
+// space, joined by -4 "<and" "and>" "<or" "or>" "<not" "not>" "<xor" "xor>"; texts are literal and
+// compare without case. RTNORM when at least one entity is in the set, which the caller then frees.
 CAD_API int acedSSGet(const char16_t* mode, const void* point1, const void* point2,
                       const resbuf* filter, ads_name& set);
 CAD_API int acedSSLength(const ads_name& set, std::int32_t* length);
@@ -53,8 +53,8 @@ CAD_API int acedSSFree(const ads_name& set);
 
 // One entity picked by the user. RTERROR when nothing was hit.
 CAD_API int acedEntSel(std::u16string_view prompt, ads_name& entity, AcGePoint3d& point);
-// Rules and keywords for the next acedGet call: bit 1 refuses Enter alone. Keywords are separated by
-// blanks.
+// Rules and keywords for the next acedGet call: bit 1 refuses Enter alone. Keywords are separated
+// by blanks.
 CAD_API int acedInitGet(int bits, const char16_t* keywords);
 CAD_API int acedGetPoint(const AcGePoint3d* base, std::u16string_view prompt, AcGePoint3d& point);
 CAD_API int acedGetReal(std::u16string_view prompt, double& value);

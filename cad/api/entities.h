@@ -1,5 +1,5 @@
-// The entities that modules read, make and change. Points are in world coordinates, angles in radians,
-// colours are host colour indices: 0 by block, 1 to 255, 256 by layer.
+// The entities that modules read, make and change. Points are in world coordinates, angles in
+// radians, colours are host colour indices: 0 by block, 1 to 255, 256 by layer.
 #pragma once
 
 #include <memory>
@@ -81,7 +81,8 @@ class CAD_API AcDbLine : public AcDbEntity {
 class CAD_API AcDbText : public AcDbEntity {
   ACRX_DECLARE(AcDbText)
  public:
-  AcDbText(const AcGePoint3d& position, std::u16string_view text, double height, double rotation = 0);
+  AcDbText(const AcGePoint3d& position, std::u16string_view text, double height,
+           double rotation = 0);
   AcGePoint3d position() const;
   Acad::ErrorStatus setPosition(const AcGePoint3d& position);
   std::u16string textString() const;
@@ -120,9 +121,9 @@ class CAD_API AcDbAttribute : public AcDbText {
   // Whether the tag is exactly this one, without making a text of it.
   bool hasTag(std::u16string_view tag) const;
   bool isInvisible() const;
-  // Takes appearance, tag, default text and place from the definition, moved by the transformation of
-  // the block reference (translation, rotation, uniform scale; the text plane stays parallel to the
-  // reference's own).
+  // Takes appearance, tag, default text and place from the definition, moved by the transformation
+  // of the block reference (translation, rotation, uniform scale; the text plane stays parallel to
+  // the reference's own).
   Acad::ErrorStatus setAttributeFromBlock(const AcDbAttributeDefinition* definition,
                                           const AcGeMatrix3d& blockTransform);
 
@@ -166,14 +167,15 @@ class CAD_API AcDb3dPolyline : public AcDbEntity {
   // An open polyline without vertices; they are appended once it is in a database.
   AcDb3dPolyline();
   AcDbObjectIterator* vertexIterator() const;
-  // Adds a vertex at the end; the polyline must be in a database and open for write. The vertex stays
-  // open for write; the caller closes it.
+  // Adds a vertex at the end; the polyline must be in a database and open for write. The vertex
+  // stays open for write; the caller closes it.
   Acad::ErrorStatus appendVertex(AcDbObjectId& id, AcDb3dPolylineVertex* vertex);
   // The first and last vertex; eInvalidIndex without vertices. A closed polyline ends at its start.
   Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const;
   Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const;
   bool isClosed() const;
-  // All positions in order, straight from the records, which is what opening each vertex would give.
+  // All positions in order, straight from the records, which is what opening each vertex would
+  // give.
   void vertices(std::vector<AcGePoint3d>& points) const;
 
  protected:
@@ -189,8 +191,8 @@ class CAD_API AcDbPolyline : public AcDbEntity {
     AcGePoint2d point;
     double bulge = 0;
   };
-  explicit AcDbPolyline(const std::vector<Vertex>& vertices, bool closed = false, double elevation = 0,
-                        double width = 0);
+  explicit AcDbPolyline(const std::vector<Vertex>& vertices, bool closed = false,
+                        double elevation = 0, double width = 0);
   std::vector<Vertex> vertices() const;
   bool isClosed() const;
   double elevation() const;
@@ -222,8 +224,8 @@ class CAD_API AcDbBlockReference : public AcDbEntity {
   AcDbObjectIterator* attributeIterator() const;
   Acad::ErrorStatus openAttribute(AcDbAttribute*& attribute, AcDbObjectId id,
                                   AcDb::OpenMode mode = AcDb::kForRead) const;
-  // Adds an attribute; the reference must be in a database and open for write. The attribute stays open
-  // for write; the caller closes it.
+  // Adds an attribute; the reference must be in a database and open for write. The attribute stays
+  // open for write; the caller closes it.
   Acad::ErrorStatus appendAttribute(AcDbObjectId& id, AcDbAttribute* attribute);
 
  protected:

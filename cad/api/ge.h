@@ -67,8 +67,9 @@ struct AcGeMatrix3d {
   }
 };
 
-// The axes of the coordinate system that belongs to an extrusion direction (group 210): the arbitrary
-// axis rule of the DXF reference. `normal` need not be of unit length; a null vector means Z.
+// The axes of the coordinate system that belongs to an extrusion direction (group 210): the
+// arbitrary axis rule of the DXF reference. `normal` need not be of unit length; a null vector
+// means Z.
 inline AcGeMatrix3d acGeEntitySystem(const AcGeVector3d& normal) {
   AcGeVector3d z = normal.normal();
   if (z.length() == 0) z = {0, 0, 1};

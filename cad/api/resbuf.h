@@ -38,15 +38,15 @@ CAD_API int acutLiveNodes();
 namespace acut_detail {
 // One argument of acutBuildList after its code.
 struct Argument {
-  Argument(std::u16string_view v) : kind(RbKind::text), text(v) {}  // NOLINT
+  Argument(std::u16string_view v) : kind(RbKind::text), text(v) {}        // NOLINT
   Argument(const char16_t* v) : kind(RbKind::text), text(v ? v : u"") {}  // NOLINT
   template <class T, std::enable_if_t<std::is_convertible_v<const T&, std::u16string_view> &&
                                           !std::is_convertible_v<const T&, const char16_t*>,
                                       int> = 0>
   Argument(const T& v) : kind(RbKind::text), text(static_cast<std::u16string_view>(v)) {}  // NOLINT
-  Argument(double v) : kind(RbKind::real), real(v) {}                     // NOLINT
-  Argument(int v) : kind(RbKind::int16), integer(v) {}                    // NOLINT
-  Argument(const AcGePoint3d& v) : kind(RbKind::point), point(v) {}       // NOLINT
+  Argument(double v) : kind(RbKind::real), real(v) {}                                      // NOLINT
+  Argument(int v) : kind(RbKind::int16), integer(v) {}                                     // NOLINT
+  Argument(const AcGePoint3d& v) : kind(RbKind::point), point(v) {}                        // NOLINT
   RbKind kind;
   std::u16string_view text;
   double real = 0;

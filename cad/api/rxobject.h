@@ -7,7 +7,8 @@ class CAD_API AcRxObject;
 
 class CAD_API AcRxClass {
  public:
-  constexpr AcRxClass(const char16_t* name, const AcRxClass* parent) : name_(name), parent_(parent) {}
+  constexpr AcRxClass(const char16_t* name, const AcRxClass* parent)
+      : name_(name), parent_(parent) {}
   const char16_t* name() const { return name_; }
   const AcRxClass* myParent() const { return parent_; }
   bool isDerivedFrom(const AcRxClass* other) const {
@@ -36,13 +37,13 @@ class CAD_API AcRxObject {
 };
 
 // Inside a class: declares desc() and isA(); the .cpp says ACRX_DEFINE(Class, Parent).
-#define ACRX_DECLARE(Class)              \
- public:                                 \
-  static const AcRxClass* desc();        \
+#define ACRX_DECLARE(Class)       \
+ public:                          \
+  static const AcRxClass* desc(); \
   const AcRxClass* isA() const override;
-#define ACRX_DEFINE(Class, Parent)                                   \
-  const AcRxClass* Class::desc() {                                   \
-    static const AcRxClass description(u"" #Class, Parent::desc());  \
-    return &description;                                             \
-  }                                                                  \
+#define ACRX_DEFINE(Class, Parent)                                  \
+  const AcRxClass* Class::desc() {                                  \
+    static const AcRxClass description(u"" #Class, Parent::desc()); \
+    return &description;                                            \
+  }                                                                 \
   const AcRxClass* Class::isA() const { return Class::desc(); }

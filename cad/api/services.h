@@ -1,5 +1,6 @@
-// The services by which a module meets its host: the system registry with the dynamic linker and the
-// command stack, the codes of the host's messages, and the module object of the run-time underneath.
+// The services by which a module meets its host: the system registry with the dynamic linker and
+// the command stack, the codes of the host's messages, and the module object of the run-time
+// underneath.
 #pragma once
 
 #include <cstddef>
@@ -74,9 +75,11 @@ class CAD_API OdRxWin32Module : public OdRxModule {
 
 // --- dialog resources ----------------------------------------------------------------------------
 
-// Whose dialogs and resources are found first; a command of a module sets it to the module for its span.
+// Whose dialogs and resources are found first; a command of a module sets it to the module for its
+// span.
 CAD_API void* afxResourceHandle();
 CAD_API void afxSetResourceHandle(void* handle);
-// Modules that extend the session with dialogs of their own, entered and left as libraries come and go.
+// Modules that extend the session with dialogs of their own, entered and left as libraries come and
+// go.
 CAD_API bool afxAddExtensionModule(void* instance);
 CAD_API void afxRemoveExtensionModule(void* instance);

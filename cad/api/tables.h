@@ -88,8 +88,8 @@ class CAD_API AcDbBlockTableRecordIterator {
 class CAD_API AcDbBlockTableRecord : public AcDbSymbolTableRecord {
   ACRX_DECLARE(AcDbBlockTableRecord)
  public:
-  // Takes the entity into the drawing, at the end of this block; it stays open for write. Needs this
-  // record open for write.
+  // Takes the entity into the drawing, at the end of this block; it stays open for write. Needs
+  // this record open for write.
   Acad::ErrorStatus appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity);
   Acad::ErrorStatus appendAcDbEntity(AcDbEntity* entity);
   Acad::ErrorStatus newIterator(AcDbBlockTableRecordIterator*& iterator) const;

@@ -8,7 +8,8 @@
 
 using cad::Type;
 
-AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing) : drawing_(std::make_unique<cad::Drawing>(this)) {
+AcDbDatabase::AcDbDatabase(bool buildDefaultDrawing)
+    : drawing_(std::make_unique<cad::Drawing>(this)) {
   if (buildDefaultDrawing) drawing_->makeDefault();
 }
 AcDbDatabase::~AcDbDatabase() = default;

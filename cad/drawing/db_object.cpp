@@ -108,8 +108,8 @@ TagList& AcDbObject::tagsForWrite() {
 
 namespace {
 
-// The chain of some tags; point triples become one node. Files of old programs hold broken triples: a
-// stray axis becomes a real of its own code.
+// The chain of some tags; point triples become one node. Files of old programs hold broken triples:
+// a stray axis becomes a real of its own code.
 resbuf* chainOf(const TagList& tags, TagRange range) {
   resbuf *head = nullptr, **tail = &head;
   for (int i = range.begin; i < range.end; ++i) {
@@ -117,10 +117,18 @@ resbuf* chainOf(const TagList& tags, TagRange range) {
     resbuf* node = acutNewRb(code);
     if (!node) continue;
     switch (acutKindOf(code)) {
-      case RbKind::text: acutSetText(node, tags.text(i)); break;
-      case RbKind::real: node->resval.rreal = tags.real(i); break;
-      case RbKind::int16: node->resval.rint = static_cast<std::int16_t>(tags.integer(i)); break;
-      case RbKind::int32: node->resval.rlong = static_cast<std::int32_t>(tags.integer(i)); break;
+      case RbKind::text:
+        acutSetText(node, tags.text(i));
+        break;
+      case RbKind::real:
+        node->resval.rreal = tags.real(i);
+        break;
+      case RbKind::int16:
+        node->resval.rint = static_cast<std::int16_t>(tags.integer(i));
+        break;
+      case RbKind::int32:
+        node->resval.rlong = static_cast<std::int32_t>(tags.integer(i));
+        break;
       case RbKind::point: {
         const AcGePoint3d p = tags.point(i);
         node->resval.rpoint[0] = p.x;
@@ -132,7 +140,8 @@ resbuf* chainOf(const TagList& tags, TagRange range) {
         }
         break;
       }
-      case RbKind::none: break;
+      case RbKind::none:
+        break;
     }
     *tail = node;
     tail = &node->rbnext;
@@ -173,7 +182,8 @@ Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
       return Acad::eXdataSizeExceeded;
     }
     if (c == 1004 && !hexBytes(n->resval.rstring)) return Acad::eInvalidXdata;
-    if (acutKindOf(c) == RbKind::real && !std::isfinite(n->resval.rreal)) return Acad::eInvalidXdata;
+    if (acutKindOf(c) == RbKind::real && !std::isfinite(n->resval.rreal))
+      return Acad::eInvalidXdata;
     for (int k = 0; k < 3 && acutKindOf(c) == RbKind::point; ++k) {
       if (!std::isfinite(n->resval.rpoint[k])) return Acad::eInvalidXdata;
     }
@@ -186,10 +196,18 @@ int xdataSize(const TagList& tags, TagRange range) {
   int size = 0;
   for (int i = range.begin; i < range.end; ++i) {
     switch (cad::kindOf(tags[i].code)) {
-      case cad::ValueKind::real: size += 10; break;
-      case cad::ValueKind::int16: size += 4; break;
-      case cad::ValueKind::int32: size += 6; break;
-      default: size += 3 + static_cast<int>(tags[i].size); break;
+      case cad::ValueKind::real:
+        size += 10;
+        break;
+      case cad::ValueKind::int16:
+        size += 4;
+        break;
+      case cad::ValueKind::int32:
+        size += 6;
+        break;
+      default:
+        size += 3 + static_cast<int>(tags[i].size);
+        break;
     }
   }
   return size;
@@ -197,7 +215,9 @@ int xdataSize(const TagList& tags, TagRange range) {
 
 }  // namespace
 
-bool AcDbObject::hasXData(std::u16string_view application) const { return !tags().xdata(application).empty(); }
+bool AcDbObject::hasXData(std::u16string_view application) const {
+  return !tags().xdata(application).empty();
+}
 
 resbuf* AcDbObject::xData(const char16_t* application) const {
   if (view_->drawing && !view_->modified) {
@@ -228,14 +248,23 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
   for (const resbuf* n = chain; n; n = n->rbnext) {
     const int code = n->restype;
     switch (acutKindOf(code)) {
-      case RbKind::text: t.insertText(at++, code, n->resval.rstring); break;
-      case RbKind::real: t.insertReal(at++, code, n->resval.rreal); break;
-      case RbKind::int16: t.insertInteger(at++, code, n->resval.rint); break;
-      case RbKind::int32: t.insertInteger(at++, code, n->resval.rlong); break;
+      case RbKind::text:
+        t.insertText(at++, code, n->resval.rstring);
+        break;
+      case RbKind::real:
+        t.insertReal(at++, code, n->resval.rreal);
+        break;
+      case RbKind::int16:
+        t.insertInteger(at++, code, n->resval.rint);
+        break;
+      case RbKind::int32:
+        t.insertInteger(at++, code, n->resval.rlong);
+        break;
       case RbKind::point:
         for (int k = 0; k < 3; ++k) t.insertReal(at++, code + 10 * k, n->resval.rpoint[k]);
         break;
-      case RbKind::none: break;
+      case RbKind::none:
+        break;
     }
   }
   if (xdataSize(t, {t.xdataBegin(), t.size()}) - oldSize > 16383) {

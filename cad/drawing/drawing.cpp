@@ -31,7 +31,7 @@ platform::Result<std::pair<Block, std::size_t>> readWhole(const std::string& pat
   };
   const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (fd < 0) return fail(errno);
-  struct stat st{};
+  struct stat st {};
   if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
     const int code = S_ISDIR(st.st_mode) ? EISDIR : errno;
     ::close(fd);
@@ -191,7 +191,8 @@ struct Drawing::Builder {
   }
 
   void closeSection(std::uint32_t i) {
-    if (const auto it = d.sections_.find(sectionName); it != d.sections_.end()) it->second.second = i;
+    if (const auto it = d.sections_.find(sectionName); it != d.sections_.end())
+      it->second.second = i;
     notClosed(i);
     section = 0;
     sectionName.clear();
@@ -278,9 +279,15 @@ struct Drawing::Builder {
           return;
         }
         break;
-      case Type::polyline: parent = i; break;
-      case Type::insert: parent = r.is(Record::hasParts) ? i : 0; break;
-      default: parent = 0; break;
+      case Type::polyline:
+        parent = i;
+        break;
+      case Type::insert:
+        parent = r.is(Record::hasParts) ? i : 0;
+        break;
+      default:
+        parent = 0;
+        break;
     }
     r.owner = owner;
     if (space) r.set(Record::space);
@@ -658,8 +665,8 @@ void Drawing::noteInIndex(std::uint32_t record, const Record& before) {
   }
 }
 
-// A list may hold records that have moved away, been erased, or come in twice or out of order: put right
-// when it is asked for.
+// A list may hold records that have moved away, been erased, or come in twice or out of order: put
+// right when it is asked for.
 const std::vector<std::uint32_t>& Drawing::query(std::vector<std::vector<std::uint32_t>>& lists,
                                                  std::vector<bool>& mixed, std::uint32_t name) {
   if (name == 0 || name >= lists.size()) return empty_;

@@ -1,11 +1,11 @@
-// The database behind an AcDbDatabase: the records of one drawing, how they are found, changed, undone
-// and written.
+// The database behind an AcDbDatabase: the records of one drawing, how they are found, changed,
+// undone and written.
 //
-// A drawing is the list of its file's records in file order. The text of a record is its state: reading
-// a file only indexes it, opening an object parses its text into tags, closing a changed object writes
-// a new text into the drawing's own memory, and saving concatenates texts. So a record that nobody
-// changed is saved byte for byte, and the state before a change is kept for undo by keeping the record
-// as it was (56 bytes), because texts are never overwritten.
+// A drawing is the list of its file's records in file order. The text of a record is its state:
+// reading a file only indexes it, opening an object parses its text into tags, closing a changed
+// object writes a new text into the drawing's own memory, and saving concatenates texts. So a
+// record that nobody changed is saved byte for byte, and the state before a change is kept for undo
+// by keeping the record as it was (56 bytes), because texts are never overwritten.
 #pragma once
 
 #include <cstdint>
@@ -26,14 +26,15 @@ namespace cad {
 
 // What an open object, or one not yet in a drawing, keeps beside its class.
 struct ViewState {
-  Drawing* drawing = nullptr;   // null for an object that is not in a drawing yet
+  Drawing* drawing = nullptr;  // null for an object that is not in a drawing yet
   std::uint32_t record = 0;
   int readers = 0;
   bool writing = false;
   bool modified = false;
   std::unique_ptr<TagList> tags;  // null until somebody looks
-  const TagList* shared = nullptr;  // the drawing's own copy, for readers of what is read all the time
-  std::vector<AcDbObject*> parts; // made with the object and not yet in a drawing
+  const TagList* shared =
+      nullptr;  // the drawing's own copy, for readers of what is read all the time
+  std::vector<AcDbObject*> parts;  // made with the object and not yet in a drawing
 };
 
 // One block: model space, a layout, or a block definition.
@@ -71,7 +72,8 @@ class CAD_API Drawing {
   // Writes the drawing in the version it came in; safe against crash and full disk (see
   // platform::SaveFile). Objects must be closed.
   platform::Result<void> save(const std::string& path, const SaveOptions& options = {});
-  // Turns the view with which programs open the drawing to what has been drawn since it was made or read.
+  // Turns the view with which programs open the drawing to what has been drawn since it was made or
+  // read.
   void fitView();
   // The whole file as one text, for tests and comparisons.
   std::string toBytes();
@@ -99,9 +101,11 @@ class CAD_API Drawing {
   std::uint32_t byHandle(std::uint64_t handle) const;
   std::uint64_t takeHandle();
   // The tags of a record that is not open, for readers inside the host.
-  void parse(std::uint32_t record, TagList& tags) const { tags.parse(format_, records_[record].text()); }
-  // The tags of an attribute definition, kept parsed: every new reference of a block reads them. Null for
-  // other objects.
+  void parse(std::uint32_t record, TagList& tags) const {
+    tags.parse(format_, records_[record].text());
+  }
+  // The tags of an attribute definition, kept parsed: every new reference of a block reads them.
+  // Null for other objects.
   const TagList* definitionTags(std::uint32_t record) const;
 
   // --- blocks and tables
@@ -127,13 +131,14 @@ class CAD_API Drawing {
   // The layer, made on demand; 0 when there is none and none may be made of such a name.
   std::uint32_t layerNamed(std::u16string_view name, bool make);
   std::uint32_t registerApplication(std::u16string_view name);
-  // The line type may stand in an entity: it is in the table, or one of the two that are always there.
+  // The line type may stand in an entity: it is in the table, or one of the two that are always
+  // there.
   bool hasLinetype(std::u16string_view name) const;
   std::uint32_t namedObjects() const { return namedObjects_; }
   // The same, made when the file has none; 0 in versions that have no dictionaries.
   std::uint32_t rootDictionary();
-  void ensureClass(std::string_view dxf, std::string_view cpp, std::string_view application, int flags,
-                   bool entity);
+  void ensureClass(std::string_view dxf, std::string_view cpp, std::string_view application,
+                   int flags, bool entity);
 
   // --- header variables: the tags behind "9 $NAME"
   bool headerVariable(std::string_view name, TagList& tags, TagRange& range) const;
@@ -145,8 +150,8 @@ class CAD_API Drawing {
   const AcGeMatrix3d& userSystem() const;
 
   // --- selection
-  // Entities of model space and layouts on a layer, with an application, of a block: in drawing order,
-  // erased ones and those that have left it filtered out.
+  // Entities of model space and layouts on a layer, with an application, of a block: in drawing
+  // order, erased ones and those that have left it filtered out.
   const std::vector<std::uint32_t>& onLayer(std::uint32_t name);
   const std::vector<std::uint32_t>& withApplication(std::uint32_t name);
   const std::vector<std::uint32_t>& ofBlock(std::uint32_t name);
@@ -167,8 +172,10 @@ class CAD_API Drawing {
   // A new record straight from tags, at the end of what `before` closes.
   std::uint32_t addRecord(TagList& tags, std::uint32_t before, std::uint32_t owner, bool space,
                           bool child);
-  // Gives new tags what depends on the drawing: encoding, handle, owner, and what its version may hold.
-  void completeTags(TagList& tags, std::uint64_t handle, std::uint32_t owner, bool paper, bool entity);
+  // Gives new tags what depends on the drawing: encoding, handle, owner, and what its version may
+  // hold.
+  void completeTags(TagList& tags, std::uint64_t handle, std::uint32_t owner, bool paper,
+                    bool entity);
   std::uint64_t newHandle() { return usesHandles_ ? takeHandle() : 0; }
   // Replaces the text of a record that is not open by these tags.
   void rewrite(std::uint32_t record, const TagList& tags);
@@ -187,7 +194,8 @@ class CAD_API Drawing {
   std::u16string undo();
   std::u16string redo();
 
-  // Called now and then while records are added, with their number so far: long work shows its progress.
+  // Called now and then while records are added, with their number so far: long work shows its
+  // progress.
   void setObserver(std::function<void(std::uint32_t)> observer) { observer_ = std::move(observer); }
 
   // --- session marks
@@ -265,8 +273,8 @@ class CAD_API Drawing {
   std::unordered_map<std::u16string, std::pair<std::uint32_t, std::uint32_t>> sections_;
   std::uint32_t namedObjects_ = 0;
 
-  // Structure that the file lacks: written once the drawing is saved with changes, so that a file in
-  // which somebody only looked is saved as it came.
+  // Structure that the file lacks: written once the drawing is saved with changes, so that a file
+  // in which somebody only looked is saved as it came.
   std::vector<std::uint32_t> marks_;
   bool erasedMembers_ = false;  // an entity was erased that groups or drawing orders may list
   std::vector<AcDbObject*> open_;
@@ -274,11 +282,13 @@ class CAD_API Drawing {
   std::vector<std::uint32_t> empty_;
   bool changed_ = false;
   std::uint64_t revision_ = 0;
-  std::unordered_map<std::uint32_t, AcDbExtents> drawn_;  // by layer: first points of what was added
-  mutable std::unordered_map<std::uint32_t, std::pair<const char*, std::unique_ptr<TagList>>> definitions_;
-  std::u16string lastLayerName_;               // the layer asked for last, and its record
+  std::unordered_map<std::uint32_t, AcDbExtents>
+      drawn_;  // by layer: first points of what was added
+  mutable std::unordered_map<std::uint32_t, std::pair<const char*, std::unique_ptr<TagList>>>
+      definitions_;
+  std::u16string lastLayerName_;  // the layer asked for last, and its record
   std::uint32_t lastLayer_ = 0;
-  std::uint32_t lastTable_ = 0;                // number of the latest table's block, 0 not counted yet
+  std::uint32_t lastTable_ = 0;  // number of the latest table's block, 0 not counted yet
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
   std::function<void(std::uint32_t)> observer_;
 
@@ -303,7 +313,8 @@ bool usableName(std::u16string_view name);
 // The drawing of a number, or null.
 CAD_API Drawing* drawingNumbered(std::uint32_t number);
 
-// A list of tags for the span of a scope, from a pool: opening objects by the million must not allocate.
+// A list of tags for the span of a scope, from a pool: opening objects by the million must not
+// allocate.
 std::unique_ptr<TagList> borrowTags();
 void returnTags(std::unique_ptr<TagList> tags);
 

@@ -253,7 +253,8 @@ std::u16string AcDbText::textStyleName() const {
 }
 Acad::ErrorStatus AcDbText::setTextStyleName(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
-  if (view_->drawing && !view_->drawing->tableEntry(cad::Type::style, name)) return Acad::eKeyNotFound;
+  if (view_->drawing && !view_->drawing->tableEntry(cad::Type::style, name))
+    return Acad::eKeyNotFound;
   TagList& t = tagsForWrite();
   t.putText(7, name, t.subclass("AcDbText"));
   return Acad::eOk;
@@ -344,8 +345,11 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
       case 48:
       case 60:
       case 370:
-      case 420: t.insertCopy(t.size(), from, i); break;
-      default: break;
+      case 420:
+        t.insertCopy(t.size(), from, i);
+        break;
+      default:
+        break;
     }
   }
   t.addLiteral(100, "AcDbText");
@@ -357,7 +361,8 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
     const int code = from[i].code;
     if (code == 10 || code == 11) {
       t.addPoint(code, transform * from.point(i));
-      while (i + 1 < text.end && (from[i + 1].code == code + 10 || from[i + 1].code == code + 20)) ++i;
+      while (i + 1 < text.end && (from[i + 1].code == code + 10 || from[i + 1].code == code + 20))
+        ++i;
     } else if (code == 40 && scale != 1) {
       t.addReal(40, from.real(i) * scale);
     } else if (code == 50) {
@@ -594,7 +599,8 @@ Acad::ErrorStatus AcDbBlockReference::setPosition(const AcGePoint3d& position) {
   const AcGePoint3d local(
       axes.entry[0][0] * position.x + axes.entry[1][0] * position.y + axes.entry[2][0] * position.z,
       axes.entry[0][1] * position.x + axes.entry[1][1] * position.y + axes.entry[2][1] * position.z,
-      axes.entry[0][2] * position.x + axes.entry[1][2] * position.y + axes.entry[2][2] * position.z);
+      axes.entry[0][2] * position.x + axes.entry[1][2] * position.y +
+          axes.entry[2][2] * position.z);
   t.putPoint(10, local, t.subclass("AcDbBlockReference"));
   moveAttributes(before, blockTransform());
   return Acad::eOk;
@@ -644,7 +650,8 @@ Acad::ErrorStatus AcDbBlockReference::appendAttribute(AcDbObjectId& id, AcDbAttr
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
   if (!attribute) return Acad::eNullObjectPointer;
   TagList& own = tagsForWrite();
-  if (own.find(66, own.body()) < 0) own.insertInteger(own.subclass("AcDbBlockReference").begin, 66, 1);
+  if (own.find(66, own.body()) < 0)
+    own.insertInteger(own.subclass("AcDbBlockReference").begin, 66, 1);
   TagList& t = attribute->tagsForWrite();
   // What lies on layer 0 in the definition goes along with the reference's layer.
   if (const int i = t.find(8, t.body()); i >= 0 && t.is(i, "0")) t.setText(i, layer());

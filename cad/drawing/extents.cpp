@@ -7,8 +7,8 @@ namespace cad {
 namespace {
 
 constexpr double kDegree = 3.14159265358979323846 / 180;
-// A walk through nested blocks. A file may hold a block inside itself, or blocks that multiply on every
-// level: such a walk ends after so many references.
+// A walk through nested blocks. A file may hold a block inside itself, or blocks that multiply on
+// every level: such a walk ends after so many references.
 struct Walk {
   std::vector<std::uint32_t> path;  // the blocks that are being walked through
   int left = 100000;
@@ -127,11 +127,17 @@ void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, Wa
   const TagRange body = t.body();
   const Record& r = d.record(entity);
   switch (r.type) {
-    case Type::polyline: addParts(d, entity, m, box); break;
-    case Type::insert: addInsert(d, entity, t, m, walk, box); break;
+    case Type::polyline:
+      addParts(d, entity, m, box);
+      break;
+    case Type::insert:
+      addInsert(d, entity, t, m, walk, box);
+      break;
     case Type::text:
     case Type::attdef:
-    case Type::mtext: addText(t, m, box); break;
+    case Type::mtext:
+      addText(t, m, box);
+      break;
     case Type::circle:
     case Type::arc: {
       const int i = t.find(10, body);
@@ -176,7 +182,8 @@ void addEntity(const Drawing& d, std::uint32_t entity, const AcGeMatrix3d& m, Wa
         }
       }
       break;
-    default: break;
+    default:
+      break;
   }
   returnTags(std::move(held));
 }

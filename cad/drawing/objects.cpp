@@ -13,13 +13,20 @@ namespace cad {
 AcDbObject* Drawing::makeView(std::uint32_t record, ViewState* state) const {
   const Record& r = records_[record];
   switch (r.type) {
-    case Type::point: return new AcDbPoint(state);
-    case Type::line: return new AcDbLine(state);
-    case Type::text: return new AcDbText(state);
-    case Type::attdef: return new AcDbAttributeDefinition(state);
-    case Type::attrib: return new AcDbAttribute(state);
-    case Type::insert: return new AcDbBlockReference(state);
-    case Type::lwpolyline: return new AcDbPolyline(state);
+    case Type::point:
+      return new AcDbPoint(state);
+    case Type::line:
+      return new AcDbLine(state);
+    case Type::text:
+      return new AcDbText(state);
+    case Type::attdef:
+      return new AcDbAttributeDefinition(state);
+    case Type::attrib:
+      return new AcDbAttribute(state);
+    case Type::insert:
+      return new AcDbBlockReference(state);
+    case Type::lwpolyline:
+      return new AcDbPolyline(state);
     case Type::polyline:
       if (r.is(Record::poly3d)) return new AcDb3dPolyline(state);
       return new AcDbEntity(state);
@@ -28,16 +35,26 @@ AcDbObject* Drawing::makeView(std::uint32_t record, ViewState* state) const {
         return new AcDb3dPolylineVertex(state);
       }
       return new AcDbEntity(state);
-    case Type::layer: return new AcDbLayerTableRecord(state);
-    case Type::style: return new AcDbTextStyleTableRecord(state);
-    case Type::ltype: return new AcDbLinetypeTableRecord(state);
-    case Type::appid: return new AcDbRegAppTableRecord(state);
-    case Type::blockRecord: return new AcDbBlockTableRecord(state);
-    case Type::block: return new AcDbBlockTableRecord(state);  // what names a block in old files
-    case Type::dictionary: return new AcDbDictionary(state);
-    case Type::xrecord: return new AcDbXrecord(state);
-    case Type::acadTable: return new AcDbTable(state);
-    case Type::tableStyle: return new AcDbTableStyle(state);
+    case Type::layer:
+      return new AcDbLayerTableRecord(state);
+    case Type::style:
+      return new AcDbTextStyleTableRecord(state);
+    case Type::ltype:
+      return new AcDbLinetypeTableRecord(state);
+    case Type::appid:
+      return new AcDbRegAppTableRecord(state);
+    case Type::blockRecord:
+      return new AcDbBlockTableRecord(state);
+    case Type::block:
+      return new AcDbBlockTableRecord(state);  // what names a block in old files
+    case Type::dictionary:
+      return new AcDbDictionary(state);
+    case Type::xrecord:
+      return new AcDbXrecord(state);
+    case Type::acadTable:
+      return new AcDbTable(state);
+    case Type::tableStyle:
+      return new AcDbTableStyle(state);
     case Type::table: {
       const auto is = [&](Type t) {
         const TableInfo* info = table(t);
@@ -50,7 +67,8 @@ AcDbObject* Drawing::makeView(std::uint32_t record, ViewState* state) const {
       if (is(Type::appid)) return new AcDbRegAppTable(state);
       return new AcDbSymbolTable(state);
     }
-    default: break;
+    default:
+      break;
   }
   if (r.is(Record::space) || r.is(Record::child) || block(r.owner)) return new AcDbEntity(state);
   if (r.owner && records_[r.owner].type == Type::table) return new AcDbSymbolTableRecord(state);
@@ -77,9 +95,8 @@ AcDbObject* Drawing::open(std::uint32_t record, AcDb::OpenMode mode, bool openEr
   }
   status = Acad::eOk;
   if (r.is(Record::open)) {
-    const auto it = std::find_if(open_.rbegin(), open_.rend(), [&](const AcDbObject* o) {
-      return o->view_->record == record;
-    });
+    const auto it = std::find_if(open_.rbegin(), open_.rend(),
+                                 [&](const AcDbObject* o) { return o->view_->record == record; });
     AcDbObject* object = *it;
     if (object->view_->writing) {
       status = Acad::eWasOpenForWrite;
@@ -183,8 +200,8 @@ std::uint32_t Drawing::link(const Record& fresh, std::uint32_t before) {
   return i;
 }
 
-std::uint32_t Drawing::addRecord(TagList& tags, std::uint32_t before, std::uint32_t owner, bool space,
-                                 bool child) {
+std::uint32_t Drawing::addRecord(TagList& tags, std::uint32_t before, std::uint32_t owner,
+                                 bool space, bool child) {
   Record fresh;
   fresh.set(Record::erased);  // taking the change back must take the record away
   const std::uint32_t i = link(fresh, before);
@@ -206,8 +223,8 @@ std::uint32_t Drawing::addRecord(TagList& tags, std::uint32_t before, std::uint3
 
 std::uint64_t Drawing::ownerHandle(std::uint32_t owner) const { return records_[owner].handle; }
 
-// Tags that releases before the drawing's would stumble over: line weight and plot style came with R2000,
-// true colour and transparency with R2004, the locks of attributes with R2007.
+// Tags that releases before the drawing's would stumble over: line weight and plot style came with
+// R2000, true colour and transparency with R2004, the locks of attributes with R2007.
 static void dropNewerTags(TagList& tags, int version) {
   if (version >= 1021) return;
   const bool attribute = tags.is(0, "ATTRIB") || tags.is(0, "ATTDEF");
@@ -224,7 +241,8 @@ static void dropNewerTags(TagList& tags, int version) {
   }
 }
 
-// A new object's tags get what depends on the drawing: handle, owner, and the markers of its version.
+// A new object's tags get what depends on the drawing: handle, owner, and the markers of its
+// version.
 void Drawing::completeTags(TagList& tags, std::uint64_t handle, std::uint32_t owner, bool paper,
                            bool entity) {
   tags.transcode(format_);
@@ -235,7 +253,8 @@ void Drawing::completeTags(TagList& tags, std::uint64_t handle, std::uint32_t ow
       // These versions know the codes up to 79, those of dimension styles, and the extrusion.
       const bool known = c < 80 || (c >= 140 && c <= 148) || (c >= 170 && c <= 178) || c == 210 ||
                          c == 220 || c == 230;
-      const bool complex = linetype && (c == 74 || c == 75 || c == 9 || (c >= 44 && c <= 46) || c == 50);
+      const bool complex =
+          linetype && (c == 74 || c == 75 || c == 9 || (c >= 44 && c <= 46) || c == 50);
       if (!known || complex || c == 5 || (entity && (c == 48 || c == 60))) tags.erase(i, i + 1);
     }
     if (usesHandles_ && handle) tags.insertHandle(1, 5, handle);
@@ -272,13 +291,14 @@ void Drawing::completeTags(TagList& tags, std::uint64_t handle, std::uint32_t ow
   }
 }
 
-// A new entity names nothing that the drawing does not have: applications are registered, a line type or
-// text style that is not there gives way to the default.
+// A new entity names nothing that the drawing does not have: applications are registered, a line
+// type or text style that is not there gives way to the default.
 void Drawing::settleReferences(TagList& tags) {
   const auto nameAt = [&](int i) { return names_.ofBytes(tags.format(), tags[i].bytes()); };
   const int end = tags.xdataBegin();
   for (int i = end; i < tags.size(); ++i) {
-    if (tags[i].code == 1001 && !tableEntry(Type::appid, nameAt(i))) registerApplication(tags.text(i));
+    if (tags[i].code == 1001 && !tableEntry(Type::appid, nameAt(i)))
+      registerApplication(tags.text(i));
   }
   if (end < 3) return;
   const auto settle = [&](int code, std::string_view marker, auto&& has) {
@@ -313,8 +333,8 @@ Acad::ErrorStatus Drawing::appendEntity(std::uint32_t block, AcDbObject& entity)
     }
   }
   settleReferences(*v.tags);
-  const bool space = block == modelSpace_ || block == paperSpace_ ||
-                     records_[endOf(block)].type == Type::endsec;
+  const bool space =
+      block == modelSpace_ || block == paperSpace_ || records_[endOf(block)].type == Type::endsec;
   const std::uint64_t handle = newHandle();
   completeTags(*v.tags, handle, block, block == paperSpace_, true);
   const std::uint32_t i = addRecord(*v.tags, before, block, space, false);
@@ -456,7 +476,8 @@ void Drawing::dropReferences(std::uint32_t record) {
     if (!i || records_[i].is(Record::erased) || records_[i].is(Record::space)) continue;
     parse(i, *other);
     for (int t = 1; t < other->xdataBegin(); ++t) {
-      if ((*other)[t].code == 360 || (*other)[t].code == 350) owned.push_back(byHandle(other->handle(t)));
+      if ((*other)[t].code == 360 || (*other)[t].code == 350)
+        owned.push_back(byHandle(other->handle(t)));
     }
     keepForUndo(i);
     records_[i].set(Record::erased);
@@ -464,15 +485,16 @@ void Drawing::dropReferences(std::uint32_t record) {
   returnTags(std::move(other));
 }
 
-// Groups and drawing orders must not list what is gone. Done once, before the drawing is written: an
-// order may list every entity of the drawing, and thousands may be erased.
+// Groups and drawing orders must not list what is gone. Done once, before the drawing is written:
+// an order may list every entity of the drawing, and thousands may be erased.
 void Drawing::dropErasedMembers() {
   if (!std::exchange(erasedMembers_, false)) return;
   const std::uint32_t group = names_.find(u"GROUP"), order = names_.find(u"SORTENTSTABLE");
   auto tags = borrowTags();
   for (std::uint32_t i = first_; i; i = records_[i].next) {
     const Record& r = records_[i];
-    if (r.typeName == 0 || (r.typeName != group && r.typeName != order) || r.is(Record::erased)) continue;
+    if (r.typeName == 0 || (r.typeName != group && r.typeName != order) || r.is(Record::erased))
+      continue;
     parse(i, *tags);
     TagList kept;
     kept.create(format_, r.typeName == group ? "GROUP" : "SORTENTSTABLE");
@@ -547,8 +569,8 @@ std::uint32_t Drawing::addMark(std::string_view type, std::uint32_t before, std:
 
 // The record before which a section belongs that the file does not have.
 std::uint32_t Drawing::placeOfSection(std::string_view name) const {
-  static const char* order[] = {"HEADER", "CLASSES", "TABLES", "BLOCKS", "ENTITIES", "OBJECTS",
-                                "THUMBNAILIMAGE", "ACDSDATA"};
+  static const char* order[] = {"HEADER",   "CLASSES", "TABLES",         "BLOCKS",
+                                "ENTITIES", "OBJECTS", "THUMBNAILIMAGE", "ACDSDATA"};
   const auto own = std::find(std::begin(order), std::end(order), name);
   for (auto later = own; later != std::end(order); ++later) {
     if (const auto it = sections_.find(platform::widen(*later)); it != sections_.end()) {

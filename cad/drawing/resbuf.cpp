@@ -37,16 +37,23 @@ bool within(int v, int low, int high) { return v >= low && v <= high; }
 
 RbKind acutKindOf(int type) {
   switch (type) {
-    case RTREAL: return RbKind::real;
-    case RTPOINT: return RbKind::point;
-    case RTSHORT: return RbKind::int16;
-    case RTLONG: return RbKind::int32;
+    case RTREAL:
+      return RbKind::real;
+    case RTPOINT:
+      return RbKind::point;
+    case RTSHORT:
+      return RbKind::int16;
+    case RTLONG:
+      return RbKind::int32;
     case RTSTR:
     case RTDXF0:
     case RTENAME:
-    case RTPICKS: return RbKind::text;
-    case -4: return RbKind::text;
-    default: break;
+    case RTPICKS:
+      return RbKind::text;
+    case -4:
+      return RbKind::text;
+    default:
+      break;
   }
   if (within(type, 10, 18) || within(type, 110, 112) || type == 210 || within(type, 1010, 1013)) {
     return RbKind::point;
@@ -106,7 +113,8 @@ void append(resbuf*& head, resbuf*& tail, int code, const Argument& value) {
   resbuf* node = takeNode(code);
   switch (kind) {
     case RbKind::text:
-      node->resval.rstring = copyText(value.kind == RbKind::text ? value.text : std::u16string_view());
+      node->resval.rstring =
+          copyText(value.kind == RbKind::text ? value.text : std::u16string_view());
       break;
     case RbKind::real:
       node->resval.rreal = value.kind == RbKind::real    ? value.real
@@ -121,10 +129,14 @@ void append(resbuf*& head, resbuf*& tail, int code, const Argument& value) {
       }
       break;
     case RbKind::int16:
-      node->resval.rint = value.kind == RbKind::int16 ? static_cast<std::int16_t>(value.integer) : 0;
+      node->resval.rint =
+          value.kind == RbKind::int16 ? static_cast<std::int16_t>(value.integer) : 0;
       break;
-    case RbKind::int32: node->resval.rlong = value.kind == RbKind::int16 ? value.integer : 0; break;
-    case RbKind::none: break;
+    case RbKind::int32:
+      node->resval.rlong = value.kind == RbKind::int16 ? value.integer : 0;
+      break;
+    case RbKind::none:
+      break;
   }
   if (tail) {
     tail->rbnext = node;
@@ -145,7 +157,8 @@ const AcRxClass* AcRxObject::isA() const { return desc(); }
 const char16_t* acadErrorStatusText(Acad::ErrorStatus status) {
   switch (status) {
 #define STATUS(name) \
-  case Acad::name: return u"" #name
+  case Acad::name:   \
+    return u"" #name
     STATUS(eOk);
     STATUS(eNotOpenForRead);
     STATUS(eNotOpenForWrite);

@@ -8,8 +8,8 @@
 namespace cad {
 namespace {
 
-// Days since the beginning of the Julian calendar count, with the time of day as fraction: the form of
-// the header's time variables.
+// Days since the beginning of the Julian calendar count, with the time of day as fraction: the form
+// of the header's time variables.
 double julianNow(bool local) {
   const std::time_t now = std::time(nullptr);
   std::tm t{};
@@ -18,7 +18,8 @@ double julianNow(bool local) {
   } else {
     gmtime_r(&now, &t);
   }
-  const int a = (14 - (t.tm_mon + 1)) / 12, y = t.tm_year + 1900 + 4800 - a, m = t.tm_mon + 1 + 12 * a - 3;
+  const int a = (14 - (t.tm_mon + 1)) / 12, y = t.tm_year + 1900 + 4800 - a,
+            m = t.tm_mon + 1 + 12 * a - 3;
   const int day = t.tm_mday + (153 * m + 2) / 5 + 365 * y + y / 4 - y / 100 + y / 400 - 32045;
   return day + (t.tm_hour * 3600 + t.tm_min * 60 + t.tm_sec) / 86400.0;
 }

@@ -24,26 +24,48 @@ bool Filter::parse(const resbuf*& at, Node& group, std::u16string_view closing) 
         const std::u16string op = platform::upper(node.text);
         if (op == closing && !closing.empty()) return true;
         std::u16string_view close;
-        if (op == u"<AND") node.kind = Kind::all, close = u"AND>";
-        else if (op == u"<OR") node.kind = Kind::any, close = u"OR>";
-        else if (op == u"<XOR") node.kind = Kind::one, close = u"XOR>";
-        else if (op == u"<NOT") node.kind = Kind::none, close = u"NOT>";
-        else return false;
+        if (op == u"<AND")
+          node.kind = Kind::all, close = u"AND>";
+        else if (op == u"<OR")
+          node.kind = Kind::any, close = u"OR>";
+        else if (op == u"<XOR")
+          node.kind = Kind::one, close = u"XOR>";
+        else if (op == u"<NOT")
+          node.kind = Kind::none, close = u"NOT>";
+        else
+          return false;
         node.text.clear();
         at = at->rbnext;
         if (!parse(at, node, close) || !at) return false;
         break;
       }
       case 0:
-      case RTDXF0: node.kind = Kind::type; break;
-      case 2: node.kind = Kind::block; break;
-      case 6: node.kind = Kind::linetype; break;
-      case 8: node.kind = Kind::layer; break;
-      case 62: node.kind = Kind::color; break;
-      case 67: node.kind = Kind::paper; break;
-      case 410: node.kind = Kind::layout; break;
-      case 1001: node.kind = Kind::application; break;
-      default: return false;
+      case RTDXF0:
+        node.kind = Kind::type;
+        break;
+      case 2:
+        node.kind = Kind::block;
+        break;
+      case 6:
+        node.kind = Kind::linetype;
+        break;
+      case 8:
+        node.kind = Kind::layer;
+        break;
+      case 62:
+        node.kind = Kind::color;
+        break;
+      case 67:
+        node.kind = Kind::paper;
+        break;
+      case 410:
+        node.kind = Kind::layout;
+        break;
+      case 1001:
+        node.kind = Kind::application;
+        break;
+      default:
+        return false;
     }
     group.children.push_back(std::move(node));
   }
@@ -65,14 +87,18 @@ bool Filter::test(const Drawing& d, std::uint32_t entity, const Node& node) {
     case Kind::none:
       return std::none_of(node.children.begin(), node.children.end(),
                           [&](const Node& n) { return test(d, entity, n); });
-    case Kind::layer: return r.layer == static_cast<std::uint32_t>(node.number) && r.layer != 0;
+    case Kind::layer:
+      return r.layer == static_cast<std::uint32_t>(node.number) && r.layer != 0;
     case Kind::block:
-      return r.type == Type::insert && node.number != 0 && r.name == static_cast<std::uint32_t>(node.number);
-    case Kind::type: return r.typeName == static_cast<std::uint32_t>(node.number);
+      return r.type == Type::insert && node.number != 0 &&
+             r.name == static_cast<std::uint32_t>(node.number);
+    case Kind::type:
+      return r.typeName == static_cast<std::uint32_t>(node.number);
     case Kind::application:
       return d.applicationSets().contains(r.apps, static_cast<std::uint32_t>(node.number)) &&
              node.number != 0;
-    case Kind::paper: return r.is(Record::paper) == (node.number != 0);
+    case Kind::paper:
+      return r.is(Record::paper) == (node.number != 0);
     case Kind::layout: {
       // Entities of the model do not always say so.
       if (platform::equalNoCase(node.text, u"Model")) return r.owner == d.modelSpace();
@@ -124,9 +150,12 @@ std::vector<std::uint32_t> Filter::passing(const Drawing& drawing,
 std::size_t Filter::estimate(Drawing& d, const Node& node) {
   const auto name = static_cast<std::uint32_t>(node.number);
   switch (node.kind) {
-    case Kind::layer: return d.onLayer(name).size();
-    case Kind::block: return d.ofBlock(name).size();
-    case Kind::application: return d.withApplication(name).size();
+    case Kind::layer:
+      return d.onLayer(name).size();
+    case Kind::block:
+      return d.ofBlock(name).size();
+    case Kind::application:
+      return d.withApplication(name).size();
     case Kind::all: {
       std::size_t best = kEverything;
       for (const Node& n : node.children) best = std::min(best, estimate(d, n));
@@ -142,7 +171,8 @@ std::size_t Filter::estimate(Drawing& d, const Node& node) {
       }
       return sum;
     }
-    default: return kEverything;
+    default:
+      return kEverything;
   }
 }
 
@@ -152,9 +182,15 @@ void Filter::collect(Drawing& d, const Node& node, std::vector<std::uint32_t>& o
   };
   const auto name = static_cast<std::uint32_t>(node.number);
   switch (node.kind) {
-    case Kind::layer: append(d.onLayer(name)); break;
-    case Kind::block: append(d.ofBlock(name)); break;
-    case Kind::application: append(d.withApplication(name)); break;
+    case Kind::layer:
+      append(d.onLayer(name));
+      break;
+    case Kind::block:
+      append(d.ofBlock(name));
+      break;
+    case Kind::application:
+      append(d.withApplication(name));
+      break;
     case Kind::all: {
       const Node* best = nullptr;
       std::size_t size = kEverything;

@@ -94,7 +94,9 @@ bool AcDbLayerTableRecord::isFrozen() const {
   const TagList& t = tags();
   return t.integerOr(70, 0, t.body()) & 1;
 }
-Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool frozen) { return flagOf(*this, 1, frozen); }
+Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool frozen) {
+  return flagOf(*this, 1, frozen);
+}
 bool AcDbLayerTableRecord::isLocked() const {
   const TagList& t = tags();
   return t.integerOr(70, 0, t.body()) & 4;
@@ -357,10 +359,18 @@ resbuf* AcDbXrecord::rbChain() const {
     resbuf* node = acutNewRb(code);
     if (!node) continue;
     switch (acutKindOf(code)) {
-      case RbKind::text: acutSetText(node, t.text(i)); break;
-      case RbKind::real: node->resval.rreal = t.real(i); break;
-      case RbKind::int16: node->resval.rint = static_cast<std::int16_t>(t.integer(i)); break;
-      case RbKind::int32: node->resval.rlong = static_cast<std::int32_t>(t.integer(i)); break;
+      case RbKind::text:
+        acutSetText(node, t.text(i));
+        break;
+      case RbKind::real:
+        node->resval.rreal = t.real(i);
+        break;
+      case RbKind::int16:
+        node->resval.rint = static_cast<std::int16_t>(t.integer(i));
+        break;
+      case RbKind::int32:
+        node->resval.rlong = static_cast<std::int32_t>(t.integer(i));
+        break;
       case RbKind::point: {
         const AcGePoint3d p = t.point(i);
         node->resval.rpoint[0] = p.x;
@@ -369,7 +379,8 @@ resbuf* AcDbXrecord::rbChain() const {
         for (int k = 1; k <= 2 && i + 1 < t.size() && t[i + 1].code == code + 10 * k; ++k) ++i;
         break;
       }
-      case RbKind::none: break;
+      case RbKind::none:
+        break;
     }
     *tail = node;
     tail = &node->rbnext;
@@ -388,17 +399,25 @@ Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf* chain) {
     switch (acutKindOf(code)) {
       case RbKind::text: {
         const std::u16string_view text = n->resval.rstring;
-        if (cad::kindOf(code) == cad::ValueKind::bytes && text.size() > 254) return Acad::eInvalidInput;
+        if (cad::kindOf(code) == cad::ValueKind::bytes && text.size() > 254)
+          return Acad::eInvalidInput;
         t.addText(code, text);
         break;
       }
-      case RbKind::real: t.addReal(code, n->resval.rreal); break;
-      case RbKind::int16: t.addInteger(code, n->resval.rint); break;
-      case RbKind::int32: t.addInteger(code, n->resval.rlong); break;
+      case RbKind::real:
+        t.addReal(code, n->resval.rreal);
+        break;
+      case RbKind::int16:
+        t.addInteger(code, n->resval.rint);
+        break;
+      case RbKind::int32:
+        t.addInteger(code, n->resval.rlong);
+        break;
       case RbKind::point:
         t.addPoint(code, {n->resval.rpoint[0], n->resval.rpoint[1], n->resval.rpoint[2]});
         break;
-      case RbKind::none: return Acad::eInvalidInput;
+      case RbKind::none:
+        return Acad::eInvalidInput;
     }
   }
   return Acad::eOk;

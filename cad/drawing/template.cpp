@@ -1,5 +1,6 @@
-// The empty drawing: every table, block, layout and dictionary that a complete R2013 file has, one tag a
-// line. CAD programs refuse files that leave the required ones out, and add the others on their own.
+// The empty drawing: every table, block, layout and dictionary that a complete R2013 file has, one
+// tag a line. CAD programs refuse files that leave the required ones out, and add the others on
+// their own.
 #include "cad/drawing/drawing.h"
 
 #include <cstring>

@@ -8,7 +8,8 @@
 namespace cad {
 
 // A block of memory straight from the system, with large pages where it is big: the pages of a
-// drawing's text are touched once, in order, and faults on small pages would cost more than the work.
+// drawing's text are touched once, in order, and faults on small pages would cost more than the
+// work.
 class Block {
  public:
   Block() = default;

@@ -130,8 +130,7 @@ std::u16string Format::decode(std::string_view bytes) const {
     if (c == '\\' || c == '^') escapes = true;
   }
   if (plain && !escapes) return std::u16string(bytes.begin(), bytes.end());
-  std::u16string text =
-      plain ? std::u16string(bytes.begin(), bytes.end()) : page.decode(bytes);
+  std::u16string text = plain ? std::u16string(bytes.begin(), bytes.end()) : page.decode(bytes);
   return escapes ? unescape(text) : text;
 }
 
@@ -161,16 +160,26 @@ void Format::encode(std::string& out, std::u16string_view text) const {
 
 const char* releaseName(int version) {
   switch (version) {
-    case 1009: return "R12";
-    case 1012: return "R13";
-    case 1014: return "R14";
-    case 1015: return "R2000";
-    case 1018: return "R2004";
-    case 1021: return "R2007";
-    case 1024: return "R2010";
-    case 1027: return "R2013";
-    case 1032: return "R2018";
-    default: return version < 1009 ? "older than R12" : "newer than R2018";
+    case 1009:
+      return "R12";
+    case 1012:
+      return "R13";
+    case 1014:
+      return "R14";
+    case 1015:
+      return "R2000";
+    case 1018:
+      return "R2004";
+    case 1021:
+      return "R2007";
+    case 1024:
+      return "R2010";
+    case 1027:
+      return "R2013";
+    case 1032:
+      return "R2018";
+    default:
+      return version < 1009 ? "older than R12" : "newer than R2018";
   }
 }
 

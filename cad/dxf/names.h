@@ -1,5 +1,5 @@
-// Names of a drawing as small numbers: layers, blocks, applications, record types. Two spellings of one
-// name that differ in letter case only get the same number; the first spelling is kept.
+// Names of a drawing as small numbers: layers, blocks, applications, record types. Two spellings of
+// one name that differ in letter case only get the same number; the first spelling is kept.
 #pragma once
 
 #include <cstdint>

@@ -15,18 +15,18 @@ namespace cad {
 namespace {
 
 constexpr std::array<std::string_view, 48> kTypeNames = {
-    "",          "SECTION",  "ENDSEC",     "EOF",        "TABLE",      "ENDTAB",    "BLOCK",
-    "ENDBLK",    "CLASS",    "BLOCK_RECORD", "LAYER",    "LTYPE",      "STYLE",     "APPID",
-    "DIMSTYLE",  "VPORT",    "VIEW",       "UCS",        "INSERT",     "ATTRIB",    "ATTDEF",
-    "SEQEND",    "POLYLINE", "VERTEX",     "LINE",       "POINT",      "TEXT",      "MTEXT",
-    "LWPOLYLINE", "CIRCLE",  "ARC",        "ELLIPSE",    "SPLINE",     "SOLID",     "TRACE",
-    "3DFACE",    "HATCH",    "DIMENSION",  "ACAD_TABLE", "DICTIONARY", "XRECORD",   "TABLESTYLE",
-    "LAYOUT",    "VIEWPORT", "LEADER",     "MULTILEADER", "RAY",       "XLINE"};
+    "",           "SECTION",  "ENDSEC",       "EOF",         "TABLE",      "ENDTAB",  "BLOCK",
+    "ENDBLK",     "CLASS",    "BLOCK_RECORD", "LAYER",       "LTYPE",      "STYLE",   "APPID",
+    "DIMSTYLE",   "VPORT",    "VIEW",         "UCS",         "INSERT",     "ATTRIB",  "ATTDEF",
+    "SEQEND",     "POLYLINE", "VERTEX",       "LINE",        "POINT",      "TEXT",    "MTEXT",
+    "LWPOLYLINE", "CIRCLE",   "ARC",          "ELLIPSE",     "SPLINE",     "SOLID",   "TRACE",
+    "3DFACE",     "HATCH",    "DIMENSION",    "ACAD_TABLE",  "DICTIONARY", "XRECORD", "TABLESTYLE",
+    "LAYOUT",     "VIEWPORT", "LEADER",       "MULTILEADER", "RAY",        "XLINE"};
 
 const char kBinarySentinel[] = "AutoCAD Binary DXF\r\n\x1A";  // 22 bytes with its ending zero
 
-// Finds line feeds sixteen bytes at a time. A file has tens of millions of lines, most of them a few
-// bytes long, so that a search function called for each would spend its time in starting up.
+// Finds line feeds sixteen bytes at a time. A file has tens of millions of lines, most of them a
+// few bytes long, so that a search function called for each would spend its time in starting up.
 class LineFinder {
  public:
   explicit LineFinder(std::string_view text) : text_(text) { load(0); }
@@ -68,7 +68,8 @@ class LineFinder {
 
 std::string_view trimmed(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) s.remove_suffix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
+    s.remove_suffix(1);
   return s;
 }
 
@@ -90,7 +91,8 @@ Type typeOf(std::string_view name) {
     case 8:
       if (name == "POLYLINE") return Type::polyline;
       break;
-    default: break;
+    default:
+      break;
   }
   for (std::size_t i = 1; i < kTypeNames.size(); ++i) {
     if (kTypeNames[i] == name) return static_cast<Type>(i);
@@ -158,7 +160,8 @@ class Indexer {
         seen_ |= kName | kLayer | kHandle | kFlags;
         break;
       }
-      default: break;
+      default:
+        break;
     }
   }
 
@@ -216,7 +219,8 @@ Format detectFormat(std::string_view bytes) {
   Tag tag;
   int sections = 0;
   for (;;) {
-    const bool ok = f.binary ? readBinaryTag(bytes, at, f.wideCodes, tag) : readAsciiTag(bytes, at, tag);
+    const bool ok =
+        f.binary ? readBinaryTag(bytes, at, f.wideCodes, tag) : readAsciiTag(bytes, at, tag);
     if (!ok) break;
     if (tag.code == 0 && trimmed(tag.bytes()) == "SECTION" && ++sections > 1) break;
     if (tag.code == 0 && trimmed(tag.bytes()) == "ENDSEC") break;
@@ -232,7 +236,8 @@ Format detectFormat(std::string_view bytes) {
 
 platform::Error malformed(std::string_view bytes, std::size_t at, const std::string& name,
                           const std::string& what) {
-  const auto line = 1 + std::count(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(at), '\n');
+  const auto line =
+      1 + std::count(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(at), '\n');
   return {name + ":" + std::to_string(line) + ": " + what};
 }
 
@@ -254,7 +259,8 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
   const char* base = bytes.data();
   auto endRecord = [&](std::size_t end) {
     if (any) {
-      records.back().size = static_cast<std::uint32_t>(end - static_cast<std::size_t>(records.back().bytes - base));
+      records.back().size =
+          static_cast<std::uint32_t>(end - static_cast<std::size_t>(records.back().bytes - base));
     } else {
       file.preamble = bytes.substr(0, end);
     }
@@ -270,7 +276,8 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
     const char* digits = p;
     const bool negative = p < end && *p == '-';
     if (negative) ++digits, ++p;
-    while (p < end && static_cast<unsigned char>(*p - '0') < 10 && code < 100000) code = code * 10 + (*p++ - '0');
+    while (p < end && static_cast<unsigned char>(*p - '0') < 10 && code < 100000)
+      code = code * 10 + (*p++ - '0');
     while (p > digits && p < end && (*p == ' ' || *p == '\t' || *p == '\r')) ++p;
     if (p != end || p == digits || code > 32767) {
       if (onlyBlanks(bytes.substr(at))) {
@@ -313,7 +320,8 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
     }
   }
   if (!any) {
-    return platform::Error{name + ": no DXF drawing (no record begins in it); give a file saved as DXF"};
+    return platform::Error{name +
+                           ": no DXF drawing (no record begins in it); give a file saved as DXF"};
   }
   endRecord(bytes.size() - file.trailer.size());
   return file;
@@ -357,8 +365,8 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
     }
   }
   if (!any) return platform::Error{name + ": no DXF drawing (no record begins in it)"};
-  records.back().size = static_cast<std::uint32_t>(bytes.data() + bytes.size() - file.trailer.size() -
-                                                   records.back().bytes);
+  records.back().size = static_cast<std::uint32_t>(bytes.data() + bytes.size() -
+                                                   file.trailer.size() - records.back().bytes);
   return file;
 }
 

@@ -13,7 +13,8 @@ namespace {
 
 std::string_view trim(std::string_view s) {
   while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) s.remove_suffix(1);
+  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
+    s.remove_suffix(1);
   return s;
 }
 
@@ -31,12 +32,18 @@ T littleEndian(const char* from) {
 
 int sizeOfBinary(ValueKind kind) {
   switch (kind) {
-    case ValueKind::real: return 8;
-    case ValueKind::int16: return 2;
-    case ValueKind::int32: return 4;
-    case ValueKind::int64: return 8;
-    case ValueKind::boolean: return 1;
-    default: return -1;
+    case ValueKind::real:
+      return 8;
+    case ValueKind::int16:
+      return 2;
+    case ValueKind::int32:
+      return 4;
+    case ValueKind::int64:
+      return 8;
+    case ValueKind::boolean:
+      return 1;
+    default:
+      return -1;
   }
 }
 
@@ -199,7 +206,9 @@ void TagList::transcode(const Format& to) {
           fresh = make(t.code, scratch_);
           break;
         }
-        case ValueKind::handle: fresh = make(t.code, std::string(t.bytes())); break;
+        case ValueKind::handle:
+          fresh = make(t.code, std::string(t.bytes()));
+          break;
         case ValueKind::bytes: {
           // Hex digits in ASCII files, plain bytes in binary ones.
           const std::u16string digits = this->text(i);
@@ -304,12 +313,18 @@ std::int64_t TagList::integer(int i) const {
   const Tag& t = (*this)[i];
   if (!format_->binary) return parseTagInteger(t.bytes());
   switch (kindOf(t.code)) {
-    case ValueKind::int16: return littleEndian<std::int16_t>(t.value);
-    case ValueKind::int32: return littleEndian<std::int32_t>(t.value);
-    case ValueKind::int64: return littleEndian<std::int64_t>(t.value);
-    case ValueKind::boolean: return t.value[0];
-    case ValueKind::real: return static_cast<std::int64_t>(std::clamp(real(i), -9e18, 9e18));
-    default: return parseTagInteger(t.bytes());
+    case ValueKind::int16:
+      return littleEndian<std::int16_t>(t.value);
+    case ValueKind::int32:
+      return littleEndian<std::int32_t>(t.value);
+    case ValueKind::int64:
+      return littleEndian<std::int64_t>(t.value);
+    case ValueKind::boolean:
+      return t.value[0];
+    case ValueKind::real:
+      return static_cast<std::int64_t>(std::clamp(real(i), -9e18, 9e18));
+    default:
+      return parseTagInteger(t.bytes());
   }
 }
 
@@ -354,7 +369,8 @@ Tag TagList::makeReal(int code, double value) {
     putLittleEndian(buffer, value);
     return make(code, {buffer, 8});
   }
-  return make(code, {buffer, static_cast<std::size_t>(platform::writeReal(buffer, value) - buffer)});
+  return make(code,
+              {buffer, static_cast<std::size_t>(platform::writeReal(buffer, value) - buffer)});
 }
 
 Tag TagList::makeInteger(int code, std::int64_t value) {
@@ -404,7 +420,8 @@ void TagList::setInteger(int i, std::int64_t value) { at(i) = makeInteger((*this
 void TagList::setHandle(int i, std::uint64_t handle) {
   char buffer[20];
   char* end = std::to_chars(buffer, buffer + sizeof buffer, handle, 16).ptr;
-  std::transform(buffer, end, buffer, [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
+  std::transform(buffer, end, buffer,
+                 [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
   at(i) = make((*this)[i].code, {buffer, static_cast<std::size_t>(end - buffer)});
 }
 
@@ -465,9 +482,15 @@ void TagList::insertCopy(int at, const TagList& from, int i) {
   Tag t = from[i];
   if (!format_->sameEncoding(*from.format_)) {
     switch (kindOf(t.code)) {
-      case ValueKind::text: insertText(at, t.code, from.text(i)); return;
-      case ValueKind::real: insertReal(at, t.code, from.real(i)); return;
-      case ValueKind::handle: insertAscii(at, t.code, std::string(t.bytes())); return;
+      case ValueKind::text:
+        insertText(at, t.code, from.text(i));
+        return;
+      case ValueKind::real:
+        insertReal(at, t.code, from.real(i));
+        return;
+      case ValueKind::handle:
+        insertAscii(at, t.code, std::string(t.bytes()));
+        return;
       case ValueKind::bytes: {
         TagList one;
         one.create(from.format(), "X");
@@ -476,7 +499,9 @@ void TagList::insertCopy(int at, const TagList& from, int i) {
         place(at, make(t.code, one[1].bytes()));
         return;
       }
-      default: insertInteger(at, t.code, from.integer(i)); return;
+      default:
+        insertInteger(at, t.code, from.integer(i));
+        return;
     }
   }
   place(at, make(t.code, t.bytes()));

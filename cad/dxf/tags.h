@@ -1,9 +1,9 @@
 // The tags of one object, typed access to them, and edits in place.
 //
-// A tag keeps the very bytes it was read from. What nobody changes is written back from those bytes,
-// so an edited object keeps its unknown tags, their order and their spelling; only the tags that were
-// set are written anew. Values are held in the encoding of the drawing (Format) all the time and are
-// converted when they are asked for.
+// A tag keeps the very bytes it was read from. What nobody changes is written back from those
+// bytes, so an edited object keeps its unknown tags, their order and their spelling; only the tags
+// that were set are written anew. Values are held in the encoding of the drawing (Format) all the
+// time and are converted when they are asked for.
 #pragma once
 
 #include <cstdint>
@@ -37,7 +37,8 @@ class TagList {
  public:
   TagList() : arena_(4096) {}
 
-  // Reads the text of one object, which must outlive the list. False when it is no sequence of tags.
+  // Reads the text of one object, which must outlive the list. False when it is no sequence of
+  // tags.
   bool parse(const Format& format, std::string_view text);
   // Starts an object of its own: "0 TYPE".
   void create(const Format& format, std::string_view type);
@@ -52,8 +53,8 @@ class TagList {
   // --- finding. All give -1 when there is none. Indices shift when tags are inserted or erased.
   int find(int code, int from = 0, int to = -1) const;
   int find(int code, TagRange range) const { return find(code, range.begin, range.end); }
-  // Tags between the marker "100 name" and the next marker or the extended data. Objects of drawings
-  // without markers are one single stretch, from the second tag to the extended data.
+  // Tags between the marker "100 name" and the next marker or the extended data. Objects of
+  // drawings without markers are one single stretch, from the second tag to the extended data.
   TagRange subclass(std::string_view name, int occurrence = 1) const;
   // The object's own tags: everything before the extended data.
   TagRange body() const { return {1, xdataBegin()}; }
@@ -104,8 +105,8 @@ class TagList {
   void addInteger(int code, std::int64_t v) { insertInteger(size(), code, v); }
   void addHandle(int code, std::uint64_t h) { insertHandle(size(), code, h); }
   void addPoint(int code, const AcGePoint3d& p);
-  // Sets a value inside a stretch, inserting the tag at the stretch's end (or `before` the first tag of
-  // one of the codes, in order of codes) when it has none.
+  // Sets a value inside a stretch, inserting the tag at the stretch's end (or `before` the first
+  // tag of one of the codes, in order of codes) when it has none.
   void putReal(int code, double value, TagRange range);
   void putInteger(int code, std::int64_t value, TagRange range);
   void putText(int code, std::u16string_view value, TagRange range);
@@ -134,8 +135,8 @@ class TagList {
   std::string scratch_;
 };
 
-// Reads one tag at `at` of a file's text and moves `at` behind it. False at the end of the text or when
-// what stands there is no tag.
+// Reads one tag at `at` of a file's text and moves `at` behind it. False at the end of the text or
+// when what stands there is no tag.
 bool readAsciiTag(std::string_view text, std::size_t& at, Tag& tag);
 bool readBinaryTag(std::string_view text, std::size_t& at, bool wideCodes, Tag& tag);
 

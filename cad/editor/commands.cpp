@@ -131,15 +131,24 @@ void listChain(const resbuf* chain) {
   for (const resbuf* n = chain; n; n = n->rbnext) {
     const int code = n->restype;
     switch (acutKindOf(code)) {
-      case RbKind::text: acutPrintf(u"\n    %4d  %s", code, n->resval.rstring); break;
-      case RbKind::real: acutPrintf(u"\n    %4d  %.15g", code, n->resval.rreal); break;
-      case RbKind::int16: acutPrintf(u"\n    %4d  %d", code, static_cast<int>(n->resval.rint)); break;
-      case RbKind::int32: acutPrintf(u"\n    %4d  %d", code, n->resval.rlong); break;
+      case RbKind::text:
+        acutPrintf(u"\n    %4d  %s", code, n->resval.rstring);
+        break;
+      case RbKind::real:
+        acutPrintf(u"\n    %4d  %.15g", code, n->resval.rreal);
+        break;
+      case RbKind::int16:
+        acutPrintf(u"\n    %4d  %d", code, static_cast<int>(n->resval.rint));
+        break;
+      case RbKind::int32:
+        acutPrintf(u"\n    %4d  %d", code, n->resval.rlong);
+        break;
       case RbKind::point:
         acutPrintf(u"\n    %4d  %.15g,%.15g,%.15g", code, n->resval.rpoint[0], n->resval.rpoint[1],
                    n->resval.rpoint[2]);
         break;
-      case RbKind::none: break;
+      case RbKind::none:
+        break;
     }
   }
 }
@@ -270,7 +279,8 @@ void commandZoom() {
   AcGePoint3d a, b;
   if (acedGetPoint(nullptr, u"\nPrimo angolo: ", a) != RTNORM) return;
   if (acedGetPoint(&a, u"\nAngolo opposto: ", b) != RTNORM) return;
-  session().view = {true, {std::min(a.x, b.x), std::min(a.y, b.y), 0},
+  session().view = {true,
+                    {std::min(a.x, b.x), std::min(a.y, b.y), 0},
                     {std::max(a.x, b.x), std::max(a.y, b.y), 0}};
 }
 
@@ -331,7 +341,8 @@ int acedCmd(const resbuf* chain) {
     }
     const double* p = a->resval.rpoint;
     const double* q = b->resval.rpoint;
-    s.view = {true, {std::min(p[0], q[0]), std::min(p[1], q[1]), 0},
+    s.view = {true,
+              {std::min(p[0], q[0]), std::min(p[1], q[1]), 0},
               {std::max(p[0], q[0]), std::max(p[1], q[1]), 0}};
     return RTNORM;
   }

@@ -30,7 +30,8 @@ double distanceTo(const Drawing& d, std::uint32_t entity, const AcGePoint3d& p) 
   } else if (r.type == Type::line || r.type == Type::lwpolyline) {
     d.parse(entity, *t);
     for (int i = 1; i < t->xdataBegin(); ++i) {
-      if ((*t)[i].code == 10 || (r.type == Type::line && (*t)[i].code == 11)) points.push_back(t->point(i));
+      if ((*t)[i].code == 10 || (r.type == Type::line && (*t)[i].code == 11))
+        points.push_back(t->point(i));
     }
   }
   double best = std::numeric_limits<double>::max();
@@ -127,7 +128,8 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
   if (!text.empty() && text[0] == u'#') {
     const std::uint64_t handle = parseTagHandle(platform::narrow(text.substr(1)));
     pick.record = d.byHandle(handle);
-    if (pick.record && (d.record(pick.record).is(Record::erased) || !d.record(pick.record).is(Record::space))) {
+    if (pick.record &&
+        (d.record(pick.record).is(Record::erased) || !d.record(pick.record).is(Record::space))) {
       pick.record = 0;
     }
     if (!pick.record) pick.problem = u"Nessuna entità ha questo handle.";

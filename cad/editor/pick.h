@@ -8,14 +8,15 @@
 
 namespace cad {
 
-// A point "x,y" or "x,y,z"; numbers with a point as decimal mark. Relative to `base` when it begins with
+// A point "x,y" or "x,y,z"; numbers with a point as decimal mark. Relative to `base` when it begins
+// with
 // '@'. Empty when the text is no point.
 std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3d* base = nullptr);
 
 struct Pick {
   std::uint32_t record = 0;  // 0: nothing was hit
   AcGePoint3d point;
-  std::u16string problem;    // why nothing was hit, for the user
+  std::u16string problem;  // why nothing was hit, for the user
 };
 
 // "#1A2B" the entity of a handle, "=P12" the entity whose extended data or attribute ID name it so

@@ -74,14 +74,16 @@ int ask(const Prompt& prompt, const InputRules& rules, std::u16string_view compl
     const Answer a = ui.ask(prompt);
     switch (a.status) {
       case Answer::Status::cancel:
-      case Answer::Status::end: return RTCAN;
+      case Answer::Status::end:
+        return RTCAN;
       case Answer::Status::none:
         if (rules.bits & 1) {
           ui.invalid(u"È richiesta una risposta.");
           continue;
         }
         return RTNONE;
-      case Answer::Status::ok: break;
+      case Answer::Status::ok:
+        break;
     }
     const int result = take(a.text);
     if (result != 0) return result;
@@ -108,7 +110,8 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
   }
   if (word == u"F" || word == u"W" || word == u"I" || word == u"C") {
     const auto a = tokens.next(), b = tokens.next();
-    const auto p = a ? cad::parsePoint(*a) : std::nullopt, q = b ? cad::parsePoint(*b) : std::nullopt;
+    const auto p = a ? cad::parsePoint(*a) : std::nullopt,
+               q = b ? cad::parsePoint(*b) : std::nullopt;
     if (!p || !q) {
       complaint = u"Una finestra si indica con due punti: F x1,y1 x2,y2";
       return false;
@@ -178,7 +181,8 @@ int acedPrompt(std::u16string_view text) {
   return RTNORM;
 }
 
-int acedSSGet(const char16_t* mode, const void*, const void*, const resbuf* filterChain, ads_name& set) {
+int acedSSGet(const char16_t* mode, const void*, const void*, const resbuf* filterChain,
+              ads_name& set) {
   set = ads_name();
   cad::Drawing* d = drawing();
   if (!d) return RTERROR;
@@ -246,8 +250,8 @@ int acedEntSel(std::u16string_view text, ads_name& entity, AcGePoint3d& point) {
 
 int acedGetPoint(const AcGePoint3d* base, std::u16string_view text, AcGePoint3d& point) {
   const InputRules rules;
-  return ask(promptOf(Prompt::Kind::point, text, rules), rules, u"Indicare un punto: x,y oppure x,y,z",
-             [&](std::u16string_view answer) {
+  return ask(promptOf(Prompt::Kind::point, text, rules), rules,
+             u"Indicare un punto: x,y oppure x,y,z", [&](std::u16string_view answer) {
                const auto p = cad::parsePoint(answer, base);
                if (p) point = *p;
                return p ? RTNORM : rules.keyword(answer) ? RTKWORD : 0;
@@ -313,10 +317,17 @@ int acedGetVar(std::u16string_view name, resbuf* result) {
     return RTERROR;
   }
   switch (acutKindOf(result->restype)) {
-    case RbKind::text: acutSetText(result, text); break;
-    case RbKind::real: result->resval.rreal = platform::wtof(text); break;
-    case RbKind::int16: result->resval.rint = static_cast<std::int16_t>(platform::wtoi(text)); break;
-    default: return RTERROR;
+    case RbKind::text:
+      acutSetText(result, text);
+      break;
+    case RbKind::real:
+      result->resval.rreal = platform::wtof(text);
+      break;
+    case RbKind::int16:
+      result->resval.rint = static_cast<std::int16_t>(platform::wtoi(text));
+      break;
+    default:
+      return RTERROR;
   }
   return RTNORM;
 }
@@ -325,10 +336,17 @@ int acedSetVar(std::u16string_view name, const resbuf* value) {
   if (!value) return RTERROR;
   std::u16string text;
   switch (acutKindOf(value->restype)) {
-    case RbKind::text: text = value->resval.rstring; break;
-    case RbKind::real: text = platform::format(u"%.15g", value->resval.rreal); break;
-    case RbKind::int16: text = platform::format(u"%d", static_cast<int>(value->resval.rint)); break;
-    default: return RTERROR;
+    case RbKind::text:
+      text = value->resval.rstring;
+      break;
+    case RbKind::real:
+      text = platform::format(u"%.15g", value->resval.rreal);
+      break;
+    case RbKind::int16:
+      text = platform::format(u"%d", static_cast<int>(value->resval.rint));
+      break;
+    default:
+      return RTERROR;
   }
   const std::u16string key = platform::upper(name);
   cad::Drawing* d = drawing();
@@ -414,10 +432,18 @@ void acedMessageBox(std::u16string_view text, std::u16string_view title, AcEdIco
   message.text = text;
   message.title = title;
   switch (icon) {
-    case AcEdIcon::none: message.icon = cad::ui::Icon::none; break;
-    case AcEdIcon::stop: message.icon = cad::ui::Icon::stop; break;
-    case AcEdIcon::warning: message.icon = cad::ui::Icon::warning; break;
-    case AcEdIcon::information: message.icon = cad::ui::Icon::information; break;
+    case AcEdIcon::none:
+      message.icon = cad::ui::Icon::none;
+      break;
+    case AcEdIcon::stop:
+      message.icon = cad::ui::Icon::stop;
+      break;
+    case AcEdIcon::warning:
+      message.icon = cad::ui::Icon::warning;
+      break;
+    case AcEdIcon::information:
+      message.icon = cad::ui::Icon::information;
+      break;
   }
   acedFrontend().messageBox(message);
 }

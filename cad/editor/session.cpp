@@ -27,8 +27,8 @@ class Stack : public AcEdCommandStack {
  public:
   bool addCommand(std::u16string_view group, std::u16string_view globalName,
                   std::u16string_view localName, int flags, AcRxFunctionPtr function) override {
-    return Session::instance().addCommand(
-        {std::u16string(group), std::u16string(globalName), std::u16string(localName), flags, function, u""});
+    return Session::instance().addCommand({std::u16string(group), std::u16string(globalName),
+                                           std::u16string(localName), flags, function, u""});
   }
   bool removeGroup(std::u16string_view group) override {
     return Session::instance().removeGroup(group);
@@ -55,7 +55,8 @@ std::vector<void*>& extensions() {
 }
 
 std::u16string commandKey(std::u16string_view name) {
-  while (!name.empty() && (name[0] == u'_' || name[0] == u'-' || name[0] == u'.')) name.remove_prefix(1);
+  while (!name.empty() && (name[0] == u'_' || name[0] == u'-' || name[0] == u'.'))
+    name.remove_prefix(1);
   return platform::upper(name);
 }
 
@@ -125,12 +126,12 @@ std::string Session::versionProblem() const {
   for (std::uint32_t i = d.firstRecord(); i; i = d.record(i).next) {
     const Record& r = d.record(i);
     if (!r.is(Record::changed) || r.is(Record::erased)) continue;
-    const char* what = r.type == Type::acadTable                       ? "tables"
+    const char* what = r.type == Type::acadTable                      ? "tables"
                        : r.type == Type::lwpolyline && version < 1014 ? "light polylines"
                                                                       : nullptr;
     if (what) {
-      return std::string("a drawing of release ") + releaseName(version) + " cannot hold the " + what +
-             " that were drawn; use a drawing of release " +
+      return std::string("a drawing of release ") + releaseName(version) + " cannot hold the " +
+             what + " that were drawn; use a drawing of release " +
              (r.type == Type::acadTable ? "R2004" : "R14") + " or newer";
     }
   }

@@ -1,7 +1,9 @@
-// The session of the built-in host: the open drawing, the loaded modules, the commands, and who answers.
+// The session of the built-in host: the open drawing, the loaded modules, the commands, and who
+// answers.
 //
-// One per process. It runs commands by name: host commands of its own and those that modules register.
-// Around each command it keeps the undo mark and checks that nothing was left open or unreleased.
+// One per process. It runs commands by name: host commands of its own and those that modules
+// register. Around each command it keeps the undo mark and checks that nothing was left open or
+// unreleased.
 #pragma once
 
 #include <functional>
@@ -47,12 +49,13 @@ class CAD_API Session {
   platform::Result<void> saveDrawing(const std::string& path);
   AcDbDatabase* database() const { return database_.get(); }
   const std::string& drawingPath() const { return path_; }
-  // Why this drawing cannot be saved in its version as it is, and which version can; empty if it can.
+  // Why this drawing cannot be saved in its version as it is, and which version can; empty if it
+  // can.
   std::string versionProblem() const;
 
   // --- modules
-  // Loads a module, sends it the initialisation message, and registers the exports of these names as
-  // commands of the group. The error says why it is not there.
+  // Loads a module, sends it the initialisation message, and registers the exports of these names
+  // as commands of the group. The error says why it is not there.
   platform::Result<void> loadModule(const std::string& path, std::u16string_view group,
                                     const std::vector<std::string>& commands);
   void unloadModules();
@@ -64,8 +67,8 @@ class CAD_API Session {
   const std::u16string& runningModule() const { return runningModule_; }
 
   // --- commands
-  // Runs one command by its global or local name (any letter case, leading '_' or '-' ignored), then
-  // what was posted meanwhile.
+  // Runs one command by its global or local name (any letter case, leading '_' or '-' ignored),
+  // then what was posted meanwhile.
   RunResult run(std::u16string_view name);
   // Asks for commands and runs them until the user quits, input ends, or `more`, asked before each
   // command, says no.
@@ -129,8 +132,9 @@ class CAD_API Session {
   int depth_ = 0;
 };
 
-// Where the product is: the folder of the running program tells bin/, lib/vessora/ and share/vessora/
-// beside it; VESSORA_ROOT and VESSORA_MODULE in the environment win. The root ends in a separator.
+// Where the product is: the folder of the running program tells bin/, lib/vessora/ and
+// share/vessora/ beside it; VESSORA_ROOT and VESSORA_MODULE in the environment win. The root ends
+// in a separator.
 struct Installation {
   std::string root, module;
 };

@@ -43,7 +43,8 @@ void dress(AcDbEntity& entity, std::u16string_view layer, int color, const resbu
 
 namespace HNGeometry {
 
-AcDbObjectId createNewLayer(std::u16string_view name, bool* isNew, AcDbDatabase* database, int color) {
+AcDbObjectId createNewLayer(std::u16string_view name, bool* isNew, AcDbDatabase* database,
+                            int color) {
   AcDbDatabase* db = currentOr(database);
   if (isNew) *isNew = false;
   if (!db || name.empty()) return {};
@@ -71,8 +72,8 @@ bool setColorLtypeLayer(std::u16string_view name, int color, std::u16string_view
   }
   if (color >= 1 && color <= 255 && layer->colorIndex() != color) layer->setColorIndex(color);
   // A layer cannot be "by layer" itself; only a real line type of the drawing is taken.
-  if (!platform::equalNoCase(linetype, u"ByLayer") && !platform::equalNoCase(linetype, u"ByBlock") &&
-      d.tableEntry(cad::Type::ltype, linetype)) {
+  if (!platform::equalNoCase(linetype, u"ByLayer") &&
+      !platform::equalNoCase(linetype, u"ByBlock") && d.tableEntry(cad::Type::ltype, linetype)) {
     layer->setLinetype(linetype);
   }
   layer->close();
@@ -91,7 +92,8 @@ AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color, std::u16str
   if (id.isNull()) return id;
   for (std::size_t i = 0; i < points.size(); ++i) {
     auto* vertex = new AcDb3dPolylineVertex(points[i]);
-    if (vertexData && i < vertexData->size() && (*vertexData)[i]) vertex->setXData((*vertexData)[i]);
+    if (vertexData && i < vertexData->size() && (*vertexData)[i])
+      vertex->setXData((*vertexData)[i]);
     AcDbObjectId vertexId;
     if (polyline->appendVertex(vertexId, vertex) == Acad::eOk) {
       vertex->close();
@@ -111,7 +113,8 @@ AcDbObjectId Create2Dpoly(const AcGePoint3dArray& points, const std::vector<doub
   std::vector<AcDbPolyline::Vertex> vertices;
   vertices.reserve(points.size());
   for (std::size_t i = 0; i < points.size(); ++i) {
-    vertices.push_back({{points[i].x, points[i].y}, bulges && i < bulges->size() ? (*bulges)[i] : 0.0});
+    vertices.push_back(
+        {{points[i].x, points[i].y}, bulges && i < bulges->size() ? (*bulges)[i] : 0.0});
   }
   auto* polyline = new AcDbPolyline(vertices, (kind & 1) != 0, points.front().z,
                                     startWidth == endWidth ? startWidth : 0);
@@ -169,7 +172,8 @@ AcDbObjectId createLine(const AcGePoint3d& from, const AcGePoint3d& to, std::u16
 
 AcDbObjectId HNTextCommandTesto(std::u16string_view layer, std::u16string_view style,
                                 const AcGePoint3d& position, double height, double rotation,
-                                std::u16string_view text, std::u16string_view alignment, int color) {
+                                std::u16string_view text, std::u16string_view alignment,
+                                int color) {
   AcDbDatabase* db = currentOr(nullptr);
   if (!db) return {};
   auto* entity = new AcDbText(position, text, height, rotation);

@@ -1,8 +1,8 @@
 // HNGeometry: layers, entities and line types made in one call, and the wrappers around host calls.
 //
 // Unless a database and a block record are given, entities go into the model space of the current
-// drawing. Chains stay the caller's. Colours are host colour indices, 256 by layer. Results are the new
-// object's id, null on failure.
+// drawing. Chains stay the caller's. Colours are host colour indices, 256 by layer. Results are the
+// new object's id, null on failure.
 #pragma once
 
 #include <string>
@@ -32,26 +32,28 @@ struct datipoli {
 
 namespace HNGeometry {
 
-// The layer of the name, made with the colour when it is missing (256 leaves the default, 7). `isNew`
-// may be null.
+// The layer of the name, made with the colour when it is missing (256 leaves the default, 7).
+// `isNew` may be null.
 CAD_API AcDbObjectId createNewLayer(std::u16string_view name, bool* isNew = nullptr,
                                     AcDbDatabase* database = nullptr, int color = 256);
-// Changes colour and line type of an existing layer; false when there is none. Colour 0 and 256 leave
-// the colour as it is, a line type that the drawing lacks leaves the line type.
+// Changes colour and line type of an existing layer; false when there is none. Colour 0 and 256
+// leave the colour as it is, a line type that the drawing lacks leaves the line type.
 CAD_API bool setColorLtypeLayer(std::u16string_view name, int color, std::u16string_view linetype);
 
 // A 3D polyline. `vertexData` gives one chain for each vertex, null entries allowed; the chains are
 // taken for the length of the call.
-CAD_API AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color, std::u16string_view layer,
-                                  short flag, const resbuf* xdata, AcDbDatabase* database = nullptr,
+CAD_API AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color,
+                                  std::u16string_view layer, short flag, const resbuf* xdata,
+                                  AcDbDatabase* database = nullptr,
                                   AcDbBlockTableRecord* block = nullptr,
                                   const ResbufArray* vertexData = nullptr);
 // A light polyline; `bulges` may be null. `kind` 1 closes it.
 CAD_API AcDbObjectId Create2Dpoly(const AcGePoint3dArray& points, const std::vector<double>* bulges,
                                   const resbuf* xdata, int color, std::u16string_view layer,
                                   double startWidth = 0, double endWidth = 0, int kind = 0);
-CAD_API AcDbObjectId Create3Dpoly_da_DATIPOLI3D(int count, const datipoli3d* list, const resbuf* xdata,
-                                                int color, std::u16string_view layer, short flag = 0,
+CAD_API AcDbObjectId Create3Dpoly_da_DATIPOLI3D(int count, const datipoli3d* list,
+                                                const resbuf* xdata, int color,
+                                                std::u16string_view layer, short flag = 0,
                                                 AcDbDatabase* database = nullptr,
                                                 AcDbBlockTableRecord* block = nullptr,
                                                 std::u16string_view linetype = {});
@@ -74,8 +76,8 @@ CAD_API AcDbObjectId addLineType(std::u16string_view name, std::u16string_view d
 CAD_API bool iterateLinetypeTable(std::u16string_view name, AcDbObjectId& id);
 CAD_API bool RegApplicazione(std::u16string_view name, AcDbDatabase* database);
 
-// The plan point at a chainage and the direction there (radians from the X axis). Chainages beyond an
-// end give that end. 1, or 0 for an empty path.
+// The plan point at a chainage and the direction there (radians from the X axis). Chainages beyond
+// an end give that end. 1, or 0 for an empty path.
 CAD_API short XYdaProgsuDatiPoli(const datipoli* path, double chainage, AcGePoint2d& point,
                                  double& direction);
 CAD_API void LiberaDATIPOLI(datipoli* path);
@@ -89,7 +91,8 @@ CAD_API int ksr_ssget(const char16_t* mode, const void* point1, const void* poin
 // The wrappers around host calls that the family shares.
 class CAD_API KsrAcadMgr {
  public:
-  // A host command at once: pairs of code (RTSTR, RTPOINT, RTREAL, RTSHORT) and value, ended by RTNONE.
+  // A host command at once: pairs of code (RTSTR, RTPOINT, RTREAL, RTSHORT) and value, ended by
+  // RTNONE.
   template <class... Args>
   static int ksr_acedCommand(const Args&... args) {
     resbuf* chain = acutBuildList(args...);

@@ -57,12 +57,23 @@ void KsrEntityUtils::GetXData(const KsrEntityID& entity, std::u16string_view app
   object->close();
   for (const resbuf* n = chain; n; n = n->rbnext) {
     switch (acutKindOf(n->restype)) {
-      case RbKind::text: rows.Add(n->restype, n->resval.rstring); break;
-      case RbKind::real: rows.Add(n->restype, n->resval.rreal); break;
-      case RbKind::int16: rows.Add(n->restype, static_cast<double>(n->resval.rint)); break;
-      case RbKind::int32: rows.Add(n->restype, static_cast<double>(n->resval.rlong)); break;
-      case RbKind::point: rows.Add(n->restype, n->resval.rpoint[0]); break;
-      case RbKind::none: break;
+      case RbKind::text:
+        rows.Add(n->restype, n->resval.rstring);
+        break;
+      case RbKind::real:
+        rows.Add(n->restype, n->resval.rreal);
+        break;
+      case RbKind::int16:
+        rows.Add(n->restype, static_cast<double>(n->resval.rint));
+        break;
+      case RbKind::int32:
+        rows.Add(n->restype, static_cast<double>(n->resval.rlong));
+        break;
+      case RbKind::point:
+        rows.Add(n->restype, n->resval.rpoint[0]);
+        break;
+      case RbKind::none:
+        break;
     }
   }
   acutRelRb(chain);

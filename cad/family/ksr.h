@@ -1,5 +1,5 @@
-// KsrFactory, KsrInterface: the family's own abstraction of a host. Rows of codes and values, selection
-// by such rows, and commands posted for later.
+// KsrFactory, KsrInterface: the family's own abstraction of a host. Rows of codes and values,
+// selection by such rows, and commands posted for later.
 #pragma once
 
 #include <string>
@@ -36,12 +36,13 @@ struct KsrEntityID {
 
 class CAD_API KsrEntityUtils {
  public:
-  // The entities that pass all rows of the filter, at most `limit`, in drawing order. RTNORM when there
-  // is any. Mode u"_X" is the whole drawing.
+  // The entities that pass all rows of the filter, at most `limit`, in drawing order. RTNORM when
+  // there is any. Mode u"_X" is the whole drawing.
   int SsGet(const char16_t* mode, const KsrDatoArray& filter, std::vector<KsrEntityID>& result,
             int limit) const;
   // The extended data of one application, the application itself at index 0; empty when none.
-  void GetXData(const KsrEntityID& entity, std::u16string_view application, KsrDatoArray& rows) const;
+  void GetXData(const KsrEntityID& entity, std::u16string_view application,
+                KsrDatoArray& rows) const;
 };
 
 class CAD_API KsrGeneralUtils {

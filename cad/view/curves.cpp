@@ -27,7 +27,8 @@ void addBulge(Points& points, const AcGePoint3d& a, const AcGePoint3d& b, double
   }
   const double radius = chord * (1 + bulge * bulge) / (4 * bulge);
   const double offset = radius - chord * bulge / 2;  // from the chord's middle to the centre
-  const AcGePoint3d c((a.x + b.x) / 2 - dy / chord * offset, (a.y + b.y) / 2 + dx / chord * offset, a.z);
+  const AcGePoint3d c((a.x + b.x) / 2 - dy / chord * offset, (a.y + b.y) / 2 + dx / chord * offset,
+                      a.z);
   const double from = std::atan2(a.y - c.y, a.x - c.x), sweep = 4 * std::atan(bulge);
   Points arc;
   addArc(arc, c, std::fabs(radius), from, from + sweep);
@@ -49,7 +50,8 @@ void addEllipse(Points& points, const AcGePoint3d& center, const AcGeVector3d& m
 void addSpline(Points& points, int degree, const std::vector<double>& knots, const Points& controls,
                const std::vector<double>& weights) {
   const auto n = static_cast<int>(controls.size());
-  if (degree < 1 || degree > 20 || n <= degree || static_cast<int>(knots.size()) < n + degree + 1) return;
+  if (degree < 1 || degree > 20 || n <= degree || static_cast<int>(knots.size()) < n + degree + 1)
+    return;
   const auto knot = [&](int i) { return knots[static_cast<std::size_t>(i)]; };
   struct Homogeneous {
     double x, y, z, w;
@@ -63,7 +65,8 @@ void addSpline(Points& points, int degree, const std::vector<double>& knots, con
       for (int j = 0; j <= degree; ++j) {
         const auto i = static_cast<std::size_t>(j + k - degree);
         const double w = i < weights.size() ? weights[i] : 1;
-        d[static_cast<std::size_t>(j)] = {controls[i].x * w, controls[i].y * w, controls[i].z * w, w};
+        d[static_cast<std::size_t>(j)] = {controls[i].x * w, controls[i].y * w, controls[i].z * w,
+                                          w};
       }
       for (int r = 1; r <= degree; ++r) {
         for (int j = degree; j >= r; --j) {
@@ -71,7 +74,8 @@ void addSpline(Points& points, int degree, const std::vector<double>& knots, con
           const double a = high > low ? (u - low) / (high - low) : 0;
           Homogeneous& p = d[static_cast<std::size_t>(j)];
           const Homogeneous& q = d[static_cast<std::size_t>(j) - 1];
-          p = {q.x + a * (p.x - q.x), q.y + a * (p.y - q.y), q.z + a * (p.z - q.z), q.w + a * (p.w - q.w)};
+          p = {q.x + a * (p.x - q.x), q.y + a * (p.y - q.y), q.z + a * (p.z - q.z),
+               q.w + a * (p.w - q.w)};
         }
       }
       const Homogeneous& p = d[static_cast<std::size_t>(degree)];
@@ -112,7 +116,9 @@ class HatchReader {
  private:
   bool is(int code) const { return at_ < end_ && t_[at_].code == code; }
   double real(int code, double fallback = 0) { return is(code) ? t_.real(at_++) : fallback; }
-  std::int64_t integer(int code, std::int64_t fallback = 0) { return is(code) ? t_.integer(at_++) : fallback; }
+  std::int64_t integer(int code, std::int64_t fallback = 0) {
+    return is(code) ? t_.integer(at_++) : fallback;
+  }
   AcGePoint3d point(int code) {
     const double x = real(code), y = real(code + 10);
     return {x, y, 0};
@@ -159,8 +165,11 @@ class HatchReader {
           });
           break;
         }
-        case 4: spline(edge); break;
-        default: return;
+        case 4:
+          spline(edge);
+          break;
+        default:
+          return;
       }
       // Edges may run either way: the nearer end joins on.
       if (!loop.empty() && !edge.empty() &&
@@ -201,7 +210,8 @@ class HatchReader {
     addSpline(edge, degree, knots, controls, weights);
   }
 
-  // The families of parallel lines, cut at the boundary by the even-odd rule. Dashes are left to the eye.
+  // The families of parallel lines, cut at the boundary by the even-odd rule. Dashes are left to
+  // the eye.
   void pattern(const Loops& loops, Loops& lines) {
     at_ = t_.find(78, at_, end_);
     if (at_ < 0 || loops.empty()) return;
@@ -219,8 +229,12 @@ class HatchReader {
     const double c = std::cos(angle), s = std::sin(angle);
     const double step = std::fabs(-s * offset.x + c * offset.y);
     if (step <= 0) return;
-    const auto across = [&](const AcGePoint3d& p) { return -s * (p.x - base.x) + c * (p.y - base.y); };
-    const auto along = [&](const AcGePoint3d& p) { return c * (p.x - base.x) + s * (p.y - base.y); };
+    const auto across = [&](const AcGePoint3d& p) {
+      return -s * (p.x - base.x) + c * (p.y - base.y);
+    };
+    const auto along = [&](const AcGePoint3d& p) {
+      return c * (p.x - base.x) + s * (p.y - base.y);
+    };
     double low = across(loops[0][0]), high = low;
     for (const Points& loop : loops) {
       for (const AcGePoint3d& p : loop) {
@@ -270,17 +284,28 @@ std::u16string plainText(std::u16string_view text) {
     }
     switch (text[i + 2]) {
       case u'c':
-      case u'C': out += u'\u2300'; break;
+      case u'C':
+        out += u'\u2300';
+        break;
       case u'd':
-      case u'D': out += u'\u00B0'; break;
+      case u'D':
+        out += u'\u00B0';
+        break;
       case u'p':
-      case u'P': out += u'\u00B1'; break;
-      case u'%': out += u'%'; break;
+      case u'P':
+        out += u'\u00B1';
+        break;
+      case u'%':
+        out += u'%';
+        break;
       case u'u':
       case u'U':
       case u'o':
-      case u'O': break;  // underline and overline
-      default: out += text[i + 2]; break;
+      case u'O':
+        break;  // underline and overline
+      default:
+        out += text[i + 2];
+        break;
     }
     i += 2;
   }
@@ -303,18 +328,25 @@ std::vector<std::u16string> plainLines(std::u16string_view s) {
     const char16_t code = s[++i];
     switch (code) {
       case u'P':
-      case u'X': lines.emplace_back(); break;
-      case u'~': lines.back() += u' '; break;
+      case u'X':
+        lines.emplace_back();
+        break;
+      case u'~':
+        lines.back() += u' ';
+        break;
       case u'\\':
       case u'{':
-      case u'}': lines.back() += code; break;
+      case u'}':
+        lines.back() += code;
+        break;
       case u'L':
       case u'l':
       case u'O':
       case u'o':
       case u'K':
       case u'k':
-      case u'N': break;
+      case u'N':
+        break;
       case u'S': {  // a fraction: its parts with a stroke between
         std::size_t end = s.find(u';', i);
         if (end == s.npos) end = s.size();

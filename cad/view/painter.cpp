@@ -13,9 +13,9 @@
 namespace cad::view {
 namespace {
 
-constexpr double kMargin = 0.03;         // of the larger side
-constexpr double kCapHeight = 0.73;      // of the em, in the fonts at hand
-constexpr double kSmallestText = 1.6;    // pixels: below that letters are dust
+constexpr double kMargin = 0.03;       // of the larger side
+constexpr double kCapHeight = 0.73;    // of the em, in the fonts at hand
+constexpr double kSmallestText = 1.6;  // pixels: below that letters are dust
 constexpr double kPixelsPerMillimetre = 4;
 
 struct Spot {
@@ -25,7 +25,8 @@ struct Spot {
 // From the world to the page.
 class Projection {
  public:
-  Projection(const Picture& picture, const PaintOptions& options) : iso_(options.view == View::isometric) {
+  Projection(const Picture& picture, const PaintOptions& options)
+      : iso_(options.view == View::isometric) {
     double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
     const auto grow = [&](Spot s) {
       low[0] = std::min(low[0], s.x);
@@ -45,7 +46,9 @@ class Projection {
         }
         for (std::uint32_t i = 0; i < item.count; ++i) {
           const AcGePoint3d& p = picture.points[item.first + i];
-          if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 && std::fabs(p.y) < 1e15) grow(flat(p));
+          if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 &&
+              std::fabs(p.y) < 1e15)
+            grow(flat(p));
         }
       }
     }
@@ -73,7 +76,8 @@ class Projection {
   template <class Grow>
   void growText(const Picture& picture, const Item& item, Grow&& grow) const {
     const AcGePoint3d& a = picture.points[item.first];
-    const AcGeVector3d x = picture.points[item.first + 1] - a, y = picture.points[item.first + 2] - a;
+    const AcGeVector3d x = picture.points[item.first + 1] - a,
+                       y = picture.points[item.first + 2] - a;
     const Text& t = picture.texts[item.text];
     const double length = 0.85 * static_cast<double>(t.text.size());
     const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
@@ -84,7 +88,8 @@ class Projection {
 
   Spot flat(const AcGePoint3d& p) const {
     if (!iso_) return {p.x, p.y};
-    return {(p.x - p.y) / std::sqrt(2.0), (p.x + p.y) / std::sqrt(6.0) + p.z * std::sqrt(2.0 / 3.0)};
+    return {(p.x - p.y) / std::sqrt(2.0),
+            (p.x + p.y) / std::sqrt(6.0) + p.z * std::sqrt(2.0 / 3.0)};
   }
   bool iso_;
   double left_ = 0, top_ = 0;
@@ -184,7 +189,8 @@ class Painter {
     for (std::uint32_t i = 1; i < item.count; ++i) {
       const Spot s = spot(item.first + i);
       // Steps that nobody can see only cost time; the last point is always reached.
-      if (i + 1 < item.count && std::fabs(s.x - before.x) + std::fabs(s.y - before.y) < 0.3) continue;
+      if (i + 1 < item.count && std::fabs(s.x - before.x) + std::fabs(s.y - before.y) < 0.3)
+        continue;
       cairo_line_to(cr_, s.x, s.y);
       before = s;
       drawn = true;
@@ -203,11 +209,13 @@ class Painter {
     std::vector<double> lengths;
     double whole = 0;
     for (const double d : p_.linetypes[static_cast<std::size_t>(pen.linetype)]) {
-      lengths.push_back(std::max(std::fabs(d) * pen.linetypeScale * at_.scale, d == 0 ? 0.01 : 0.0));
+      lengths.push_back(
+          std::max(std::fabs(d) * pen.linetypeScale * at_.scale, d == 0 ? 0.01 : 0.0));
       whole += lengths.back();
     }
     if (lengths.size() % 2) lengths.pop_back();
-    // A pattern too fine to be seen is a plain line; at this scale a dotted one would be a grey veil.
+    // A pattern too fine to be seen is a plain line; at this scale a dotted one would be a grey
+    // veil.
     dashed_ = whole >= 4 && !lengths.empty();
     cairo_set_dash(cr_, lengths.data(), dashed_ ? static_cast<int>(lengths.size()) : 0, 0);
   }
@@ -222,7 +230,9 @@ class Painter {
     const Spot a = spot(item.first), b = spot(item.first + 1), c = spot(item.first + 2);
     const Spot x{b.x - a.x, b.y - a.y}, y{c.x - a.x, c.y - a.y};
     const double high = std::hypot(y.x, y.y);
-    if (high < kSmallestText || a.x < -2000 || a.y < -2000 || a.x > at_.width + 2000 || a.y > at_.height + 2000) return;
+    if (high < kSmallestText || a.x < -2000 || a.y < -2000 || a.x > at_.width + 2000 ||
+        a.y > at_.height + 2000)
+      return;
     const Text& t = p_.texts[item.text];
     const double lean = std::tan(t.oblique);
     cairo_matrix_t m;
@@ -235,7 +245,8 @@ class Painter {
     cairo_text_extents(cr_, utf8.c_str(), &extents);
     const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
     const double up = t.vertical == 1 ? -0.25 : t.vertical == 2 ? 0.5 : t.vertical == 3 ? 1 : 0;
-    cairo_move_to(cr_, a.x - extents.x_advance * along - y.x * up, a.y - extents.y_advance * along - y.y * up);
+    cairo_move_to(cr_, a.x - extents.x_advance * along - y.x * up,
+                  a.y - extents.y_advance * along - y.y * up);
     cairo_show_text(cr_, utf8.c_str());
   }
 
@@ -257,14 +268,21 @@ platform::Result<std::string> paint(const Picture& picture, const PaintOptions& 
   cairo_surface_t* made = nullptr;
   switch (options.format) {
     case Format::png:
-      made = cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(at.width), static_cast<int>(at.height));
+      made = cairo_image_surface_create(CAIRO_FORMAT_RGB24, static_cast<int>(at.width),
+                                        static_cast<int>(at.height));
       break;
-    case Format::svg: made = cairo_svg_surface_create_for_stream(append, &bytes, at.width, at.height); break;
-    case Format::pdf: made = cairo_pdf_surface_create_for_stream(append, &bytes, at.width, at.height); break;
+    case Format::svg:
+      made = cairo_svg_surface_create_for_stream(append, &bytes, at.width, at.height);
+      break;
+    case Format::pdf:
+      made = cairo_pdf_surface_create_for_stream(append, &bytes, at.width, at.height);
+      break;
   }
-  const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(made, cairo_surface_destroy);
+  const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(made,
+                                                                             cairo_surface_destroy);
   {
-    const std::unique_ptr<cairo_t, void (*)(cairo_t*)> cr(cairo_create(surface.get()), cairo_destroy);
+    const std::unique_ptr<cairo_t, void (*)(cairo_t*)> cr(cairo_create(surface.get()),
+                                                          cairo_destroy);
     Painter(cr.get(), picture, options, at).run();
     cairo_show_page(cr.get());
     if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS) {

@@ -20,8 +20,8 @@ struct PaintOptions {
   Format format = Format::png;
   View view = View::plan;
   bool dark = false;
-  int width = 1600;               // pixels, or points in SVG and PDF
-  std::optional<Window> window;   // part of the plan; everything when there is none
+  int width = 1600;              // pixels, or points in SVG and PDF
+  std::optional<Window> window;  // part of the plan; everything when there is none
 };
 
 // The file's bytes. An empty picture gives an empty page. The error says why Cairo could not do it.

@@ -11,8 +11,8 @@ std::uint8_t level(double v) { return static_cast<std::uint8_t>(std::lround(v * 
 Color fromHue(double hue, double saturation, double value) {
   const double h = hue / 60;
   const int sector = static_cast<int>(h) % 6;
-  const double f = h - std::floor(h), p = value * (1 - saturation), q = value * (1 - saturation * f),
-               t = value * (1 - saturation * (1 - f));
+  const double f = h - std::floor(h), p = value * (1 - saturation),
+               q = value * (1 - saturation * f), t = value * (1 - saturation * (1 - f));
   const std::array<std::array<double, 3>, 6> parts = {
       {{value, t, p}, {q, value, p}, {p, value, t}, {p, q, value}, {t, p, value}, {value, p, q}}};
   const auto& c = parts[static_cast<std::size_t>(sector)];
@@ -21,12 +21,12 @@ Color fromHue(double hue, double saturation, double value) {
 
 }  // namespace
 
-// The first nine are named colours, the last six greys; between them 24 hues in steps of 15 degrees, each in
-// five brightnesses, full (even) and half saturated (odd).
+// The first nine are named colours, the last six greys; between them 24 hues in steps of 15
+// degrees, each in five brightnesses, full (even) and half saturated (odd).
 Color indexedColor(int index, bool darkGround) {
-  static constexpr Color kNamed[] = {{0, 0, 0},     {255, 0, 0},   {255, 255, 0}, {0, 255, 0},
-                                     {0, 255, 255}, {0, 0, 255},   {255, 0, 255}, {255, 255, 255},
-                                     {128, 128, 128}, {192, 192, 192}};
+  static constexpr Color kNamed[] = {
+      {0, 0, 0},   {255, 0, 0},   {255, 255, 0},   {0, 255, 0},     {0, 255, 255},
+      {0, 0, 255}, {255, 0, 255}, {255, 255, 255}, {128, 128, 128}, {192, 192, 192}};
   static constexpr std::uint8_t kGreys[] = {51, 80, 105, 130, 190, 255};
   static constexpr double kBrightness[] = {1.0, 0.65, 0.5, 0.3, 0.15};
   if (index == 7 || index < 1 || index > 255) {

@@ -20,10 +20,10 @@ constexpr int kByBlock = 0, kByLayer = 256;
 // How an entity says it is drawn, before layer and block have had their say.
 struct Style {
   std::uint32_t layer = 0;
-  int color = kByLayer;       // index, by layer or by block; -1 when exact holds
+  int color = kByLayer;  // index, by layer or by block; -1 when exact holds
   Color exact;
-  int weight = -1;            // hundredths of mm, -1 by layer, -2 by block
-  std::u16string linetype;    // empty: by layer
+  int weight = -1;          // hundredths of mm, -1 by layer, -2 by block
+  std::u16string linetype;  // empty: by layer
   double scale = 1;
 };
 
@@ -58,7 +58,8 @@ class Taker {
     for (std::uint32_t e = d_.firstEntity(space); e; e = d_.nextEntity(space, e)) {
       if (!only_.empty() && !only_.count(d_.record(e).layer)) continue;
       if (!look(d_.record(e).layer).shown) continue;
-      entity(e, [&](Primitive&& p) { emit(p); }, 0);
+      entity(
+          e, [&](Primitive&& p) { emit(p); }, 0);
     }
     return std::move(picture_);
   }
@@ -90,7 +91,8 @@ class Taker {
   }
 
   static Color exactColor(std::int64_t v) {
-    return {static_cast<std::uint8_t>(v >> 16), static_cast<std::uint8_t>(v >> 8), static_cast<std::uint8_t>(v)};
+    return {static_cast<std::uint8_t>(v >> 16), static_cast<std::uint8_t>(v >> 8),
+            static_cast<std::uint8_t>(v)};
   }
 
   int linetype(const std::u16string& name) {
@@ -116,18 +118,28 @@ class Taker {
   Style styleOf(std::uint32_t entity, const TagList& t) const {
     Style s;
     s.layer = d_.record(entity).layer;
-    const TagRange common = d_.format().hasHandlesAndMarkers() ? t.subclass("AcDbEntity") : t.body();
+    const TagRange common =
+        d_.format().hasHandlesAndMarkers() ? t.subclass("AcDbEntity") : t.body();
     for (int i = common.begin; i < common.end; ++i) {
       switch (t[i].code) {
-        case 62: s.color = static_cast<int>(t.integer(i)); break;
+        case 62:
+          s.color = static_cast<int>(t.integer(i));
+          break;
         case 420:
           s.color = -1;
           s.exact = exactColor(t.integer(i));
           break;
-        case 370: s.weight = static_cast<int>(t.integer(i)); break;
-        case 6: s.linetype = t.text(i); break;
-        case 48: s.scale = t.real(i); break;
-        default: break;
+        case 370:
+          s.weight = static_cast<int>(t.integer(i));
+          break;
+        case 6:
+          s.linetype = t.text(i);
+          break;
+        case 48:
+          s.scale = t.real(i);
+          break;
+        default:
+          break;
       }
     }
     return s;
@@ -202,7 +214,8 @@ class Taker {
   }
 
   template <class Sink>
-  void line(const Style& style, Points points, bool closed, Sink&& sink, const AcGeMatrix3d* axes = nullptr) {
+  void line(const Style& style, Points points, bool closed, Sink&& sink,
+            const AcGeMatrix3d* axes = nullptr) {
     if (points.empty()) return;
     Primitive p;
     p.kind = points.size() == 1 ? Kind::dot : Kind::line;
@@ -236,21 +249,30 @@ class Taker {
       return i < 0 ? AcGePoint3d() : t.point(i);
     };
     switch (r.type) {
-      case Type::line: line(style, {at(10), at(11)}, false, sink); break;
-      case Type::point: line(style, {at(10)}, false, sink); break;
+      case Type::line:
+        line(style, {at(10), at(11)}, false, sink);
+        break;
+      case Type::point:
+        line(style, {at(10)}, false, sink);
+        break;
       case Type::ray:
       case Type::xline: {
         // Endless lines end far outside of what is drawn; the painter's window cuts them.
         const AcGePoint3d p = at(10), d = at(11);
         const AcGeVector3d way = AcGeVector3d(d.x, d.y, d.z) * 1e4;
-        line(style, {r.type == Type::ray ? p : p + way * -1, p + way}, false, [&](Primitive&& endless) {
-          endless.endless = true;
-          sink(std::move(endless));
-        });
+        line(style, {r.type == Type::ray ? p : p + way * -1, p + way}, false,
+             [&](Primitive&& endless) {
+               endless.endless = true;
+               sink(std::move(endless));
+             });
         break;
       }
-      case Type::polyline: polyline(e, t, style, sink); break;
-      case Type::lwpolyline: lightPolyline(t, style, sink); break;
+      case Type::polyline:
+        polyline(e, t, style, sink);
+        break;
+      case Type::lwpolyline:
+        lightPolyline(t, style, sink);
+        break;
       case Type::circle:
       case Type::arc: {
         const AcGeMatrix3d axes = axesOf(t, body);
@@ -265,14 +287,17 @@ class Taker {
       }
       case Type::ellipse: {
         const AcGePoint3d axis = at(11), n = at(210);
-        const AcGeVector3d normal = n.x == 0 && n.y == 0 && n.z == 0 ? AcGeVector3d(0, 0, 1) : AcGeVector3d(n.x, n.y, n.z);
+        const AcGeVector3d normal =
+            n.x == 0 && n.y == 0 && n.z == 0 ? AcGeVector3d(0, 0, 1) : AcGeVector3d(n.x, n.y, n.z);
         Points points;
         addEllipse(points, at(10), {axis.x, axis.y, axis.z}, t.realOr(40, 1, body), normal,
                    t.realOr(41, 0, body), t.realOr(42, 2 * kPi, body));
         line(style, std::move(points), false, sink);
         break;
       }
-      case Type::spline: spline(t, style, sink); break;
+      case Type::spline:
+        spline(t, style, sink);
+        break;
       case Type::solid:
       case Type::trace: {
         const AcGeMatrix3d axes = axesOf(t, body);
@@ -280,7 +305,9 @@ class Taker {
         fill(style, {corners}, sink, axes);
         break;
       }
-      case Type::face: line(style, {at(10), at(11), at(12), t.find(13, body) < 0 ? at(12) : at(13)}, true, sink); break;
+      case Type::face:
+        line(style, {at(10), at(11), at(12), t.find(13, body) < 0 ? at(12) : at(13)}, true, sink);
+        break;
       case Type::hatch: {
         const AcGeMatrix3d axes = axesOf(t, body);
         Loops loops, lines;
@@ -303,14 +330,25 @@ class Taker {
         line(style, std::move(points), false, sink);
         break;
       }
-      case Type::multileader: multileader(t, style, sink); break;
-      case Type::text: text(t, style, t.subclass("AcDbText"), t.subclass("AcDbText", 2), 73, sink); break;
-      case Type::attrib: text(t, style, t.subclass("AcDbText"), t.subclass("AcDbAttribute"), 74, sink); break;
-      case Type::mtext: multilineText(t, style, sink); break;
+      case Type::multileader:
+        multileader(t, style, sink);
+        break;
+      case Type::text:
+        text(t, style, t.subclass("AcDbText"), t.subclass("AcDbText", 2), 73, sink);
+        break;
+      case Type::attrib:
+        text(t, style, t.subclass("AcDbText"), t.subclass("AcDbAttribute"), 74, sink);
+        break;
+      case Type::mtext:
+        multilineText(t, style, sink);
+        break;
       case Type::attdef:
       case Type::seqend:
-      case Type::viewport: break;
-      default: ++picture_.unknown[d_.typeName(e)]; break;
+      case Type::viewport:
+        break;
+      default:
+        ++picture_.unknown[d_.typeName(e)];
+        break;
     }
   }
 
@@ -330,7 +368,8 @@ class Taker {
       const TagRange own = v.body();
       const auto kind = v.integerOr(70, 0, own);
       if ((flags & 64) && !(kind & 64)) {
-        faces.push_back({v.integerOr(71, 0, own), v.integerOr(72, 0, own), v.integerOr(73, 0, own), v.integerOr(74, 0, own)});
+        faces.push_back({v.integerOr(71, 0, own), v.integerOr(72, 0, own), v.integerOr(73, 0, own),
+                         v.integerOr(74, 0, own)});
         continue;
       }
       if (kind & 16 && !(flags & 64)) continue;  // control points of a curve: its own points follow
@@ -341,7 +380,8 @@ class Taker {
     }
     returnTags(std::move(held));
     if (flags & 64) return faceMesh(style, points, faces, sink);
-    if (flags & 16) return mesh_(style, points, t.integerOr(71, 0, body), t.integerOr(72, 0, body), flags, sink);
+    if (flags & 16)
+      return mesh_(style, points, t.integerOr(71, 0, body), t.integerOr(72, 0, body), flags, sink);
     if (!space) {
       const double z = t.realOr(30, 0, body);
       for (AcGePoint3d& p : points) p.z = z;
@@ -355,13 +395,15 @@ class Taker {
     Points points;
     for (std::size_t i = 0; i < corners.size(); ++i) {
       if (i == 0) points.push_back(corners[0]);
-      if (i + 1 < corners.size() || closed) addBulge(points, corners[i], corners[(i + 1) % corners.size()], bulges[i]);
+      if (i + 1 < corners.size() || closed)
+        addBulge(points, corners[i], corners[(i + 1) % corners.size()], bulges[i]);
     }
     return points;
   }
 
   template <class Sink>
-  void faceMesh(const Style& style, const Points& points, const std::vector<std::array<std::int64_t, 4>>& faces, Sink&& sink) {
+  void faceMesh(const Style& style, const Points& points,
+                const std::vector<std::array<std::int64_t, 4>>& faces, Sink&& sink) {
     for (const auto& f : faces) {
       Points corners;
       for (const std::int64_t i : f) {
@@ -373,9 +415,12 @@ class Taker {
   }
 
   template <class Sink>
-  void mesh_(const Style& style, const Points& points, std::int64_t m, std::int64_t n, std::int64_t flags, Sink&& sink) {
+  void mesh_(const Style& style, const Points& points, std::int64_t m, std::int64_t n,
+             std::int64_t flags, Sink&& sink) {
     if (m < 1 || n < 1 || static_cast<std::size_t>(m * n) > points.size()) return;
-    const auto point = [&](std::int64_t i, std::int64_t j) { return points[static_cast<std::size_t>(i * n + j)]; };
+    const auto point = [&](std::int64_t i, std::int64_t j) {
+      return points[static_cast<std::size_t>(i * n + j)];
+    };
     for (std::int64_t i = 0; i < m; ++i) {
       Points row;
       for (std::int64_t j = 0; j < n; ++j) row.push_back(point(i, j));
@@ -414,7 +459,11 @@ class Taker {
       const double dx = b.x - a.x, dy = b.y - a.y, l = std::hypot(dx, dy);
       if (l == 0) continue;
       const double nx = -dy / l * width / 2, ny = dx / l * width / 2;
-      fill(style, {{{a.x + nx, a.y + ny, z}, {b.x + nx, b.y + ny, z}, {b.x - nx, b.y - ny, z}, {a.x - nx, a.y - ny, z}}},
+      fill(style,
+           {{{a.x + nx, a.y + ny, z},
+             {b.x + nx, b.y + ny, z},
+             {b.x - nx, b.y - ny, z},
+             {a.x - nx, a.y - ny, z}}},
            sink, axes);
     }
   }
@@ -454,15 +503,17 @@ class Taker {
         const std::vector<std::u16string> lines = plainLines(t.text(i));
         const int at = t.find(12, i, end), height = t.find(41, 1, end);
         if (at < 0) continue;
-        textLines(style, lines, t.point(at), {1, 0, 0}, {0, 1, 0}, height < 0 ? 2.5 : t.real(height), 1, sink);
+        textLines(style, lines, t.point(at), {1, 0, 0}, {0, 1, 0},
+                  height < 0 ? 2.5 : t.real(height), 1, sink);
       }
     }
   }
 
   // --- texts
   template <class Sink>
-  void oneText(const Style& style, std::u16string text, const AcGePoint3d& anchor, const AcGeVector3d& x,
-               const AcGeVector3d& y, int horizontal, int vertical, double oblique, Sink&& sink) {
+  void oneText(const Style& style, std::u16string text, const AcGePoint3d& anchor,
+               const AcGeVector3d& x, const AcGeVector3d& y, int horizontal, int vertical,
+               double oblique, Sink&& sink) {
     if (text.empty()) return;
     Primitive p;
     p.kind = Kind::text;
@@ -473,7 +524,8 @@ class Taker {
   }
 
   template <class Sink>
-  void text(const TagList& t, const Style& style, TagRange own, TagRange second, int verticalCode, Sink&& sink) {
+  void text(const TagList& t, const Style& style, TagRange own, TagRange second, int verticalCode,
+            Sink&& sink) {
     if (!d_.format().hasHandlesAndMarkers()) own = second = t.body();
     if (verticalCode == 74 && t.integerOr(70, 0, second) & 1) return;  // an invisible attribute
     const int first = t.find(10, own), anchorTag = t.find(11, own);
@@ -504,13 +556,15 @@ class Taker {
     if (mirror & 2) x = x * -1;
     if (mirror & 4) y = y * -1;
     const AcGeMatrix3d axes = axesOf(t, own);
-    oneText(style, plainText(t.textOr(1, u"", own)), axes * anchor, axes * x * wide, axes * y * height,
-            std::clamp(horizontal, 0, 2), std::clamp(vertical, 0, 3), t.realOr(51, 0, own) * kPi / 180, sink);
+    oneText(style, plainText(t.textOr(1, u"", own)), axes * anchor, axes * x * wide,
+            axes * y * height, std::clamp(horizontal, 0, 2), std::clamp(vertical, 0, 3),
+            t.realOr(51, 0, own) * kPi / 180, sink);
   }
 
   template <class Sink>
-  void textLines(const Style& style, const std::vector<std::u16string>& lines, const AcGePoint3d& at,
-                 const AcGeVector3d& x, const AcGeVector3d& y, double height, int attachment, Sink&& sink) {
+  void textLines(const Style& style, const std::vector<std::u16string>& lines,
+                 const AcGePoint3d& at, const AcGeVector3d& x, const AcGeVector3d& y, double height,
+                 int attachment, Sink&& sink) {
     const double step = height * 5 / 3;
     const int column = (attachment - 1) % 3, row = (attachment - 1) / 3;
     const double whole = height + step * static_cast<double>(lines.size() - 1);
@@ -542,7 +596,8 @@ class Taker {
     const AcGePoint3d normal = n < 0 ? AcGePoint3d(0, 0, 1) : t.point(n);
     const AcGeVector3d y = AcGeVector3d(normal.x, normal.y, normal.z).normal().crossProduct(x);
     const auto attachment = std::clamp<std::int64_t>(t.integerOr(71, 1, own), 1, 9);
-    textLines(style, plainLines(all), t.point(at), x, y, t.realOr(40, 1, own), static_cast<int>(attachment), sink);
+    textLines(style, plainLines(all), t.point(at), x, y, t.realOr(40, 1, own),
+              static_cast<int>(attachment), sink);
   }
 
   // --- references
@@ -559,7 +614,8 @@ class Taker {
     if (const BlockInfo* info = d_.block(id)) picture.origin = blockOrigin(d_, *info);
     if (depth >= kDeepest) return slot.get();
     for (std::uint32_t e = d_.firstEntity(id); e; e = d_.nextEntity(id, e)) {
-      entity(e, [&](Primitive&& p) { picture.primitives.push_back(std::move(p)); }, depth + 1);
+      entity(
+          e, [&](Primitive&& p) { picture.primitives.push_back(std::move(p)); }, depth + 1);
     }
     return blocks_[id].get();
   }
@@ -575,8 +631,10 @@ class Taker {
       const BlockPicture* block = blockPicture(id, depth);
       underWay_.erase(id);
       const AcGeMatrix3d axes = axesOf(t, body);
-      const auto rows = std::clamp<std::int64_t>(r.type == Type::insert ? t.integerOr(71, 1, body) : 1, 1, 1000);
-      const auto columns = std::clamp<std::int64_t>(r.type == Type::insert ? t.integerOr(70, 1, body) : 1, 1, 1000);
+      const auto rows =
+          std::clamp<std::int64_t>(r.type == Type::insert ? t.integerOr(71, 1, body) : 1, 1, 1000);
+      const auto columns =
+          std::clamp<std::int64_t>(r.type == Type::insert ? t.integerOr(70, 1, body) : 1, 1, 1000);
       for (std::int64_t i = 0; i < rows * columns; ++i) {
         const AcGeMatrix3d m =
             axes * placement(r.type, t, body, block->origin, static_cast<double>(i % columns),
@@ -595,8 +653,8 @@ class Taker {
     }
   }
 
-  static AcGeMatrix3d placement(Type type, const TagList& t, TagRange body, const AcGePoint3d& origin,
-                                double column, double row) {
+  static AcGeMatrix3d placement(Type type, const TagList& t, TagRange body,
+                                const AcGePoint3d& origin, double column, double row) {
     AcGeMatrix3d m, base;
     base.entry[0][3] = -origin.x;
     base.entry[1][3] = -origin.y;
@@ -606,7 +664,8 @@ class Taker {
     const int at = t.find(10, body);
     const AcGePoint3d p = at < 0 ? AcGePoint3d() : t.point(at);
     const bool table = type == Type::acadTable;
-    const double a = table ? 0 : t.realOr(50, 0, body) * kPi / 180, c = std::cos(a), s = std::sin(a);
+    const double a = table ? 0 : t.realOr(50, 0, body) * kPi / 180, c = std::cos(a),
+                 s = std::sin(a);
     const double sx = table ? 1 : t.realOr(41, 1, body), sy = table ? 1 : t.realOr(42, 1, body),
                  sz = table ? 1 : t.realOr(43, 1, body);
     m.entry[0][0] = c * sx;
@@ -614,7 +673,8 @@ class Taker {
     m.entry[1][0] = s * sx;
     m.entry[1][1] = c * sy;
     m.entry[2][2] = sz;
-    const double dx = table ? 0 : column * t.realOr(44, 0, body), dy = table ? 0 : row * t.realOr(45, 0, body);
+    const double dx = table ? 0 : column * t.realOr(44, 0, body),
+                 dy = table ? 0 : row * t.realOr(45, 0, body);
     m.entry[0][3] = p.x + c * dx - s * dy;
     m.entry[1][3] = p.y + s * dx + c * dy;
     m.entry[2][3] = p.z;

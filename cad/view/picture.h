@@ -1,8 +1,8 @@
 // A drawing as primitives: what is to be seen of it, resolved and flat, ready for any painter.
 //
-// Layers, colours, line types and weights are resolved, blocks are expanded, curves are broken into short
-// lines, what is frozen, switched off or invisible is left out. Coordinates stay those of the world, in
-// three dimensions; painters project them.
+// Layers, colours, line types and weights are resolved, blocks are expanded, curves are broken into
+// short lines, what is frozen, switched off or invisible is left out. Coordinates stay those of the
+// world, in three dimensions; painters project them.
 #pragma once
 
 #include <cstdint>
@@ -24,10 +24,10 @@ struct Color {
 CAD_API Color indexedColor(int index, bool darkGround);
 
 struct Pen {
-  int index = 7;          // host colour index; -1 when `exact` holds
+  int index = 7;  // host colour index; -1 when `exact` holds
   Color exact;
-  double weight = 0;      // mm, 0 the thinnest
-  int linetype = -1;      // number in Picture::linetypes, -1 continuous
+  double weight = 0;  // mm, 0 the thinnest
+  int linetype = -1;  // number in Picture::linetypes, -1 continuous
   double linetypeScale = 1;
 };
 
@@ -39,13 +39,13 @@ struct Item {
   bool endless = false;  // a ray or construction line: does not count for the size of the picture
   Pen pen;
   std::uint32_t first = 0, count = 0;  // points; a fill may have several loops, see `loops`
-  std::uint32_t loops = 0;             // fills: number of loops, whose lengths stand in Picture::loopSizes
-  std::uint32_t text = 0;              // texts: number in Picture::texts
+  std::uint32_t loops = 0;  // fills: number of loops, whose lengths stand in Picture::loopSizes
+  std::uint32_t text = 0;   // texts: number in Picture::texts
 };
 
 // One line of text. The first point is the anchor, the second and third are the anchor moved by the
-// baseline's and the upright's direction, each as long as the letters are high (the upright) or as the
-// unit of width (the baseline: height times width factor).
+// baseline's and the upright's direction, each as long as the letters are high (the upright) or as
+// the unit of width (the baseline: height times width factor).
 struct Text {
   std::u16string text;
   int horizontal = 0;  // 0 left, 1 centre, 2 right
@@ -58,8 +58,9 @@ struct Picture {
   std::vector<AcGePoint3d> points;
   std::vector<std::uint32_t> loopSizes;
   std::vector<Text> texts;
-  std::vector<std::vector<double>> linetypes;  // dashes of each: positive drawn, negative gap, 0 dot
-  std::map<std::u16string, int> unknown;       // entity types that are not shown, and how many
+  std::vector<std::vector<double>>
+      linetypes;                          // dashes of each: positive drawn, negative gap, 0 dot
+  std::map<std::u16string, int> unknown;  // entity types that are not shown, and how many
 };
 
 struct Selection {

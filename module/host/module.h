@@ -14,24 +14,24 @@ using platform::wide50;
 
 // Made once when the module is initialised.
 struct EpaModule {
-  wide256 folder;               // folder of the module file, trailing separator included
-  void* mainWindow = nullptr;   // the host's main window
-  bool initFailed = false;      // the translator could not be bound
-  void* packet = nullptr;       // the host's application packet
+  wide256 folder;              // folder of the module file, trailing separator included
+  void* mainWindow = nullptr;  // the host's main window
+  bool initFailed = false;     // the translator could not be bound
+  void* packet = nullptr;      // the host's application packet
 };
 extern EpaModule* theModule;
 
 // Process-wide values that commands share.
-extern std::u16string installPath;     // product root from hn-cpath, ends in a separator
-extern wide256 currentNetwork;         // the network a command works on
+extern std::u16string installPath;                // product root from hn-cpath, ends in a separator
+extern wide256 currentNetwork;                    // the network a command works on
 extern std::vector<std::u16string> networkNames;  // filled by ListNetworks
-extern wide256 defaultNetwork;         // the flagged one, empty when none is
-extern wide256 selectedNetwork;        // last choice in CDlgElencoReti
-extern int resistanceFormulaIndex;     // 0 "D-W", 1 "H-W", 2 "M-C"
+extern wide256 defaultNetwork;                    // the flagged one, empty when none is
+extern wide256 selectedNetwork;                   // last choice in CDlgElencoReti
+extern int resistanceFormulaIndex;                // 0 "D-W", 1 "H-W", 2 "M-C"
 
-// The object whose operations are the command bodies, made on the stack of an export for the span of one
-// command. `database` is set by the export; the others belong to the add command. Bodies end with 0 when
-// the command ran and 3 when it was abandoned.
+// The object whose operations are the command bodies, made on the stack of an export for the span
+// of one command. `database` is set by the export; the others belong to the add command. Bodies end
+// with 0 when the command ran and 3 when it was abandoned.
 class EpaCommands {
  public:
   AcDbDatabase* database = nullptr;
@@ -56,8 +56,8 @@ class EpaCommands {
 };
 constexpr int kRan = 0, kAbandoned = 3;
 
-// The common start of a command: reads hn-cpath into installPath. False when the symbol is unknown or
-// empty.
+// The common start of a command: reads hn-cpath into installPath. False when the symbol is unknown
+// or empty.
 bool ReadInstallPath();
 // The same path into a caller's text; 0, or 3 when unknown or empty.
 int ReadInstallPath(std::u16string& path);

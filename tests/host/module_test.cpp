@@ -25,12 +25,17 @@ class Recorder : public cad::ui::Frontend {
     messages.push_back(m.text);
     return cad::ui::defaultAnswer(m.buttons);
   }
-  std::optional<std::u16string> showFileQuestion(const cad::ui::FileQuestion&) override { return {}; }
-  cad::ui::Answer showPrompt(const cad::ui::Prompt&) override { return {cad::ui::Answer::Status::cancel, u""}; }
+  std::optional<std::u16string> showFileQuestion(const cad::ui::FileQuestion&) override {
+    return {};
+  }
+  cad::ui::Answer showPrompt(const cad::ui::Prompt&) override {
+    return {cad::ui::Answer::Status::cancel, u""};
+  }
   void showInvalid(std::u16string_view) override {}
 };
 
-// A folder with a copy of the module, and of a translator that lacks function `missing` (-1: none there).
+// A folder with a copy of the module, and of a translator that lacks function `missing` (-1: none
+// there).
 class ModuleFolder {
  public:
   explicit ModuleFolder(int missing) {

@@ -1,5 +1,5 @@
-// Export of a schematic network: blocks with NODE_ and TANK_ attributes and polylines on one layer, tied
-// by position. The command runs whole, answered by a script.
+// Export of a schematic network: blocks with NODE_ and TANK_ attributes and polylines on one layer,
+// tied by position. The command runs whole, answered by a script.
 #include <gtest/gtest.h>
 #include <unistd.h>
 
@@ -46,7 +46,8 @@ class SchematicTest : public ::testing::Test {
 
   void defineBlock() { session_.database()->drawing().addBlock(u"SCHEMA", {}); }
 
-  void block(const AcGePoint3d& at, const std::vector<std::pair<const char*, const char16_t*>>& attributes) {
+  void block(const AcGePoint3d& at,
+             const std::vector<std::pair<const char*, const char16_t*>>& attributes) {
     AcDbBlockTable* table = nullptr;
     AcDbObjectId symbol, space, id;
     session_.database()->getBlockTable(table, AcDb::kForRead);
@@ -69,7 +70,8 @@ class SchematicTest : public ::testing::Test {
     reference->close();
     record->close();
   }
-  void node(const AcGePoint3d& at, const char16_t* name, const char16_t* demand, const char16_t* elev) {
+  void node(const AcGePoint3d& at, const char16_t* name, const char16_t* demand,
+            const char16_t* elev) {
     block(at, {{"NODE_01", name}, {"NODE_02", demand}, {"NODE_03", elev}});
   }
   void pipe(const AcGePoint3d& a, const AcGePoint3d& b, const char16_t* name) {
@@ -80,12 +82,14 @@ class SchematicTest : public ::testing::Test {
     acutRelRb(data);
   }
 
-  // Runs the export; `message` is the box that must end it. The file's text, or empty when none was made.
+  // Runs the export; `message` is the box that must end it. The file's text, or empty when none was
+  // made.
   std::string run(const std::string& message) {
     const std::string file = (folder_ / "out.inp").string();
-    cad::ui::ScriptFrontend ui("[Esporta file INP di Epanet]\nEsporta anche file csv = sì\nSfoglia...\n@ " + file +
-                                   "\nOK\n! " + message + "\n",
-                               "script");
+    cad::ui::ScriptFrontend ui(
+        "[Esporta file INP di Epanet]\nEsporta anche file csv = sì\nSfoglia...\n@ " + file +
+            "\nOK\n! " + message + "\n",
+        "script");
     session_.setFrontend(&ui);
     EpaCommands commands;
     commands.database = session_.database();
@@ -115,31 +119,37 @@ constexpr char kDone[] = "Esportazione completata!";
 
 TEST_F(SchematicTest, EndsTieWithinTheToleranceAndTheLastBlockWins) {
   node({0, 0, 10}, u"A", u"1.25", u"10");
-  node({100, 0, 12}, u"B", u"", u"");        // takes demand and elevation of the node before
+  node({100, 0, 12}, u"B", u"", u"");  // takes demand and elevation of the node before
   block({200, 0, 50}, {{"TANK_01", u"55.5"}, {"TANK_02", u"S"}});
   node({100.00009, 0, 12}, u"B2", u"3", u"12");
   pipe({0.00009, -0.00009, 10.00009}, {100, 0, 12}, u"P1");
   pipe({100, 0, 12}, {200, 0, 50}, u"P2");
   pipe({0.00011, 0, 10}, {500, 500, 0}, u"P3");  // no block at either end: names of the pipe before
   const std::string text = run(kDone);
-  EXPECT_NE(text.find(" A                  10                  1.25                  ;\n"), text.npos);
-  EXPECT_NE(text.find(" B                  10                  1.25                  ;\n"), text.npos);
+  EXPECT_NE(text.find(" A                  10                  1.25                  ;\n"),
+            text.npos);
+  EXPECT_NE(text.find(" B                  10                  1.25                  ;\n"),
+            text.npos);
   EXPECT_NE(text.find("S                                  55.5  ;\n"), text.npos);
   const std::string pipes = section(text, "PIPES");
-  EXPECT_NE(pipes.find(" P1                 A                   B2                  120.500"
-                       "             150.000             0.200               1.500               Open"),
-            text.npos)
+  EXPECT_NE(
+      pipes.find(" P1                 A                   B2                  120.500"
+                 "             150.000             0.200               1.500               Open"),
+      text.npos)
       << pipes;
   EXPECT_NE(pipes.find(" P2                 B2                  S  "), text.npos) << pipes;
   EXPECT_NE(pipes.find(" P3                 B2                  S  "), text.npos) << pipes;
   EXPECT_NE(text.find(" Headloss           \tD-W\n"), text.npos);
-  EXPECT_NE(section(text, "VERTICES").find(" P1                 0.000               -0.000"), text.npos);
+  EXPECT_NE(section(text, "VERTICES").find(" P1                 0.000               -0.000"),
+            text.npos);
 }
 
 TEST_F(SchematicTest, FaultsOfTheDrawingStopTheExport) {
   node({0, 0, 10}, u"A", u"1", u"10");
-  block({0, 0.00009, 50}, {{"TANK_01", u"55"}, {"TANK_02", u"S"}});  // another height, the same place
-  EXPECT_EQ(run("Per l'esportazione della rete spostare momentaneamente di layer i nodi coincidenti con i serbatoi."),
+  block({0, 0.00009, 50},
+        {{"TANK_01", u"55"}, {"TANK_02", u"S"}});  // another height, the same place
+  EXPECT_EQ(run("Per l'esportazione della rete spostare momentaneamente di layer i nodi "
+                "coincidenti con i serbatoi."),
             "");
   session_.newDrawing();
   SetUp();
@@ -153,7 +163,8 @@ TEST_F(SchematicTest, FaultsOfTheDrawingStopTheExport) {
 
 TEST_F(SchematicTest, AnEmptyLayerGivesAFileOfEmptySections) {
   const std::string text = run(kDone);
-  EXPECT_NE(text.find("[RESERVOIRS]\n;ID                 Head                Pattern\n\n[TANKS]\n"), text.npos);
+  EXPECT_NE(text.find("[RESERVOIRS]\n;ID                 Head                Pattern\n\n[TANKS]\n"),
+            text.npos);
   EXPECT_NE(text.find("Cloro mg/l"), text.npos);
 }
 

@@ -14,15 +14,16 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// Headers through which a layer is seen, where it may not be seen from everywhere: the module meets the
-// host in one header and the dialog kit in another.
+// Headers through which a layer is seen, where it may not be seen from everywhere: the module meets
+// the host in one header and the dialog kit in another.
 const std::map<std::string, std::set<std::string>> kSeams = {
     {"module|cad/ui", {"module/dialogs/toolkit.h"}},
     {"module|cad/api", {"module/host/host_drawing.h", "module/host/object_id.h"}},
     {"module|cad/family", {"module/host/host_drawing.h"}},
 };
 
-std::string layerOf(const std::string& path, const std::map<std::string, std::set<std::string>>& layers) {
+std::string layerOf(const std::string& path,
+                    const std::map<std::string, std::set<std::string>>& layers) {
   std::string best;
   for (const auto& [name, allowed] : layers) {
     if (path.rfind(name + "/", 0) == 0 && name.size() > best.size()) best = name;

@@ -8,8 +8,8 @@
 //   errors     expected standard error            (missing: must be empty)
 //   status     expected exit status               (missing: 0)
 //   expected/  files that must come out byte for byte under the same names
-// The scratch folder's own path reads "$DIR" in what is compared. --update rewrites the expectations from
-// what came out; the diff is then reviewed like code.
+// The scratch folder's own path reads "$DIR" in what is compared. --update rewrites the
+// expectations from what came out; the diff is then reviewed like code.
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -47,7 +47,8 @@ std::string difference(const std::string& wanted, const std::string& got) {
   std::istringstream a(wanted), b(got);
   std::string la, lb;
   for (int line = 1;; ++line) {
-    const bool ha = static_cast<bool>(std::getline(a, la)), hb = static_cast<bool>(std::getline(b, lb));
+    const bool ha = static_cast<bool>(std::getline(a, la)),
+               hb = static_cast<bool>(std::getline(b, lb));
     if (!ha && !hb) return "  they differ in line ends only\n";
     if (ha != hb || la != lb) {
       return "  line " + std::to_string(line) + "\n    wanted: " + (ha ? la : "(end)") +
@@ -71,7 +72,8 @@ class Case {
       if (entry.is_regular_file() && !expectation) fs::copy(entry.path(), scratch_ / name);
     }
     const std::string command = "cd '" + scratch_.string() + "' && PATH='" + bin +
-                                "':\"$PATH\" TOP='" + top() + "' LANG=C LC_MESSAGES=C sh -e ./cmd >.console 2>.errors </dev/null";
+                                "':\"$PATH\" TOP='" + top() +
+                                "' LANG=C LC_MESSAGES=C sh -e ./cmd >.console 2>.errors </dev/null";
     const int raw = std::system(command.c_str());
     const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
     compare("console", normal(readAll(scratch_ / ".console")));
@@ -79,8 +81,8 @@ class Case {
     compare("status", status == 0 ? "" : std::to_string(status) + "\n");
     compareFiles();
     if (failed_) {
-      std::cerr << "case " << folder_.string() << " failed; what came out is in " << scratch_.string()
-                << "\n";
+      std::cerr << "case " << folder_.string() << " failed; what came out is in "
+                << scratch_.string() << "\n";
       return 1;
     }
     fs::remove_all(scratch_);
@@ -88,7 +90,9 @@ class Case {
   }
 
  private:
-  std::string top() const { return fs::absolute(folder_ / "../../../..").lexically_normal().string(); }
+  std::string top() const {
+    return fs::absolute(folder_ / "../../../..").lexically_normal().string();
+  }
   std::string normal(const std::string& text) const {
     return replaceAll(text, scratch_.string(), "$DIR");
   }
@@ -138,6 +142,7 @@ int main(int argc, char** argv) {
     std::cerr << "usage: run_case CASE_FOLDER BIN_FOLDER [--update]\n";
     return 2;
   }
-  const bool update = (argc > 3 && std::string(argv[3]) == "--update") || std::getenv("UPDATE_GOLDEN");
+  const bool update =
+      (argc > 3 && std::string(argv[3]) == "--update") || std::getenv("UPDATE_GOLDEN");
   return Case(argv[1], update).run(argv[2]);
 }

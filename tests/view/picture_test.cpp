@@ -14,7 +14,8 @@ namespace {
 // A drawing of an old release: tables, blocks and entities as tags "code value" separated by '|'.
 class Sample {
  public:
-  Sample(const std::string& tables, const std::string& blocks, const std::string& entities) : database_(false) {
+  Sample(const std::string& tables, const std::string& blocks, const std::string& entities)
+      : database_(false) {
     std::string text;
     const auto section = [&](const char* name, const std::string& tags) {
       text += "  0\nSECTION\n  2\n" + std::string(name) + "\n";
@@ -34,11 +35,14 @@ class Sample {
     Block bytes(text.size());
     std::memcpy(bytes.data(), text.data(), text.size());
     std::vector<std::string> warnings;
-    const auto loaded = database_.drawing().loadBytes(std::move(bytes), text.size(), "sample", warnings);
+    const auto loaded =
+        database_.drawing().loadBytes(std::move(bytes), text.size(), "sample", warnings);
     EXPECT_TRUE(loaded) << loaded.error();
     picture = takePicture(database_.drawing());
   }
-  AcGePoint3d point(std::size_t item, std::uint32_t i) const { return picture.points[picture.items[item].first + i]; }
+  AcGePoint3d point(std::size_t item, std::uint32_t i) const {
+    return picture.points[picture.items[item].first + i];
+  }
   AcGePoint3d last(std::size_t item) const { return point(item, picture.items[item].count - 1); }
   Picture picture;
 
@@ -47,7 +51,8 @@ class Sample {
 };
 
 const char kLayers[] =
-    "0 TABLE|2 LAYER|70 3|0 LAYER|2 0|70 0|62 7|6 CONTINUOUS|0 LAYER|2 ROSSO|70 0|62 1|6 CONTINUOUS|"
+    "0 TABLE|2 LAYER|70 3|0 LAYER|2 0|70 0|62 7|6 CONTINUOUS|0 LAYER|2 ROSSO|70 0|62 1|6 "
+    "CONTINUOUS|"
     "0 LAYER|2 FERMO|70 1|62 3|6 CONTINUOUS|0 LAYER|2 SPENTO|70 0|62 -4|6 CONTINUOUS|0 ENDTAB";
 
 void expectAt(const AcGePoint3d& p, double x, double y, double z = 0) {
@@ -66,9 +71,10 @@ TEST(Picture, FrozenAndSwitchedOffLayersAndInvisibleEntitiesStayOut) {
 }
 
 TEST(Picture, BulgesTurnTheRightWayAndEndExactly) {
-  const Sample s(kLayers, "",
-                 "0 POLYLINE|8 0|66 1|70 0|0 VERTEX|8 0|10 0|20 0|42 1|0 VERTEX|8 0|10 2|20 0|42 -1|"
-                 "0 VERTEX|8 0|10 4|20 0|0 SEQEND|8 0");
+  const Sample s(
+      kLayers, "",
+      "0 POLYLINE|8 0|66 1|70 0|0 VERTEX|8 0|10 0|20 0|42 1|0 VERTEX|8 0|10 2|20 0|42 -1|"
+      "0 VERTEX|8 0|10 4|20 0|0 SEQEND|8 0");
   ASSERT_EQ(s.picture.items.size(), 1U);
   double low = 0, high = 0;
   for (std::uint32_t i = 0; i < s.picture.items[0].count; ++i) {
@@ -85,14 +91,19 @@ TEST(Picture, BulgesTurnTheRightWayAndEndExactly) {
 
 TEST(Picture, NestedMirroredScaledReferencesAndTheirColours) {
   const char blocks[] =
-      "0 BLOCK|8 0|2 DENTRO|70 0|10 1|20 0|3 DENTRO|0 LINE|8 0|62 0|10 1|20 0|11 3|21 1|0 ENDBLK|8 0|"
-      "0 BLOCK|8 0|2 FUORI|70 0|10 0|20 0|3 FUORI|0 INSERT|8 0|62 0|2 DENTRO|10 10|20 0|41 -1|0 ENDBLK|8 0|"
-      "0 BLOCK|8 0|2 GIRO|70 0|10 0|20 0|3 GIRO|0 INSERT|8 0|2 GIRO|10 1|20 1|0 LINE|8 0|10 0|20 0|11 1|21 0|0 ENDBLK|8 0";
+      "0 BLOCK|8 0|2 DENTRO|70 0|10 1|20 0|3 DENTRO|0 LINE|8 0|62 0|10 1|20 0|11 3|21 1|0 ENDBLK|8 "
+      "0|"
+      "0 BLOCK|8 0|2 FUORI|70 0|10 0|20 0|3 FUORI|0 INSERT|8 0|62 0|2 DENTRO|10 10|20 0|41 -1|0 "
+      "ENDBLK|8 0|"
+      "0 BLOCK|8 0|2 GIRO|70 0|10 0|20 0|3 GIRO|0 INSERT|8 0|2 GIRO|10 1|20 1|0 LINE|8 0|10 0|20 "
+      "0|11 1|21 0|0 ENDBLK|8 0";
   const Sample s(kLayers, blocks,
-                 "0 INSERT|8 ROSSO|62 5|2 FUORI|10 100|20 0|41 2|42 2|50 90|0 INSERT|8 ROSSO|2 FUORI|10 0|20 0|"
+                 "0 INSERT|8 ROSSO|62 5|2 FUORI|10 100|20 0|41 2|42 2|50 90|0 INSERT|8 ROSSO|2 "
+                 "FUORI|10 0|20 0|"
                  "0 INSERT|8 0|2 GIRO|10 0|20 0");
   ASSERT_GE(s.picture.items.size(), 3U);  // a block inside itself ends somewhere
-  // (3,1) less the base (1,0) is (2,1); mirrored (-2,1); at (10,0) it is (8,1); twice as large, turned, moved.
+  // (3,1) less the base (1,0) is (2,1); mirrored (-2,1); at (10,0) it is (8,1); twice as large,
+  // turned, moved.
   expectAt(s.point(0, 0), 100, 20);
   expectAt(s.point(0, 1), 100 - 2, 16);
   EXPECT_EQ(s.picture.items[0].pen.index, 5);  // by block, from the outermost reference
@@ -100,10 +111,13 @@ TEST(Picture, NestedMirroredScaledReferencesAndTheirColours) {
 }
 
 TEST(Picture, TextsHaveTheirAnchorAndInvisibleAttributesAreHidden) {
-  const Sample s(kLayers, "0 BLOCK|8 0|2 B|70 2|10 0|20 0|3 B|0 ATTDEF|8 0|10 0|20 0|40 1|1 x|3 p|2 A|70 0|0 ENDBLK|8 0",
-                 "0 TEXT|8 0|10 0|20 0|40 2|1 %%c80 10%%d|72 1|11 50|21 60|"
-                 "0 INSERT|8 ROSSO|66 1|2 B|10 0|20 0|0 ATTRIB|8 ROSSO|10 1|20 2|40 1|1 visto|2 A|70 0|"
-                 "0 ATTRIB|8 ROSSO|10 1|20 2|40 1|1 nascosto|2 B|70 1|0 SEQEND|8 0");
+  const Sample s(
+      kLayers,
+      "0 BLOCK|8 0|2 B|70 2|10 0|20 0|3 B|0 ATTDEF|8 0|10 0|20 0|40 1|1 x|3 p|2 A|70 0|0 ENDBLK|8 "
+      "0",
+      "0 TEXT|8 0|10 0|20 0|40 2|1 %%c80 10%%d|72 1|11 50|21 60|"
+      "0 INSERT|8 ROSSO|66 1|2 B|10 0|20 0|0 ATTRIB|8 ROSSO|10 1|20 2|40 1|1 visto|2 A|70 0|"
+      "0 ATTRIB|8 ROSSO|10 1|20 2|40 1|1 nascosto|2 B|70 1|0 SEQEND|8 0");
   ASSERT_EQ(s.picture.items.size(), 2U);
   expectAt(s.point(0, 0), 50, 60);
   expectAt(s.point(0, 2), 50, 62);
@@ -115,7 +129,8 @@ TEST(Picture, TextsHaveTheirAnchorAndInvisibleAttributesAreHidden) {
 TEST(Picture, TiltedPlanesAndUnknownKinds) {
   // Extrusion -Z mirrors X.
   const Sample s(kLayers, "",
-                 "0 CIRCLE|8 0|10 5|20 0|40 1|210 0|220 0|230 -1|0 MISTERO|8 0|0 MISTERO|8 0|0 POINT|8 0|10 1|20 2|30 3");
+                 "0 CIRCLE|8 0|10 5|20 0|40 1|210 0|220 0|230 -1|0 MISTERO|8 0|0 MISTERO|8 0|0 "
+                 "POINT|8 0|10 1|20 2|30 3");
   ASSERT_EQ(s.picture.items.size(), 2U);
   expectAt(s.point(0, 0), -6, 0);
   EXPECT_EQ(s.picture.items[1].kind, Kind::dot);
@@ -123,7 +138,8 @@ TEST(Picture, TiltedPlanesAndUnknownKinds) {
 }
 
 TEST(Painter, EachFormatBeginsAsItShouldAndAnEmptyPictureIsAPage) {
-  const Sample s(kLayers, "", "0 LINE|8 ROSSO|10 0|20 0|11 10|21 5|0 TEXT|8 0|10 0|20 0|40 1|1 perché");
+  const Sample s(kLayers, "",
+                 "0 LINE|8 ROSSO|10 0|20 0|11 10|21 5|0 TEXT|8 0|10 0|20 0|40 1|1 perché");
   PaintOptions o;
   o.width = 300;
   EXPECT_EQ(paint(s.picture, o)->substr(1, 3), "PNG");
