@@ -94,6 +94,36 @@ Result<std::string> readFile(const std::string& path) {
   return bytes;
 }
 
+Result<FileBytes> readOrdinaryFile(const std::string& path) {
+  const auto fail = [&](const std::string& reason) {
+    return Error{path + ": cannot be read: " + reason};
+  };
+  // Opening a pipe would wait for somebody to write to it.
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (file < 0) return fail(reasonOf(errno));
+  struct stat info;
+  if (fstat(file, &info) != 0 || !S_ISREG(info.st_mode)) {
+    close(file);
+    return fail(S_ISDIR(info.st_mode) ? reasonOf(EISDIR) : "it is a pipe or device, no file");
+  }
+  const auto size = static_cast<std::size_t>(info.st_size);
+  FileBytes bytes{Block(size + 1), 0};
+  while (bytes.size < size) {
+    const ssize_t n = read(file, bytes.memory.data() + bytes.size, size - bytes.size);
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) {
+      const int error = errno;
+      close(file);
+      return fail(reasonOf(error));
+    }
+    if (n == 0) break;
+    bytes.size += static_cast<std::size_t>(n);
+  }
+  close(file);
+  bytes.memory.data()[bytes.size] = '\0';
+  return bytes;
+}
+
 Result<void> writeFile(const std::string& path, std::string_view bytes) {
   Result<SaveFile> save = SaveFile::begin(path);
   if (!save) return Error{save.error()};

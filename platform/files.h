@@ -7,6 +7,7 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/memory.h"
 #include "platform/result.h"
 
 namespace platform {
@@ -27,6 +28,14 @@ std::string absolutePath(const std::string& path);
 // The whole file as bytes. The error names the path and the reason ("No such file or
 // directory"...), and tells a folder from a file.
 Result<std::string> readFile(const std::string& path);
+// The same into memory of its own, for files of many megabytes: `size` bytes of the block are the
+// file, and a zero stands behind them. Ordinary files alone are read: a pipe or device is refused
+// without waiting for it.
+struct FileBytes {
+  Block memory;
+  std::size_t size = 0;
+};
+Result<FileBytes> readOrdinaryFile(const std::string& path);
 
 // Writes a new file as a whole or not at all: the bytes go to a temporary file beside `path`, which
 // takes its place when everything has been written and flushed to disk. On failure the temporary

@@ -1,11 +1,6 @@
 #include "cad/drawing/drawing.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
 
 #include "platform/files.h"
@@ -22,38 +17,6 @@ std::vector<Drawing*>& registry() {
 std::vector<std::unique_ptr<TagList>>& pool() {
   static std::vector<std::unique_ptr<TagList>> lists;
   return lists;
-}
-
-// A file in memory of its own: never mapped, because another program may change the file meanwhile.
-platform::Result<std::pair<Block, std::size_t>> readWhole(const std::string& path) {
-  const auto fail = [&](int code) {
-    return platform::Error{path + ": cannot be read: " + std::strerror(code)};
-  };
-  const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (fd < 0) return fail(errno);
-  struct stat st {};
-  if (fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-    const int code = S_ISDIR(st.st_mode) ? EISDIR : errno;
-    ::close(fd);
-    if (code) return fail(code);
-    return platform::Error{path + ": is no ordinary file"};
-  }
-  const auto size = static_cast<std::size_t>(st.st_size);
-  Block block(size + 1);
-  std::size_t got = 0;
-  while (got < size) {
-    const ssize_t n = ::read(fd, block.data() + got, size - got);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      const int code = errno;
-      ::close(fd);
-      return fail(code);
-    }
-    if (n == 0) break;
-    got += static_cast<std::size_t>(n);
-  }
-  ::close(fd);
-  return std::pair<Block, std::size_t>(std::move(block), got);
 }
 
 bool sameName(const std::u16string& name, std::u16string_view star, std::u16string_view dollar) {
@@ -91,9 +54,10 @@ Drawing::~Drawing() {
 }
 
 platform::Result<void> Drawing::load(const std::string& path, std::vector<std::string>& warnings) {
-  auto file = readWhole(path);
+  // In memory of its own and never mapped: another program may change the file meanwhile.
+  auto file = platform::readOrdinaryFile(path);
   if (!file) return platform::Error{file.error()};
-  return loadBytes(std::move(file->first), file->second, path, warnings);
+  return loadBytes(std::move(file->memory), file->size, path, warnings);
 }
 
 platform::Result<void> Drawing::loadBytes(Block bytes, std::size_t size, const std::string& name,

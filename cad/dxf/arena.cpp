@@ -1,30 +1,9 @@
 #include "cad/dxf/arena.h"
 
-#include <sys/mman.h>
-
 #include <algorithm>
 #include <cstring>
-#include <new>
 
 namespace cad {
-
-Block::Block(std::size_t size) : size_(size) {
-  if (size == 0) return;
-  void* p = mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
-  if (p == MAP_FAILED) throw std::bad_alloc();
-  if (size >= (2U << 20)) madvise(p, size, MADV_HUGEPAGE);
-  data_ = static_cast<char*>(p);
-}
-
-Block& Block::operator=(Block&& other) noexcept {
-  std::swap(data_, other.data_);
-  std::swap(size_, other.size_);
-  return *this;
-}
-
-Block::~Block() {
-  if (data_) munmap(data_, size_);
-}
 
 std::string_view Arena::store(std::string_view text) {
   char* p = allocate(text.size());

@@ -5,28 +5,11 @@
 #include <string_view>
 #include <vector>
 
+#include "platform/memory.h"
+
 namespace cad {
 
-// A block of memory straight from the system, with large pages where it is big: the pages of a
-// drawing's text are touched once, in order, and faults on small pages would cost more than the
-// work.
-class Block {
- public:
-  Block() = default;
-  explicit Block(std::size_t size);
-  Block(Block&& other) noexcept : data_(other.data_), size_(other.size_) {
-    other.data_ = nullptr;
-    other.size_ = 0;
-  }
-  Block& operator=(Block&& other) noexcept;
-  ~Block();
-  char* data() const { return data_; }
-  std::size_t size() const { return size_; }
-
- private:
-  char* data_ = nullptr;
-  std::size_t size_ = 0;
-};
+using platform::Block;
 
 class Arena {
  public:

@@ -11,14 +11,9 @@
 #include <utility>
 #include <vector>
 
-namespace vessora {
+#include "platform/memory.h"
 
-namespace detail {
-// Memory for a list, aligned for any record. Throws std::bad_alloc when there is none. `bytes` must
-// be given again to release the block.
-void* allocateRecords(std::size_t bytes);
-void releaseRecords(void* block, std::size_t bytes) noexcept;
-}  // namespace detail
+namespace vessora {
 
 template <class T>
 class HugePageAllocator {
@@ -31,10 +26,10 @@ class HugePageAllocator {
 
   T* allocate(std::size_t n) {
     if (n > static_cast<std::size_t>(-1) / 2 / sizeof(T)) throw std::bad_array_new_length();
-    return static_cast<T*>(detail::allocateRecords(n * sizeof(T)));
+    return static_cast<T*>(platform::allocateLarge(n * sizeof(T)));
   }
   void deallocate(T* block, std::size_t n) noexcept {
-    detail::releaseRecords(block, n * sizeof(T));
+    platform::releaseLarge(block, n * sizeof(T));
   }
 
   // `emplace_back()` runs the constructor alone, where the standard allocator would first clear the

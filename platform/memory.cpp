@@ -1,0 +1,57 @@
+#include "platform/memory.h"
+
+#include <sys/mman.h>
+
+#include <cstdint>
+#include <new>
+#include <utility>
+
+namespace platform {
+
+namespace {
+
+constexpr std::size_t kHugePage = std::size_t{2} << 20;
+// Below this the heap is as good, and rounding up to large pages would waste memory.
+constexpr std::size_t kLarge = 2 * kHugePage;
+
+constexpr std::size_t roundedUp(std::size_t bytes) {
+  return (bytes + kHugePage - 1) & ~(kHugePage - 1);
+}
+
+}  // namespace
+
+void* allocateLarge(std::size_t bytes) {
+  if (bytes < kLarge) return ::operator new(bytes);
+  // Only whole aligned extents become large pages, and older kernels do not align the mapping: one
+  // page more is mapped and what stands out on either side is given back.
+  const std::size_t size = roundedUp(bytes);
+  if (size < bytes) throw std::bad_alloc();
+  void* mapped = mmap(nullptr, size + kHugePage, PROT_READ | PROT_WRITE,
+                      MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+  if (mapped == MAP_FAILED) throw std::bad_alloc();
+  char* const begin = static_cast<char*>(mapped);
+  const std::size_t before =
+      roundedUp(reinterpret_cast<std::uintptr_t>(begin)) - reinterpret_cast<std::uintptr_t>(begin);
+  char* const block = begin + before;
+  if (before > 0) munmap(begin, before);
+  munmap(block + size, kHugePage - before);
+  madvise(block, size, MADV_HUGEPAGE);  // a wish: small pages serve as well
+  return block;
+}
+
+void releaseLarge(void* memory, std::size_t bytes) noexcept {
+  if (!memory) return;
+  if (bytes >= kLarge) {
+    munmap(memory, roundedUp(bytes));
+  } else {
+    ::operator delete(memory);
+  }
+}
+
+Block& Block::operator=(Block&& other) noexcept {
+  std::swap(data_, other.data_);
+  std::swap(size_, other.size_);
+  return *this;
+}
+
+}  // namespace platform

@@ -1,0 +1,35 @@
+// Large memory straight from the system, with large pages asked for: what is touched once and in
+// order (the text of a drawing, the records of a network) would cost more in faults on small pages
+// than in the work done on it.
+#pragma once
+
+#include <cstddef>
+
+namespace platform {
+
+// Memory of `bytes`, cleared when large, aligned for any record. Throws std::bad_alloc when there
+// is none. The same number must be given to release it; releasing null does nothing.
+void* allocateLarge(std::size_t bytes);
+void releaseLarge(void* memory, std::size_t bytes) noexcept;
+
+// An owned block of such memory.
+class Block {
+ public:
+  Block() = default;
+  explicit Block(std::size_t size)
+      : data_(size ? static_cast<char*>(allocateLarge(size)) : nullptr), size_(size) {}
+  Block(Block&& other) noexcept : data_(other.data_), size_(other.size_) {
+    other.data_ = nullptr;
+    other.size_ = 0;
+  }
+  Block& operator=(Block&& other) noexcept;
+  ~Block() { releaseLarge(data_, size_); }
+  char* data() const { return data_; }
+  std::size_t size() const { return size_; }
+
+ private:
+  char* data_ = nullptr;
+  std::size_t size_ = 0;
+};
+
+}  // namespace platform
