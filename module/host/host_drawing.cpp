@@ -7,26 +7,6 @@
 
 namespace vessora {
 
-// --- selection sets ------------------------------------------------------------------------------
-
-SelectionSet::SelectionSet(const char16_t* mode, resbuf* filter, Select select) {
-  const Chain owner(filter);
-  ok_ = select(mode, nullptr, nullptr, filter, set_) == RTNORM;
-  std::int32_t length = 0;
-  if (ok_ && acedSSLength(set_, &length) == RTNORM) size_ = length;
-}
-
-SelectionSet::~SelectionSet() {
-  if (ok_) acedSSFree(set_);
-}
-
-AcDbObjectId SelectionSet::operator[](int index) const {
-  ads_name name;
-  AcDbObjectId id;
-  if (acedSSName(set_, index, name) == RTNORM) acdbGetObjectId(id, name);
-  return id;
-}
-
 // --- attributes ----------------------------------------------------------------------------------
 
 namespace {

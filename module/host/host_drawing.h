@@ -1,6 +1,6 @@
 // The seam to the host: the whole list of what the logic of this module needs of a CAD host, under
-// the host interface's own names, and what the module adds to it: shared operations, and owners
-// that close and release by themselves.
+// the host interface's own names, and what the module adds to it: shared operations, and the
+// reading and building of extended data by position.
 //
 // No other header of the host is included anywhere in the module, so that this list is what another
 // host has to offer.
@@ -15,6 +15,7 @@
 #include "cad/api/codes.h"
 #include "cad/api/database.h"
 #include "cad/api/editor.h"
+#include "cad/api/owners.h"
 #include "cad/api/services.h"
 #include "cad/api/table.h"
 #include "cad/family/hn_engineering.h"
@@ -23,81 +24,9 @@
 
 namespace vessora {
 
-// --- owners --------------------------------------------------------------------------------------
-
-// An opened object that closes itself.
-//   if (Opened<AcDbBlockReference> block{id}) use(block->position());
-template <class T>
-class Opened {
- public:
-  Opened() = default;
-  explicit Opened(AcDbObjectId id, AcDb::OpenMode mode = AcDb::kForRead) {
-    acdbOpenObject(object_, id, mode);
-  }
-  explicit Opened(T* object) : object_(object) {}
-  Opened(Opened&& other) noexcept : object_(std::exchange(other.object_, nullptr)) {}
-  Opened& operator=(Opened&& other) noexcept {
-    if (this != &other) {
-      close();
-      object_ = std::exchange(other.object_, nullptr);
-    }
-    return *this;
-  }
-  ~Opened() { close(); }
-  void close() {
-    if (object_) std::exchange(object_, nullptr)->close();
-  }
-  T* get() const { return object_; }
-  T* operator->() const { return object_; }
-  T& operator*() const { return *object_; }
-  explicit operator bool() const { return object_ != nullptr; }
-  // The object as a more special class when it is one, else null; this stays the owner.
-  template <class U>
-  U* as() const {
-    return object_ && object_->isKindOf(U::desc())
-               ? static_cast<U*>(static_cast<AcRxObject*>(object_))
-               : nullptr;
-  }
-
- private:
-  T* object_ = nullptr;
-};
-
-// A result chain that releases itself, and its reading by position.
-class Chain {
- public:
-  Chain() = default;
-  explicit Chain(resbuf* chain) : chain_(chain) {}
-  Chain(Chain&& other) noexcept : chain_(std::exchange(other.chain_, nullptr)) {}
-  Chain& operator=(Chain&& other) noexcept {
-    if (this != &other) {
-      acutRelRb(chain_);
-      chain_ = std::exchange(other.chain_, nullptr);
-    }
-    return *this;
-  }
-  ~Chain() { acutRelRb(chain_); }
-  explicit operator bool() const { return chain_ != nullptr; }
-  resbuf* get() const { return chain_; }
-  // Gives the chain to the caller.
-  resbuf* release() { return std::exchange(chain_, nullptr); }
-  // The item at a position behind the application's header, counted from 1, or null.
-  resbuf* item(int position) const {
-    resbuf* node = chain_;
-    while (node && position-- > 0) node = node->rbnext;
-    return node;
-  }
-  // Text of the item at a position; empty when there is none or it holds no text.
-  std::u16string_view text(int position) const {
-    const resbuf* node = item(position);
-    return node && acutKindOf(node->restype) == RbKind::text && node->resval.rstring
-               ? std::u16string_view(node->resval.rstring)
-               : std::u16string_view();
-  }
-
- private:
-  resbuf* chain_ = nullptr;
-};
+using cad::Chain;
+using cad::Opened;
+using cad::SelectionSet;
 
 // Walks a list of extended data item by item, without looking at group codes: each call takes the
 // next item as what the layout says it is. A missing item, or one of another kind, reads as empty
@@ -153,47 +82,6 @@ class XDataBuilder {
   void add(resbuf* node) { last_ = last_->rbnext = node; }
   Chain chain_;
   resbuf* last_;
-};
-
-// A selection set that frees itself.
-//   SelectionSet set(u"_X", filter);
-//   for (AcDbObjectId id : set) ...
-class SelectionSet {
- public:
-  using Select = int (*)(const char16_t*, const void*, const void*, const resbuf*, ads_name&);
-
-  SelectionSet() = default;
-  // Releases the filter. `mode` null lets the user pick.
-  SelectionSet(const char16_t* mode, resbuf* filter, Select select = acedSSGet);
-  SelectionSet(const SelectionSet&) = delete;
-  SelectionSet& operator=(const SelectionSet&) = delete;
-  ~SelectionSet();
-  // Whether the selection answered RTNORM.
-  bool ok() const { return ok_; }
-  int size() const { return size_; }
-  AcDbObjectId operator[](int index) const;
-
-  class Iterator {
-   public:
-    Iterator(const SelectionSet& set, int at) : set_(set), at_(at) {}
-    AcDbObjectId operator*() const { return set_[at_]; }
-    Iterator& operator++() {
-      ++at_;
-      return *this;
-    }
-    bool operator!=(const Iterator& other) const { return at_ != other.at_; }
-
-   private:
-    const SelectionSet& set_;
-    int at_;
-  };
-  Iterator begin() const { return {*this, 0}; }
-  Iterator end() const { return {*this, size_}; }
-
- private:
-  ads_name set_;
-  int size_ = 0;
-  bool ok_ = false;
 };
 
 // --- shared operations ---------------------------------------------------------------------------
