@@ -34,7 +34,11 @@ platform::Result<void> startHost(cad::ui::Frontend& ui) {
   std::u16string root = platform::widen(place.root);
   root.back() = u'\\';
   session.setSymbol(u"hn-cpath", root);
-  return session.loadModule(place.module, u"VESSORA", moduleCommands());
+  if (auto loaded = session.loadModule(place.module); !loaded) return loaded;
+  for (const std::string& name : moduleCommands()) {
+    session.addExport(u"VESSORA", {platform::widen(name), name, u""});
+  }
+  return {};
 }
 
 void stopHost() {

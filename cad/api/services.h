@@ -25,11 +25,18 @@ enum AppMsgCode {
 enum AppRetCode { kRetOK = 0, kRetError = 3 };
 }  // namespace AcRx
 
-// Named objects of the session.
+// Named objects of the session, by which modules and programs find each other's services. Names are
+// compared exactly.
 class CAD_API AcRxDictionary : public AcRxObject {
   ACRX_DECLARE(AcRxDictionary)
  public:
+  // Null when nothing has the name.
   virtual AcRxObject* at(std::u16string_view name) const = 0;
+  // Enters an object, which stays the caller's and must be taken out before it goes. False when the
+  // name is taken or the registry takes no objects.
+  virtual bool atPut(std::u16string_view name, AcRxObject* object) = 0;
+  // Takes the name out; what it named, or null. The host's own services stay.
+  virtual AcRxObject* remove(std::u16string_view name) = 0;
 };
 CAD_API AcRxDictionary* acrxSysRegistry();
 

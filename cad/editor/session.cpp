@@ -37,15 +37,29 @@ class Stack : public AcEdCommandStack {
 
 class Registry : public AcRxDictionary {
  public:
+  Registry() {
+    objects_.emplace(u"DynamicLinker", &linker_);
+    objects_.emplace(u"ACAD_REGISTERED_COMMANDS", &stack_);
+  }
   AcRxObject* at(std::u16string_view name) const override {
-    if (name == u"DynamicLinker") return &linker_;
-    if (name == u"ACAD_REGISTERED_COMMANDS") return &stack_;
-    return nullptr;
+    const auto it = objects_.find(name);
+    return it == objects_.end() ? nullptr : it->second;
+  }
+  bool atPut(std::u16string_view name, AcRxObject* object) override {
+    return object && !name.empty() && objects_.emplace(name, object).second;
+  }
+  AcRxObject* remove(std::u16string_view name) override {
+    const auto it = objects_.find(name);
+    if (it == objects_.end() || it->second == &linker_ || it->second == &stack_) return nullptr;
+    AcRxObject* const object = it->second;
+    objects_.erase(it);
+    return object;
   }
 
  private:
-  mutable Linker linker_;
-  mutable Stack stack_;
+  Linker linker_;
+  Stack stack_;
+  std::map<std::u16string, AcRxObject*, std::less<>> objects_;
 };
 
 void* g_resources = nullptr;
@@ -155,8 +169,7 @@ platform::Result<void> Session::saveDrawing(const std::string& path) {
 
 // --- modules -------------------------------------------------------------------------------------
 
-platform::Result<void> Session::loadModule(const std::string& path, std::u16string_view group,
-                                           const std::vector<std::string>& commands) {
+platform::Result<void> Session::loadModule(const std::string& path) {
   auto library = platform::DynamicLibrary::load(path);
   if (!library) return platform::Error{path + ": cannot be loaded: " + library.error()};
   Module module;
@@ -175,20 +188,22 @@ platform::Result<void> Session::loadModule(const std::string& path, std::u16stri
     library->free();
     return platform::Error{path + ": the module refused to start"};
   }
-  for (const std::string& name : commands) {
-    auto* function = library->function<void()>(name.c_str());
-    if (!function) continue;
-    const std::u16string path16 = module.path;
-    addCommand({std::u16string(group), platform::widen(name), platform::widen(name), 0,
-                [this, function, path16] {
-                  runningModule_ = path16;
-                  function();
-                },
-                u""});
-  }
   modules_.push_back(module);
   if (database_) module.entry(AcRx::kLoadDwgMsg, &modules_);
   return {};
+}
+
+bool Session::addExport(std::u16string_view group, const ExportedCommand& command) {
+  if (modules_.empty()) return false;
+  const Module& module = modules_.back();
+  auto* function = module.library.function<void()>(command.symbol.c_str());
+  if (!function) return false;
+  return addCommand({std::u16string(group), command.name, command.name, 0,
+                     [this, function, path = module.path] {
+                       runningModule_ = path;
+                       function();
+                     },
+                     command.help});
 }
 
 void Session::unloadModules() {

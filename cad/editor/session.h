@@ -28,6 +28,13 @@ struct Command {
   std::u16string help;
 };
 
+// A command that a module offers as an exported function without arguments.
+struct ExportedCommand {
+  std::u16string name;
+  std::string symbol;
+  std::u16string help;  // one line for the list of commands
+};
+
 enum class RunResult { done, unknown, quit };
 
 class CAD_API Session {
@@ -54,10 +61,11 @@ class CAD_API Session {
   std::string versionProblem() const;
 
   // --- modules
-  // Loads a module, sends it the initialisation message, and registers the exports of these names
-  // as commands of the group. The error says why it is not there.
-  platform::Result<void> loadModule(const std::string& path, std::u16string_view group,
-                                    const std::vector<std::string>& commands);
+  // Loads a module and sends it the initialisation message. The error says why it is not there.
+  platform::Result<void> loadModule(const std::string& path);
+  // Makes a command of the group of an export of the module loaded last. False when it has no such
+  // export, or another command has the name.
+  bool addExport(std::u16string_view group, const ExportedCommand& command);
   void unloadModules();
   // An exported function of a loaded module, or null.
   template <class Function>

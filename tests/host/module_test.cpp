@@ -67,8 +67,11 @@ class ModuleTest : public ::testing::Test {
     session.symbols.clear();
   }
   bool load(const ModuleFolder& folder) {
-    auto loaded = session.loadModule(folder.module(), u"VESSORA", {"expinp", "impinp", "netvis"});
+    auto loaded = session.loadModule(folder.module());
     error = loaded ? "" : loaded.error();
+    for (const char* name : {"expinp", "impinp", "netvis"}) {
+      if (loaded) session.addExport(u"VESSORA", {platform::widen(name), name, u""});
+    }
     return static_cast<bool>(loaded);
   }
   template <class Function>
