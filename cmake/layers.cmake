@@ -8,10 +8,11 @@ set(VESSORA_LAYERS
   "cad/api|platform"
   "cad/drawing|cad/api,cad/dxf,platform"
   "cad/dxf|cad/api,platform"
+  "cad/shape|cad/api,cad/drawing,cad/dxf,platform"
   "cad/ui|platform"
-  "cad/editor|cad/api,cad/drawing,cad/dxf,cad/ui,platform"
+  "cad/editor|cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,platform"
   "cad/family|cad/api,cad/ui,cad/drawing,cad/dxf,cad/editor,platform"
-  "cad/view|cad/api,cad/drawing,cad/dxf,cad/family,platform"
+  "cad/view|cad/api,cad/drawing,cad/shape,cad/dxf,platform"
   "module/host|cad/api,cad/ui,cad/family,platform"
   "module/network|module/host,platform"
   "module/grid|module/host,module/network,cad/ui,platform"
@@ -19,25 +20,29 @@ set(VESSORA_LAYERS
   "module/inp|module/host,module/network,module/dialogs,platform"
   "module/results|module/host,module/network,module/grid,module/dialogs,module/inp,platform"
   "module/editing|module/host,module/network,module/grid,module/dialogs,module/inp,platform"
-  "apps/cli|cad/api,cad/drawing,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
-  "apps/desktop|cad/api,cad/drawing,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "apps/cli|cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "apps/desktop|cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
 )
 
-# vessora_layer(folder target sources...): one folder, one static library.
+# vessora_layer(folder target sources...): one folder, one static library, linked to those that the
+# list allows it. Headers alone (cad/api) need no link line, and modules get the host from whoever
+# loads them.
 function(vessora_layer folder target)
   add_library(${target} STATIC ${ARGN})
   target_link_libraries(${target} PUBLIC vessora_options)
   foreach(row IN LISTS VESSORA_LAYERS)
-    string(REPLACE "|" ";" parts "${row}")
-    list(GET parts 0 name)
-    if(name STREQUAL folder)
-      list(LENGTH parts n)
-      if(n GREATER 1)
-        list(GET parts 1 allowed)
-        if("${allowed}" MATCHES "(^|,)platform(,|$)")
-          target_link_libraries(${target} PUBLIC platform)
-        endif()
-      endif()
+    if(NOT row MATCHES "^${folder}\\|(.*)$")
+      continue()
     endif()
+    string(REPLACE "," ";" allowed "${CMAKE_MATCH_1}")
+    foreach(other IN LISTS allowed)
+      if(other STREQUAL "cad/api" OR (folder MATCHES "^module/" AND other MATCHES "^cad/"))
+        continue()
+      endif()
+      string(REPLACE "/" "_" library ${other})
+      if(TARGET ${library})  # a folder may have no sources yet; lower ones are always there by now
+        target_link_libraries(${target} PUBLIC ${library})
+      endif()
+    endforeach()
   endforeach()
 endfunction()

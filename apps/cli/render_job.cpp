@@ -60,10 +60,24 @@ int render(const RenderOptions& o) {
   cad::view::Selection selection;
   for (const std::string& name : o.layers) selection.layers.push_back(platform::widen(name));
   const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
+  if (picture.tooMany) {
+    return fail(
+        o.drawing + ": " +
+        words("mostra troppe forme, una volta ripetuti i suoi blocchi; disegnare meno layer "
+              "(--layers), o togliere i blocchi annidati",
+              "it shows too many shapes once its blocks are repeated; draw fewer layers "
+              "(--layers), or remove the nested blocks"));
+  }
   for (const auto& [type, count] : picture.unknown) {
     std::fprintf(stderr, "vessora: %s%d %s\n", words("attenzione: ", "warning: ").c_str(), count,
                  (words("oggetti non mostrati di tipo ", "objects not shown of type ") +
                   platform::narrow(type))
+                     .c_str());
+  }
+  if (picture.tooDeep > 0) {
+    std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(),
+                 words("i blocchi annidati oltre 64 livelli non sono mostrati",
+                       "blocks nested deeper than 64 levels are not shown")
                      .c_str());
   }
   if (cad::view::isEmpty(picture)) {

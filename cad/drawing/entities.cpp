@@ -2,8 +2,8 @@
 
 #include <cmath>
 
+#include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
-#include "cad/drawing/extents.h"
 #include "platform/text.h"
 
 using cad::Record;
@@ -138,13 +138,6 @@ Acad::ErrorStatus AcDbEntity::setLinetype(std::u16string_view name) {
 }
 
 std::u16string AcDbEntity::dxfName() const { return platform::widen(tags()[0].bytes()); }
-
-Acad::ErrorStatus AcDbEntity::getGeomExtents(AcDbExtents& extents) const {
-  if (!view_->drawing) return Acad::eNotInDatabase;
-  if (view_->modified) return Acad::eNotOpenForRead;
-  extents = cad::extentsOf(*view_->drawing, view_->record);
-  return extents.isEmpty() ? Acad::eInvalidExtents : Acad::eOk;
-}
 
 Acad::ErrorStatus AcDbEntity::highlight(const AcDbFullSubentPath&) const {
   if (view_->drawing) view_->drawing->setHighlighted(view_->record, true);
@@ -561,33 +554,7 @@ std::u16string AcDbBlockReference::blockName() const {
 }
 
 AcGeMatrix3d AcDbBlockReference::blockTransform() const {
-  const AcGeMatrix3d axes = acGeEntitySystem(normal());
-  const TagList& t = tags();
-  const int i = t.find(10, t.body());
-  const AcGePoint3d at = i < 0 ? AcGePoint3d() : t.point(i);
-  const AcGeScale3d s = scaleFactors();
-  const double c = std::cos(rotation()), n = std::sin(rotation());
-  AcGeMatrix3d local;
-  local.entry[0][0] = c * s.sx;
-  local.entry[0][1] = -n * s.sy;
-  local.entry[1][0] = n * s.sx;
-  local.entry[1][1] = c * s.sy;
-  local.entry[2][2] = s.sz;
-  local.entry[0][3] = at.x;
-  local.entry[1][3] = at.y;
-  local.entry[2][3] = at.z;
-  AcGeMatrix3d base;
-  const cad::Drawing* d = view_->drawing;
-  if (d) {
-    const cad::BlockInfo* info = d->block(blockTableRecord().index());
-    if (info && info->begin) {
-      const AcGePoint3d b = cad::blockOrigin(*d, *info);
-      base.entry[0][3] = -b.x;
-      base.entry[1][3] = -b.y;
-      base.entry[2][3] = -b.z;
-    }
-  }
-  return axes * local * base;
+  return cad::insertTransform(view_->drawing, tags(), blockTableRecord().index());
 }
 
 Acad::ErrorStatus AcDbBlockReference::setPosition(const AcGePoint3d& position) {

@@ -1,7 +1,7 @@
 #include "cad/api/tables.h"
 
+#include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
-#include "cad/drawing/extents.h"
 #include "platform/text.h"
 
 using cad::Record;

@@ -4,8 +4,8 @@
 #include "cad/api/editor.h"
 #include "cad/api/table.h"
 #include "cad/drawing/drawing.h"
-#include "cad/drawing/extents.h"
 #include "cad/editor/session.h"
+#include "cad/shape/extents.h"
 #include "platform/files.h"
 #include "platform/text.h"
 

@@ -1,63 +1,12 @@
 #include "cad/editor/pick.h"
 
-#include <cmath>
-#include <limits>
-
 #include "cad/drawing/drawing.h"
-#include "cad/drawing/extents.h"
+#include "cad/shape/extents.h"
+#include "cad/shape/hit.h"
 #include "platform/text.h"
 
 namespace cad {
 namespace {
-
-double toSegment(const AcGePoint3d& p, const AcGePoint3d& a, const AcGePoint3d& b) {
-  const double dx = b.x - a.x, dy = b.y - a.y, l = dx * dx + dy * dy;
-  double f = l > 0 ? ((p.x - a.x) * dx + (p.y - a.y) * dy) / l : 0;
-  f = std::fmin(1, std::fmax(0, f));
-  return std::hypot(p.x - a.x - f * dx, p.y - a.y - f * dy);
-}
-
-// Distance in plan from a point to what an entity draws.
-double distanceTo(const Drawing& d, std::uint32_t entity, const AcGePoint3d& p) {
-  const Record& r = d.record(entity);
-  auto t = borrowTags();
-  std::vector<AcGePoint3d> points;
-  if (r.type == Type::polyline) {
-    for (std::uint32_t v = d.firstPart(entity); v; v = d.nextPart(entity, v)) {
-      d.parse(v, *t);
-      if (const int i = t->find(10); i >= 0) points.push_back(t->point(i));
-    }
-  } else if (r.type == Type::line || r.type == Type::lwpolyline) {
-    d.parse(entity, *t);
-    for (int i = 1; i < t->xdataBegin(); ++i) {
-      if ((*t)[i].code == 10 || (r.type == Type::line && (*t)[i].code == 11))
-        points.push_back(t->point(i));
-    }
-  }
-  double best = std::numeric_limits<double>::max();
-  if (points.size() == 1) best = std::hypot(points[0].x - p.x, points[0].y - p.y);
-  for (std::size_t i = 1; i < points.size(); ++i) {
-    best = std::fmin(best, toSegment(p, points[i - 1], points[i]));
-  }
-  if (points.empty()) {
-    if (r.type == Type::insert) {
-      d.parse(entity, *t);
-      if (const int i = t->find(10); i >= 0) {
-        const AcGePoint3d at = t->point(i);
-        best = std::hypot(at.x - p.x, at.y - p.y);
-      }
-    }
-    const AcDbExtents box = extentsOf(d, entity);
-    if (!box.isEmpty()) {
-      const double dx = std::fmax(0, std::fmax(box.minPoint().x - p.x, p.x - box.maxPoint().x));
-      const double dy = std::fmax(0, std::fmax(box.minPoint().y - p.y, p.y - box.maxPoint().y));
-      // Inside a symbol counts as a hit, but its insertion point is nearer.
-      best = std::fmin(best, std::hypot(dx, dy) + (r.type == Type::insert ? 1e-6 : 0));
-    }
-  }
-  returnTags(std::move(t));
-  return best;
-}
 
 bool layerShown(Drawing& d, std::uint32_t layerName, std::vector<signed char>& known) {
   if (layerName >= known.size()) known.resize(layerName + 64, -1);
@@ -141,7 +90,7 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
     std::vector<signed char> shown;
     for (const std::uint32_t e : d.allInSpace()) {
       if (!layerShown(d, d.record(e).layer, shown)) continue;
-      const double distance = distanceTo(d, e, *p);
+      const double distance = shape::planDistance(d, e, *p);
       if (distance < best) {
         best = distance;
         pick.record = e;

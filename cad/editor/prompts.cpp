@@ -4,10 +4,10 @@
 
 #include "cad/api/editor.h"
 #include "cad/drawing/drawing.h"
-#include "cad/drawing/extents.h"
 #include "cad/drawing/select.h"
 #include "cad/editor/pick.h"
 #include "cad/editor/session.h"
+#include "cad/shape/hit.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -116,16 +116,12 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
       complaint = u"Una finestra si indica con due punti: F x1,y1 x2,y2";
       return false;
     }
-    const double x1 = std::min(p->x, q->x), x2 = std::max(p->x, q->x), y1 = std::min(p->y, q->y),
-                 y2 = std::max(p->y, q->y);
+    const cad::shape::PlanWindow window(*p, *q);
     const bool crossing = word == u"I" || word == u"C";
     for (const std::uint32_t e : d.allInSpace()) {
-      const AcDbExtents box = cad::extentsOf(d, e);
-      if (box.isEmpty()) continue;
-      const auto &l = box.minPoint(), &h = box.maxPoint();
-      const bool inside = l.x >= x1 && h.x <= x2 && l.y >= y1 && h.y <= y2;
-      const bool touches = l.x <= x2 && h.x >= x1 && l.y <= y2 && h.y >= y1;
-      if (crossing ? touches : inside) addUnique(picked, have, e);
+      if (crossing ? cad::shape::touches(d, e, window) : cad::shape::liesInside(d, e, window)) {
+        addUnique(picked, have, e);
+      }
     }
     return true;
   }

@@ -12,6 +12,7 @@
 
 #include "cad/api/ge.h"
 #include "cad/drawing/drawing.h"
+#include "cad/shape/primitive.h"
 
 namespace cad::view {
 
@@ -31,26 +32,17 @@ struct Pen {
   double linetypeScale = 1;
 };
 
-enum class Kind : std::uint8_t { line, fill, text, dot };
+using shape::Kind;
+using shape::Text;
 
 struct Item {
   Kind kind = Kind::line;
   bool closed = false;
   bool endless = false;  // a ray or construction line: does not count for the size of the picture
   Pen pen;
-  std::uint32_t first = 0, count = 0;  // points; a fill may have several loops, see `loops`
+  std::uint32_t first = 0, count = 0;  // points, see shape::Primitive
   std::uint32_t loops = 0;  // fills: number of loops, whose lengths stand in Picture::loopSizes
   std::uint32_t text = 0;   // texts: number in Picture::texts
-};
-
-// One line of text. The first point is the anchor, the second and third are the anchor moved by the
-// baseline's and the upright's direction, each as long as the letters are high (the upright) or as
-// the unit of width (the baseline: height times width factor).
-struct Text {
-  std::u16string text;
-  int horizontal = 0;  // 0 left, 1 centre, 2 right
-  int vertical = 0;    // 0 baseline, 1 bottom, 2 middle, 3 top
-  double oblique = 0;  // radians
 };
 
 struct Picture {
@@ -61,6 +53,9 @@ struct Picture {
   std::vector<std::vector<double>>
       linetypes;                          // dashes of each: positive drawn, negative gap, 0 dot
   std::map<std::u16string, int> unknown;  // entity types that are not shown, and how many
+  // The drawing shows more shapes than fit here, once its blocks are repeated: the rest is missing.
+  bool tooMany = false;
+  int tooDeep = 0;  // references left out because they are nested too deep
 };
 
 struct Selection {

@@ -9,7 +9,7 @@
 
 #include "cad/api/database.h"
 #include "cad/drawing/drawing.h"
-#include "cad/drawing/extents.h"
+#include "cad/shape/extents.h"
 
 namespace {
 

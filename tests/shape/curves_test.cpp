@@ -3,9 +3,11 @@
 
 #include <cmath>
 
-#include "cad/view/curves.h"
+#include "cad/shape/curves.h"
+#include "cad/shape/hatch.h"
+#include "cad/shape/plain_text.h"
 
-namespace cad::view {
+namespace cad::shape {
 namespace {
 
 TEST(Spline, EndsAtItsFirstAndLastControlPointAndTakesWeights) {
@@ -64,4 +66,4 @@ TEST(Texts, FormattingCodesGoAndLinesStay) {
 }
 
 }  // namespace
-}  // namespace cad::view
+}  // namespace cad::shape
