@@ -18,6 +18,7 @@
 #include <vector>
 
 #include "bench/make_drawing.h"
+#include "bench/make_grid.h"
 #include "bench/make_report.h"
 #include "cad/api/database.h"
 #include "cad/drawing/drawing.h"
@@ -193,7 +194,6 @@ class Bench {
     if (large) sizes_.push_back(1000000);
     const fs::path build = fs::path(self_).parent_path().parent_path();
     vessora_ = (build / "bin/vessora").string();
-    makeNetwork_ = (build / "tools/make_network").string();
   }
 
   // False when a job grows faster than its input from 100 000 to 1 000 000.
@@ -244,7 +244,7 @@ class Bench {
       return path;
     }
     const std::string inp = file("rete", size, ".inp");
-    if (!fs::exists(inp)) run({makeNetwork_, "grid", std::to_string(size), "1", inp});
+    if (!fs::exists(inp) && !bench::makeGrid(size, inp)) fail(inp + ": cannot be written");
     if (std::strcmp(job.input, "inp") == 0) return inp;
     const std::string drawn = file("rete", size, ".dxf");
     if (!fs::exists(drawn)) run({vessora_, "import", inp, "-o", drawn});
@@ -292,7 +292,7 @@ class Bench {
     return {self_, "--child", job.name, input, out};
   }
 
-  std::string self_, vessora_, makeNetwork_;
+  std::string self_, vessora_;
   fs::path folder_;
   std::vector<std::size_t> sizes_;
 };
