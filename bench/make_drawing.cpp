@@ -91,10 +91,12 @@ void node(Writer& w, std::size_t i, double x, double y, std::uint64_t space) {
 platform::Result<void> makeDrawing(std::size_t elements, const std::string& path) {
   AcDbDatabase database;
   cad::Drawing& d = database.drawing();
-  for (const char16_t* layer : {u"RETE_CONDOTTE", u"RETE_NODI"}) d.layerNamed(layer, true);
-  d.registerApplication(u"MISURA");
-  d.addBlock(u"NODO", {0, 0, 0});
-  const std::uint64_t space = d.record(d.modelSpace()).handle, first = d.takeHandle();
+  for (const char16_t* layer : {u"RETE_CONDOTTE", u"RETE_NODI"})
+    d.structure().layerNamed(layer, true);
+  d.structure().registerApplication(u"MISURA");
+  d.structure().addBlock(u"NODO", {0, 0, 0});
+  const std::uint64_t space = d.record(d.structure().modelSpace()).handle,
+                      first = d.records().takeHandle();
   std::string empty = d.toBytes();
   const std::size_t seed = empty.find('\n', empty.find("$HANDSEED\n  5\n") + 10) + 1;
   empty.replace(seed, empty.find('\n', seed) - seed,

@@ -139,10 +139,10 @@ int importNetwork(const ImportOptions& o) {
   };
   {
     Progress progress(words("Disegno della rete:", "Drawing the network:"));
-    Session::instance().database()->drawing().setObserver(
+    Session::instance().database()->drawing().writer().setObserver(
         [&](std::uint32_t n) { progress.show(std::to_string(n) + words(" oggetti", " objects")); });
     Session::instance().run(u"impinp");
-    Session::instance().database()->drawing().setObserver({});
+    Session::instance().database()->drawing().writer().setObserver({});
   }
   if (!ui.problem.empty()) return fail(o.inp + ": " + ui.problem);
   for (const std::u16string& message : ui.messages) {

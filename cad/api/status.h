@@ -33,6 +33,8 @@ enum ErrorStatus {
   eDwgNeedsRecovery,
   eNotImplementedYet,
   eSelfReference,
+  eInvalidDwgVersion,       // this version of drawing cannot hold the object
+  eCannotBeErasedByCaller,  // the drawing needs it, or something in it does
 };
 
 }  // namespace Acad

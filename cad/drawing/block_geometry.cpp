@@ -49,7 +49,7 @@ AcGeMatrix3d insertTransform(const Drawing* d, const TagList& t, std::uint32_t b
   m.entry[0][3] = p.x + c * dx - s * dy;
   m.entry[1][3] = p.y + s * dx + c * dy;
   m.entry[2][3] = p.z;
-  if (const BlockInfo* info = d ? d->block(blockId) : nullptr) {
+  if (const BlockInfo* info = d ? d->structure().block(blockId) : nullptr) {
     const AcGePoint3d b = blockOrigin(*d, *info);
     base.entry[0][3] = -b.x;
     base.entry[1][3] = -b.y;
@@ -60,22 +60,22 @@ AcGeMatrix3d insertTransform(const Drawing* d, const TagList& t, std::uint32_t b
 
 AcGePoint3d blockOrigin(const Drawing& drawing, const BlockInfo& block) {
   if (!block.begin) return {};
-  const char* text = drawing.record(block.begin).bytes;
+  const TextKey text = drawing.records().textKey(block.begin);
   if (block.originOf == text) return block.origin;
-  auto t = borrowTags();
+  const auto t = borrowTags();
   drawing.parse(block.begin, *t);
   const int i = t->find(10, t->body());
   block.origin = i < 0 ? AcGePoint3d() : t->point(i);
   block.originOf = text;
-  returnTags(std::move(t));
   return block.origin;
 }
 
 void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& before,
                          const AcGeMatrix3d& after) {
   const AcGeMatrix3d world = after * inverse(before);
-  auto t = borrowTags();
-  for (std::uint32_t a = drawing.firstPart(reference); a; a = drawing.nextPart(reference, a)) {
+  const auto t = borrowTags();
+  for (std::uint32_t a = drawing.structure().firstPart(reference); a;
+       a = drawing.structure().nextPart(reference, a)) {
     if (drawing.record(a).type != Type::attrib || drawing.record(a).is(Record::open)) continue;
     drawing.parse(a, *t);
     // The attribute's points are in its own system, which need not be the world's.
@@ -100,9 +100,8 @@ void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMa
     if (std::fabs(turn) > 1e-9) {
       t->putReal(50, t->realOr(50, 0, t->subclass("AcDbText")) + turn, t->subclass("AcDbText"));
     }
-    drawing.rewrite(a, *t);
+    drawing.writer().rewrite(a, *t);
   }
-  returnTags(std::move(t));
 }
 
 }  // namespace cad

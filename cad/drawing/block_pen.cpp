@@ -26,7 +26,6 @@ double condensed(const PenText& text) {
 
 BlockPen::BlockPen(Drawing& drawing, const BlockInfo& block)
     : drawing_(drawing), block_(block), tags_(borrowTags()) {}
-BlockPen::~BlockPen() { returnTags(std::move(tags_)); }
 
 TagList& BlockPen::begin(std::string_view type, std::string_view marker) {
   tags_->create(drawing_.format(), type);
@@ -38,8 +37,7 @@ TagList& BlockPen::begin(std::string_view type, std::string_view marker) {
 }
 
 void BlockPen::add() {
-  drawing_.completeTags(*tags_, drawing_.newHandle(), block_.id, false, true);
-  drawing_.addRecord(*tags_, block_.end, block_.id, false, false);
+  drawing_.writer().addComplete(*tags_, {.before = block_.end, .owner = block_.id, .entity = true});
 }
 
 void BlockPen::line(double x1, double y1, double x2, double y2) {
@@ -66,7 +64,7 @@ void BlockPen::fill(double x1, double y1, double x2, double y2) {
 }
 
 void BlockPen::addStyle(TagList& t, std::u16string_view style) {
-  if (!style.empty() && drawing_.tableEntry(Type::style, style)) t.addText(7, style);
+  if (!style.empty() && drawing_.structure().tableEntry(Type::style, style)) t.addText(7, style);
 }
 
 void BlockPen::addTextBody(TagList& t, const PenText& text) {
@@ -120,7 +118,7 @@ void BlockPen::paragraphs(const PenText& text) {
 }
 
 void BlockPen::insert(const AcGePoint3d& at, std::u16string_view block, double scale) {
-  if (!drawing_.blockByName(drawing_.names().find(block))) return;
+  if (!drawing_.structure().blockByName(drawing_.names().find(block))) return;
   TagList& t = begin("INSERT", "AcDbBlockReference");
   t.addText(2, block);
   t.addPoint(10, at);

@@ -28,7 +28,6 @@ struct PenText {
 class BlockPen {
  public:
   BlockPen(Drawing& drawing, const BlockInfo& block);
-  ~BlockPen();
   BlockPen(const BlockPen&) = delete;
   BlockPen& operator=(const BlockPen&) = delete;
 
@@ -54,7 +53,7 @@ class BlockPen {
 
   Drawing& drawing_;
   const BlockInfo block_;
-  std::unique_ptr<TagList> tags_;
+  BorrowedTags tags_;
   int color_ = 0;
 };
 

@@ -18,7 +18,7 @@ namespace {
 template <class Table>
 Acad::ErrorStatus openTable(AcDbDatabase& db, Type type, Table*& table, AcDb::OpenMode mode) {
   table = nullptr;
-  return acdbOpenObject(table, db.drawing().idOf(db.drawing().tableRecord(type)), mode);
+  return acdbOpenObject(table, db.drawing().idOf(db.drawing().structure().tableRecord(type)), mode);
 }
 }  // namespace
 
@@ -41,7 +41,7 @@ Acad::ErrorStatus AcDbDatabase::getBlockTable(AcDbBlockTable*& table, AcDb::Open
 Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dictionary,
                                                           AcDb::OpenMode mode) {
   dictionary = nullptr;
-  return acdbOpenObject(dictionary, drawing_->idOf(drawing_->rootDictionary()), mode);
+  return acdbOpenObject(dictionary, drawing_->idOf(drawing_->structure().rootDictionary()), mode);
 }
 
 Acad::ErrorStatus AcDbDatabase::getTableStyleDictionary(AcDbDictionary*& dictionary,
@@ -95,7 +95,8 @@ Acad::ErrorStatus AcDbDatabase::insert(AcDbObjectId& id, std::u16string_view nam
   if (!source) return Acad::eNullObjectPointer;
   if (source == this) return Acad::eSelfReference;
   if (name.empty()) return Acad::eInvalidInput;
-  if (drawing_->blockByName(drawing_->names().of(name))) return Acad::eDuplicateRecordName;
+  if (drawing_->structure().blockByName(drawing_->names().of(name)))
+    return Acad::eDuplicateRecordName;
   id = drawing_->idOf(cad::insertBlock(*drawing_, name, source->drawing()));
   return id.isNull() ? Acad::eInvalidInput : Acad::eOk;
 }
@@ -115,6 +116,6 @@ AcDbHostApplicationServices* acdbHostApplicationServices() {
 int acdbRegApp(std::u16string_view name) {
   AcDbDatabase* db = acdbHostApplicationServices()->workingDatabase();
   if (!db || name.empty() || name.size() > 255) return RTERROR;
-  db->drawing().registerApplication(name);
+  db->drawing().structure().registerApplication(name);
   return RTNORM;
 }

@@ -38,10 +38,7 @@ AcDbObject::AcDbObject() : view_(new cad::ViewState) {
 
 AcDbObject::AcDbObject(cad::ViewState* state) : view_(state) {}
 
-AcDbObject::~AcDbObject() {
-  if (view_->tags) cad::returnTags(std::move(view_->tags));
-  delete view_;
-}
+AcDbObject::~AcDbObject() { delete view_; }
 
 Acad::ErrorStatus AcDbObject::close() {
   if (!view_->drawing) {  // never given to a drawing: nothing to keep
@@ -87,7 +84,7 @@ bool AcDbObject::isErased() const {
 const TagList& AcDbObject::tags() const {
   if (view_->tags) return *view_->tags;
   if (view_->shared) return *view_->shared;
-  view_->shared = view_->drawing->definitionTags(view_->record);
+  view_->shared = view_->drawing->records().definitionTags(view_->record);
   if (view_->shared) return *view_->shared;
   view_->tags = cad::borrowTags();
   view_->drawing->parse(view_->record, *view_->tags);
@@ -166,7 +163,7 @@ bool hexBytes(std::u16string_view text) {
 
 Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
   if (!chain || chain->restype != 1001) return Acad::eInvalidXdata;
-  if (drawing && !drawing->tableEntry(cad::Type::appid, chain->resval.rstring)) {
+  if (drawing && !drawing->structure().tableEntry(cad::Type::appid, chain->resval.rstring)) {
     return Acad::eRegappIdNotFound;
   }
   int depth = 0;
@@ -225,7 +222,7 @@ resbuf* AcDbObject::xData(const char16_t* application) const {
     const cad::Drawing& d = *view_->drawing;
     const std::uint32_t apps = d.record(view_->record).apps;
     if (apps == 0) return nullptr;
-    if (application && !d.applicationSets().contains(apps, d.names().find(application))) {
+    if (application && !d.records().sets().contains(apps, d.names().find(application))) {
       return nullptr;
     }
   }

@@ -36,7 +36,7 @@ TagList& begin(AcDbObject& object, std::string_view type, std::string_view marke
   // New entities lie on the current layer until somebody puts them elsewhere.
   const AcDbDatabase* current = acdbHostApplicationServices()->workingDatabase();
   if (current) {
-    t.addText(8, current->drawing().currentLayer());
+    t.addText(8, current->drawing().header().currentLayer());
   } else {
     t.addAscii(8, "0");
   }
@@ -63,7 +63,8 @@ std::u16string AcDbEntity::layer() const {
 Acad::ErrorStatus AcDbEntity::setLayer(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
   if (name.empty()) return Acad::eInvalidInput;
-  if (view_->drawing && !view_->drawing->layerNamed(name, true)) return Acad::eInvalidInput;
+  if (view_->drawing && !view_->drawing->structure().layerNamed(name, true))
+    return Acad::eInvalidInput;
   TagList& t = tagsForWrite();
   const int i = t.find(8, t.body());
   if (i >= 0) {
@@ -122,7 +123,7 @@ std::u16string AcDbEntity::linetype() const {
 
 Acad::ErrorStatus AcDbEntity::setLinetype(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
-  if (view_->drawing && !view_->drawing->hasLinetype(name)) return Acad::eKeyNotFound;
+  if (view_->drawing && !view_->drawing->structure().hasLinetype(name)) return Acad::eKeyNotFound;
   TagList& t = tagsForWrite();
   TagRange common = t.subclass("AcDbEntity");
   const int i = t.find(6, common);
@@ -246,7 +247,7 @@ std::u16string AcDbText::textStyleName() const {
 }
 Acad::ErrorStatus AcDbText::setTextStyleName(std::u16string_view name) {
   if (writable(*this) != Acad::eOk) return Acad::eNotOpenForWrite;
-  if (view_->drawing && !view_->drawing->tableEntry(cad::Type::style, name))
+  if (view_->drawing && !view_->drawing->structure().tableEntry(cad::Type::style, name))
     return Acad::eKeyNotFound;
   TagList& t = tagsForWrite();
   t.putText(7, name, t.subclass("AcDbText"));
@@ -383,10 +384,10 @@ AcDbObjectIterator::AcDbObjectIterator(const cad::Drawing* drawing, std::uint32_
   start();
 }
 AcDbObjectIterator::~AcDbObjectIterator() = default;
-void AcDbObjectIterator::start() { at_ = drawing_ ? drawing_->firstPart(owner_) : 0; }
+void AcDbObjectIterator::start() { at_ = drawing_ ? drawing_->structure().firstPart(owner_) : 0; }
 bool AcDbObjectIterator::done() const { return at_ == 0; }
 void AcDbObjectIterator::step() {
-  if (at_) at_ = drawing_->nextPart(owner_, at_);
+  if (at_) at_ = drawing_->structure().nextPart(owner_, at_);
 }
 AcDbObjectId AcDbObjectIterator::objectId() const {
   return at_ ? drawing_->idOf(at_) : AcDbObjectId();
@@ -428,7 +429,7 @@ Acad::ErrorStatus AcDb3dPolyline::appendVertex(AcDbObjectId& id, AcDb3dPolylineV
   if (!vertex) return Acad::eNullObjectPointer;
   TagList& t = vertex->tagsForWrite();
   if (const int i = t.find(8, t.body()); i >= 0) t.setText(i, layer());
-  const Acad::ErrorStatus s = view_->drawing->appendPart(view_->record, *vertex);
+  const Acad::ErrorStatus s = view_->drawing->append(view_->record, *vertex);
   if (s == Acad::eOk) id = vertex->objectId();
   return s;
 }
@@ -441,13 +442,13 @@ bool AcDb3dPolyline::isClosed() const {
 void AcDb3dPolyline::vertices(std::vector<AcGePoint3d>& points) const {
   if (!view_->drawing) return;
   const cad::Drawing& d = *view_->drawing;
-  auto t = cad::borrowTags();
-  for (std::uint32_t v = d.firstPart(view_->record); v; v = d.nextPart(view_->record, v)) {
+  const auto t = cad::borrowTags();
+  for (std::uint32_t v = d.structure().firstPart(view_->record); v;
+       v = d.structure().nextPart(view_->record, v)) {
     d.parse(v, *t);
     const int i = t->find(10);
     points.push_back(i < 0 ? AcGePoint3d() : t->point(i));
   }
-  cad::returnTags(std::move(t));
 }
 
 Acad::ErrorStatus AcDb3dPolyline::getStartPoint(AcGePoint3d& point) const {
@@ -545,7 +546,7 @@ AcDbObjectId AcDbBlockReference::blockTableRecord() const {
   const int i = t.find(2, t.body());
   if (i < 0 || !view_->drawing) return {};
   const cad::Drawing& d = *view_->drawing;
-  return d.idOf(d.blockByName(d.names().find(t.text(i))));
+  return d.idOf(d.structure().blockByName(d.names().find(t.text(i))));
 }
 
 std::u16string AcDbBlockReference::blockName() const {
@@ -622,7 +623,7 @@ Acad::ErrorStatus AcDbBlockReference::appendAttribute(AcDbObjectId& id, AcDbAttr
   TagList& t = attribute->tagsForWrite();
   // What lies on layer 0 in the definition goes along with the reference's layer.
   if (const int i = t.find(8, t.body()); i >= 0 && t.is(i, "0")) t.setText(i, layer());
-  const Acad::ErrorStatus s = view_->drawing->appendPart(view_->record, *attribute);
+  const Acad::ErrorStatus s = view_->drawing->append(view_->record, *attribute);
   if (s == Acad::eOk) id = attribute->objectId();
   return s;
 }

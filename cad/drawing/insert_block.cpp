@@ -181,15 +181,15 @@ class BlockCopier {
 
   std::uint32_t copy(std::u16string_view name, std::uint32_t sourceBlock, const AcGePoint3d& base) {
     // Blocks that the contents use come first, so that no reference stands before its definition.
-    for (std::uint32_t e = from_.firstEntity(sourceBlock); e;
-         e = from_.nextEntity(sourceBlock, e)) {
+    for (std::uint32_t e = from_.structure().firstEntity(sourceBlock); e;
+         e = from_.structure().nextEntity(sourceBlock, e)) {
       const Type type = from_.record(e).type;
       if (type == Type::insert || type == Type::dimension) nested(from_.record(e).name);
     }
-    const BlockInfo block = to_.addBlock(name, base);
+    const BlockInfo block = to_.structure().addBlock(name, base);
     bool attributes = false;
-    for (std::uint32_t e = from_.firstEntity(sourceBlock); e;
-         e = from_.nextEntity(sourceBlock, e)) {
+    for (std::uint32_t e = from_.structure().firstEntity(sourceBlock); e;
+         e = from_.structure().nextEntity(sourceBlock, e)) {
       entity(e, block);
       attributes |= from_.record(e).type == Type::attdef;
     }
@@ -197,7 +197,7 @@ class BlockCopier {
       TagList t;
       to_.parse(block.begin, t);
       t.putInteger(70, t.integerOr(70, 0, t.body()) | 2, t.subclass("AcDbBlockBegin"));
-      to_.rewrite(block.begin, t);
+      to_.writer().rewrite(block.begin, t);
     }
     return block.id;
   }
@@ -205,13 +205,13 @@ class BlockCopier {
  private:
   // A block of the source that the contents use, under the name that it gets here.
   void nested(std::uint32_t sourceName) {
-    const std::uint32_t id = from_.blockByName(sourceName);
-    const BlockInfo* info = from_.block(id);
+    const std::uint32_t id = from_.structure().blockByName(sourceName);
+    const BlockInfo* info = from_.structure().block(id);
     if (!info || !info->begin || newName_.count(sourceName)) return;
     const std::u16string& name = from_.names().text(sourceName);
     const bool anonymous = name[0] == u'*', clash = platform::equalNoCase(name, top_);
     newName_[sourceName] = anonymous || clash ? freeName(name) : name;
-    if (!anonymous && !clash && to_.blockByName(to_.names().of(name)))
+    if (!anonymous && !clash && to_.structure().blockByName(to_.names().of(name)))
       return;  // the target's own stays
     TagList t;
     from_.parse(info->begin, t);
@@ -225,8 +225,8 @@ class BlockCopier {
     const std::u16string stem = name[0] == u'*' ? name.substr(0, 2) : name + u"_";
     std::u16string fresh;
     do fresh = stem + platform::widen(std::to_string(++number_));
-    while (to_.blockByName(to_.names().find(fresh)) ||
-           from_.blockByName(from_.names().find(fresh)));
+    while (to_.structure().blockByName(to_.names().find(fresh)) ||
+           from_.structure().blockByName(from_.names().find(fresh)));
     return fresh;
   }
 
@@ -267,14 +267,14 @@ class BlockCopier {
   void classOf(const TagList& entity) {
     const std::string_view dxf = entity[0].bytes();
     TagList t;
-    for (std::uint32_t i = from_.firstRecord(); i && from_.record(i).type != Type::table;
+    for (std::uint32_t i = from_.records().first(); i && from_.record(i).type != Type::table;
          i = from_.record(i).next) {
       if (from_.record(i).type != Type::classRecord) continue;
       from_.parse(i, t);
       const int name = t.find(1), cpp = t.find(2), application = t.find(3);
       if (name < 0 || cpp < 0 || application < 0 || !t.is(name, dxf)) continue;
-      to_.ensureClass(dxf, t[cpp].bytes(), t[application].bytes(),
-                      static_cast<int>(t.integerOr(90, 0, t.body())), true);
+      to_.structure().ensureClass(dxf, t[cpp].bytes(), t[application].bytes(),
+                                  static_cast<int>(t.integerOr(90, 0, t.body())), true);
       return;
     }
   }
@@ -293,8 +293,8 @@ class BlockCopier {
     }
     symbols(t, type);
     stripPointers(t);
-    to_.completeTags(t, to_.newHandle(), owner, false, true);
-    return to_.addRecord(t, before, owner, false, child);
+    return to_.writer().addComplete(
+        t, {.before = before, .owner = owner, .child = child, .entity = true});
   }
 
   // Releases before R14 have no light polylines: a plane polyline with vertices says the same.
@@ -356,14 +356,15 @@ class BlockCopier {
       const TagRange own =
           type == Type::leader ? t.subclass("AcDbLeader") : t.subclass("AcDbDimension");
       const int i = t.find(3, own);
-      if (i >= 0 && !to_.tableEntry(Type::dimstyle, t.text(i))) t.setAscii(i, "STANDARD");
+      if (i >= 0 && !to_.structure().tableEntry(Type::dimstyle, t.text(i)))
+        t.setAscii(i, "STANDARD");
     }
   }
 
   void applications(TagList& t) {
     for (int i = t.xdataBegin(); i < t.size(); ++i) {
       const int c = t[i].code;
-      if (c == 1001) to_.registerApplication(t.text(i));
+      if (c == 1001) to_.structure().registerApplication(t.text(i));
       if (c == 1005) t.setHandle(i, 0);  // means another object here, or none
       // Old programs wrote axes without the point that they belong to; later versions refuse them.
       if (newForm_ && !sameForm_ && c >= 1020 && c <= 1033 && t[i - 1].code != c - 10) {
@@ -376,9 +377,11 @@ class BlockCopier {
 
   // A table entry that the target lacks comes along. False when there is none to be had.
   bool entry(Type type, const std::u16string& name) {
-    if (to_.tableEntry(type, name) || (type == Type::ltype && to_.hasLinetype(name))) return true;
-    const std::uint32_t source = from_.tableEntry(type, name);
-    if (!source) return type == Type::layer && to_.layerNamed(name, true);
+    if (to_.structure().tableEntry(type, name) ||
+        (type == Type::ltype && to_.structure().hasLinetype(name)))
+      return true;
+    const std::uint32_t source = from_.structure().tableEntry(type, name);
+    if (!source) return type == Type::layer && to_.structure().layerNamed(name, true);
     TagList t, marked;
     from_.parse(source, t);
     if (type == Type::layer && !entry(Type::ltype, t.textOr(6, u"Continuous", t.body()))) {
@@ -393,10 +396,7 @@ class BlockCopier {
     }
     applications(*copy);
     stripPointers(*copy);
-    const std::uint32_t table = to_.tableRecord(type);
-    to_.completeTags(*copy, to_.newHandle(), table, false, false);
-    const std::uint32_t added = to_.addRecord(*copy, to_.table(type)->endtab, table, false, false);
-    to_.renameEntry(added, name);
+    to_.structure().addEntry(type, *copy);
     return true;
   }
 
@@ -445,13 +445,13 @@ class BlockCopier {
 }  // namespace
 
 std::uint32_t insertBlock(Drawing& to, std::u16string_view name, const Drawing& from) {
-  if (!usableName(name)) return 0;
+  if (!usableName(name, to.format().version, true)) return 0;
   TagList tags;
   TagRange range;
   AcGePoint3d base;
-  if (from.headerVariable("$INSBASE", tags, range) && !range.empty())
+  if (from.header().variable("$INSBASE", tags, range) && !range.empty())
     base = tags.point(range.begin);
-  return BlockCopier(to, from, name).copy(name, from.modelSpace(), base);
+  return BlockCopier(to, from, name).copy(name, from.structure().modelSpace(), base);
 }
 
 }  // namespace cad

@@ -186,6 +186,8 @@ const char16_t* acadErrorStatusText(Acad::ErrorStatus status) {
     STATUS(eDwgNeedsRecovery);
     STATUS(eNotImplementedYet);
     STATUS(eSelfReference);
+    STATUS(eInvalidDwgVersion);
+    STATUS(eCannotBeErasedByCaller);
 #undef STATUS
   }
   return u"eInvalidInput";

@@ -4,6 +4,7 @@
 
 #include "cad/drawing/drawing.h"
 #include "platform/files.h"
+#include "platform/text.h"
 
 namespace cad {
 namespace {
@@ -26,53 +27,51 @@ double julianNow(bool local) {
 
 }  // namespace
 
-void Drawing::setHeader(TagList& tags, std::string_view name, int code, double real,
-                        std::uint64_t handle) {
-  for (int i = 1; i < tags.size(); ++i) {
-    if (tags[i].code != 9 || tags[i].bytes() != name) continue;
-    if (i + 1 < tags.size() && tags[i + 1].code == code) {
-      code == 5 ? tags.setHandle(i + 1, handle) : tags.setReal(i + 1, real);
-    }
-    return;
-  }
-  if (code != 5 || !format_.hasHandlesAndMarkers()) return;
-  tags.insertAscii(tags.size(), 9, name);
-  tags.insertHandle(tags.size(), 5, handle);
-}
-
-// What a changed drawing must say of itself: which handles are free, and when it was changed.
+// What a changed drawing must say of itself: which handles are free, and when it was changed. No
+// part of what commands do and undo.
 void Drawing::updateHeader() {
-  if (!changed_) return;
-  for (const std::uint32_t i : marks_) records_[i].set(Record::synthetic, false);
-  marks_.clear();
-  trailer_ = {};
-  dropErasedMembers();
-  const auto it = sections_.find(u"HEADER");
-  if (it == sections_.end()) return;
-  auto tags = borrowTags();
-  parse(it->second.first, *tags);
-  if (usesHandles_) setHeader(*tags, "$HANDSEED", 5, 0, nextHandle_);
-  setHeader(*tags, "$TDUPDATE", 40, julianNow(true), 0);
-  setHeader(*tags, "$TDUUPDATE", 40, julianNow(false), 0);
-  commit(it->second.first, *tags);
-  records_[it->second.first].handle = 0;
-  returnTags(std::move(tags));
+  if (!isChanged()) return;
+  structure_.writeMarks();
+  records_.dropTrailer();
+  const std::uint32_t header = structure_.section(u"HEADER").begin;
+  if (!header) return;
+  const History::Pause pause(history_);
+  const auto tags = borrowTags();
+  TagRange range;
+  const auto find = [&](std::string_view name) {
+    for (int i = 1; i + 1 < tags->size(); ++i) {
+      if ((*tags)[i].code == 9 && (*tags)[i].bytes() == name) return i + 1;
+    }
+    return 0;
+  };
+  records_.parse(header, *tags);
+  if (const int i = find("$HANDSEED"); i && (*tags)[i].code == 5) {
+    if (records_.usesHandles()) tags->setHandle(i, records_.nextHandle());
+  } else if (!i && format().hasHandlesAndMarkers()) {
+    tags->addAscii(9, "$HANDSEED");
+    tags->addHandle(5, records_.nextHandle());
+  }
+  for (const auto& [name, local] : {std::pair{"$TDUPDATE", true}, {"$TDUUPDATE", false}}) {
+    if (const int i = find(name); i && (*tags)[i].code == 40) tags->setReal(i, julianNow(local));
+  }
+  writer_.rewrite(header, *tags);
+  records_.edit(header).handle = 0;
 }
 
 void Drawing::fitView() {
-  const std::uint32_t viewport = tableEntry(Type::vport, u"*Active");
-  auto tags = borrowTags();
+  const std::uint32_t viewport = structure_.tableEntry(Type::vport, u"*Active");
+  const auto tags = borrowTags();
   AcDbExtents box;
-  for (const auto& [name, points] : drawn_) {
-    const std::uint32_t layer = tableEntry(Type::layer, names_.text(name));
-    if (layer) parse(layer, *tags);
+  for (const auto& [name, points] : writer_.drawn()) {
+    const std::uint32_t layer = structure_.tableEntry(Type::layer, name);
+    if (layer) records_.parse(layer, *tags);
     const bool hidden = layer && (tags->integerOr(70, 0, tags->body()) & 1 ||
                                   tags->integerOr(62, 7, tags->body()) < 0);
     if (!hidden) box.addExt(points);
   }
-  if (box.isEmpty() || !viewport) return returnTags(std::move(tags));
+  if (box.isEmpty() || !viewport) return;
   const AcGePoint3d &low = box.minPoint(), &high = box.maxPoint();
-  parse(viewport, *tags);
+  records_.parse(viewport, *tags);
   const TagRange body = tags->body();
   const double aspect = std::max(0.1, tags->realOr(41, 1, body));
   const double height = std::max({high.y - low.y, (high.x - low.x) / aspect, 10.0}) * 1.1;
@@ -81,42 +80,86 @@ void Drawing::fitView() {
     if (const int i = tags->find(12 + 10 * k, body); i >= 0) tags->setReal(i, center[k]);
   }
   if (const int i = tags->find(40, body); i >= 0) tags->setReal(i, height);
-  commit(viewport, *tags);
-  const auto header = sections_.find(u"HEADER");
-  if (header != sections_.end()) {
-    parse(header->second.first, *tags);
-    for (int i = 1; i + 3 < tags->size(); ++i) {
-      const bool least = (*tags)[i].bytes() == "$EXTMIN";
-      if ((*tags)[i].code != 9 || (!least && (*tags)[i].bytes() != "$EXTMAX")) continue;
-      const AcGePoint3d& p = least ? low : high;
-      tags->putPoint(10, p, {i + 1, i + 4});
-    }
-    commit(header->second.first, *tags);
+  writer_.rewrite(viewport, *tags);
+  for (const auto& [name, point] : {std::pair{"$EXTMIN", low}, {"$EXTMAX", high}}) {
+    TagRange range;
+    if (!header_.variable(name, *tags, range) || range.empty()) continue;
+    tags->putPoint(10, point, range);
+    writer_.rewrite(structure_.section(u"HEADER").begin, *tags);
   }
-  returnTags(std::move(tags));
 }
 
-// Calls sink with the longest stretches that lie together in memory.
+// The tags of an object that lists others, without those that have been erased: members of groups
+// and drawing orders, entries of dictionaries, reactors. False when it lists none of them.
+bool Drawing::prune(std::uint32_t record, TagList& kept) const {
+  const auto tags = borrowTags();
+  records_.parse(record, *tags);
+  const std::u16string type = platform::upper(records_.typeName(record));
+  const bool group = type == u"GROUP", order = type == u"SORTENTSTABLE";
+  const bool dictionary = records_[record].type == Type::dictionary;
+  const TagRange reactors = tags->group("ACAD_REACTORS");
+  const auto isGone = [&](int i) {
+    if (i >= tags->size()) return false;
+    const std::uint32_t other = byHandle(tags->handle(i));
+    return other && records_[other].is(Record::erased);
+  };
+  kept.create(format(), (*tags)[0].bytes());
+  for (int i = 1; i < tags->size(); ++i) {
+    const int code = (*tags)[i].code;
+    const int next = i + 1 < tags->size() ? (*tags)[i + 1].code : 0;
+    const bool member = (group && code == 340) || (order && code == 331) ||
+                        (code == 330 && i >= reactors.begin && i < reactors.end);
+    if (member && isGone(i)) {
+      if (order && next == 5) ++i;
+    } else if (dictionary && code == 3 && (next == 350 || next == 360) && isGone(i + 1)) {
+      ++i;
+    } else {
+      kept.insertCopy(kept.size(), *tags, i);
+    }
+  }
+  return kept.size() != tags->size();
+}
+
+// Calls sink with the longest stretches that lie together in memory. What objects list that has
+// been erased is left out of the file and stays in the drawing: the erasing may be taken back.
 template <class Sink>
-void Drawing::writeTo(Sink&& sink) {
-  std::string_view pending = preamble_;
-  for (std::uint32_t i = first_; i; i = records_[i].next) {
+void Drawing::writeTo(Sink&& sink) const {
+  records_.checkOrder();
+  const std::uint32_t objects = structure_.section(u"OBJECTS").begin;
+  bool inObjects = false;
+  TagList kept;
+  std::string own;
+  std::string_view pending = records_.preamble();
+  for (std::uint32_t i = records_.first(); i; i = records_[i].next) {
     const Record& r = records_[i];
+    if (i == objects) inObjects = erasedMembers_;
+    if (r.type == Type::endsec) inObjects = false;
     if (r.is(Record::erased) || r.is(Record::synthetic)) continue;
+    std::string_view text = r.text();
     // A text that ends without a line end (the last one of a file) must not run into the next.
-    const bool ended = format_.binary || i == first_ || pending.empty() || pending.back() == '\n';
-    if (ended && pending.data() + pending.size() == r.bytes) {
-      pending = {pending.data(), pending.size() + r.size};
+    const bool ended =
+        format().binary || i == records_.first() || pending.empty() || pending.back() == '\n';
+    const bool pruned = inObjects && i != objects && prune(i, kept);
+    if (!pruned && ended && pending.data() + pending.size() == text.data()) {
+      pending = {pending.data(), pending.size() + text.size()};
       continue;
     }
     if (!pending.empty()) {
       sink(pending);
       if (!ended) sink(std::string_view("\n"));
     }
-    pending = r.text();
+    if (pruned) {
+      own.resize(kept.writtenSize() + 16);
+      text = {own.data(), static_cast<std::size_t>(kept.write(own.data()) - own.data())};
+    }
+    pending = text;
+    if (pruned) {
+      sink(pending);
+      pending = {};
+    }
   }
   if (!pending.empty()) sink(pending);
-  if (!trailer_.empty()) sink(trailer_);
+  if (!records_.trailer().empty()) sink(records_.trailer());
 }
 
 std::string Drawing::toBytes() {
@@ -135,7 +178,7 @@ platform::Result<void> Drawing::save(const std::string& path, const SaveOptions&
   if (!file) return platform::Error{file.error()};
   writeTo([&](std::string_view s) { file->write(s); });
   auto done = file->commit(options.keepBackup);
-  if (done) changed_ = false;
+  if (done) history_.setChanged(false);
   return done;
 }
 

@@ -95,23 +95,22 @@ bool Filter::test(const Drawing& d, std::uint32_t entity, const Node& node) {
     case Kind::type:
       return r.typeName == static_cast<std::uint32_t>(node.number);
     case Kind::application:
-      return d.applicationSets().contains(r.apps, static_cast<std::uint32_t>(node.number)) &&
+      return d.records().sets().contains(r.apps, static_cast<std::uint32_t>(node.number)) &&
              node.number != 0;
     case Kind::paper:
       return r.is(Record::paper) == (node.number != 0);
     case Kind::layout: {
       // Entities of the model do not always say so.
-      if (platform::equalNoCase(node.text, u"Model")) return r.owner == d.modelSpace();
-      if (r.owner == d.modelSpace()) return false;
-      auto t = borrowTags();
+      if (platform::equalNoCase(node.text, u"Model")) return r.owner == d.structure().modelSpace();
+      if (r.owner == d.structure().modelSpace()) return false;
+      const auto t = borrowTags();
       d.parse(entity, *t);
       const bool hit = platform::equalNoCase(t->textOr(410, u"", t->body()), node.text);
-      returnTags(std::move(t));
       return hit;
     }
     case Kind::color:
     case Kind::linetype: {
-      auto t = borrowTags();
+      const auto t = borrowTags();
       d.parse(entity, *t);
       bool hit;
       if (node.kind == Kind::color) {
@@ -119,7 +118,6 @@ bool Filter::test(const Drawing& d, std::uint32_t entity, const Node& node) {
       } else {
         hit = platform::equalNoCase(t->textOr(6, u"ByLayer", t->subclass("AcDbEntity")), node.text);
       }
-      returnTags(std::move(t));
       return hit;
     }
   }
@@ -130,7 +128,8 @@ bool Filter::test(const Drawing& d, std::uint32_t entity, const Node& node) {
 void Filter::resolve(const Drawing& d, Node& n) {
   if (n.kind == Kind::layer || n.kind == Kind::block || n.kind == Kind::type ||
       n.kind == Kind::application) {
-    n.number = static_cast<int>(d.names().find(n.text));
+    const NameTable& table = n.kind == Kind::type ? d.records().types() : d.names();
+    n.number = static_cast<int>(table.find(n.text));
   }
   for (Node& c : n.children) resolve(d, c);
 }
@@ -151,11 +150,11 @@ std::size_t Filter::estimate(Drawing& d, const Node& node) {
   const auto name = static_cast<std::uint32_t>(node.number);
   switch (node.kind) {
     case Kind::layer:
-      return d.onLayer(name).size();
+      return d.index().onLayer(name).size();
     case Kind::block:
-      return d.ofBlock(name).size();
+      return d.index().ofBlock(name).size();
     case Kind::application:
-      return d.withApplication(name).size();
+      return d.index().withApplication(name).size();
     case Kind::all: {
       std::size_t best = kEverything;
       for (const Node& n : node.children) best = std::min(best, estimate(d, n));
@@ -183,13 +182,13 @@ void Filter::collect(Drawing& d, const Node& node, std::vector<std::uint32_t>& o
   const auto name = static_cast<std::uint32_t>(node.number);
   switch (node.kind) {
     case Kind::layer:
-      append(d.onLayer(name));
+      append(d.index().onLayer(name));
       break;
     case Kind::block:
-      append(d.ofBlock(name));
+      append(d.index().ofBlock(name));
       break;
     case Kind::application:
-      append(d.withApplication(name));
+      append(d.index().withApplication(name));
       break;
     case Kind::all: {
       const Node* best = nullptr;
@@ -215,7 +214,7 @@ std::vector<std::uint32_t> Filter::select(Drawing& drawing) const {
   Node root = root_;
   resolve(drawing, root);
   if (estimate(drawing, root) == kEverything) {
-    found = drawing.allInSpace();
+    found = drawing.index().allInSpace();
   } else {
     collect(drawing, root, found);
     if (!std::is_sorted(found.begin(), found.end())) std::sort(found.begin(), found.end());

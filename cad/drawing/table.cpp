@@ -87,7 +87,7 @@ AcDbTableStyle::AcDbTableStyle() {
 
 void AcDbTableStyle::afterAppend() {
   Drawing& d = *view_->drawing;
-  d.ensureClass("TABLESTYLE", "AcDbTableStyle", "ObjectDBX Classes", 4095, false);
+  d.structure().ensureClass("TABLESTYLE", "AcDbTableStyle", "ObjectDBX Classes", 4095, false);
   TagList& t = tagsForWrite();
   const std::uint64_t dictionary = d.record(d.record(view_->record).owner).handle;
   const int at = t.find(5, 1) + 1;
@@ -105,7 +105,7 @@ void AcDbTableStyle::afterAppend() {
 std::u16string AcDbTableStyle::getName() const { return tags().textOr(3, u"", headRange(tags())); }
 Acad::ErrorStatus AcDbTableStyle::setName(std::u16string_view name) {
   if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  if (!cad::usableName(name)) return Acad::eInvalidInput;
+  if (!cad::usableName(name, neutral().version)) return Acad::eInvalidInput;
   TagList& t = tagsForWrite();
   t.putText(3, name, headRange(t));
   return Acad::eOk;
@@ -187,22 +187,6 @@ bool AcDbTableStyle::isTitleSuppressed() const {
 }
 bool AcDbTableStyle::isHeaderSuppressed() const {
   return tags().integerOr(281, 0, headRange(tags())) != 0;
-}
-
-// --- names of tables' blocks ---------------------------------------------------------------------
-
-std::u16string Drawing::freeTableName() {
-  if (lastTable_ == 0) {
-    for (const BlockInfo& b : blocks_) {
-      const std::u16string& name = names_.text(records_[b.id].name);
-      if (name.size() < 3 || name[0] != u'*' || (name[1] != u'T' && name[1] != u't')) continue;
-      lastTable_ = std::max(
-          lastTable_, static_cast<std::uint32_t>(std::max(0, platform::wtoi(name.substr(2)))));
-    }
-    ensureClass("ACAD_TABLE", "AcDbTable", "ObjectDBX Classes", 1025, true);
-    ensureClass("TABLESTYLE", "AcDbTableStyle", "ObjectDBX Classes", 4095, false);
-  }
-  return u"*T" + platform::widen(std::to_string(++lastTable_));
 }
 
 // --- tables --------------------------------------------------------------------------------------
@@ -390,7 +374,7 @@ void dropContent(Drawing& d, TagList& t) {
     entries.erase(i--, end);
   }
   if (entries.find(3, entries.body()) >= 0) {
-    d.rewrite(dictionary, entries);
+    d.writer().rewrite(dictionary, entries);
   } else {
     d.erase(dictionary, true);
     t.erase(group.begin, group.end);
@@ -577,7 +561,7 @@ AcDbTable::AcDbTable() {
   t.create(neutral(), "ACAD_TABLE");
   t.addAscii(100, "AcDbEntity");
   const AcDbDatabase* current = acdbHostApplicationServices()->workingDatabase();
-  t.addText(8, current ? current->drawing().currentLayer() : std::u16string(u"0"));
+  t.addText(8, current ? current->drawing().header().currentLayer() : std::u16string(u"0"));
   t.addAscii(100, "AcDbBlockReference");
   t.addAscii(2, "");
   t.addPoint(10, {});
@@ -611,15 +595,17 @@ void AcDbTable::beforeCommit() {
   Drawing& d = *view_->drawing;
   if (!d.format().hasHandlesAndMarkers()) return;
   TagList& t = tagsForWrite();
-  const std::uint32_t known = d.blockByName(d.names().find(blockName()));
+  const std::uint32_t known = d.structure().blockByName(d.names().find(blockName()));
   BlockInfo block;
-  if (const BlockInfo* info = d.block(known); info && info->end) {
+  if (const BlockInfo* info = d.structure().block(known); info && info->end) {
     block = *info;
     std::vector<std::uint32_t> old;
-    for (std::uint32_t e = d.firstEntity(known); e; e = d.nextEntity(known, e)) old.push_back(e);
+    for (std::uint32_t e = d.structure().firstEntity(known); e;
+         e = d.structure().nextEntity(known, e))
+      old.push_back(e);
     for (const std::uint32_t e : old) d.erase(e, true);
   } else {
-    block = d.addBlock(d.freeTableName(), {});
+    block = d.structure().addBlock(d.structure().freeTableName(), {});
   }
   if (grid_->style.isNull()) grid_->style = standardStyle(d);
   cad::drawTable(d, block, grid_->picture(d));

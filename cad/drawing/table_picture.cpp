@@ -127,7 +127,7 @@ class Painter {
 TableLook lookOf(const Drawing& drawing, std::uint32_t style) {
   TableLook look;
   if (!style || drawing.record(style).type != Type::tableStyle) return look;
-  auto t = borrowTags();
+  const auto t = borrowTags();
   drawing.parse(style, *t);
   const TagRange own = t->subclass("AcDbTableStyle");
   CellLook* const parts[] = {&look.data, &look.title, &look.header};
@@ -143,7 +143,6 @@ TableLook lookOf(const Drawing& drawing, std::uint32_t style) {
     *part = cellLook(*t, {from, next < 0 ? own.end : next});
     from = next;
   }
-  returnTags(std::move(t));
   return look;
 }
 

@@ -66,13 +66,8 @@ Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::u16string& name) const {
 
 Acad::ErrorStatus AcDbSymbolTableRecord::setName(std::u16string_view name) {
   if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  if (!cad::usableName(name)) return Acad::eInvalidInput;
-  if (view_->drawing && !platform::equalNoCase(name, getName())) {
-    // A block is named by its definition and its references too.
-    if (isKindOf(AcDbBlockTableRecord::desc())) return Acad::eInvalidInput;
-    const Type kind = view_->drawing->record(view_->record).type;
-    if (view_->drawing->tableEntry(kind, name)) return Acad::eDuplicateRecordName;
-  }
+  if (view_->drawing) return view_->drawing->rename(*this, name);
+  if (!cad::usableName(name, neutral().version)) return Acad::eInvalidInput;
   TagList& t = tagsForWrite();
   if (const int i = t.find(2, t.body()); i >= 0) {
     t.setText(i, name);
@@ -80,7 +75,6 @@ Acad::ErrorStatus AcDbSymbolTableRecord::setName(std::u16string_view name) {
     const int flags = t.find(70, t.body());
     t.insertText(flags >= 0 ? flags : t.body().end, 2, name);
   }
-  if (view_->drawing) view_->drawing->renameEntry(view_->record, name);
   return Acad::eOk;
 }
 
@@ -200,9 +194,7 @@ Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbE
   if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
   if (!view_->drawing) return Acad::eNotInDatabase;
   if (!entity) return Acad::eNullObjectPointer;
-  // An entity never stands without its layer.
-  view_->drawing->layerNamed(entity->layer(), true);
-  const Acad::ErrorStatus s = view_->drawing->appendEntity(view_->record, *entity);
+  const Acad::ErrorStatus s = view_->drawing->append(view_->record, *entity);
   if (s == Acad::eOk) id = entity->objectId();
   return s;
 }
@@ -216,17 +208,18 @@ Acad::ErrorStatus AcDbBlockTableRecord::newIterator(AcDbBlockTableRecordIterator
   iterator = new AcDbBlockTableRecordIterator;
   iterator->drawing_ = view_->drawing;
   iterator->block_ = view_->record;
-  iterator->at_ = view_->drawing->firstEntity(view_->record);
+  iterator->at_ = view_->drawing->structure().firstEntity(view_->record);
   return Acad::eOk;
 }
 AcGePoint3d AcDbBlockTableRecord::origin() const {
-  const cad::BlockInfo* info = view_->drawing ? view_->drawing->block(view_->record) : nullptr;
+  const cad::BlockInfo* info =
+      view_->drawing ? view_->drawing->structure().block(view_->record) : nullptr;
   return info ? cad::blockOrigin(*view_->drawing, *info) : AcGePoint3d();
 }
 
 bool AcDbBlockTableRecordIterator::done() const { return at_ == 0; }
 void AcDbBlockTableRecordIterator::step() {
-  if (at_) at_ = drawing_->nextEntity(block_, at_);
+  if (at_) at_ = drawing_->structure().nextEntity(block_, at_);
 }
 AcDbObjectId AcDbBlockTableRecordIterator::getEntityId() const { return drawing_->idOf(at_); }
 Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntity(AcDbEntity*& entity,
@@ -239,10 +232,11 @@ Acad::ErrorStatus AcDbBlockTableRecordIterator::getEntity(AcDbEntity*& entity,
 Acad::ErrorStatus AcDbSymbolTable::getAt(std::u16string_view name, AcDbObjectId& id) const {
   const cad::Drawing& d = *view_->drawing;
   for (auto t = static_cast<int>(Type::blockRecord); t <= static_cast<int>(Type::ucs); ++t) {
-    const cad::TableInfo* info = d.table(static_cast<Type>(t));
+    const cad::TableInfo* info = d.structure().table(static_cast<Type>(t));
     if (!info || info->table != view_->record) continue;
-    std::uint32_t i = d.tableEntry(static_cast<Type>(t), name);
-    if (!i && static_cast<Type>(t) == Type::blockRecord) i = d.blockByName(d.names().find(name));
+    std::uint32_t i = d.structure().tableEntry(static_cast<Type>(t), name);
+    if (!i && static_cast<Type>(t) == Type::blockRecord)
+      i = d.structure().blockByName(d.names().find(name));
     if (!i) return Acad::eKeyNotFound;
     id = d.idOf(i);
     return Acad::eOk;
@@ -266,17 +260,15 @@ Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& iterato
 Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* record) {
   if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
   if (!record) return Acad::eNullObjectPointer;
-  const std::u16string name = record->getName();
-  if (!cad::usableName(name)) return Acad::eInvalidInput;
-  const Acad::ErrorStatus s = view_->drawing->addTableEntry(view_->record, *record, name);
+  const Acad::ErrorStatus s = view_->drawing->append(view_->record, *record);
   if (s == Acad::eOk) id = record->objectId();
   return s;
 }
 
-void AcDbSymbolTableIterator::start() { at_ = drawing_->firstTableEntry(table_); }
+void AcDbSymbolTableIterator::start() { at_ = drawing_->structure().firstTableEntry(table_); }
 bool AcDbSymbolTableIterator::done() const { return at_ == 0; }
 void AcDbSymbolTableIterator::step() {
-  if (at_) at_ = drawing_->nextTableEntry(table_, at_);
+  if (at_) at_ = drawing_->structure().nextTableEntry(table_, at_);
 }
 Acad::ErrorStatus AcDbSymbolTableIterator::getRecordId(AcDbObjectId& id) const {
   id = drawing_->idOf(at_);
@@ -323,7 +315,7 @@ Acad::ErrorStatus AcDbDictionary::setAt(std::u16string_view name, AcDbObject* ob
   if (!view_->drawing) return Acad::eNotInDatabase;
   if (!object) return Acad::eNullObjectPointer;
   if (!object->view().drawing) {
-    const Acad::ErrorStatus s = view_->drawing->addObject(view_->record, *object);
+    const Acad::ErrorStatus s = view_->drawing->append(view_->record, *object);
     if (s != Acad::eOk) return s;
   }
   id = object->objectId();

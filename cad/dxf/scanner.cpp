@@ -103,15 +103,14 @@ Type typeOf(std::string_view name) {
 // Collects, tag by tag, what the index keeps of one record.
 class Indexer {
  public:
-  Indexer(const Format& format, NameTable& names, NameSets& sets)
-      : format_(format), names_(names), sets_(sets) {}
+  Indexer(const Format& format, NameTables names) : format_(format), names_(names) {}
 
   void begin(Record& record, std::string_view typeText) {
     record_ = &record;
     seen_ = 0;
     record.type = typeOf(typeText);
     if (typeText != lastTypeText_) {
-      lastType_ = names_.ofBytes(format_, typeText);
+      lastType_ = names_.types.ofBytes(format_, typeText);
       lastTypeText_ = typeText;
     }
     record.typeName = lastType_;
@@ -129,7 +128,9 @@ class Indexer {
       case 2:
         if (!(seen_ & kName)) {
           seen_ |= kName;
-          record_->name = cached(value, lastName_, lastNameBytes_);
+          record_->name = record_->type == Type::section || record_->type == Type::table
+                              ? names_.types.ofBytes(format_, value)
+                              : cached(value, lastName_, lastNameBytes_);
         }
         break;
       case 8:
@@ -156,7 +157,7 @@ class Indexer {
         break;
       case 1001: {
         const std::uint32_t app = cached(value, lastApp_, lastAppBytes_);
-        if (record_->type != Type::section) record_->apps = sets_.with(record_->apps, app);
+        if (record_->type != Type::section) record_->apps = names_.sets.with(record_->apps, app);
         seen_ |= kName | kLayer | kHandle | kFlags;
         break;
       }
@@ -182,15 +183,14 @@ class Indexer {
   }
   std::uint32_t cached(std::string_view value, std::uint32_t& last, std::string_view& lastBytes) {
     if (value != lastBytes) {
-      last = names_.ofBytes(format_, value);
+      last = names_.symbols.ofBytes(format_, value);
       lastBytes = value;
     }
     return last;
   }
 
   const Format& format_;
-  NameTable& names_;
-  NameSets& sets_;
+  NameTables names_;
   Record* record_ = nullptr;
   unsigned seen_ = 0;
   std::string_view lastTypeText_, lastNameBytes_, lastLayerBytes_, lastAppBytes_;
@@ -248,12 +248,12 @@ std::string quoted(std::string_view s) {
 }
 
 platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::string& name,
-                                        ScannedFile file, NameTable& names, NameSets& sets) {
+                                        ScannedFile file, NameTables names) {
   LineFinder lines(bytes);
   std::vector<Record>& records = file.records;
   records.reserve(bytes.size() / 128 + 16);
   records.emplace_back();
-  Indexer index(file.format, names, sets);
+  Indexer index(file.format, names);
   std::size_t at = 0;
   bool any = false;
   const char* base = bytes.data();
@@ -328,11 +328,11 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
 }
 
 platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::string& name,
-                                         ScannedFile file, NameTable& names, NameSets& sets) {
+                                         ScannedFile file, NameTables names) {
   std::vector<Record>& records = file.records;
   records.reserve(bytes.size() / 96 + 16);
   records.emplace_back();
-  Indexer index(file.format, names, sets);
+  Indexer index(file.format, names);
   std::size_t at = 22;
   Tag tag;
   bool any = false;
@@ -374,8 +374,10 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
 
 std::string_view nameOf(Type type) { return kTypeNames[static_cast<std::size_t>(type)]; }
 
-platform::Result<ScannedFile> scanDxf(std::string_view bytes, const std::string& name,
-                                      NameTable& names, NameSets& sets) {
+platform::Result<ScannedFile> scanDxf(std::string_view whole, const std::string& name,
+                                      NameTables names) {
+  std::string_view bytes = whole;
+  while (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
   if (bytes.size() >= 6 && bytes.substr(0, 4) == "AC10" && bytes[4] >= '0' && bytes[4] <= '9') {
     return platform::Error{
         name + ": this is a DWG file; save it as DXF in the program that made it and open that"};
@@ -384,27 +386,28 @@ platform::Result<ScannedFile> scanDxf(std::string_view bytes, const std::string&
     return platform::Error{name + ": larger than 4 GB; split the drawing"};
   }
   ScannedFile file;
-  if (bytes.substr(0, 3) == "\xEF\xBB\xBF") {
-    auto result = scanDxf(bytes.substr(3), name, names, sets);
-    if (result) result->preamble = {bytes.data(), result->preamble.size() + 3};
-    return result;
-  }
   file.format = detectFormat(bytes);
   if (file.format.version > 1032) {
     return platform::Error{name + ": written by a newer release than this program reads (AC" +
                            std::to_string(file.format.version) + "); save it as R2018 or older"};
   }
-  return file.format.binary ? scanBinary(bytes, name, std::move(file), names, sets)
-                            : scanAscii(bytes, name, std::move(file), names, sets);
+  auto scanned = file.format.binary ? scanBinary(bytes, name, std::move(file), names)
+                                    : scanAscii(bytes, name, std::move(file), names);
+  // The marks stay where they stood.
+  if (scanned) {
+    scanned->preamble = {whole.data(), whole.size() - bytes.size() + scanned->preamble.size()};
+  }
+  return scanned;
 }
 
-void indexTags(Record& record, const TagList& tags, NameTable& names, NameSets& sets) {
+void indexTags(Record& record, const TagList& tags, NameTables names) {
   constexpr std::uint16_t kept = Record::erased | Record::space | Record::child | Record::open |
-                                 Record::touched | Record::changed | Record::synthetic;
+                                 Record::touched | Record::changed | Record::synthetic |
+                                 Record::stored;
   record.flags &= kept;
   record.layer = record.apps = record.name = 0;
   record.handle = 0;
-  Indexer index(tags.format(), names, sets);
+  Indexer index(tags.format(), names);
   index.begin(record, trimmed(tags[0].bytes()));
   for (int i = 1; i < tags.size(); ++i) index.tag(tags[i].code, tags[i].bytes());
 }

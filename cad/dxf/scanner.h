@@ -85,6 +85,7 @@ struct Record {
     poly3d = 256,    // POLYLINE that is a 3D polyline
     polyMesh = 512,  // POLYLINE that is a mesh
     hasParts = 1024,  // INSERT followed by attributes
+    stored = 2048,    // its text lies in the drawing's own memory, not in the file's
   };
   const char* bytes = nullptr;
   std::uint64_t handle = 0;
@@ -114,12 +115,18 @@ struct ScannedFile {
   bool sawEof = false;
 };
 
-// Indexes a whole file. `name` is for messages. The bytes must outlive the records. Names and
-// application sets are entered in the tables given.
+// Where names are entered: symbols, the words of the format (types of records, sections, tables),
+// and sets of applications. A layer "Text" and the type TEXT are no namesakes.
+struct NameTables {
+  NameTable& symbols;
+  NameTable& types;
+  NameSets& sets;
+};
+// Indexes a whole file. `name` is for messages. The bytes must outlive the records.
 platform::Result<ScannedFile> scanDxf(std::string_view bytes, const std::string& name,
-                                      NameTable& names, NameSets& sets);
+                                      NameTables names);
 // Picks up the same from the tags of one record made or changed later.
-void indexTags(Record& record, const TagList& tags, NameTable& names, NameSets& sets);
+void indexTags(Record& record, const TagList& tags, NameTables names);
 
 // Enters the names of the known types, so that their numbers equal the values of Type.
 void enterTypeNames(NameTable& types);

@@ -150,6 +150,27 @@ bool readBinaryTag(std::string_view text, std::size_t& at, bool wideCodes, Tag& 
   return true;
 }
 
+namespace {
+std::vector<std::unique_ptr<TagList>>& pool() {
+  static std::vector<std::unique_ptr<TagList>> lists;
+  return lists;
+}
+}  // namespace
+
+BorrowedTags borrowTags() {
+  if (pool().empty()) return BorrowedTags(new TagList);
+  BorrowedTags tags(pool().back().release());
+  pool().pop_back();
+  return tags;
+}
+
+void ReturnTags::operator()(TagList* tags) const noexcept {
+  std::unique_ptr<TagList> owned(tags);
+  if (pool().size() > 64) return;
+  owned->clear();
+  pool().push_back(std::move(owned));
+}
+
 const Format& TagList::neutral() {
   static const Format format;
   return format;
@@ -412,10 +433,19 @@ std::u16string TagList::text(int i) const {
   return digits;
 }
 
-void TagList::setText(int i, std::u16string_view text) { at(i) = makeText((*this)[i].code, text); }
+// What has the value already keeps its spelling: a write that changes nothing leaves no trace.
+void TagList::setText(int i, std::u16string_view text) {
+  if (this->text(i) != text) at(i) = makeText((*this)[i].code, text);
+}
 void TagList::setAscii(int i, std::string_view text) { at(i) = make((*this)[i].code, text); }
-void TagList::setReal(int i, double value) { at(i) = makeReal((*this)[i].code, value); }
-void TagList::setInteger(int i, std::int64_t value) { at(i) = makeInteger((*this)[i].code, value); }
+void TagList::setReal(int i, double value) {
+  const bool same =
+      (*this)[i].size > 0 && real(i) == value && std::signbit(real(i)) == std::signbit(value);
+  if (!same) at(i) = makeReal((*this)[i].code, value);
+}
+void TagList::setInteger(int i, std::int64_t value) {
+  if ((*this)[i].size == 0 || integer(i) != value) at(i) = makeInteger((*this)[i].code, value);
+}
 
 void TagList::setHandle(int i, std::uint64_t handle) {
   char buffer[20];

@@ -7,6 +7,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -134,6 +135,14 @@ class TagList {
   Arena arena_;
   std::string scratch_;
 };
+
+// A list of tags for the span of its owner, from a pool to which it goes back by itself: opening
+// objects by the million must not allocate.
+struct ReturnTags {
+  void operator()(TagList* tags) const noexcept;
+};
+using BorrowedTags = std::unique_ptr<TagList, ReturnTags>;
+BorrowedTags borrowTags();
 
 // Reads one tag at `at` of a file's text and moves `at` behind it. False at the end of the text or
 // when what stands there is no tag.

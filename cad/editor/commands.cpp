@@ -226,8 +226,9 @@ void commandLayer() {
   }
   Drawing& d = session().database()->drawing();
   if (option == u"Elenco") {
-    const std::uint32_t table = d.tableRecord(Type::layer);
-    for (std::uint32_t e = d.firstTableEntry(table); e; e = d.nextTableEntry(table, e)) {
+    const std::uint32_t table = d.structure().tableRecord(Type::layer);
+    for (std::uint32_t e = d.structure().firstTableEntry(table); e;
+         e = d.structure().nextTableEntry(table, e)) {
       AcDbLayerTableRecord* l = nullptr;
       if (acdbOpenObject(l, d.idOf(e)) != Acad::eOk) continue;
       acutPrintf(u"\n%s  colore %d%s%s", l->getName(), l->colorIndex(),
@@ -237,7 +238,7 @@ void commandLayer() {
     return;
   }
   if (acedGetString(true, u"\nNome del layer: ", name) != RTNORM || name.empty()) return;
-  const AcDbObjectId id = d.idOf(d.layerNamed(name, option == u"Nuovo"));
+  const AcDbObjectId id = d.idOf(d.structure().layerNamed(name, option == u"Nuovo"));
   AcDbLayerTableRecord* layer = nullptr;
   if (acdbOpenObject(layer, id, AcDb::kForWrite) != Acad::eOk) {
     acutPrintf(u"\nIl layer \"%s\" non esiste.", name);
@@ -255,13 +256,13 @@ void commandLayer() {
     }
   }
   layer->close();
-  if (option == u"Imposta") d.setHeaderText("$CLAYER", name);
+  if (option == u"Imposta") d.header().setText("$CLAYER", name);
 }
 
 void zoomExtents() {
   AcDbExtents box;
   const Drawing& d = session().database()->drawing();
-  for (const std::uint32_t e : d.allInSpace()) {
+  for (const std::uint32_t e : d.index().allInSpace()) {
     if (!d.record(e).is(Record::paper)) box.addExt(extentsOf(d, e));
   }
   session().view.set = !box.isEmpty();

@@ -13,7 +13,7 @@ bool layerShown(Drawing& d, std::uint32_t layerName, std::vector<signed char>& k
   signed char& shown = known[layerName];
   if (shown < 0) {
     shown = 1;
-    if (const std::uint32_t i = d.tableEntry(Type::layer, d.names().text(layerName))) {
+    if (const std::uint32_t i = d.structure().tableEntry(Type::layer, d.names().text(layerName))) {
       TagList t;
       d.parse(i, t);
       if (t.integerOr(70, 0, t.body()) & 1 || t.integerOr(62, 7, t.body()) < 0) shown = 0;
@@ -24,8 +24,8 @@ bool layerShown(Drawing& d, std::uint32_t layerName, std::vector<signed char>& k
 
 Pick byName(Drawing& d, std::u16string_view name) {
   Pick pick;
-  auto t = borrowTags();
-  for (const std::uint32_t e : d.allInSpace()) {
+  const auto t = borrowTags();
+  for (const std::uint32_t e : d.index().allInSpace()) {
     const Record& r = d.record(e);
     bool hit = false;
     if (r.apps) {
@@ -34,7 +34,8 @@ Pick byName(Drawing& d, std::u16string_view name) {
       hit = begin + 1 < t->size() && (*t)[begin + 1].code == 1000 && t->text(begin + 1) == name;
     }
     if (!hit && r.type == Type::insert) {
-      for (std::uint32_t a = d.firstPart(e); a && !hit; a = d.nextPart(e, a)) {
+      for (std::uint32_t a = d.structure().firstPart(e); a && !hit;
+           a = d.structure().nextPart(e, a)) {
         d.parse(a, *t);
         hit = t->textOr(2, u"", t->subclass("AcDbAttribute")) == u"ID" &&
               t->textOr(1, u"", t->subclass("AcDbText")) == name;
@@ -44,7 +45,6 @@ Pick byName(Drawing& d, std::u16string_view name) {
     if (r.type == Type::insert || !pick.record) pick.record = e;
     if (r.type == Type::insert) break;
   }
-  returnTags(std::move(t));
   if (!pick.record) pick.problem = u"Nessuna entità si chiama \"" + std::u16string(name) + u"\".";
   return pick;
 }
@@ -88,7 +88,7 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
     pick.point = *p;
     double best = aperture;
     std::vector<signed char> shown;
-    for (const std::uint32_t e : d.allInSpace()) {
+    for (const std::uint32_t e : d.index().allInSpace()) {
       if (!layerShown(d, d.record(e).layer, shown)) continue;
       const double distance = shape::planDistance(d, e, *p);
       if (distance < best) {

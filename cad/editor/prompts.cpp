@@ -105,7 +105,7 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
   const auto first = tokens.next();
   const std::u16string word = first ? platform::upper(*first) : u"";
   if (word == u"TUTTO" || word == u"ALL" || word == u"*") {
-    for (const std::uint32_t e : d.allInSpace()) addUnique(picked, have, e);
+    for (const std::uint32_t e : d.index().allInSpace()) addUnique(picked, have, e);
     return true;
   }
   if (word == u"F" || word == u"W" || word == u"I" || word == u"C") {
@@ -118,7 +118,7 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
     }
     const cad::shape::PlanWindow window(*p, *q);
     const bool crossing = word == u"I" || word == u"C";
-    for (const std::uint32_t e : d.allInSpace()) {
+    for (const std::uint32_t e : d.index().allInSpace()) {
       if (crossing ? cad::shape::touches(d, e, window) : cad::shape::liesInside(d, e, window)) {
         addUnique(picked, have, e);
       }
@@ -308,7 +308,7 @@ int acedGetVar(std::u16string_view name, resbuf* result) {
     text = path.empty() ? u"Disegno1.dxf" : std::u16string(platform::fileNameOf(path));
   } else if (key == u"DWGPREFIX") {
     text = platform::folderOf(platform::widen(s.drawingPath()));
-  } else if (d && !(text = d->headerText("$" + platform::narrow(key))).empty()) {
+  } else if (d && !(text = d->header().text("$" + platform::narrow(key))).empty()) {
   } else {
     return RTERROR;
   }
@@ -347,8 +347,8 @@ int acedSetVar(std::u16string_view name, const resbuf* value) {
   const std::u16string key = platform::upper(name);
   cad::Drawing* d = drawing();
   if (d && key == u"CLAYER") {
-    if (!d->layerNamed(text, false)) return RTERROR;
-    if (d->setHeaderText("$CLAYER", text)) return RTNORM;
+    if (!d->structure().layerNamed(text, false)) return RTERROR;
+    if (d->header().setText("$CLAYER", text)) return RTNORM;
   }
   Session::instance().variables[key] = text;
   return RTNORM;
@@ -385,7 +385,7 @@ int acedTrans(const AcGePoint3d& from, const resbuf* fromSystem, const resbuf* t
   if (!d) return RTERROR;
   const int source = fromSystem->resval.rint, target = toSystem->resval.rint;
   AcGePoint3d world = from;
-  const AcGeMatrix3d& user = d->userSystem();
+  const AcGeMatrix3d& user = d->header().userSystem();
   if (source == 1) {
     if (displacement) {
       const AcGeVector3d v = user * AcGeVector3d(from.x, from.y, from.z);

@@ -137,7 +137,7 @@ std::string Session::versionProblem() const {
   const Drawing& d = database_->drawing();
   const int version = d.format().version;
   if (version >= 1018) return {};
-  for (std::uint32_t i = d.firstRecord(); i; i = d.record(i).next) {
+  for (std::uint32_t i = d.records().first(); i; i = d.record(i).next) {
     const Record& r = d.record(i);
     if (!r.is(Record::changed) || r.is(Record::erased)) continue;
     const char* what = r.type == Type::acadTable                      ? "tables"

@@ -68,8 +68,8 @@ BlockInfo newBlock(Drawing& d, const std::u16string& stem, const AcGePoint3d& ba
   std::u16string name;
   int number = 0;
   do name = stem + platform::widen(std::to_string(++number));
-  while (d.blockByName(d.names().find(name)));
-  return d.addBlock(name, base);
+  while (d.structure().blockByName(d.names().find(name)));
+  return d.structure().addBlock(name, base);
 }
 
 // The block holds definitions of attributes, which the file says of it.
@@ -77,7 +77,7 @@ void markAttributes(Drawing& d, const BlockInfo& block) {
   cad::TagList t;
   d.parse(block.begin, t);
   t.putInteger(70, t.integerOr(70, 0, t.body()) | 2, t.subclass("AcDbBlockBegin"));
-  d.rewrite(block.begin, t);
+  d.writer().rewrite(block.begin, t);
 }
 
 struct AttributeText {
@@ -89,7 +89,8 @@ struct AttributeText {
 AcDbBlockReference* place(Drawing& d, const BlockInfo& block, const AcGePoint3d& at, double scale,
                           std::u16string_view layer, const std::vector<AttributeText>& texts) {
   AcDbBlockTableRecord* space = nullptr;
-  if (acdbOpenObject(space, d.idOf(d.modelSpace()), AcDb::kForWrite) != Acad::eOk) return nullptr;
+  if (acdbOpenObject(space, d.idOf(d.structure().modelSpace()), AcDb::kForWrite) != Acad::eOk)
+    return nullptr;
   auto* reference = new AcDbBlockReference(at, d.idOf(block.id));
   reference->setLayer(layer);
   if (scale != 1) reference->setScaleFactors({scale, scale, scale});
@@ -99,7 +100,8 @@ AcDbBlockReference* place(Drawing& d, const BlockInfo& block, const AcGePoint3d&
     delete reference;
     return nullptr;
   }
-  for (std::uint32_t e = d.firstEntity(block.id); e; e = d.nextEntity(block.id, e)) {
+  for (std::uint32_t e = d.structure().firstEntity(block.id); e;
+       e = d.structure().nextEntity(block.id, e)) {
     AcDbAttributeDefinition* definition = nullptr;
     if (acdbOpenObject(definition, d.idOf(e)) != Acad::eOk) continue;
     auto* attribute = new AcDbAttribute;
@@ -213,8 +215,8 @@ bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
   Drawing& d = database->drawing();
   const ProfileLayout layout(title);
   HNGeometry::createNewLayer(kLayer, nullptr, database);
-  d.registerApplication(kTitleData);
-  d.registerApplication(kLinkNames);
+  d.structure().registerApplication(kTitleData);
+  d.structure().registerApplication(kLinkNames);
 
   // The two references do not stand on one point, so that a pick tells them apart.
   const AcGeVector3d besideTitle(layout.titleWidth, 0, 0);
@@ -258,13 +260,14 @@ bool GestioneOggetto::UpdateXdata() {
 
   Drawing& d = *s.drawing();
   const std::uint32_t frame = d.byHandle(s.frame);
-  const std::uint32_t id = frame ? d.blockByName(d.record(frame).name) : 0;
-  const BlockInfo* info = d.block(id);
+  const std::uint32_t id = frame ? d.structure().blockByName(d.record(frame).name) : 0;
+  const BlockInfo* info = d.structure().block(id);
   if (!info) return true;  // the user has taken the frame away
   const BlockInfo block = *info;
   const ProfileChainData chain = cad::readProfileChain(d, s.title.network, s.links);
   std::vector<std::uint32_t> old;
-  for (std::uint32_t e = d.firstEntity(id); e; e = d.nextEntity(id, e)) old.push_back(e);
+  for (std::uint32_t e = d.structure().firstEntity(id); e; e = d.structure().nextEntity(id, e))
+    old.push_back(e);
   for (const std::uint32_t e : old) d.erase(e, true);
   drawProfileFrame(d, block, ProfileLayout(s.title), chain);
   return true;
@@ -295,7 +298,7 @@ void GestioneOggetto::State::readManholes() {
   if (!drawn()) return;
   Drawing& d = *drawing();
   const std::uint64_t own = d.record(titleBlock.index()).handle;
-  for (const std::uint32_t e : d.withApplication(d.names().find(kManholeData))) {
+  for (const std::uint32_t e : d.index().withApplication(d.names().find(kManholeData))) {
     AcDbBlockReference* block = nullptr;
     if (acdbOpenObject(block, d.idOf(e)) != Acad::eOk) continue;
     Data data(*block, kManholeData);
@@ -324,17 +327,17 @@ bool GestioneOggetto::AddPozzetto(const pozzetto& manhole) {
   if (!s.drawn()) return false;
   Drawing& d = *s.drawing();
   const ProfileLayout layout(s.title);
-  d.registerApplication(kManholeData);
+  d.structure().registerApplication(kManholeData);
   HNGeometry::createNewLayer(kManholeLayer, nullptr, d.database());
-  std::uint32_t id = d.blockByName(d.names().find(kManholeBlock));
+  std::uint32_t id = d.structure().blockByName(d.names().find(kManholeBlock));
   if (!id) {
-    const BlockInfo fresh = d.addBlock(kManholeBlock, {});
+    const BlockInfo fresh = d.structure().addBlock(kManholeBlock, {});
     cad::drawManhole(d, fresh);
     markAttributes(d, fresh);
     id = fresh.id;
   }
   const AcGePoint3d at = GetOrigin() + AcGeVector3d(layout.start + manhole.prog, manhole.quota, 0);
-  AcDbBlockReference* block = place(d, *d.block(id), at, layout.unit, kManholeLayer,
+  AcDbBlockReference* block = place(d, *d.structure().block(id), at, layout.unit, kManholeLayer,
                                     {{u"NOME", manhole.nome},
                                      {u"CODICE", manhole.codice},
                                      {u"DESCRIZIONE", manhole.descrizione}});

@@ -20,7 +20,7 @@ AcDbObjectId append(AcDbEntity* entity, AcDbDatabase* database, AcDbBlockTableRe
   }
   AcDbBlockTableRecord* space = nullptr;
   cad::Drawing& d = database->drawing();
-  if (acdbOpenObject(space, d.idOf(d.modelSpace()), AcDb::kForWrite) != Acad::eOk) {
+  if (acdbOpenObject(space, d.idOf(d.structure().modelSpace()), AcDb::kForWrite) != Acad::eOk) {
     delete entity;
     return id;
   }
@@ -49,8 +49,8 @@ AcDbObjectId createNewLayer(std::u16string_view name, bool* isNew, AcDbDatabase*
   if (isNew) *isNew = false;
   if (!db || name.empty()) return {};
   cad::Drawing& d = db->drawing();
-  if (const std::uint32_t known = d.layerNamed(name, false)) return d.idOf(known);
-  const AcDbObjectId id = d.idOf(d.layerNamed(name, true));
+  if (const std::uint32_t known = d.structure().layerNamed(name, false)) return d.idOf(known);
+  const AcDbObjectId id = d.idOf(d.structure().layerNamed(name, true));
   if (isNew) *isNew = true;
   if (color >= 1 && color <= 255) {
     AcDbLayerTableRecord* layer = nullptr;
@@ -67,13 +67,15 @@ bool setColorLtypeLayer(std::u16string_view name, int color, std::u16string_view
   if (!db) return false;
   cad::Drawing& d = db->drawing();
   AcDbLayerTableRecord* layer = nullptr;
-  if (acdbOpenObject(layer, d.idOf(d.layerNamed(name, false)), AcDb::kForWrite) != Acad::eOk) {
+  if (acdbOpenObject(layer, d.idOf(d.structure().layerNamed(name, false)), AcDb::kForWrite) !=
+      Acad::eOk) {
     return false;
   }
   if (color >= 1 && color <= 255 && layer->colorIndex() != color) layer->setColorIndex(color);
   // A layer cannot be "by layer" itself; only a real line type of the drawing is taken.
   if (!platform::equalNoCase(linetype, u"ByLayer") &&
-      !platform::equalNoCase(linetype, u"ByBlock") && d.tableEntry(cad::Type::ltype, linetype)) {
+      !platform::equalNoCase(linetype, u"ByBlock") &&
+      d.structure().tableEntry(cad::Type::ltype, linetype)) {
     layer->setLinetype(linetype);
   }
   layer->close();
@@ -208,14 +210,14 @@ AcDbObjectId addLineType(std::u16string_view name, std::u16string_view descripti
 bool iterateLinetypeTable(std::u16string_view name, AcDbObjectId& id) {
   AcDbDatabase* db = currentOr(nullptr);
   if (!db) return false;
-  const std::uint32_t i = db->drawing().tableEntry(cad::Type::ltype, name);
+  const std::uint32_t i = db->drawing().structure().tableEntry(cad::Type::ltype, name);
   if (i) id = db->drawing().idOf(i);
   return i != 0;
 }
 
 bool RegApplicazione(std::u16string_view name, AcDbDatabase* database) {
   AcDbDatabase* db = currentOr(database);
-  return db && !name.empty() && db->drawing().registerApplication(name) != 0;
+  return db && !name.empty() && db->drawing().structure().registerApplication(name) != 0;
 }
 
 short XYdaProgsuDatiPoli(const datipoli* path, double chainage, AcGePoint2d& point,

@@ -53,13 +53,12 @@ class ChainReader {
   void onLayer(std::u16string_view prefix, Visit&& visit) {
     const std::uint32_t layer = d_.names().find(std::u16string(prefix) += network_);
     if (!layer) return;
-    auto tags = borrowTags();
-    for (const std::uint32_t e : d_.onLayer(layer)) {
+    const auto tags = borrowTags();
+    for (const std::uint32_t e : d_.index().onLayer(layer)) {
       if (d_.record(e).is(Record::erased)) continue;
       d_.parse(e, *tags);
       visit(e, *tags);
     }
-    returnTags(std::move(tags));
   }
 
   // Positions of the items: the first of the two nodes, the diameter, the length (0: it has none).
@@ -129,14 +128,14 @@ class ChainReader {
 
   std::u16string nameAttribute(std::uint32_t block) const {
     std::u16string name;
-    auto tags = borrowTags();
-    for (std::uint32_t a = d_.firstPart(block); a; a = d_.nextPart(block, a)) {
+    const auto tags = borrowTags();
+    for (std::uint32_t a = d_.structure().firstPart(block); a;
+         a = d_.structure().nextPart(block, a)) {
       d_.parse(a, *tags);
       if (tags->textOr(2, u"", tags->subclass("AcDbAttribute")) == u"ID") {
         name = tags->textOr(1, u"", tags->subclass("AcDbText"));
       }
     }
-    returnTags(std::move(tags));
     return name;
   }
 

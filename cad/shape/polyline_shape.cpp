@@ -26,8 +26,8 @@ struct Parts {
 Parts readParts(const Drawing& drawing, std::uint32_t entity, bool faces) {
   Parts parts;
   TagList v;
-  for (std::uint32_t part = drawing.firstPart(entity); part;
-       part = drawing.nextPart(entity, part)) {
+  for (std::uint32_t part = drawing.structure().firstPart(entity); part;
+       part = drawing.structure().nextPart(entity, part)) {
     drawing.parse(part, v);
     const TagRange own = v.body();
     const auto kind = v.integerOr(70, 0, own);

@@ -34,7 +34,8 @@ class Expansion {
     d_.parse(entity, t);
     if (showsBlock(d_.record(entity).type)) {
       if (const auto reference = referenceOf(d_, entity, t)) addCopies(*reference, m);
-      for (std::uint32_t a = d_.firstPart(entity); a; a = d_.nextPart(entity, a)) {
+      for (std::uint32_t a = d_.structure().firstPart(entity); a;
+           a = d_.structure().nextPart(entity, a)) {
         if (d_.record(a).type == Type::attrib) add(a, m, false);
       }
       return;
@@ -71,7 +72,8 @@ class Expansion {
       complete_ = false;
       return;
     }
-    for (std::uint32_t e = d_.firstEntity(block); e && complete_; e = d_.nextEntity(block, e)) {
+    for (std::uint32_t e = d_.structure().firstEntity(block); e && complete_;
+         e = d_.structure().nextEntity(block, e)) {
       add(e, m, false);
     }
   }
@@ -102,7 +104,7 @@ AcGeMatrix3d Reference::transform(int column, int row) const {
     return insertTransform(&drawing_, tags_, block_, column * columnStep_, row * rowStep_);
   }
   AcGeMatrix3d m;
-  const BlockInfo* info = drawing_.block(block_);
+  const BlockInfo* info = drawing_.structure().block(block_);
   const AcGePoint3d base = info ? blockOrigin(drawing_, *info) : AcGePoint3d();
   // The block of a dimension is drawn where the dimension is, that of a table at its corner.
   const TagRange body = tags_.body();
@@ -120,8 +122,8 @@ std::optional<Reference> referenceOf(const Drawing& drawing, std::uint32_t entit
   if (!showsBlock(type)) return std::nullopt;
   const int name = tags.find(2, tags.body());
   const std::uint32_t block =
-      name < 0 ? 0 : drawing.blockByName(drawing.names().find(tags.text(name)));
-  if (!block || block == drawing.modelSpace()) return std::nullopt;
+      name < 0 ? 0 : drawing.structure().blockByName(drawing.names().find(tags.text(name)));
+  if (!block || block == drawing.structure().modelSpace()) return std::nullopt;
   return Reference(drawing, tags, type, block);
 }
 

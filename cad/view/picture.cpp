@@ -50,8 +50,9 @@ class Taker {
   }
 
   Picture take() {
-    const std::uint32_t space = d_.modelSpace();
-    for (std::uint32_t e = d_.firstEntity(space); e; e = d_.nextEntity(space, e)) {
+    const std::uint32_t space = d_.structure().modelSpace();
+    for (std::uint32_t e = d_.structure().firstEntity(space); e;
+         e = d_.structure().nextEntity(space, e)) {
       if (!only_.empty() && !only_.count(d_.record(e).layer)) continue;
       if (!look(d_.record(e).layer).shown) continue;
       entity(
@@ -70,7 +71,7 @@ class Taker {
     l.known = true;
     const std::u16string& text = d_.names().text(name);
     l.isZero = text == u"0" || text.empty();
-    const std::uint32_t i = d_.tableEntry(Type::layer, text);
+    const std::uint32_t i = d_.structure().tableEntry(Type::layer, text);
     if (!i) return l;
     TagList t;
     d_.parse(i, t);
@@ -96,7 +97,7 @@ class Taker {
     const auto known = linetypes_.find(name);
     if (known != linetypes_.end()) return known->second;
     int number = -1;
-    if (const std::uint32_t i = d_.tableEntry(Type::ltype, name)) {
+    if (const std::uint32_t i = d_.structure().tableEntry(Type::ltype, name)) {
       TagList t;
       d_.parse(i, t);
       std::vector<double> dashes;
@@ -198,7 +199,7 @@ class Taker {
     const Style style = styleOf(e, t);
     shapes(e, t, style, sink);
     if (const auto reference = shape::referenceOf(d_, e, t)) copies(*reference, style, sink, depth);
-    for (std::uint32_t a = d_.firstPart(e); a; a = d_.nextPart(e, a)) {
+    for (std::uint32_t a = d_.structure().firstPart(e); a; a = d_.structure().nextPart(e, a)) {
       if (d_.record(a).type == Type::attrib) attribute(a, style, sink);
     }
   }
@@ -207,7 +208,7 @@ class Taker {
     const bool known = shape::drawShape(d_, e, t, [&](Primitive&& p) {
       sink({std::move(p), style});
     });
-    if (!known) ++picture_.unknown[d_.typeName(e)];
+    if (!known) ++picture_.unknown[d_.records().typeName(e)];
   }
 
   void attribute(std::uint32_t a, const Style& reference, const Sink& sink) {
@@ -228,7 +229,8 @@ class Taker {
     if (slot) return *slot;
     slot = std::make_unique<BlockPicture>();
     BlockPicture& picture = *slot;
-    for (std::uint32_t e = d_.firstEntity(id); e && !picture_.tooMany; e = d_.nextEntity(id, e)) {
+    for (std::uint32_t e = d_.structure().firstEntity(id); e && !picture_.tooMany;
+         e = d_.structure().nextEntity(id, e)) {
       entity(
           e,
           [&](Styled&& p) {

@@ -41,11 +41,12 @@ TEST(Blocks, ComeWithWhatTheyUse) {
   EXPECT_EQ(kindsIn(id), (std::vector<std::u16string>{u"CIRCLE", u"INSERT", u"TEXT", u"ATTDEF"}));
   cad::Drawing& d = db.drawing();
   expectPoint(Open<AcDbBlockTableRecord>(id)->origin(), 1, 0);
-  EXPECT_NE(d.tableEntry(cad::Type::style, u"SCRITTE"), 0u);
+  EXPECT_NE(d.structure().tableEntry(cad::Type::style, u"SCRITTE"), 0u);
   EXPECT_EQ(
-      Open<AcDbLayerTableRecord>(d.idOf(d.tableEntry(cad::Type::layer, u"SIMBOLI")))->linetype(),
+      Open<AcDbLayerTableRecord>(d.idOf(d.structure().tableEntry(cad::Type::layer, u"SIMBOLI")))
+          ->linetype(),
       u"PUNTI");
-  const AcDbObjectId nested = d.idOf(d.blockByName(d.names().find(u"FRECCIA")));
+  const AcDbObjectId nested = d.idOf(d.structure().blockByName(d.names().find(u"FRECCIA")));
   EXPECT_EQ(kindsIn(nested), (std::vector<std::u16string>{u"LWPOLYLINE"}));
   expectNoFaults(db);
 }
@@ -58,7 +59,7 @@ TEST(Blocks, GoIntoOldDrawingsAndComeOutOfThem) {
   AcDbObjectId id;
   ASSERT_EQ(old->insert(id, u"SIMBOLO", symbol.get()), Acad::eOk);
   cad::Drawing& d = old->drawing();
-  const AcDbObjectId nested = d.idOf(d.blockByName(d.names().find(u"FRECCIA")));
+  const AcDbObjectId nested = d.idOf(d.structure().blockByName(d.names().find(u"FRECCIA")));
   EXPECT_EQ(kindsIn(nested), (std::vector<std::u16string>{u"POLYLINE"}));
   ASSERT_FALSE(addReference(*old, id, {5, 5, 0}).isNull());
   expectNoFaults(*old);
@@ -72,7 +73,7 @@ TEST(Blocks, GoIntoOldDrawingsAndComeOutOfThem) {
   EXPECT_EQ(kinds,
             (std::vector<std::u16string>{u"INSERT", u"LINE", u"INSERT"}));  // SHAPE cannot come
   EXPECT_EQ(kindsIn(fresh.drawing().idOf(
-                fresh.drawing().blockByName(fresh.drawing().names().find(u"PORTA")))),
+                fresh.drawing().structure().blockByName(fresh.drawing().names().find(u"PORTA")))),
             (std::vector<std::u16string>{u"LINE", u"ATTDEF"}));
   expectNoFaults(fresh);
 }
@@ -82,14 +83,14 @@ TEST(Blocks, NamesThatClash) {
   // The source has a block of the name that it gets here, an anonymous one, and one that is here
   // already.
   for (const char16_t* name : {u"TUBO", u"*U1", u"VALVOLA"}) {
-    const cad::BlockInfo block = inner.drawing().addBlock(name, {});
+    const cad::BlockInfo block = inner.drawing().structure().addBlock(name, {});
     auto* line = new AcDbLine({0, 0, 0}, {2, 2, 2});
     append(inner, line, inner.drawing().idOf(block.id));
     line->close();
     addReference(inner, inner.drawing().idOf(block.id), {1, 1, 1});
   }
-  db.drawing().addBlock(u"*U1", {});
-  db.drawing().addBlock(u"Valvola", {});
+  db.drawing().structure().addBlock(u"*U1", {});
+  db.drawing().structure().addBlock(u"Valvola", {});
   AcDbObjectId id;
   ASSERT_EQ(db.insert(id, u"TUBO", &inner), Acad::eOk);
   std::vector<std::u16string> used;
@@ -106,7 +107,7 @@ TEST(Blocks, NamesThatClash) {
   expectNoFaults(db);
   // A reference that contains itself in a file must not hang anything.
   AcDbDatabase loop;
-  const cad::BlockInfo block = loop.drawing().addBlock(u"ANELLO", {});
+  const cad::BlockInfo block = loop.drawing().structure().addBlock(u"ANELLO", {});
   const AcDbObjectId inside = loop.drawing().idOf(block.id);
   auto* self = new AcDbBlockReference({1, 0, 0}, inside);
   append(loop, self, inside);

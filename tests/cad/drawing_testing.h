@@ -62,7 +62,7 @@ class Working {
 };
 
 inline AcDbObjectId modelSpace(AcDbDatabase& database) {
-  return database.drawing().idOf(database.drawing().modelSpace());
+  return database.drawing().idOf(database.drawing().structure().modelSpace());
 }
 
 // Puts an entity at the end of a block; it stays open. Deletes it when the drawing does not take

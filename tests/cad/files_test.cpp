@@ -89,13 +89,13 @@ TEST(Damaged, FilesAreRepairedWithAWarning) {
     if (std::string(c.what) != "handle twice") {
       EXPECT_EQ(db->drawing().toBytes(), c.bytes);
     }
-    const std::size_t before = db->drawing().allInSpace().size();
+    const std::size_t before = db->drawing().index().allInSpace().size();
     auto symbol = symbolDrawing();
     EXPECT_EQ(editEverything(*db, *symbol), "");
     const std::string bytes = db->drawing().toBytes();
     auto again = load(bytes, &warnings);
     ASSERT_TRUE(again);
-    EXPECT_EQ(again->drawing().allInSpace().size(), before + 5);
+    EXPECT_EQ(again->drawing().index().allInSpace().size(), before + 5);
     if (std::string(c.what) == "layer twice") continue;
     EXPECT_TRUE(warnings.empty()) << warnings[0];
     for (const std::string& f : checking::checkDrawing(bytes)) ADD_FAILURE() << f;
@@ -189,7 +189,7 @@ TEST_F(SavingTest, KeepsTheOlderFileAsBackup) {
   AcDbDatabase db(false);
   std::vector<std::string> warnings;
   ASSERT_TRUE(db.drawing().load(path, warnings));
-  db.drawing().layerNamed(u"NUOVO", true);
+  db.drawing().structure().layerNamed(u"NUOVO", true);
   EXPECT_TRUE(db.drawing().isChanged());
   ASSERT_TRUE(db.drawing().save(path));
   EXPECT_FALSE(db.drawing().isChanged());

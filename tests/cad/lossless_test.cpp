@@ -23,7 +23,7 @@ std::string converted(AcDbDatabase& database, const cad::Format& format) {
   cad::Drawing& d = database.drawing();
   cad::TagList t;
   std::string text;
-  for (std::uint32_t i = d.firstRecord(); i; i = d.record(i).next) {
+  for (std::uint32_t i = d.records().first(); i; i = d.record(i).next) {
     if (d.record(i).is(cad::Record::erased) || d.record(i).is(cad::Record::synthetic)) continue;
     d.parse(i, t);
     for (int k = 0; k + 1 < t.size(); ++k) {
@@ -64,7 +64,7 @@ TEST(Lossless, WhatIsNotChangedIsWrittenByteForByte) {
     EXPECT_FALSE(blocks->has(u"FINESTRA"));
     blocks->close();
     EXPECT_NE(db->getNamedObjectsDictionary(root, AcDb::kForRead), Acad::eOk);
-    for (std::uint32_t i = 1; i < db->drawing().recordCount(); ++i) {
+    for (std::uint32_t i = 1; i < db->drawing().records().count(); ++i) {
       if (db->drawing().record(i).is(cad::Record::synthetic)) continue;
       Open<AcDbObject> object(db->drawing().idOf(i));
       const Chain data(object->xData());
@@ -104,7 +104,7 @@ TEST(Lossless, EveryVersionTakesEveryEdit) {
       auto db = load(converted(*source, formatOf(version, binary)));
       ASSERT_TRUE(db);
       EXPECT_EQ(faults(*db), "");
-      const std::size_t before = db->drawing().allInSpace().size();
+      const std::size_t before = db->drawing().index().allInSpace().size();
       EXPECT_EQ(editEverything(*db, *symbol), "");
       EXPECT_EQ(db->drawing().openCount(), 0);
       EXPECT_EQ(acutLiveNodes(), 0);
@@ -114,9 +114,9 @@ TEST(Lossless, EveryVersionTakesEveryEdit) {
       ASSERT_TRUE(again);
       EXPECT_EQ(again->drawing().format().version, version);
       EXPECT_EQ(again->drawing().format().binary, binary);
-      EXPECT_EQ(again->drawing().allInSpace().size(), before + (version >= 1014 ? 6 : 5));
+      EXPECT_EQ(again->drawing().index().allInSpace().size(), before + (version >= 1014 ? 6 : 5));
       EXPECT_EQ(again->drawing().toBytes(), bytes);
-      for (const std::uint32_t e : again->drawing().allInSpace()) {
+      for (const std::uint32_t e : again->drawing().index().allInSpace()) {
         Open<AcDbEntity> entity(again->drawing().idOf(e));
         if (entity->dxfName() == u"TEXT") {
           auto* text = static_cast<AcDbText*>(entity.get());
@@ -158,7 +158,7 @@ TEST(Lossless, TheEmptyDrawingIsOneThatProgramsTake) {
     }
   }
   const std::string written = bare->drawing().toBytes();
-  EXPECT_EQ(load(written)->drawing().allInSpace().size(), 1u) << written;
+  EXPECT_EQ(load(written)->drawing().index().allInSpace().size(), 1u) << written;
   for (const char* once : {"ENTITIES", "OBJECTS", "ACAD_GROUP", "POINT\n", "TABLES"}) {
     EXPECT_EQ(written.find(once, written.find(once) + 1), written.npos) << once;
     EXPECT_NE(written.find(once), written.npos) << once;

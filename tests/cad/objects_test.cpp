@@ -212,9 +212,9 @@ TEST_F(ObjectsTest, UndoAndRedoByCommand) {
   EXPECT_EQ(points.size(), 2u);
   EXPECT_EQ(drawing().undo(), u"DISEGNA");
   EXPECT_TRUE(erased(polyline));
-  EXPECT_EQ(drawing().allInSpace().size(), 1u);
-  EXPECT_EQ(drawing().layerNamed(u"B", false), 0u);
-  EXPECT_EQ(drawing().blockByName(drawing().names().find(u"SIMBOLO")), 0u);
+  EXPECT_EQ(drawing().index().allInSpace().size(), 1u);
+  EXPECT_EQ(drawing().structure().layerNamed(u"B", false), 0u);
+  EXPECT_EQ(drawing().structure().blockByName(drawing().names().find(u"SIMBOLO")), 0u);
   EXPECT_EQ(drawing().undo(), u"");
   EXPECT_EQ(drawing().redo(), u"DISEGNA");
   EXPECT_EQ(drawing().redo(), u"CAMBIA");
@@ -237,7 +237,7 @@ TEST_F(ObjectsTest, UndoAndRedoByCommand) {
     EXPECT_FALSE(addReference(*db, block, {1, 1, 0}).isNull());
   });
   EXPECT_EQ(drawing().redo(), u"");
-  EXPECT_NE(drawing().layerNamed(u"B", false), 0u);
+  EXPECT_NE(drawing().structure().layerNamed(u"B", false), 0u);
   for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
 }
 
@@ -366,12 +366,12 @@ TEST_F(ObjectsTest, ErasingTakesAlongWhatHangsOnTheObject) {
 
 TEST_F(ObjectsTest, HeaderVariables) {
   cad::Drawing& d = drawing();
-  EXPECT_EQ(d.headerText("$ACADVER"), u"AC1027");
-  EXPECT_EQ(d.headerText("$NIENTE", u"altro"), u"altro");
-  EXPECT_FALSE(d.setHeaderText("$NIENTE", u"1"));
-  d.layerNamed(u"CORRENTE", true);
-  EXPECT_TRUE(d.setHeaderText("$CLAYER", u"CORRENTE"));
-  EXPECT_EQ(d.currentLayer(), u"CORRENTE");
+  EXPECT_EQ(d.header().text("$ACADVER"), u"AC1027");
+  EXPECT_EQ(d.header().text("$NIENTE", u"altro"), u"altro");
+  EXPECT_FALSE(d.header().setText("$NIENTE", u"1"));
+  d.structure().layerNamed(u"CORRENTE", true);
+  EXPECT_TRUE(d.header().setText("$CLAYER", u"CORRENTE"));
+  EXPECT_EQ(d.header().currentLayer(), u"CORRENTE");
   auto* point = new AcDbPoint({1, 1, 1});
   const AcDbObjectId id = append(*db, point);
   Open<AcDbEntity> stillOpen(id);

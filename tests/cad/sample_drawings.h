@@ -166,7 +166,6 @@ inline Database symbolDrawing() {
   cad::Drawing& d = database->drawing();
   const auto entry = [&](cad::Type type, std::string_view lines) {
     cad::TagList t;
-    const std::uint32_t table = d.tableRecord(type);
     t.create(d.format(), lines.substr(0, lines.find('|')));
     lines.remove_prefix(lines.find('|') + 1);
     while (!lines.empty()) {
@@ -175,9 +174,7 @@ inline Database symbolDrawing() {
       const std::size_t blank = one.find(' ');
       t.addAscii(std::stoi(std::string(one.substr(0, blank))), one.substr(blank + 1));
     }
-    d.completeTags(t, d.newHandle(), table, false, false);
-    const std::uint32_t i = d.addRecord(t, d.table(type)->endtab, table, false, false);
-    d.renameEntry(i, d.names().text(d.record(i).name));
+    d.structure().addEntry(type, t);
   };
   entry(cad::Type::ltype,
         "LTYPE|100 AcDbSymbolTableRecord|100 AcDbLinetypeTableRecord|2 PUNTI|70 0|3 . . .|72 65|73 "
@@ -199,11 +196,13 @@ inline Database symbolDrawing() {
       const std::size_t blank = one.find(' ');
       t.addAscii(std::stoi(std::string(one.substr(0, blank))), one.substr(blank + 1));
     }
-    const std::uint32_t owner = block ? block->id : d.modelSpace();
-    d.completeTags(t, d.newHandle(), owner, false, true);
-    d.addRecord(t, block ? block->end : d.endOf(owner), owner, !block, false);
+    const std::uint32_t owner = block ? block->id : d.structure().modelSpace();
+    d.writer().addComplete(t, {.before = block ? block->end : d.structure().endOf(owner),
+                               .owner = owner,
+                               .space = !block,
+                               .entity = true});
   };
-  const cad::BlockInfo nested = d.addBlock(u"FRECCIA", {0, 0, 0});
+  const cad::BlockInfo nested = d.structure().addBlock(u"FRECCIA", {0, 0, 0});
   entity(
       &nested,
       "LWPOLYLINE|100 AcDbEntity|8 SIMBOLI|6 PUNTI|62 1|370 25|420 255|100 AcDbPolyline|90 2|70 0|"
@@ -220,7 +219,7 @@ inline Database symbolDrawing() {
          "11 4.0|21 0.0|31 0.0|100 AcDbAttributeDefinition|280 0|3 Nome|2 ID|70 0|73 0|74 2|280 1");
   cad::TagList header;
   cad::TagRange range;
-  if (d.headerVariable("$INSBASE", header, range)) d.setHeaderText("$INSBASE", u"1.0");
+  if (d.header().variable("$INSBASE", header, range)) d.header().setText("$INSBASE", u"1.0");
   return database;
 }
 

@@ -37,7 +37,7 @@ struct SelectionTest : testing::Test {
     ASSERT_EQ(db->insert(block, u"Simbolo", symbol.get()), Acad::eOk);
     ids.push_back(addReference(*db, block, {1, 1, 0}));  // 4
     Open<AcDbEntity>(ids.back(), AcDb::kForWrite)->setLayer(u"B");
-    const AcDbObjectId paper = drawing().idOf(drawing().paperSpace());
+    const AcDbObjectId paper = drawing().idOf(drawing().structure().paperSpace());
     auto* onPaper = new AcDbPoint(AcGePoint3d());
     onPaper->setLayer(u"A");
     ids.push_back(append(*db, onPaper, paper));  // 5

@@ -153,7 +153,7 @@ TEST_F(XDataTest, BytesAreHexInAsciiAndPlainInBinary) {
   cad::Drawing& from = source->drawing();
   cad::TagList t;
   char text[400];
-  for (std::uint32_t i = from.firstRecord(); i; i = from.record(i).next) {
+  for (std::uint32_t i = from.records().first(); i; i = from.record(i).next) {
     from.parse(i, t);
     t.transcode(binary);
     bytes.append(text, static_cast<std::size_t>(t.write(text) - text));

@@ -72,7 +72,7 @@ void change(cad::Drawing& d, std::uint32_t record, std::uint32_t how) {
 
 void appendPoint(AcDbDatabase& database) {
   AcDbBlockTableRecord* space = nullptr;
-  const AcDbObjectId model = database.drawing().idOf(database.drawing().modelSpace());
+  const AcDbObjectId model = database.drawing().idOf(database.drawing().structure().modelSpace());
   if (acdbOpenObject(space, model, AcDb::kForWrite) != Acad::eOk) return;
   auto* point = new AcDbPoint({1, 2, 3});
   if (space->appendAcDbEntity(point) == Acad::eOk) {
@@ -90,19 +90,19 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   if (!database) return 0;
   acdbHostApplicationServices()->setWorkingDatabase(database.get());
   cad::Drawing& d = database->drawing();
-  const std::size_t entities = d.allInSpace().size();
+  const std::size_t entities = d.index().allInSpace().size();
   const std::string unchanged = d.toBytes();
   const auto same = read(unchanged.data(), unchanged.size());
-  if (!same || same->drawing().allInSpace().size() != entities) std::abort();
-  const std::uint32_t count = d.recordCount();
+  if (!same || same->drawing().index().allInSpace().size() != entities) std::abort();
+  const std::uint32_t count = d.records().count();
   for (std::uint32_t i = 1; i < count; ++i) {
     if (!d.record(i).is(cad::Record::synthetic)) look(d, i);
   }
-  for (const std::uint32_t e : d.allInSpace()) cad::extentsOf(d, e);
+  for (const std::uint32_t e : d.index().allInSpace()) cad::extentsOf(d, e);
   d.beginCommand(u"FUZZ");
   acdbRegApp(u"FUZZ");
   std::uint32_t how = 1;
-  for (const std::uint32_t e : d.allInSpace()) change(d, e, how++);
+  for (const std::uint32_t e : d.index().allInSpace()) change(d, e, how++);
   appendPoint(*database);
   d.endCommand();
   d.undo();

@@ -44,7 +44,7 @@ class SchematicTest : public ::testing::Test {
     fs::remove_all(folder_);
   }
 
-  void defineBlock() { session_.database()->drawing().addBlock(u"SCHEMA", {}); }
+  void defineBlock() { session_.database()->drawing().structure().addBlock(u"SCHEMA", {}); }
 
   void block(const AcGePoint3d& at,
              const std::vector<std::pair<const char*, const char16_t*>>& attributes) {

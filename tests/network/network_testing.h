@@ -151,11 +151,11 @@ class DrawnNetwork : public ::testing::Test {
     database_ = std::move(database);
   }
   AcDbObjectId definition(std::u16string_view name) {
-    const std::uint32_t known = drawing().blockByName(drawing().names().find(name));
-    return drawing().idOf(known ? known : drawing().addBlock(name, {}).id);
+    const std::uint32_t known = drawing().structure().blockByName(drawing().names().find(name));
+    return drawing().idOf(known ? known : drawing().structure().addBlock(name, {}).id);
   }
   AcDbObjectId append(AcDbEntity* entity) {
-    const Opened<AcDbBlockTableRecord> space(drawing().idOf(drawing().modelSpace()),
+    const Opened<AcDbBlockTableRecord> space(drawing().idOf(drawing().structure().modelSpace()),
                                              AcDb::kForWrite);
     AcDbObjectId id;
     EXPECT_EQ(space->appendAcDbEntity(id, entity), Acad::eOk);

@@ -17,9 +17,10 @@ class Tables : public CalculatedNetwork {
   // How many entities of each type show the table.
   std::string picture(AcDbObjectId id) {
     const std::u16string name = Opened<AcDbTable>(id)->blockName();
-    const std::uint32_t block = drawing().blockByName(drawing().names().find(name));
+    const std::uint32_t block = drawing().structure().blockByName(drawing().names().find(name));
     int lines = 0, texts = 0, others = 0;
-    for (std::uint32_t e = drawing().firstEntity(block); e; e = drawing().nextEntity(block, e)) {
+    for (std::uint32_t e = drawing().structure().firstEntity(block); e;
+         e = drawing().structure().nextEntity(block, e)) {
       switch (drawing().record(e).type) {
         case cad::Type::line:
           ++lines;
@@ -74,7 +75,7 @@ TEST_F(Tables, TheFirstStyleStaysInForce) {
 }
 
 TEST_F(Tables, NamesOfBlocksAreNeverTakenTwice) {
-  drawing().addBlock(u"*T41", {});
+  drawing().structure().addBlock(u"*T41", {});
   drawn({{u"a"}});
   drawing().beginCommand(u"X");
   drawn({{u"b"}});
@@ -93,7 +94,7 @@ TEST_F(Tables, AnEditRedrawsAndDropsWhatWouldContradictIt) {
   // bytes, and things of cells that this program does not know.
   {
     auto* dictionary = new AcDbDictionary;
-    ASSERT_EQ(drawing().addObject(id.index(), *dictionary), Acad::eOk);
+    ASSERT_EQ(drawing().append(id.index(), *dictionary), Acad::eOk);
     AcDbObjectId unused;
     for (const char16_t* name : {u"ACAD_XREC_ROUNDTRIP", u"MIO"}) {
       auto* record = new AcDbXrecord;

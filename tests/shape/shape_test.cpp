@@ -27,7 +27,9 @@ class Sample {
     EXPECT_TRUE(loaded) << loaded.error();
   }
   const Drawing& drawing() { return database_.drawing(); }
-  std::uint32_t first() { return drawing().firstEntity(drawing().modelSpace()); }
+  std::uint32_t first() {
+    return drawing().structure().firstEntity(drawing().structure().modelSpace());
+  }
   AcDbExtents box() { return extentsOf(drawing(), first()); }
   double distance(double x, double y) { return planDistance(drawing(), first(), {x, y, 0}); }
   bool inside(const PlanWindow& w) { return liesInside(drawing(), first(), w); }

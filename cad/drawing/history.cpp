@@ -1,0 +1,117 @@
+#include "cad/drawing/history.h"
+
+#include <algorithm>
+
+#include "platform/check.h"
+
+namespace cad {
+
+std::size_t History::costOf(const Record& state) {
+  return sizeof(std::pair<std::uint32_t, Record>) + (state.is(Record::stored) ? state.size : 0);
+}
+
+void History::begin(std::u16string_view command) {
+  if (running_) end();
+  now_ = Step();
+  now_.name = command;
+  running_ = true;
+}
+
+void History::keep(std::uint32_t record) {
+  changed_ = true;
+  ++revision_;
+  Record& r = records_.edit(record);
+  if (!running_ || r.is(Record::touched)) return;
+  now_.before.emplace_back(record, r);
+  records_.hold(r);
+  r.set(Record::touched);
+  now_.bytes += costOf(r);
+  bytes_ += costOf(r);
+  if (bytes_ > limit_) trim();
+}
+
+void History::end() {
+  if (!running_) return;
+  running_ = false;
+  const auto kept = std::remove_if(
+      now_.before.begin(), now_.before.end(), [&](const std::pair<std::uint32_t, Record>& entry) {
+        Record& r = records_.edit(entry.first);
+        const Record& before = entry.second;
+        r.set(Record::touched, false);
+        const bool flags =
+            r.is(Record::erased) == before.is(Record::erased) && r.owner == before.owner;
+        if (!before.bytes || !flags || r.text() != before.text()) return false;
+        const std::size_t cost = costOf(before);
+        now_.bytes -= cost;
+        bytes_ -= cost;
+        // Back to the old text, so that the new one takes no memory.
+        if (r.bytes != before.bytes) {
+          records_.release(r);
+          r.bytes = before.bytes;
+          r.set(Record::stored, before.is(Record::stored));
+        } else {
+          records_.release(before);
+        }
+        return true;
+      });
+  now_.before.erase(kept, now_.before.end());
+  if (now_.before.empty()) return;
+  now_.before.shrink_to_fit();
+  undo_.push_back(std::move(now_));
+  now_ = Step();
+  for (Step& step : redo_) forget(step);
+  redo_.clear();
+  trim();
+}
+
+void History::forget(Step& step) {
+  for (const auto& [record, state] : step.before) records_.release(state);
+  bytes_ -= step.bytes;
+}
+
+// The command that runs, or the latest one, can always be taken back.
+void History::trim() {
+  std::size_t dropped = 0;
+  const std::size_t stay = running_ ? 0 : 1;
+  while (bytes_ > limit_ && dropped + stay < undo_.size()) forget(undo_[dropped++]);
+  undo_.erase(undo_.begin(), undo_.begin() + static_cast<std::ptrdiff_t>(dropped));
+}
+
+// Exchanges the records' states with those kept; the places in the file order stay.
+void History::swap(Step& step) {
+  bytes_ -= step.bytes;
+  step.bytes = 0;
+  for (auto it = step.before.rbegin(); it != step.before.rend(); ++it) {
+    Record& now = records_.edit(it->first);
+    VESSORA_CHECK(!now.is(Record::open), "a command was taken back under an open object");
+    Record then = it->second;
+    it->second = now;
+    then.next = now.next;
+    then.previous = now.previous;
+    then.set(Record::touched, false);
+    then.set(Record::open, false);  // it was kept while the command had the object open
+    now = then;
+    // A state that was never in the file has no text: the record is simply away.
+    if (now.bytes == nullptr) {
+      now = it->second;
+      records_.hold(now);
+      now.set(Record::erased);
+    }
+    if (!now.is(Record::erased)) index_.note(it->first, Record());
+    step.bytes += costOf(it->second);
+  }
+  bytes_ += step.bytes;
+  changed_ = true;
+  ++revision_;
+}
+
+std::u16string History::step(std::vector<Step>& from, std::vector<Step>& to) {
+  if (from.empty() || running_) return {};
+  Step step = std::move(from.back());
+  from.pop_back();
+  swap(step);
+  to.push_back(std::move(step));
+  return to.back().name;
+}
+
+}  // namespace cad

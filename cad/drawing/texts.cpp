@@ -1,0 +1,84 @@
+#include "cad/drawing/texts.h"
+
+#include <algorithm>
+#include <cstdint>
+#include <new>
+
+#include "platform/check.h"
+
+namespace cad {
+namespace {
+// Blocks begin at a multiple of this, so that a text's address tells its block. A text begins in
+// the first stretch of its block, however long it is.
+constexpr std::size_t kAlignment = std::size_t{1} << 18;
+}  // namespace
+
+struct TextStore::Block {
+  Block *next, *previous;
+  std::size_t size;
+  std::size_t references;
+};
+
+TextStore::~TextStore() {
+  while (all_) free(all_);
+}
+
+TextStore::Block* TextStore::blockOf(const char* text) {
+  return reinterpret_cast<Block*>(reinterpret_cast<std::uintptr_t>(text) & ~(kAlignment - 1));
+}
+
+void TextStore::grow(std::size_t room) {
+  const std::size_t size =
+      (std::max(room + sizeof(Block), kAlignment) + kAlignment - 1) & ~(kAlignment - 1);
+  auto* block =
+      static_cast<Block*>(::operator new(size, static_cast<std::align_val_t>(kAlignment)));
+  *block = {all_, nullptr, size, 0};
+  if (all_) all_->previous = block;
+  all_ = block;
+  bytes_ += size;
+  Block* before = current_;
+  current_ = block;
+  if (before && before->references == 0) free(before);
+  at_ = reinterpret_cast<char*>(block + 1);
+  // Texts must begin in the block's first stretch.
+  left_ = size - sizeof(Block);
+}
+
+void TextStore::free(Block* block) {
+  (block->previous ? block->previous->next : all_) = block->next;
+  if (block->next) block->next->previous = block->previous;
+  bytes_ -= block->size;
+  ++generation_;
+  ::operator delete(block, static_cast<std::align_val_t>(kAlignment));
+}
+
+std::string_view TextStore::store(const TagList& tags) {
+  const std::size_t bound = tags.writtenSize() + 16;
+  const bool beyond =
+      current_ && static_cast<std::size_t>(at_ - reinterpret_cast<char*>(current_)) >= kAlignment;
+  if (bound > left_ || beyond) grow(bound);
+  const auto size = static_cast<std::size_t>(tags.write(at_) - at_);
+  VESSORA_CHECK(size <= bound, "an object's text is longer than was measured");
+  const std::string_view text(at_, size);
+  at_ += size;
+  left_ -= size;
+  ++current_->references;
+  return text;
+}
+
+void TextStore::forget(std::string_view latest) {
+  VESSORA_CHECK(latest.data() + latest.size() == at_, "only the latest text can be taken back");
+  at_ -= latest.size();
+  left_ += latest.size();
+  --current_->references;
+}
+
+void TextStore::hold(const char* text) { ++blockOf(text)->references; }
+
+void TextStore::release(const char* text) {
+  Block* block = blockOf(text);
+  VESSORA_CHECK(block->references > 0, "a text was given back twice");
+  if (--block->references == 0 && block != current_) free(block);
+}
+
+}  // namespace cad
