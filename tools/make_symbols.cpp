@@ -6,16 +6,16 @@
 // A plan is drawn in metres. Everything lies on layer 0 in the colour ByBlock, so that a symbol
 // shows the colour of the layer it is put on, or its own when it is given one. Only the swatches of
 // the legends have colours of their own.
-#include <algorithm>
-#include <charconv>
 #include <cmath>
-#include <cstdio>
-#include <fstream>
+#include <cstdint>
 #include <functional>
 #include <iostream>
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "cad/api/database.h"
+#include "cad/drawing/drawing.h"
 
 namespace {
 
@@ -25,460 +25,37 @@ struct Point {
   double x = 0, y = 0;
 };
 
-// --- what a drawing consists of besides its entities ---------------------------------------------
-// One tag a line, group code and value. Handles up to 1F are given here, entities begin at 30.
-
-constexpr std::string_view kHeader = R"(0 SECTION
-2 HEADER
-9 $ACADVER
-1 AC1027
-9 $DWGCODEPAGE
-3 ANSI_1252
-9 $INSBASE
-10 0.0
-20 0.0
-30 0.0
-9 $HANDSEED
-5 %SEED%
-9 $MEASUREMENT
-70 1
-9 $INSUNITS
-70 6
-0 ENDSEC
-0 SECTION
-2 CLASSES
-0 CLASS
-1 ACDBDICTIONARYWDFLT
-2 AcDbDictionaryWithDefault
-3 ObjectDBX Classes
-90 0
-91 1
-280 0
-281 0
-0 CLASS
-1 ACDBPLACEHOLDER
-2 AcDbPlaceHolder
-3 ObjectDBX Classes
-90 0
-91 1
-280 0
-281 0
-0 CLASS
-1 LAYOUT
-2 AcDbLayout
-3 ObjectDBX Classes
-90 0
-91 2
-280 0
-281 0
-0 ENDSEC
-0 SECTION
-2 TABLES
-0 TABLE
-2 VPORT
-5 1
-330 0
-100 AcDbSymbolTable
-70 1
-0 VPORT
-5 18
-330 1
-100 AcDbSymbolTableRecord
-100 AcDbViewportTableRecord
-2 *Active
-70 0
-10 0.0
-20 0.0
-11 1.0
-21 1.0
-12 0.0
-22 0.0
-13 0.0
-23 0.0
-14 10.0
-24 10.0
-15 10.0
-25 10.0
-16 0.0
-26 0.0
-36 1.0
-17 0.0
-27 0.0
-37 0.0
-40 40.0
-41 1.5
-42 50.0
-43 0.0
-44 0.0
-50 0.0
-51 0.0
-71 0
-72 1000
-73 1
-74 3
-75 0
-76 0
-77 0
-78 0
-0 ENDTAB
-0 TABLE
-2 LTYPE
-5 2
-330 0
-100 AcDbSymbolTable
-70 3
-0 LTYPE
-5 19
-330 2
-100 AcDbSymbolTableRecord
-100 AcDbLinetypeTableRecord
-2 ByBlock
-70 0
-3
-72 65
-73 0
-40 0.0
-0 LTYPE
-5 1A
-330 2
-100 AcDbSymbolTableRecord
-100 AcDbLinetypeTableRecord
-2 ByLayer
-70 0
-3
-72 65
-73 0
-40 0.0
-0 LTYPE
-5 1B
-330 2
-100 AcDbSymbolTableRecord
-100 AcDbLinetypeTableRecord
-2 Continuous
-70 0
-3 Solid line
-72 65
-73 0
-40 0.0
-0 ENDTAB
-0 TABLE
-2 LAYER
-5 3
-330 0
-100 AcDbSymbolTable
-70 1
-0 LAYER
-5 1C
-330 3
-100 AcDbSymbolTableRecord
-100 AcDbLayerTableRecord
-2 0
-70 0
-62 7
-6 Continuous
-370 -3
-390 10
-0 ENDTAB
-0 TABLE
-2 STYLE
-5 4
-330 0
-100 AcDbSymbolTable
-70 1
-0 STYLE
-5 1D
-330 4
-100 AcDbSymbolTableRecord
-100 AcDbTextStyleTableRecord
-2 Standard
-70 0
-40 0.0
-41 1.0
-50 0.0
-71 0
-42 2.0
-3 txt
-4
-0 ENDTAB
-0 TABLE
-2 VIEW
-5 5
-330 0
-100 AcDbSymbolTable
-70 0
-0 ENDTAB
-0 TABLE
-2 UCS
-5 6
-330 0
-100 AcDbSymbolTable
-70 0
-0 ENDTAB
-0 TABLE
-2 APPID
-5 7
-330 0
-100 AcDbSymbolTable
-70 1
-0 APPID
-5 1E
-330 7
-100 AcDbSymbolTableRecord
-100 AcDbRegAppTableRecord
-2 ACAD
-70 0
-0 ENDTAB
-0 TABLE
-2 DIMSTYLE
-5 8
-330 0
-100 AcDbSymbolTable
-70 1
-100 AcDbDimStyleTable
-71 1
-0 DIMSTYLE
-105 1F
-330 8
-100 AcDbSymbolTableRecord
-100 AcDbDimStyleTableRecord
-2 Standard
-70 0
-0 ENDTAB
-0 TABLE
-2 BLOCK_RECORD
-5 9
-330 0
-100 AcDbSymbolTable
-70 2
-0 BLOCK_RECORD
-5 13
-330 9
-100 AcDbSymbolTableRecord
-100 AcDbBlockTableRecord
-2 *Model_Space
-340 16
-70 0
-280 1
-281 0
-0 BLOCK_RECORD
-5 14
-330 9
-100 AcDbSymbolTableRecord
-100 AcDbBlockTableRecord
-2 *Paper_Space
-340 17
-70 0
-280 1
-281 0
-0 ENDTAB
-0 ENDSEC
-0 SECTION
-2 BLOCKS
-0 BLOCK
-5 20
-330 13
-100 AcDbEntity
-8 0
-100 AcDbBlockBegin
-2 *Model_Space
-70 0
-10 0.0
-20 0.0
-30 0.0
-3 *Model_Space
-1
-0 ENDBLK
-5 21
-330 13
-100 AcDbEntity
-8 0
-100 AcDbBlockEnd
-0 BLOCK
-5 22
-330 14
-100 AcDbEntity
-8 0
-100 AcDbBlockBegin
-2 *Paper_Space
-70 0
-10 0.0
-20 0.0
-30 0.0
-3 *Paper_Space
-1
-0 ENDBLK
-5 23
-330 14
-100 AcDbEntity
-8 0
-100 AcDbBlockEnd
-0 ENDSEC
-0 SECTION
-2 ENTITIES
-)";
-
-constexpr std::string_view kDictionaries = R"(0 ENDSEC
-0 SECTION
-2 OBJECTS
-0 DICTIONARY
-5 A
-330 0
-100 AcDbDictionary
-281 1
-3 ACAD_GROUP
-350 B
-3 ACAD_LAYOUT
-350 C
-3 ACAD_MLINESTYLE
-350 D
-3 ACAD_PLOTSTYLENAME
-350 E
-0 DICTIONARY
-5 B
-330 A
-100 AcDbDictionary
-281 1
-0 DICTIONARY
-5 C
-330 A
-100 AcDbDictionary
-281 1
-3 Layout1
-350 17
-3 Model
-350 16
-0 DICTIONARY
-5 D
-330 A
-100 AcDbDictionary
-281 1
-3 Standard
-350 11
-0 ACDBDICTIONARYWDFLT
-5 E
-330 A
-100 AcDbDictionary
-281 1
-3 Normal
-350 10
-100 AcDbDictionaryWithDefault
-340 10
-0 ACDBPLACEHOLDER
-5 10
-330 E
-0 MLINESTYLE
-5 11
-330 D
-100 AcDbMlineStyle
-2 Standard
-70 0
-3
-62 256
-51 90.0
-52 90.0
-71 2
-49 0.5
-62 256
-6 BYLAYER
-49 -0.5
-62 256
-6 BYLAYER
-)";
-
-constexpr std::string_view kLayout = R"(0 LAYOUT
-5 %HANDLE%
-102 {ACAD_REACTORS
-330 C
-102 }
-330 C
-100 AcDbPlotSettings
-1
-4
-6
-40 0.0
-41 0.0
-42 0.0
-43 0.0
-44 297.0
-45 210.0
-46 0.0
-47 0.0
-48 0.0
-49 0.0
-140 0.0
-141 0.0
-142 1.0
-143 1.0
-70 %PLOT%
-72 1
-73 0
-74 5
-7
-75 16
-76 0
-77 2
-78 300
-147 1.0
-148 0.0
-149 0.0
-100 AcDbLayout
-1 %NAME%
-70 1
-71 %ORDER%
-10 0.0
-20 0.0
-11 420.0
-21 297.0
-12 0.0
-22 0.0
-32 0.0
-14 1e+20
-24 1e+20
-34 1e+20
-15 -1e+20
-25 -1e+20
-35 -1e+20
-146 0.0
-13 0.0
-23 0.0
-33 0.0
-16 1.0
-26 0.0
-36 0.0
-17 0.0
-27 1.0
-37 0.0
-76 0
-330 %RECORD%
-)";
-
-// --- the drawing ---------------------------------------------------------------------------------
-
+// A new drawing of the host's, and the few entities that symbols are made of.
 class Drawing {
  public:
+  Drawing() : database_(true), drawing_(database_.drawing()), tags_(cad::borrowTags()) {}
+
   void line(Point a, Point b) {
     begin("LINE", "AcDbLine", kByBlock);
     point(10, a);
     point(11, b);
+    add();
   }
 
   void circle(Point centre, double radius) {
     begin("CIRCLE", "AcDbCircle", kByBlock);
     point(10, centre);
-    real(40, radius);
+    tags_->addReal(40, radius);
+    add();
   }
 
   // `bulges` may be shorter than the points; what is missing is a straight side.
   void polyline(const std::vector<Point>& points, bool closed,
                 const std::vector<double>& bulges = {}) {
     begin("LWPOLYLINE", "AcDbPolyline", kByBlock);
-    tag(90, std::to_string(points.size()));
-    tag(70, closed ? "1" : "0");
+    tags_->addInteger(90, static_cast<std::int64_t>(points.size()));
+    tags_->addInteger(70, closed ? 1 : 0);
     for (std::size_t i = 0; i < points.size(); ++i) {
-      real(10, points[i].x);
-      real(20, points[i].y);
-      if (i < bulges.size() && bulges[i] != 0) real(42, bulges[i]);
+      tags_->addReal(10, points[i].x);
+      tags_->addReal(20, points[i].y);
+      if (i < bulges.size() && bulges[i] != 0) tags_->addReal(42, bulges[i]);
     }
+    add();
   }
 
   // A filled area; the corners go round it.
@@ -488,117 +65,53 @@ class Drawing {
     point(11, b);
     point(12, d);  // the entity joins its corners crosswise
     point(13, c);
+    add();
   }
   void triangle(Point a, Point b, Point c) { solid(a, b, c, c); }
-
-  void text(Point at, double height, std::string_view value) {
-    begin("TEXT", "AcDbText", kByBlock);
-    textPart(at, height, value);
-    tag(100, "AcDbText");
-  }
 
   enum class Shown { yes, no };
   void attribute(std::string_view name, std::string_view prompt, Point at, double height,
                  Shown shown = Shown::yes) {
     begin("ATTDEF", "AcDbText", kByBlock);
-    textPart(at, height, "");
-    tag(100, "AcDbAttributeDefinition");
-    tag(280, "0");
-    tag(3, prompt);
-    tag(2, name);
-    tag(70, shown == Shown::yes ? "0" : "1");
-    tag(73, "0");
-    tag(74, "0");
-    tag(280, "1");
+    point(10, at);
+    tags_->addReal(40, height);
+    tags_->addAscii(1, "");
+    tags_->addAscii(7, "Standard");
+    tags_->addAscii(100, "AcDbAttributeDefinition");
+    tags_->addInteger(280, 0);
+    tags_->addAscii(3, prompt);
+    tags_->addAscii(2, name);
+    tags_->addInteger(70, shown == Shown::yes ? 0 : 1);
+    tags_->addInteger(73, 0);
+    tags_->addInteger(74, 0);
+    tags_->addInteger(280, 1);
+    add();
   }
 
-  bool save(const std::string& path) const {
-    std::string out;
-    appendTags(out, kHeader, {{"%SEED%", hex(next_)}});
-    out += entities_;
-    appendTags(out, kDictionaries, {});
-    appendTags(out, kLayout,
-               {{"%HANDLE%", "16"},
-                {"%PLOT%", "1712"},
-                {"%NAME%", "Model"},
-                {"%ORDER%", "0"},
-                {"%RECORD%", "13"}});
-    appendTags(out, kLayout,
-               {{"%HANDLE%", "17"},
-                {"%PLOT%", "688"},
-                {"%NAME%", "Layout1"},
-                {"%ORDER%", "1"},
-                {"%RECORD%", "14"}});
-    appendTag(out, 0, "ENDSEC");
-    appendTag(out, 0, "EOF");
-    std::ofstream file(path, std::ios::binary);
-    file << out;
-    file.close();
-    return !file.fail();
+  platform::Result<void> save(const std::string& path) {
+    return drawing_.save(path, {.keepBackup = false});
   }
 
  private:
-  using Replacements = std::vector<std::pair<std::string_view, std::string>>;
-
-  static std::string hex(unsigned value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%X", value);
-    return text;
-  }
-
-  static void appendTag(std::string& out, int code, std::string_view value) {
-    char text[16];
-    std::snprintf(text, sizeof text, "%3d\n", code);
-    out.append(text).append(value).append("\n");
-  }
-
-  static void appendTags(std::string& out, std::string_view lines,
-                         const Replacements& replacements) {
-    while (!lines.empty()) {
-      const std::size_t end = lines.find('\n');
-      const std::string_view row = lines.substr(0, end);
-      lines.remove_prefix(end + 1);
-      const std::size_t blank = row.find(' ');
-      int code = 0;
-      std::from_chars(row.data(), row.data() + std::min(blank, row.size()), code);
-      std::string_view value = blank == row.npos ? "" : row.substr(blank + 1);
-      for (const auto& [name, text] : replacements) {
-        if (value == name) value = text;
-      }
-      appendTag(out, code, value);
-    }
-  }
-
-  void tag(int code, std::string_view value) { appendTag(entities_, code, value); }
-  void real(int code, double value) {
-    char text[40];
-    char* end = std::to_chars(text, text + sizeof text, value + 0.0, std::chars_format::fixed).ptr;
-    std::string_view digits(text, static_cast<std::size_t>(end - text));
-    tag(code, digits.find('.') == digits.npos ? std::string(digits) + ".0" : std::string(digits));
-  }
-  void point(int code, Point p) {
-    real(code, p.x);
-    real(code + 10, p.y);
-    real(code + 20, 0);
-  }
   void begin(std::string_view type, std::string_view marker, int colour) {
-    tag(0, type);
-    tag(5, hex(next_++));
-    tag(330, "13");
-    tag(100, "AcDbEntity");
-    tag(8, "0");
-    tag(62, std::to_string(colour));
-    tag(100, marker);
+    tags_->create(drawing_.format(), type);
+    tags_->addAscii(100, "AcDbEntity");
+    tags_->addAscii(8, "0");
+    tags_->addInteger(62, colour);
+    tags_->addAscii(100, marker);
   }
-  void textPart(Point at, double height, std::string_view value) {
-    point(10, at);
-    real(40, height);
-    tag(1, value);
-    tag(7, "Standard");
+  void point(int code, Point p) { tags_->addPoint(code, {p.x, p.y, 0}); }
+  void add() {
+    const std::uint32_t space = drawing_.structure().modelSpace();
+    drawing_.writer().addComplete(*tags_, {.before = drawing_.structure().endOf(space),
+                                           .owner = space,
+                                           .space = true,
+                                           .entity = true});
   }
 
-  std::string entities_;
-  unsigned next_ = 0x30;
+  AcDbDatabase database_;
+  cad::Drawing& drawing_;
+  cad::BorrowedTags tags_;
 };
 
 constexpr double kText = 2;  // height of what is written beside a symbol
@@ -841,8 +354,8 @@ int main(int argc, char** argv) {
     Drawing drawing;
     symbol.draw(drawing);
     const std::string path = std::string(argv[1]) + "/" + symbol.name + ".dxf";
-    if (!drawing.save(path)) {
-      std::cerr << "make_symbols: cannot write " << path << "\n";
+    if (const auto saved = drawing.save(path); !saved) {
+      std::cerr << "make_symbols: " << saved.error() << "\n";
       return 1;
     }
   }
