@@ -25,6 +25,7 @@ class AcDbDatabase;
 namespace cad {
 class Drawing;
 class TagList;
+struct Inside;
 struct ViewState;
 }  // namespace cad
 
@@ -63,11 +64,6 @@ class CAD_API AcDbObject : public AcRxObject {
   // Whether xData(application) would give something, without building the chain.
   bool hasXData(std::u16string_view application) const;
 
-  // The host's own door to the tags of the object. Not for modules.
-  const cad::TagList& tags() const;
-  cad::TagList& tagsForWrite();
-  cad::ViewState& view() const { return *view_; }
-
  protected:
   AcDbObject();
   explicit AcDbObject(cad::ViewState* state);
@@ -76,8 +72,11 @@ class CAD_API AcDbObject : public AcRxObject {
   virtual void beforeCommit() {}
   // Called when a new object has become a drawing's: the place for what needs its handle and owner.
   virtual void afterAppend() {}
+  const cad::TagList& tags() const;
+  cad::TagList& tagsForWrite();
   cad::ViewState* view_;
   friend class cad::Drawing;
+  friend struct cad::Inside;
 };
 
 // Opens an object; the pointer stays null on failure (eNullObjectId, eWasErased, eWasOpenForWrite,

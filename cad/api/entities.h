@@ -118,8 +118,6 @@ class CAD_API AcDbAttribute : public AcDbText {
  public:
   AcDbAttribute();
   std::u16string tag() const;
-  // Whether the tag is exactly this one, without making a text of it.
-  bool hasTag(std::u16string_view tag) const;
   bool isInvisible() const;
   // Takes appearance, tag, default text and place from the definition, moved by the transformation
   // of the block reference (translation, rotation, uniform scale; the text plane stays parallel to
@@ -174,9 +172,6 @@ class CAD_API AcDb3dPolyline : public AcDbEntity {
   Acad::ErrorStatus getStartPoint(AcGePoint3d& point) const;
   Acad::ErrorStatus getEndPoint(AcGePoint3d& point) const;
   bool isClosed() const;
-  // All positions in order, straight from the records, which is what opening each vertex would
-  // give.
-  void vertices(std::vector<AcGePoint3d>& points) const;
 
  protected:
   using AcDbEntity::AcDbEntity;
@@ -212,7 +207,7 @@ class CAD_API AcDbBlockReference : public AcDbEntity {
   double rotation() const;
   Acad::ErrorStatus setRotation(double angle);
   AcGeScale3d scaleFactors() const;
-  // Scales about the insertion point, attributes included.
+  // Scales about the insertion point, attributes included; eInvalidInput for a factor of zero.
   Acad::ErrorStatus setScaleFactors(const AcGeScale3d& scale);
   AcGeVector3d normal() const;
   Acad::ErrorStatus setNormal(const AcGeVector3d& normal);
@@ -233,6 +228,6 @@ class CAD_API AcDbBlockReference : public AcDbEntity {
   friend class cad::Drawing;
 
  private:
-  // Applies a change of the transformation to the attributes.
-  void moveAttributes(const AcGeMatrix3d& before, const AcGeMatrix3d& after);
+  template <class Change>
+  Acad::ErrorStatus transform(Change&& change);
 };

@@ -6,14 +6,15 @@ namespace cad {
 namespace {
 
 constexpr double kDegree = 3.14159265358979323846 / 180;
+}  // namespace
 
-AcGeMatrix3d inverse(const AcGeMatrix3d& m) {
+std::optional<AcGeMatrix3d> invert(const AcGeMatrix3d& m) {
   const auto& e = m.entry;
   const double det = e[0][0] * (e[1][1] * e[2][2] - e[1][2] * e[2][1]) -
                      e[0][1] * (e[1][0] * e[2][2] - e[1][2] * e[2][0]) +
                      e[0][2] * (e[1][0] * e[2][1] - e[1][1] * e[2][0]);
   AcGeMatrix3d r;
-  if (det == 0) return r;
+  if (det == 0 || !std::isfinite(det)) return std::nullopt;
   for (int i = 0; i < 3; ++i) {
     for (int j = 0; j < 3; ++j) {
       const int a = (j + 1) % 3, b = (j + 2) % 3, c = (i + 1) % 3, d = (i + 2) % 3;
@@ -25,8 +26,6 @@ AcGeMatrix3d inverse(const AcGeMatrix3d& m) {
   }
   return r;
 }
-
-}  // namespace
 
 AcGeMatrix3d insertTransform(const Drawing* d, const TagList& t, std::uint32_t blockId, double dx,
                              double dy) {
@@ -70,9 +69,7 @@ AcGePoint3d blockOrigin(const Drawing& drawing, const BlockInfo& block) {
   return block.origin;
 }
 
-void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& before,
-                         const AcGeMatrix3d& after) {
-  const AcGeMatrix3d world = after * inverse(before);
+void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& world) {
   const auto t = borrowTags();
   for (std::uint32_t a = drawing.structure().firstPart(reference); a;
        a = drawing.structure().nextPart(reference, a)) {
@@ -84,7 +81,8 @@ void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMa
       const AcGePoint3d n = t->point(i);
       normal = {n.x, n.y, n.z};
     }
-    const AcGeMatrix3d axes = acGeEntitySystem(normal), m = inverse(axes) * world * axes;
+    const AcGeMatrix3d axes = acGeEntitySystem(normal),
+                       m = invert(axes).value_or(AcGeMatrix3d()) * world * axes;
     const double scale = AcGeVector3d(m.entry[0][1], m.entry[1][1], m.entry[2][1]).length();
     const double turn = std::atan2(m.entry[1][0], m.entry[0][0]) / kDegree;
     for (const int code : {10, 11}) {

@@ -2,6 +2,9 @@
 // the attributes that go along with it.
 #pragma once
 
+#include <optional>
+#include <vector>
+
 #include "cad/api/ge.h"
 #include "cad/drawing/drawing.h"
 
@@ -14,8 +17,12 @@ AcGePoint3d blockOrigin(const Drawing& drawing, const BlockInfo& block);
 // origin.
 AcGeMatrix3d insertTransform(const Drawing* drawing, const TagList& reference, std::uint32_t block,
                              double dx = 0, double dy = 0);
-// Moves, turns and scales the attributes of a reference whose transformation changed.
-void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& before,
-                         const AcGeMatrix3d& after);
+// The way back; none from a transformation that flattens (a scale of zero).
+std::optional<AcGeMatrix3d> invert(const AcGeMatrix3d& m);
+// Moves, turns and scales the attributes of a reference as this does in the world.
+void transformAttributes(Drawing& drawing, std::uint32_t reference, const AcGeMatrix3d& world);
+// The positions of a polyline's vertices, straight from the records, which is what opening each
+// vertex would give.
+CAD_API std::vector<AcGePoint3d> vertexPositions(const Drawing& drawing, std::uint32_t polyline);
 
 }  // namespace cad

@@ -1,13 +1,21 @@
 #include "cad/api/tables.h"
 
+#include <cmath>
+
 #include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
+#include "cad/drawing/fields.h"
 #include "platform/text.h"
 
+using cad::get;
+using cad::NumberField;
 using cad::Record;
+using cad::set;
 using cad::TagList;
 using cad::TagRange;
+using cad::TextField;
 using cad::Type;
+using cad::writable;
 
 ACRX_DEFINE(AcDbSymbolTableRecord, AcDbObject)
 ACRX_DEFINE(AcDbLayerTableRecord, AcDbSymbolTableRecord)
@@ -26,48 +34,39 @@ ACRX_DEFINE(AcDbXrecord, AcDbObject)
 
 namespace {
 
-const cad::Format& neutral() {
-  static const cad::Format format;
-  return format;
-}
+constexpr TextField kName{"", 2};
+constexpr NumberField kFlags{"", 70, 0, 0, 255};
+constexpr NumberField kLayerColor{"", 62, 7, -255, 255};
+constexpr TextField kLayerLinetype{"", 6, u"Continuous"};
+constexpr TextField kFontFile{"", 3}, kDescription{"", 3};
 
 TagList& beginEntry(AcDbObject& object, std::string_view type, std::string_view marker) {
-  TagList& t = object.tagsForWrite();
-  t.create(neutral(), type);
+  TagList& t = cad::Inside::tagsForWrite(object);
+  t.create(cad::neutralFormat(), type);
   t.addAscii(100, "AcDbSymbolTableRecord");
   t.addAscii(100, marker);
   return t;
 }
 
 Acad::ErrorStatus flagOf(AcDbObject& object, int bit, bool on) {
-  if (!object.isWriteEnabled()) return Acad::eNotOpenForWrite;
-  const TagList& now = object.tags();
-  const int i = now.find(70, now.body());
-  const std::int64_t old = i < 0 ? 0 : now.integer(i);
-  const std::int64_t flags = on ? old | bit : old & ~bit;
-  if (i >= 0 && flags == old) return Acad::eOk;
-  TagList& t = object.tagsForWrite();
-  t.putInteger(70, flags, t.body());
-  return Acad::eOk;
+  const std::int64_t old = get(object, kFlags), flags = on ? old | bit : old & ~bit;
+  return flags == old ? writable(object) : set(object, kFlags, flags);
 }
 
 }  // namespace
 
 // --- records -------------------------------------------------------------------------------------
 
-std::u16string AcDbSymbolTableRecord::getName() const {
-  const TagList& t = tags();
-  return t.textOr(2, u"", t.body());
-}
+std::u16string AcDbSymbolTableRecord::getName() const { return get(*this, kName); }
 Acad::ErrorStatus AcDbSymbolTableRecord::getName(std::u16string& name) const {
   name = getName();
   return Acad::eOk;
 }
 
 Acad::ErrorStatus AcDbSymbolTableRecord::setName(std::u16string_view name) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (const auto s = writable(*this); s != Acad::eOk) return s;
   if (view_->drawing) return view_->drawing->rename(*this, name);
-  if (!cad::usableName(name, neutral().version)) return Acad::eInvalidInput;
+  if (!cad::usableName(name, cad::neutralFormat().version)) return Acad::eInvalidInput;
   TagList& t = tagsForWrite();
   if (const int i = t.find(2, t.body()); i >= 0) {
     t.setText(i, name);
@@ -84,51 +83,33 @@ AcDbLayerTableRecord::AcDbLayerTableRecord() {
   t.addInteger(62, 7);
   t.addAscii(6, "Continuous");
 }
-bool AcDbLayerTableRecord::isFrozen() const {
-  const TagList& t = tags();
-  return t.integerOr(70, 0, t.body()) & 1;
-}
+bool AcDbLayerTableRecord::isFrozen() const { return get(*this, kFlags) & 1; }
 Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool frozen) {
   return flagOf(*this, 1, frozen);
 }
-bool AcDbLayerTableRecord::isLocked() const {
-  const TagList& t = tags();
-  return t.integerOr(70, 0, t.body()) & 4;
-}
-bool AcDbLayerTableRecord::isOff() const {
-  const TagList& t = tags();
-  return t.integerOr(62, 7, t.body()) < 0;
-}
+bool AcDbLayerTableRecord::isLocked() const { return get(*this, kFlags) & 4; }
+bool AcDbLayerTableRecord::isOff() const { return get(*this, kLayerColor) < 0; }
 Acad::ErrorStatus AcDbLayerTableRecord::setIsOff(bool off) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  const int color = colorIndex();
-  TagList& t = tagsForWrite();
-  t.putInteger(62, off ? -color : color, t.body());
-  return Acad::eOk;
+  return set(*this, kLayerColor, off ? -colorIndex() : colorIndex());
 }
 int AcDbLayerTableRecord::colorIndex() const {
-  const TagList& t = tags();
-  const auto c = static_cast<int>(t.integerOr(62, 7, t.body()));
+  const auto c = static_cast<int>(get(*this, kLayerColor));
   return c < 0 ? -c : c;
 }
 Acad::ErrorStatus AcDbLayerTableRecord::setColorIndex(int index) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  if (index < 1 || index > 255) return Acad::eInvalidInput;
-  const bool off = isOff();
+  if (index < 1) return Acad::eInvalidInput;  // a layer's sign says whether it is on
+  const auto s = set(*this, kLayerColor, isOff() ? -index : index);
+  if (s != Acad::eOk) return s;
   TagList& t = tagsForWrite();
-  t.putInteger(62, off ? -index : index, t.body());
   if (const int exact = t.find(420, t.body()); exact >= 0) t.erase(exact, exact + 1);
   return Acad::eOk;
 }
-std::u16string AcDbLayerTableRecord::linetype() const {
-  const TagList& t = tags();
-  return t.textOr(6, u"Continuous", t.body());
-}
+std::u16string AcDbLayerTableRecord::linetype() const { return get(*this, kLayerLinetype); }
 Acad::ErrorStatus AcDbLayerTableRecord::setLinetype(std::u16string_view name) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  TagList& t = tagsForWrite();
-  t.putText(6, name, t.body());
-  return Acad::eOk;
+  if (view_->drawing && !view_->drawing->structure().tableEntry(Type::ltype, name)) {
+    return Acad::eKeyNotFound;
+  }
+  return set(*this, kLayerLinetype, name);
 }
 
 AcDbTextStyleTableRecord::AcDbTextStyleTableRecord() {
@@ -142,15 +123,9 @@ AcDbTextStyleTableRecord::AcDbTextStyleTableRecord() {
   t.addAscii(3, "txt");
   t.addAscii(4, "");
 }
-std::u16string AcDbTextStyleTableRecord::fileName() const {
-  const TagList& t = tags();
-  return t.textOr(3, u"", t.body());
-}
+std::u16string AcDbTextStyleTableRecord::fileName() const { return get(*this, kFontFile); }
 Acad::ErrorStatus AcDbTextStyleTableRecord::setFileName(std::u16string_view file) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  TagList& t = tagsForWrite();
-  t.putText(3, file, t.body());
-  return Acad::eOk;
+  return set(*this, kFontFile, file);
 }
 
 AcDbLinetypeTableRecord::AcDbLinetypeTableRecord() {
@@ -161,16 +136,14 @@ AcDbLinetypeTableRecord::AcDbLinetypeTableRecord() {
   t.addInteger(73, 0);
   t.addReal(40, 0);
 }
-std::u16string AcDbLinetypeTableRecord::comments() const {
-  const TagList& t = tags();
-  return t.textOr(3, u"", t.body());
-}
+std::u16string AcDbLinetypeTableRecord::comments() const { return get(*this, kDescription); }
 Acad::ErrorStatus AcDbLinetypeTableRecord::setPattern(std::u16string_view description,
                                                       const std::vector<double>& dashes) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
-  TagList& t = tagsForWrite();
+  if (const auto s = writable(*this); s != Acad::eOk) return s;
   double length = 0;
   for (const double d : dashes) length += d < 0 ? -d : d;
+  if (!std::isfinite(length)) return Acad::eInvalidInput;
+  TagList& t = tagsForWrite();
   t.putText(3, description, t.body());
   t.putInteger(73, static_cast<std::int64_t>(dashes.size()), t.body());
   t.putReal(40, length, t.body());
@@ -191,7 +164,7 @@ AcDbRegAppTableRecord::AcDbRegAppTableRecord() {
 // --- block records -------------------------------------------------------------------------------
 
 Acad::ErrorStatus AcDbBlockTableRecord::appendAcDbEntity(AcDbObjectId& id, AcDbEntity* entity) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (const auto s = writable(*this); s != Acad::eOk) return s;
   if (!view_->drawing) return Acad::eNotInDatabase;
   if (!entity) return Acad::eNullObjectPointer;
   const Acad::ErrorStatus s = view_->drawing->append(view_->record, *entity);
@@ -258,7 +231,7 @@ Acad::ErrorStatus AcDbSymbolTable::newIterator(AcDbSymbolTableIterator*& iterato
 }
 
 Acad::ErrorStatus AcDbSymbolTable::add(AcDbObjectId& id, AcDbSymbolTableRecord* record) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (const auto s = writable(*this); s != Acad::eOk) return s;
   if (!record) return Acad::eNullObjectPointer;
   const Acad::ErrorStatus s = view_->drawing->append(view_->record, *record);
   if (s == Acad::eOk) id = record->objectId();
@@ -283,7 +256,7 @@ Acad::ErrorStatus AcDbSymbolTableIterator::getRecord(AcDbSymbolTableRecord*& rec
 
 AcDbDictionary::AcDbDictionary() {
   TagList& t = tagsForWrite();
-  t.create(neutral(), "DICTIONARY");
+  t.create(cad::neutralFormat(), "DICTIONARY");
   t.addAscii(100, "AcDbDictionary");
   t.addInteger(281, 1);
 }
@@ -311,10 +284,10 @@ Acad::ErrorStatus AcDbDictionary::getAt(std::u16string_view name, AcDbObjectId& 
 
 Acad::ErrorStatus AcDbDictionary::setAt(std::u16string_view name, AcDbObject* object,
                                         AcDbObjectId& id) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (const auto s = writable(*this); s != Acad::eOk) return s;
   if (!view_->drawing) return Acad::eNotInDatabase;
   if (!object) return Acad::eNullObjectPointer;
-  if (!object->view().drawing) {
+  if (!cad::Inside::view(*object).drawing) {
     const Acad::ErrorStatus s = view_->drawing->append(view_->record, *object);
     if (s != Acad::eOk) return s;
   }
@@ -335,7 +308,7 @@ Acad::ErrorStatus AcDbDictionary::setAt(std::u16string_view name, AcDbObject* ob
 
 AcDbXrecord::AcDbXrecord() {
   TagList& t = tagsForWrite();
-  t.create(neutral(), "XRECORD");
+  t.create(cad::neutralFormat(), "XRECORD");
   t.addAscii(100, "AcDbXrecord");
   t.addInteger(280, 1);
 }
@@ -381,7 +354,7 @@ resbuf* AcDbXrecord::rbChain() const {
 }
 
 Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf* chain) {
-  if (!isWriteEnabled()) return Acad::eNotOpenForWrite;
+  if (const auto s = writable(*this); s != Acad::eOk) return s;
   TagList& t = tagsForWrite();
   const int from = t.find(100);
   if (from >= 0) t.erase(from + 1, t.size());

@@ -3,6 +3,7 @@
 
 #include "cad/api/editor.h"
 #include "cad/api/table.h"
+#include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
 #include "cad/shape/extents.h"
@@ -187,9 +188,10 @@ void listEntity(AcDbObjectId id) {
     }
     delete it;
   } else if (entity->isKindOf(AcDb3dPolyline::desc())) {
-    std::vector<AcGePoint3d> points;
-    static_cast<AcDb3dPolyline*>(entity)->vertices(points);
-    for (const AcGePoint3d& p : points) acutPrintf(u"\n  vertice %.3f,%.3f,%.3f", p.x, p.y, p.z);
+    for (const AcGePoint3d& p :
+         vertexPositions(session().database()->drawing(), entity->objectId().index())) {
+      acutPrintf(u"\n  vertice %.3f,%.3f,%.3f", p.x, p.y, p.z);
+    }
   } else if (entity->isKindOf(AcDbPolyline::desc())) {
     for (const AcDbPolyline::Vertex& v : static_cast<AcDbPolyline*>(entity)->vertices()) {
       acutPrintf(u"\n  vertice %.3f,%.3f", v.point.x, v.point.y);

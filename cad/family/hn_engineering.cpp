@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
 #include "cad/family/profile.h"
@@ -441,7 +442,7 @@ bool verticesOf(AcDbObjectId id, std::vector<AcGePoint3d>& points, std::vector<d
   if (acdbOpenObject(entity, id) != Acad::eOk) return false;
   bool closed = false, known = true;
   if (const auto* line = AcDb3dPolyline::cast(entity, static_cast<AcDb3dPolyline*>(nullptr))) {
-    line->vertices(points);
+    points = cad::vertexPositions(id.database()->drawing(), id.index());
     closed = line->isClosed();
   } else if (const auto* light = AcDbPolyline::cast(entity, static_cast<AcDbPolyline*>(nullptr))) {
     for (const AcDbPolyline::Vertex& v : light->vertices()) {

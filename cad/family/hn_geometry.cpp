@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "cad/drawing/drawing.h"
+#include "cad/drawing/fields.h"
 #include "platform/text.h"
 
 namespace {
@@ -89,7 +90,8 @@ AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color, std::u16str
   if (!db || points.empty()) return {};
   auto* polyline = new AcDb3dPolyline;
   dress(*polyline, layer, color, xdata);
-  if (flag & 1) polyline->tagsForWrite().putInteger(70, 9, polyline->tags().body());
+  if (flag & 1)
+    cad::Inside::tagsForWrite(*polyline).putInteger(70, 9, cad::Inside::tags(*polyline).body());
   const AcDbObjectId id = append(polyline, db, block);
   if (id.isNull()) return id;
   for (std::size_t i = 0; i < points.size(); ++i) {

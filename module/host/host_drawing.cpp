@@ -28,8 +28,9 @@ unsigned ReadAttributes(AcDbBlockReference* block, const std::u16string_view* ta
   for (int i = 0; i < count; ++i) texts[i].clear();
   unsigned found = 0;
   forEachAttribute(block, AcDb::kForRead, [&](const AcDbAttribute& attribute) {
+    const std::u16string tag = attribute.tag();
     for (int i = 0; i < count; ++i) {
-      if (!attribute.hasTag(tags[i])) continue;
+      if (tag != tags[i]) continue;
       texts[i] = attribute.textString();
       found |= 1U << i;
     }
@@ -44,7 +45,7 @@ bool ReadAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16s
 
 void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string_view text) {
   forEachAttribute(block, AcDb::kForWrite, [&](AcDbAttribute& attribute) {
-    if (attribute.hasTag(tag)) attribute.setTextString(text);
+    if (attribute.tag() == tag) attribute.setTextString(text);
   });
 }
 
@@ -94,7 +95,12 @@ int CountVertices(AcDb3dPolyline* polyline) {
 }
 
 void ReadVertices(AcDb3dPolyline* polyline, AcGePoint3dArray& points) {
-  polyline->vertices(points);
+  const std::unique_ptr<AcDbObjectIterator> at(polyline->vertexIterator());
+  for (; !at->done(); at->step()) {
+    if (const Opened<AcDb3dPolylineVertex> vertex(at->objectId()); vertex) {
+      points.push_back(vertex->position());
+    }
+  }
 }
 
 bool PolylineCentroid(AcDb3dPolyline* polyline, AcGePoint3d& centroid) {

@@ -128,8 +128,8 @@ TEST(Attributes, TakePlaceAndFormFromTheirDefinition) {
   ASSERT_FALSE(id.isNull());
   {
     Open<AcDbAttribute> a(id, AcDb::kForWrite);
-    EXPECT_TRUE(a->hasTag(u"ID"));
-    EXPECT_FALSE(a->hasTag(u"id"));
+    EXPECT_TRUE(a->tag() == u"ID");
+    EXPECT_FALSE(a->tag() == u"id");
     expectPoint(a->position(), 10, 24);  // (3,0) less the base point (1,0), turned and doubled
     EXPECT_NEAR(a->height(), 2, 1e-12);
     EXPECT_NEAR(a->rotation(), kPi / 2, 1e-12);
@@ -153,7 +153,7 @@ TEST(Attributes, TakePlaceAndFormFromTheirDefinition) {
     EXPECT_NEAR(a->height(), 1, 1e-12);
     EXPECT_NEAR(a->rotation(), 0, 1e-12);
     EXPECT_EQ(a->textString(), u"N 12");
-    const cad::TagList& t = a->tags();
+    const cad::TagList& t = cad::Inside::tags(*a);
     expectPoint(t.point(t.find(11)), 3, 0, 5);  // the anchor goes along
     EXPECT_EQ(t.integerOr(74, 0, t.subclass("AcDbAttribute")), 3);
   }
@@ -167,7 +167,7 @@ TEST(Attributes, GoAlongInTheSystemOfTheirReference) {
   const AcDbObjectId reference = d.idOf(d.byHandle(0x30));
   for (const int handle : {0x30, 0x31}) {
     Open<AcDbEntity> e(d.idOf(d.byHandle(static_cast<std::uint64_t>(handle))), AcDb::kForWrite);
-    cad::TagList& t = e->tagsForWrite();
+    cad::TagList& t = cad::Inside::tagsForWrite(*e);
     t.addPoint(210, {0, 0, -1});
   }
   expectPoint(Open<AcDbBlockReference>(reference)->position(), -10, 10);

@@ -9,7 +9,9 @@
 #include <vector>
 
 #include "cad/api/database.h"
+#include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
+#include "cad/drawing/fields.h"
 
 namespace testing_drawings {
 
@@ -94,6 +96,7 @@ class Open {
   Open(const Open&) = delete;
   Open& operator=(const Open&) = delete;
   T* operator->() const { return object_; }
+  T& operator*() const { return *object_; }
   T* get() const { return object_; }
   explicit operator bool() const { return object_ != nullptr; }
   void close() {

@@ -207,9 +207,7 @@ TEST_F(ObjectsTest, UndoAndRedoByCommand) {
   const AcDbObjectId attribute = attributeOf(reference, u"ID");
   EXPECT_EQ(Open<AcDbAttribute>(attribute)->position().x, 7);  // 5 + 3 - the base point's 1
   EXPECT_FALSE(erased(polyline));
-  std::vector<AcGePoint3d> points;
-  Open<AcDb3dPolyline>(polyline)->vertices(points);
-  EXPECT_EQ(points.size(), 2u);
+  EXPECT_EQ(cad::vertexPositions(drawing(), polyline.index()).size(), 2u);
   EXPECT_EQ(drawing().undo(), u"DISEGNA");
   EXPECT_TRUE(erased(polyline));
   EXPECT_EQ(drawing().index().allInSpace().size(), 1u);

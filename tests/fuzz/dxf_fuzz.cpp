@@ -37,8 +37,8 @@ void look(cad::Drawing& d, std::uint32_t record) {
     delete reference->attributeIterator();
   }
   if (object->isKindOf(AcDb3dPolyline::desc())) {
-    std::vector<AcGePoint3d> points;
-    static_cast<AcDb3dPolyline*>(object)->vertices(points);
+    AcGePoint3d point;
+    static_cast<AcDb3dPolyline*>(object)->getEndPoint(point);
   }
   if (object->isKindOf(AcDbPolyline::desc())) static_cast<AcDbPolyline*>(object)->vertices();
   if (object->isKindOf(AcDbXrecord::desc()))

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "cad/drawing/drawing.h"
+#include "cad/drawing/fields.h"
 #include "cad/editor/session.h"
 #include "cad/ui/script_frontend.h"
 #include "module/host/module.h"
@@ -61,7 +62,7 @@ class SchematicTest : public ::testing::Test {
     ASSERT_EQ(record->appendAcDbEntity(id, reference), Acad::eOk);
     for (const auto& [tag, text] : attributes) {
       auto* attribute = new AcDbAttribute;
-      cad::TagList& t = attribute->tagsForWrite();
+      cad::TagList& t = cad::Inside::tagsForWrite(*attribute);
       t.setAscii(t.find(2), tag);
       attribute->setTextString(text);
       ASSERT_EQ(reference->appendAttribute(id, attribute), Acad::eOk);

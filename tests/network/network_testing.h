@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cad/drawing/drawing.h"
+#include "cad/drawing/fields.h"
 #include "cad/editor/session.h"
 #include "cad/ui/script_frontend.h"
 #include "module/host/host_drawing.h"
@@ -82,7 +83,7 @@ class DrawnNetwork : public ::testing::Test {
     const AcDbObjectId id = append(block);
     for (const auto& [tag, text] : attributes) {
       auto* attribute = new AcDbAttribute;
-      cad::TagList& tags = attribute->tagsForWrite();
+      cad::TagList& tags = cad::Inside::tagsForWrite(*attribute);
       tags.putText(2, tag, tags.subclass("AcDbAttribute"));
       attribute->setTextString(text);
       attribute->setPosition(at);

@@ -56,7 +56,7 @@ TEST_F(Piezometric, ALoopAndALinkWithoutLengthStayLevel) {
       pipe(u"loop", u"A", u"A", u"40", {{0, 0, 10}, {10, 0, 10}, {10, 10, 10}});
   {
     Opened<AcDb3dPolyline> line(loop, AcDb::kForWrite);
-    cad::TagList& t = line->tagsForWrite();
+    cad::TagList& t = cad::Inside::tagsForWrite(*line);
     t.putInteger(70, 9, t.subclass("AcDb3dPolyline"));
   }
   junc(u"N", {500, 0, 5});  // no results: no hit

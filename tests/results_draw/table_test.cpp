@@ -102,7 +102,7 @@ TEST_F(Tables, AnEditRedrawsAndDropsWhatWouldContradictIt) {
       record->close();
     }
     const Opened<AcDbTable> table(id, AcDb::kForWrite);
-    cad::TagList& t = table->tagsForWrite();
+    cad::TagList& t = cad::Inside::tagsForWrite(*table);
     const int common = t.subclass("AcDbEntity").end;
     t.insertAscii(common, 310, "0123");
     t.insertInteger(common, 160, 2);
@@ -131,7 +131,7 @@ TEST_F(Tables, AnEditRedrawsAndDropsWhatWouldContradictIt) {
   EXPECT_EQ(table->textHeight(0, 0), 3);
   EXPECT_EQ(table->textHeight(1, 0), 1.2);
   EXPECT_EQ(table->textString(1, 1), u"{\\Hallo} ");
-  const cad::TagList& t = table->tags();
+  const cad::TagList& t = cad::Inside::tags(*table);
   EXPECT_EQ(t.find(310), -1);
   EXPECT_EQ(t.integerOr(170, 0, t.subclass("AcDbTable")), 7);
   const std::string text = bytes();
@@ -144,7 +144,7 @@ TEST_F(Tables, SizesThatAFileClaimsAreNotBelieved) {
   drawn({{u"Titolo"}, {u"a", u"1"}});
   {
     const Opened<AcDbTable> table(onLayer(u"TAB")[0], AcDb::kForWrite);
-    cad::TagList& t = table->tagsForWrite();
+    cad::TagList& t = cad::Inside::tagsForWrite(*table);
     t.setInteger(t.find(91, t.subclass("AcDbTable")), 2000000000);
   }
   saveAndReload();
