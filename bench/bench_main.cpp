@@ -69,7 +69,7 @@ Seconds readInp(const std::string& path) {
   if (!text) fail(text.error());
   vessora::EpaNetwork network;
   vessora::EpaSettings settings;
-  vessora::ParseInp(std::move(*text), network, settings);
+  vessora::parseInp(std::move(*text), network, settings);
   if (network.juncs.size() == 0) fail(path + ": no junctions were read");
   return since(start);
 }

@@ -31,7 +31,7 @@ platform::Result<void> makeReport(const std::string& inp, int periods, const std
   if (!text) return platform::Error{text.error()};
   vessora::EpaNetwork network;
   vessora::EpaSettings settings;
-  vessora::ParseInp(std::move(*text), network, settings);
+  vessora::parseInp(std::move(*text), network, settings);
   auto file = platform::SaveFile::begin(path);
   if (!file) return platform::Error{file.error()};
   std::string out = "  Page 1                                    Mon Jan  1 00:00:00 2024\n";

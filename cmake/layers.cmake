@@ -20,8 +20,9 @@ set(VESSORA_LAYERS
   "module/inp|module/host,module/network,module/dialogs,platform"
   "module/results|module/host,module/network,module/grid,module/dialogs,module/inp,platform"
   "module/editing|module/host,module/network,module/grid,module/dialogs,module/inp,platform"
-  "apps/cli|cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
-  "apps/desktop|cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "module|cad/api,module/host,module/network,module/dialogs,module/inp,module/results,module/editing,platform"
+  "apps/cli|module,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "apps/desktop|module,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
 )
 
 # vessora_layer(folder target sources...): one folder, one static library, linked to those that the

@@ -6,18 +6,11 @@
 #include <cstdlib>
 #include <cstring>
 
+#include "module/jobs.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
 namespace cli {
-
-const std::vector<std::string>& moduleCommands() {
-  static const std::vector<std::string> names = {"hnaddepa", "hnmatepa", "hnmodepa",  "hnpzzpmod",
-                                                 "hnsetmat", "hnsetpat", "epaProf",   "epacalc",
-                                                 "epapiezo", "epascale", "epatables", "expinp",
-                                                 "impinp",   "imprpt",   "netvis"};
-  return names;
-}
 
 platform::Result<void> startHost(cad::ui::Frontend& ui) {
   cad::Session& session = cad::Session::instance();
@@ -35,8 +28,14 @@ platform::Result<void> startHost(cad::ui::Frontend& ui) {
   root.back() = u'\\';
   session.setSymbol(u"hn-cpath", root);
   if (auto loaded = session.loadModule(place.module); !loaded) return loaded;
-  for (const std::string& name : moduleCommands()) {
-    session.addExport(u"VESSORA", {platform::widen(name), name, u""});
+  vessora::Jobs* const jobs = vessora::Jobs::find();
+  if (!jobs) {
+    return platform::Error{place.module + ": " +
+                           words("il modulo è di un'altra versione; reinstallare",
+                                 "the module is of another version; install again")};
+  }
+  for (const vessora::CommandRow& row : jobs->commands()) {
+    session.addExport(u"VESSORA", {row.name, row.symbol, row.help});
   }
   return {};
 }

@@ -8,9 +8,6 @@
 
 namespace cli {
 
-// The exports of the module that are commands, in the order of the command table.
-const std::vector<std::string>& moduleCommands();
-
 // Points hn-cpath at the product root, makes `ui` answer, and loads the module.
 platform::Result<void> startHost(cad::ui::Frontend& ui);
 void stopHost();

@@ -16,7 +16,7 @@ void CDlgElencoReti::onOk() {
   ModuleDialog::onOk();
 }
 
-bool IsAqueductNetwork(std::u16string_view name) { return name.substr(0, 5) == u"HN-AQ"; }
+bool isAqueductNetwork(std::u16string_view name) { return name.substr(0, 5) == u"HN-AQ"; }
 
 namespace {
 
@@ -25,19 +25,19 @@ bool takeFromList(AqueductNetworks aqueduct) {
   CDlgElencoReti dialog;
   for (;;) {
     if (!dialog.doModal()) return false;
-    if (aqueduct == AqueductNetworks::accepted || !IsAqueductNetwork(selectedNetwork)) return true;
-    ShowMessage(TraduciTesto(u"Rete non valida!\nSelezionare una rete Epanet!"));
+    if (aqueduct == AqueductNetworks::accepted || !isAqueductNetwork(selectedNetwork)) return true;
+    showMessage(TraduciTesto(u"Rete non valida!\nSelezionare una rete Epanet!"));
     if (aqueduct == AqueductNetworks::refusedOnce) aqueduct = AqueductNetworks::accepted;
   }
 }
 
 }  // namespace
 
-bool ChooseNetwork(AqueductNetworks aqueduct) {
+bool chooseNetwork(AqueductNetworks aqueduct) {
   networkNames.clear();
   ListNetworks(networkNames, defaultNetwork);
   if (networkNames.empty()) {
-    ShowMessage(TraduciTesto(u"Non esiste alcuna rete!"));
+    showMessage(TraduciTesto(u"Non esiste alcuna rete!"));
     return false;
   }
   if (networkNames.size() < 2 || !defaultNetwork.empty()) {

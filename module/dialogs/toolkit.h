@@ -27,7 +27,7 @@ class ModuleDialog : public ui::Dialog {
   bool doModal() { return run(acedFrontend()) == ui::Outcome::ok; }
 
   void onInit() override { TranslateDialog(*this); }
-  void onHelp() override { ShowHelp(helpTopic()); }
+  void onHelp() override { showHelp(helpTopic()); }
   std::u16string translate(std::u16string_view text) override {
     return TraduciTesto(std::u16string(text).c_str());
   }

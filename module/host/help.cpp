@@ -9,7 +9,7 @@ namespace vessora {
 
 // The topic is translated first, so that another language can have pages of its own. Root and topic
 // travel as one argument and no shell reads them: blanks in the root do no harm.
-void ShowHelp(std::u16string_view topic) {
+void showHelp(std::u16string_view topic) {
   const std::string page = platform::narrow(TraduciTesto(std::u16string(topic).c_str()));
   const std::string root = platform::nativePath(installPath);
   platform::startProcess(root + "hnhelp.exe", {root + "|" + page});

@@ -23,7 +23,7 @@ void forEachAttribute(AcDbBlockReference* block, AcDb::OpenMode mode, Visit visi
 
 }  // namespace
 
-unsigned ReadAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
+unsigned readAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
                         std::u16string* texts, int count) {
   for (int i = 0; i < count; ++i) texts[i].clear();
   unsigned found = 0;
@@ -39,7 +39,7 @@ unsigned ReadAttributes(AcDbBlockReference* block, const std::u16string_view* ta
 }
 
 bool ReadAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text) {
-  ReadAttributes(block, &tag, &text, 1);
+  readAttributes(block, &tag, &text, 1);
   return !text.empty();
 }
 
@@ -49,7 +49,7 @@ void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16
   });
 }
 
-void CheckName(const Chain& data, std::u16string& text) {
+void checkName(const Chain& data, std::u16string& text) {
   const resbuf* item = data.item(1);
   if (!item || acutKindOf(item->restype) != RbKind::text) return;
   const std::u16string_view imported = data.text(1);
@@ -59,14 +59,14 @@ void CheckName(const Chain& data, std::u16string& text) {
   message += text;
   message += TraduciTesto(u"\nValore di importazione: ");
   message += imported;
-  ShowMessage(message);
+  showMessage(message);
   text = imported;
 }
 
 bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text) {
   // Where the block has no such attribute there is nothing a user could have edited.
-  if (ReadAttributes(block, &tag, &text, 1) != 0)
-    CheckName(Chain(block->xData(app::kImport)), text);
+  if (readAttributes(block, &tag, &text, 1) != 0)
+    checkName(Chain(block->xData(app::kImport)), text);
   return !text.empty();
 }
 
@@ -79,7 +79,7 @@ int ClearXData(AcDbObject* entity, std::u16string_view application) {
   return 1;
 }
 
-void SetTextItem(resbuf* node, std::u16string_view text) {
+void setTextItem(resbuf* node, std::u16string_view text) {
   if (acutKindOf(node->restype) != RbKind::text) node->resval.rstring = nullptr;
   node->restype = 1000;
   acutSetText(node, text);
@@ -177,7 +177,7 @@ bool FindTextStyle(std::u16string_view name, AcDbObjectId& id) {
   return false;
 }
 
-bool ReadTextVariable(std::u16string_view name, std::u16string& text) {
+bool readTextVariable(std::u16string_view name, std::u16string& text) {
   const Chain node(acutNewRb(RTSTR));
   if (!node) {
     acutPrintf(TraduciTesto(u"\nImpossibile allocare memoria"));

@@ -96,16 +96,16 @@ void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16
 bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
 // Several attributes in one walk: texts[i] gets the text of the last attribute with tags[i]. Bit i
 // of the result tells that there is one.
-unsigned ReadAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
+unsigned readAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
                         std::u16string* texts, int count);
 // The check of ReadNameAttribute by itself: `text` is what the attribute says, `data` the block's
 // extended data of the network.
-void CheckName(const Chain& data, std::u16string& text);
+void checkName(const Chain& data, std::u16string& text);
 // Removes one application's extended data; 1 if the list could be built. The entity is open for
 // write.
 int ClearXData(AcDbObject* entity, std::u16string_view application);
 // Makes a node of a list the text item 1000 with this text, whatever it held.
-void SetTextItem(resbuf* node, std::u16string_view text);
+void setTextItem(resbuf* node, std::u16string_view text);
 int CountVertices(AcDb3dPolyline* polyline);
 // The mean of all vertices; false without vertices.
 bool PolylineCentroid(AcDb3dPolyline* polyline, AcGePoint3d& centroid);
@@ -119,7 +119,7 @@ int RewritePolyline(const AcGePoint3dArray& points, AcDb3dPolyline* polyline, in
 // The text style of a name, compared in upper case.
 bool FindTextStyle(std::u16string_view name, AcDbObjectId& id);
 // A host variable that holds a text. False when there is none of the name or it holds none.
-bool ReadTextVariable(std::u16string_view name, std::u16string& text);
+bool readTextVariable(std::u16string_view name, std::u16string& text);
 
 // Points that coincide within `tolerance` per axis, strictly.
 inline bool samePoint(const AcGePoint3d& a, const AcGePoint3d& b, double tolerance = 0.001) {

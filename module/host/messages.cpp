@@ -4,7 +4,7 @@
 
 namespace vessora {
 
-void ShowMessage(std::u16string_view text, std::u16string_view title, MessageIcon icon) {
+void showMessage(std::u16string_view text, std::u16string_view title, MessageIcon icon) {
   AcEdIcon shown = AcEdIcon::none;
   switch (icon) {
     case MessageIcon::none:

@@ -8,7 +8,7 @@ namespace vessora {
 enum class MessageIcon { none, stop, warning, information };
 
 // A message box with the OK button. Both texts have passed through TraduciTesto already.
-void ShowMessage(std::u16string_view text, std::u16string_view title = u"",
+void showMessage(std::u16string_view text, std::u16string_view title = u"",
                  MessageIcon icon = MessageIcon::none);
 
 }  // namespace vessora

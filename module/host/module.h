@@ -12,15 +12,6 @@ namespace vessora {
 using platform::wide256;
 using platform::wide50;
 
-// Made once when the module is initialised.
-struct EpaModule {
-  wide256 folder;              // folder of the module file, trailing separator included
-  void* mainWindow = nullptr;  // the host's main window
-  bool initFailed = false;     // the translator could not be bound
-  void* packet = nullptr;      // the host's application packet
-};
-extern EpaModule* theModule;
-
 // Process-wide values that commands share.
 extern std::u16string installPath;                // product root from hn-cpath, ends in a separator
 extern wide256 currentNetwork;                    // the network a command works on
@@ -38,31 +29,19 @@ class EpaCommands {
   double roughness = 0, diameter = 0;
   std::u16string material;
 
-  int hnaddepa();
-  int hnmatepa();
-  int hnmodepa();
-  int hnpzzpmod();
-  int hnsetmat();
-  int hnsetpat();
-  int epaProf();
-  int epacalc();
-  int epapiezo();
-  int epascale();
-  int epatables();
-  int expinp();
-  int impinp();
-  int imprpt();
-  int netvis();
+#define VESSORA_COMMAND(name, needs, help) int name();
+#define VESSORA_PENDING VESSORA_COMMAND
+#include "module/host/commands.def"
+#undef VESSORA_PENDING
+#undef VESSORA_COMMAND
 };
 constexpr int kRan = 0, kAbandoned = 3;
 
-// The common start of a command: reads hn-cpath into installPath. False when the symbol is unknown
-// or empty.
-bool ReadInstallPath();
-// The same path into a caller's text; 0, or 3 when unknown or empty.
-int ReadInstallPath(std::u16string& path);
+// The product root from hn-cpath into `path`: every command begins by reading it into installPath.
+// False, with `path` as it was, when the symbol is unknown or empty.
+bool readInstallPath(std::u16string& path);
 // Starts the help launcher on a topic, without waiting.
-void ShowHelp(std::u16string_view topic);
+void showHelp(std::u16string_view topic);
 
 // Applications with extended data of a network.
 namespace app {

@@ -2,16 +2,10 @@
 #include "module/host/module.h"
 #include "module/host/translate.h"
 
-#define PENDING(name)                                                                    \
+#define VESSORA_COMMAND(name, needs, help)
+#define VESSORA_PENDING(name, needs, help)                                               \
   int vessora::EpaCommands::name() {                                                     \
     acutPrintf(vessora::TraduciTesto(u"\nComando non disponibile in questa versione.")); \
     return kAbandoned;                                                                   \
   }
-
-PENDING(hnaddepa)
-PENDING(hnmatepa)
-PENDING(hnmodepa)
-PENDING(hnpzzpmod)
-PENDING(hnsetmat)
-PENDING(hnsetpat)
-PENDING(epacalc)
+#include "module/host/commands.def"

@@ -79,7 +79,7 @@ bool findLibrary() {
     return true;
   }
   loadedByUs = false;
-  ShowMessage(u"Error while loading " + platform::widen(path));
+  showMessage(u"Error while loading " + platform::widen(path));
   return false;
 }
 
@@ -99,7 +99,7 @@ int BindTranslator(std::u16string_view moduleFileName) {
   for (int i = 0; i < kEntryCount; ++i) entries[i] = translatorModule.symbol(kEntryNames[i]);
   for (int i = 0; i < kRequiredCount; ++i) {
     if (entries[i]) continue;
-    ShowMessage(platform::format(u"Error while creating imported function %d from %s.", i + 1,
+    showMessage(platform::format(u"Error while creating imported function %d from %s.", i + 1,
                                  std::string_view(kLibraryFile)));
     letLibraryGo();
     return 0;

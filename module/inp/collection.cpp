@@ -13,12 +13,12 @@ class Collector {
   // A record is one to two kilobytes: growing lists of them would cost more than reading the
   // drawing.
   Collector(const NetworkLayers& layers, EpaNetwork& network) : layers_(layers), network_(network) {
-    network.juncs.reserve(countOf(BlocksOnLayerFilter(layers.junc)));
-    network.resvs.reserve(countOf(BlocksOnLayerFilter(layers.resv)));
-    network.tanks.reserve(countOf(BlocksOnLayerFilter(layers.tank)));
-    network.pumps.reserve(countOf(BlocksOnLayerFilter(layers.pump)));
-    network.valves.reserve(countOf(BlocksOnLayerFilter(layers.valv)));
-    network.pipes.reserve(countOf(ElementPolylineFilter(layers.pipe)));
+    network.juncs.reserve(countOf(blocksOnLayerFilter(layers.junc)));
+    network.resvs.reserve(countOf(blocksOnLayerFilter(layers.resv)));
+    network.tanks.reserve(countOf(blocksOnLayerFilter(layers.tank)));
+    network.pumps.reserve(countOf(blocksOnLayerFilter(layers.pump)));
+    network.valves.reserve(countOf(blocksOnLayerFilter(layers.valv)));
+    network.pipes.reserve(countOf(elementPolylineFilter(layers.pipe)));
     network.coords.reserve(network.juncs.capacity() + network.resvs.capacity() +
                            network.tanks.capacity());
   }
@@ -41,7 +41,7 @@ class Collector {
     if (layer == layers_.pipe) {
       EpaPipe& pipe = network_.pipes.emplace_back();
       pipe.objectId = polyline->objectId();
-      TakeData(XDataReader(data), pipe);
+      takeData(XDataReader(data), pipe);
       addVertices(polyline, pipe.id);
     } else if (layer == layers_.valv || layer == layers_.pump) {
       addVertices(polyline, data.text(1));
@@ -92,14 +92,14 @@ class Collector {
   template <class Node>
   void takeNode(AcDbBlockReference* block, Node& node, bool checked) {
     node.objectId = block->objectId();
-    const bool named = TakeAttributes(block, node);
+    const bool named = takeAttributes(block, node);
     const Chain data(block->xData(app::kImport));
     if (checked && named && data && data.text(1) != node.id) {
       std::u16string id = node.id.str();
-      CheckName(data, id);
+      checkName(data, id);
       node.id = id;
     }
-    if (data) TakeData(XDataReader(data), node);
+    if (data) takeData(XDataReader(data), node);
     const AcGePoint3d at = block->position();
     addPoint(network_.coords, node.id, at);
   }
@@ -109,8 +109,8 @@ class Collector {
     if (!data) return;
     EpaPump& pump = network_.pumps.emplace_back();
     pump.objectId = block->objectId();
-    TakeAttributes(block, pump);
-    TakeData(XDataReader(data), pump);
+    takeAttributes(block, pump);
+    takeData(XDataReader(data), pump);
     pump.id = data.text(1);
     // The second node's name is printed as a template, so that a '%' in it is not kept.
     pump.node2 = platform::format(pump.node2);
@@ -123,15 +123,15 @@ class Collector {
     valv.objectId = block->objectId();
     valv.status = u"None";
     XDataReader reader(data);
-    TakeText(reader, valv.id);
-    TakeReal(reader, valv.diameter);
-    TakeText(reader, valv.type);
-    TakeText(reader, valv.status);
+    takeText(reader, valv.id);
+    takeReal(reader, valv.diameter);
+    takeText(reader, valv.type);
+    takeText(reader, valv.status);
     // Stored as text and taken as a real: a text gives 0, and files have "0.000" for every valve.
-    TakeReal(reader, valv.setting);
-    TakeReal(reader, valv.minorLoss);
-    TakeText(reader, valv.node1);
-    TakeText(reader, valv.node2);
+    takeReal(reader, valv.setting);
+    takeReal(reader, valv.minorLoss);
+    takeText(reader, valv.node1);
+    takeText(reader, valv.node2);
   }
 
   void addVertices(AcDb3dPolyline* polyline, std::u16string_view id) {
@@ -144,8 +144,8 @@ class Collector {
                        const AcGePoint3d& point) {
     EpaCoord& row = list.emplace_back();
     row.id = id;
-    StoreReal(row.x, point.x);
-    StoreReal(row.y, point.y);
+    storeReal(row.x, point.x);
+    storeReal(row.y, point.y);
   }
 
   static std::size_t countOf(resbuf* filter) {
@@ -182,7 +182,7 @@ void CollectNetwork(std::u16string_view name, EpaNetwork& network) {
   const NetworkLayers layers(name);
   LoadPatterns(network.patterns, name);
   LoadCurves(network.curves, name);
-  const SelectionSet set(u"_X", WholeNetworkFilter(layers));
+  const SelectionSet set(u"_X", wholeNetworkFilter(layers));
   Collector collector(layers, network);
   forEachEntity(set, [&](auto* entity) { collector.take(entity); });
   collector.finish();
@@ -191,7 +191,7 @@ void CollectNetwork(std::u16string_view name, EpaNetwork& network) {
 void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
                          std::vector<std::u16string>& linkNames) {
   const NetworkLayers layers(name);
-  const SelectionSet set(u"_X", WholeNetworkFilter(layers, false));
+  const SelectionSet set(u"_X", wholeNetworkFilter(layers, false));
   const auto takeBlock = [&](AcDbBlockReference* block) {
     const std::u16string layer = block->layer();
     const bool node = layer == layers.junc || layer == layers.resv || layer == layers.tank;

@@ -5,11 +5,11 @@
 
 #include "module/dialogs/elenco_reti.h"
 #include "module/dialogs/inp_files.h"
-#include "module/host/entry.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/inp/collection.h"
 #include "module/inp/csv_writer.h"
+#include "module/inp/inp_export.h"
 #include "module/inp/inp_writer.h"
 #include "module/inp/schematic_network.h"
 #include "module/network/settings_store.h"
@@ -49,8 +49,8 @@ void exportNetwork(const DlgExpInp& dialog) {
 bool exportSchematicNetwork(const DlgExpInp& dialog) {
   constexpr const char16_t* kFormulas[] = {u"D-W", u"H-W", u"M-C"};
   SchematicNetwork network;
-  if (const char16_t* fault = CollectSchematicNetwork(currentNetwork, network)) {
-    ShowMessage(TraduciTesto(fault));
+  if (const char16_t* fault = collectSchematicNetwork(currentNetwork, network)) {
+    showMessage(TraduciTesto(fault));
     return false;
   }
   WriteSchemaInp(dialog.path.value(), network.juncs, network.resvs, network.pipes, network.coords,
@@ -63,19 +63,19 @@ int exportChosenNetwork() {
   if (!dialog.doModal()) return kAbandoned;
   if (!dialog.path.value().empty()) {
     makeProposedFolder(dialog.path.value());
-    if (!IsAqueductNetwork(currentNetwork)) {
+    if (!isAqueductNetwork(currentNetwork)) {
       exportNetwork(dialog);
     } else if (!exportSchematicNetwork(dialog)) {
       return kAbandoned;
     }
   }
-  ShowMessage(TraduciTesto(u"Esportazione completata!"));
+  showMessage(TraduciTesto(u"Esportazione completata!"));
   return kRan;
 }
 
 }  // namespace
 
-std::int64_t WriteInpOf(std::u16string_view path, std::u16string_view network) {
+std::int64_t writeInpOf(std::u16string_view path, std::u16string_view network) {
   if (!acdbHostApplicationServices()->workingDatabase()) return 0;
   acdbRegApp(app::kSettings);
   const EpaSettings settings = settingsOf(network);
@@ -85,8 +85,8 @@ std::int64_t WriteInpOf(std::u16string_view path, std::u16string_view network) {
 }
 
 int EpaCommands::expinp() {
-  if (!ReadInstallPath()) return kAbandoned;
-  if (!ChooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
+  if (!chooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
   const int result = exportChosenNetwork();
   networkNames.clear();
   return result;

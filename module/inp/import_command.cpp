@@ -50,7 +50,7 @@ bool askForFile(std::u16string& path) {
   CDlgimpinp dialog;
   if (!dialog.doModal()) return false;
   if (dialog.path.value().empty()) {
-    ShowMessage(TraduciTesto(u"Percorso assente!"));
+    showMessage(TraduciTesto(u"Percorso assente!"));
     dialog.doModal();
   }
   path = dialog.path.value();
@@ -58,7 +58,7 @@ bool askForFile(std::u16string& path) {
   // A name of the aqueduct module's networks; its sixth character alone is no name yet.
   const std::u16string_view name = currentNetwork;
   if (name.size() > 6 && name.substr(0, 5) == u"HN-AQ") {
-    ShowMessage(TraduciTesto(u"Nome del file non valido!"));
+    showMessage(TraduciTesto(u"Nome del file non valido!"));
     dialog.doModal();
   }
   return true;
@@ -67,7 +67,7 @@ bool askForFile(std::u16string& path) {
 }  // namespace
 
 int EpaCommands::impinp() {
-  if (!ReadInstallPath()) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
   EpaSettings settings;
   networkNames.clear();
   ListNetworks(networkNames, defaultNetwork);
@@ -86,7 +86,7 @@ int EpaCommands::impinp() {
   ReadInp(path, network, settings);
   SaveSettings(settings, true);
   drawNetwork(network);
-  ShowMessage(TraduciTesto(u"Importazione terminata!"));
+  showMessage(TraduciTesto(u"Importazione terminata!"));
   return kRan;
 }
 

@@ -15,7 +15,7 @@ namespace {
 
 void warn(const char16_t* message) {
   const std::u16string text = TraduciTesto(message);  // the next translation overwrites it
-  ShowMessage(text, TraduciTesto(u"Attenzione!"));
+  showMessage(text, TraduciTesto(u"Attenzione!"));
 }
 
 }  // namespace
@@ -27,14 +27,14 @@ void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& setting
     return;
   }
   try {
-    ParseInp(std::move(*bytes), network, settings);
+    parseInp(std::move(*bytes), network, settings);
   } catch (const std::bad_alloc&) {
     network = EpaNetwork();
     warn(u"Memoria insufficiente per leggere il file!");
   }
 }
 
-void ParseInp(std::string bytes, EpaNetwork& network, EpaSettings& settings) {
+void parseInp(std::string bytes, EpaNetwork& network, EpaSettings& settings) {
   const std::string text = platform::toUtf8(std::move(bytes));
   reserveRows(text, network);
   InpScanner(text, network, settings).run();

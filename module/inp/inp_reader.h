@@ -22,7 +22,7 @@ void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& setting
 
 // The same on the bytes of a file: UTF-8, or Windows-1252 when they are no valid UTF-8. Throws
 // std::bad_alloc when the records do not fit in memory, and nothing else.
-void ParseInp(std::string bytes, EpaNetwork& network, EpaSettings& settings);
+void parseInp(std::string bytes, EpaNetwork& network, EpaSettings& settings);
 
 // A time value of an input file in the form hours:minutes:seconds, by its length alone: "6" gives
 // "06:00:00", "1:30" "01:30:00", "100" "100:00:00". Texts of 7 or 8 characters ("12:00:00") or of

@@ -1,4 +1,4 @@
-// The scanner behind ParseInp: one pass over the lines of an input file.
+// The scanner behind parseInp: one pass over the lines of an input file.
 #pragma once
 
 #include <array>

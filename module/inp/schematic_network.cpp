@@ -49,7 +49,7 @@ Block readBlock(AcDbBlockReference& reference) {
   constexpr std::u16string_view kTags[] = {u"NODE_01", u"NODE_02", u"NODE_03", u"TANK_01",
                                            u"TANK_02"};
   std::u16string texts[5];
-  ReadAttributes(&reference, kTags, texts, 5);
+  readAttributes(&reference, kTags, texts, 5);
   return {reference.position(), std::move(texts[0]), std::move(texts[1]),
           std::move(texts[2]),  std::move(texts[3]), std::move(texts[4])};
 }
@@ -197,7 +197,7 @@ class Collector {
 
 }  // namespace
 
-const char16_t* CollectSchematicNetwork(std::u16string_view name, SchematicNetwork& network) {
+const char16_t* collectSchematicNetwork(std::u16string_view name, SchematicNetwork& network) {
   const std::vector<Item> items = readLayer(name);
   if (hasCoincidentNodes(items)) {
     return u"Per l'esportazione della rete spostare momentaneamente di layer i nodi coincidenti "

@@ -21,6 +21,6 @@ struct SchematicNetwork {
 
 // Null when the network has been collected, which may be empty. Else the fault that the user has to
 // mend, as an untranslated message.
-const char16_t* CollectSchematicNetwork(std::u16string_view name, SchematicNetwork& network);
+const char16_t* collectSchematicNetwork(std::u16string_view name, SchematicNetwork& network);
 
 }  // namespace vessora

@@ -5,7 +5,7 @@
 #include <optional>
 #include <vector>
 
-#include "module/host/entry.h"
+#include "module/host/command_span.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
 #include "module/inp/point_grid.h"
@@ -65,12 +65,13 @@ AcDbObjectId blockNamed(AcDbDatabase* database, std::u16string_view name) {
 Memory* remembered() {
   AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
   if (!database) return nullptr;
-  if (memory && memory->command == commandNumber && memory->modelSpace.database() == database) {
+  if (memory && memory->command == CommandSpan::number() &&
+      memory->modelSpace.database() == database) {
     return &*memory;
   }
-  if (!memory) atCommandEnd(ForgetSymbols);
+  if (!memory) CommandSpan::atEnd(forgetSymbols);
   memory.emplace();
-  memory->command = commandNumber;
+  memory->command = CommandSpan::number();
   memory->modelSpace = blockNamed(database, u"*Model_Space");
   memory->normal = userZAxis();
   return memory->modelSpace.isNull() ? nullptr : &*memory;
@@ -85,7 +86,7 @@ void tell(const char16_t* message, std::u16string_view path) {
 // Copies a block file of the product into the drawing; null after telling why not.
 AcDbObjectId readBlock(AcDbDatabase* database, std::u16string_view name) {
   std::u16string path;
-  ReadInstallPath(path);
+  readInstallPath(path);
   path += u"vessora\\";
   path += name;
   path += u".dwg";
@@ -247,7 +248,7 @@ int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcG
 
 }  // namespace
 
-void ForgetSymbols() { memory.reset(); }
+void forgetSymbols() { memory.reset(); }
 
 // --- the family ----------------------------------------------------------------------------------
 

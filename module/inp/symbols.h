@@ -45,6 +45,6 @@ int InsertNamedBlock(const AcGePoint3d& point, std::u16string_view layer, std::u
                      std::u16string_view blockName, double rotation, double scale);
 
 // Drops what is remembered: for a command that itself moves or erases arrows between insertions.
-void ForgetSymbols();
+void forgetSymbols();
 
 }  // namespace vessora

@@ -18,7 +18,7 @@ struct AttributeFields {
 
   bool read(AcDbBlockReference* block) const {
     std::u16string texts[N + 1];
-    const unsigned found = ReadAttributes(block, tags, texts, N + 1);
+    const unsigned found = readAttributes(block, tags, texts, N + 1);
     *id = texts[0];
     for (std::size_t i = 0; i < N; ++i) *fields[i] = texts[i + 1];
     return (found & 1U) != 0;
@@ -53,50 +53,50 @@ void writeAttributes(AcDbBlockReference* block, Record record) {
 
 }  // namespace
 
-bool TakeAttributes(AcDbBlockReference* block, EpaJunc& junc) { return fieldsOf(junc).read(block); }
-bool TakeAttributes(AcDbBlockReference* block, EpaResv& resv) { return fieldsOf(resv).read(block); }
-bool TakeAttributes(AcDbBlockReference* block, EpaTank& tank) { return fieldsOf(tank).read(block); }
-bool TakeAttributes(AcDbBlockReference* block, EpaValv& valv) { return fieldsOf(valv).read(block); }
-bool TakeAttributes(AcDbBlockReference* block, EpaPump& pump) { return fieldsOf(pump).read(block); }
+bool takeAttributes(AcDbBlockReference* block, EpaJunc& junc) { return fieldsOf(junc).read(block); }
+bool takeAttributes(AcDbBlockReference* block, EpaResv& resv) { return fieldsOf(resv).read(block); }
+bool takeAttributes(AcDbBlockReference* block, EpaTank& tank) { return fieldsOf(tank).read(block); }
+bool takeAttributes(AcDbBlockReference* block, EpaValv& valv) { return fieldsOf(valv).read(block); }
+bool takeAttributes(AcDbBlockReference* block, EpaPump& pump) { return fieldsOf(pump).read(block); }
 
 // --- extended data -------------------------------------------------------------------------------
 
-void TakeText(XDataReader& data, wide50& field) {
+void takeText(XDataReader& data, wide50& field) {
   if (!data.done()) field = data.text();
 }
-void TakeText(XDataReader& data, wide256& field) {
+void takeText(XDataReader& data, wide256& field) {
   if (!data.done()) field = data.text();
 }
-void TakeReal(XDataReader& data, wide50& field) {
-  if (!data.done()) StoreReal(field, data.real());
+void takeReal(XDataReader& data, wide50& field) {
+  if (!data.done()) storeReal(field, data.real());
 }
 
-void TakeData(XDataReader data, EpaJunc& junc) {
+void takeData(XDataReader data, EpaJunc& junc) {
   data.skip();
-  TakeReal(data, junc.emitter);
-  TakeText(data, junc.pattern);
+  takeReal(data, junc.emitter);
+  takeText(data, junc.pattern);
 }
 
-void TakeData(XDataReader data, EpaResv& resv) {
+void takeData(XDataReader data, EpaResv& resv) {
   data.skip();
   data.skip();
-  TakeText(data, resv.pattern);
+  takeText(data, resv.pattern);
 }
 
-void TakeData(XDataReader data, EpaTank& tank) {
+void takeData(XDataReader data, EpaTank& tank) {
   data.skip();
-  TakeText(data, tank.volCurve);
+  takeText(data, tank.volCurve);
 }
 
-void TakeData(XDataReader data, EpaPipe& pipe) {
-  TakeText(data, pipe.id);
-  TakeReal(data, pipe.length);
-  TakeReal(data, pipe.diameter);
-  TakeReal(data, pipe.roughness);
-  TakeReal(data, pipe.minorLoss);
-  TakeText(data, pipe.status);
-  TakeText(data, pipe.node1);
-  TakeText(data, pipe.node2);
+void takeData(XDataReader data, EpaPipe& pipe) {
+  takeText(data, pipe.id);
+  takeReal(data, pipe.length);
+  takeReal(data, pipe.diameter);
+  takeReal(data, pipe.roughness);
+  takeReal(data, pipe.minorLoss);
+  takeText(data, pipe.status);
+  takeText(data, pipe.node1);
+  takeText(data, pipe.node2);
 }
 
 namespace {
@@ -108,25 +108,25 @@ void takeOptionalReal(XDataReader& data, wide50& field, bool positive) {
   if (value == 0 || (positive && value < 0)) {
     field.clear();
   } else {
-    StoreReal(field, value);
+    storeReal(field, value);
   }
 }
 
 }  // namespace
 
-void TakeData(XDataReader data, EpaPump& pump) {
+void takeData(XDataReader data, EpaPump& pump) {
   data.skip();
-  TakeText(data, pump.node1);
-  TakeText(data, pump.node2);
-  TakeText(data, pump.headCurve);
+  takeText(data, pump.node1);
+  takeText(data, pump.node2);
+  takeText(data, pump.headCurve);
   takeOptionalReal(data, pump.power, false);
   takeOptionalReal(data, pump.speed, false);
   // Lists of an older layout end here, or go on with a point.
   if (data.done() || data.code() == 1010) return;
-  TakeText(data, pump.speedPattern);
-  TakeText(data, pump.effCurve);
+  takeText(data, pump.speedPattern);
+  takeText(data, pump.effCurve);
   takeOptionalReal(data, pump.price, true);
-  TakeText(data, pump.pricePattern);
+  takeText(data, pump.pricePattern);
 }
 
 // --- readers -------------------------------------------------------------------------------------
@@ -136,8 +136,8 @@ namespace {
 template <class Record>
 void readBlock(Record& record, AcDbBlockReference* block) {
   record.objectId = block->objectId();
-  TakeAttributes(block, record);
-  if (const Chain data(block->xData(app::kImport)); data) TakeData(XDataReader(data), record);
+  takeAttributes(block, record);
+  if (const Chain data(block->xData(app::kImport)); data) takeData(XDataReader(data), record);
 }
 
 }  // namespace
@@ -149,7 +149,7 @@ void ReadPump(EpaPump& pump, AcDbBlockReference* block) { readBlock(pump, block)
 
 void ReadValv(EpaValv& valv, AcDbBlockReference* block) {
   valv.objectId = block->objectId();
-  TakeAttributes(block, valv);
+  takeAttributes(block, valv);
   const Chain data(block->xData(app::kImport));
   if (data.item(4)) valv.status = data.text(4);
   if (data.item(7)) valv.node1 = data.text(7);
@@ -158,7 +158,7 @@ void ReadValv(EpaValv& valv, AcDbBlockReference* block) {
 
 void ReadPipe(EpaPipe& pipe, std::u16string& material, AcDb3dPolyline* polyline) {
   pipe.objectId = polyline->objectId();
-  if (const Chain data(polyline->xData(app::kImport)); data) TakeData(XDataReader(data), pipe);
+  if (const Chain data(polyline->xData(app::kImport)); data) takeData(XDataReader(data), pipe);
   const Chain data(polyline->xData(app::kMaterial));
   if (data.item(1)) material = data.text(1);
 }
@@ -181,7 +181,7 @@ void UpdateJunc(Opened<AcDbBlockReference> block, const EpaJunc& junc, double em
   writeAttributes(block.get(), junc);
   block->setXData(JuncData(junc.id, emitter, junc.pattern).get());
   block->setColorIndex(emitter > 0 ? 1 : 256);
-  MoveNode(std::move(block), {oldHeight, platform::wtof(junc.elev), junc.id, true});
+  moveNode(std::move(block), {oldHeight, platform::wtof(junc.elev), junc.id, true});
 }
 
 void UpdateResv(Opened<AcDbBlockReference> block, const EpaResv& resv) {
@@ -189,7 +189,7 @@ void UpdateResv(Opened<AcDbBlockReference> block, const EpaResv& resv) {
   const double oldHeight = heightIn(block.get(), tag::kHead);
   writeAttributes(block.get(), resv);
   block->setXData(ResvData(resv.id, resv.pattern).get());
-  MoveNode(std::move(block), {oldHeight, platform::wtof(resv.head), resv.id, false});
+  moveNode(std::move(block), {oldHeight, platform::wtof(resv.head), resv.id, false});
 }
 
 void UpdateTank(Opened<AcDbBlockReference> block, const EpaTank& tank) {
@@ -197,7 +197,7 @@ void UpdateTank(Opened<AcDbBlockReference> block, const EpaTank& tank) {
   const double oldHeight = heightIn(block.get(), tag::kElevation);
   writeAttributes(block.get(), tank);
   block->setXData(TankData(tank.id, tank.volCurve).get());
-  MoveNode(std::move(block), {oldHeight, platform::wtof(tank.elev), tank.id, false});
+  moveNode(std::move(block), {oldHeight, platform::wtof(tank.elev), tank.id, false});
 }
 
 // --- links ---------------------------------------------------------------------------------------
@@ -208,7 +208,7 @@ namespace {
 void renameCompanions(std::u16string_view layer, std::u16string_view oldId,
                       std::u16string_view newId) {
   const Chain bare = CompanionData(newId);
-  const SelectionSet set(u"_X", ElementPolylineFilter(layer));
+  const SelectionSet set(u"_X", elementPolylineFilter(layer));
   for (const AcDbObjectId id : set) {
     const Opened<AcDb3dPolyline> polyline(id);
     if (!polyline) continue;

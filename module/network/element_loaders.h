@@ -16,23 +16,23 @@ namespace vessora {
 
 // The attributes of an element into its record, a missing one as empty text. The result is false
 // when the block has no attribute "ID" at all.
-bool TakeAttributes(AcDbBlockReference* block, EpaJunc& junc);
-bool TakeAttributes(AcDbBlockReference* block, EpaResv& resv);
-bool TakeAttributes(AcDbBlockReference* block, EpaTank& tank);
-bool TakeAttributes(AcDbBlockReference* block, EpaValv& valv);
-bool TakeAttributes(AcDbBlockReference* block, EpaPump& pump);
+bool takeAttributes(AcDbBlockReference* block, EpaJunc& junc);
+bool takeAttributes(AcDbBlockReference* block, EpaResv& resv);
+bool takeAttributes(AcDbBlockReference* block, EpaTank& tank);
+bool takeAttributes(AcDbBlockReference* block, EpaValv& valv);
+bool takeAttributes(AcDbBlockReference* block, EpaPump& pump);
 // The items of an element's extended data behind the id. A field whose item is missing stays as it
 // is.
-void TakeData(XDataReader data, EpaJunc& junc);
-void TakeData(XDataReader data, EpaResv& resv);
-void TakeData(XDataReader data, EpaTank& tank);
-void TakeData(XDataReader data, EpaPump& pump);
+void takeData(XDataReader data, EpaJunc& junc);
+void takeData(XDataReader data, EpaResv& resv);
+void takeData(XDataReader data, EpaTank& tank);
+void takeData(XDataReader data, EpaPump& pump);
 // All items, the id included: a pipe has no attributes.
-void TakeData(XDataReader data, EpaPipe& pipe);
+void takeData(XDataReader data, EpaPipe& pipe);
 // The next item into a field, when there is one.
-void TakeText(XDataReader& data, wide50& field);
-void TakeText(XDataReader& data, wide256& field);
-void TakeReal(XDataReader& data, wide50& field);
+void takeText(XDataReader& data, wide50& field);
+void takeText(XDataReader& data, wide256& field);
+void takeReal(XDataReader& data, wide50& field);
 
 // --- readers. The entity stays the caller's; without extended data the fields from there stay. ---
 

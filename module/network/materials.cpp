@@ -12,24 +12,24 @@ namespace vessora {
 
 std::vector<EpaMaterial> materials;
 
-std::u16string MaterialsPath() {
+std::u16string materialsPath() {
   std::u16string path;
-  ReadInstallPath(path);
+  readInstallPath(path);
   return path + u"\\acqmateriali.dat";
 }
 
 bool ReadMaterials(std::vector<EpaMaterial>& table) {
   table.clear();
-  auto bytes = platform::readFile(platform::nativePath(MaterialsPath()));
+  auto bytes = platform::readFile(platform::nativePath(materialsPath()));
   if (!bytes) {
-    ShowMessage(TraduciTesto(u"Impossibile aprire il file!"));
+    showMessage(TraduciTesto(u"Impossibile aprire il file!"));
     return false;
   }
-  table = ParseMaterials(std::move(*bytes));
+  table = parseMaterials(std::move(*bytes));
   return true;
 }
 
-std::vector<EpaMaterial> ParseMaterials(std::string bytes) {
+std::vector<EpaMaterial> parseMaterials(std::string bytes) {
   const std::string text = platform::toUtf8(std::move(bytes));
   platform::TextLines lines(text);
   std::vector<EpaMaterial> table;

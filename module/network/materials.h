@@ -20,7 +20,7 @@ struct EpaMaterial {
 extern std::vector<EpaMaterial> materials;
 
 // Where the file is: acqmateriali.dat under hn-cpath, or under no folder when that is unknown.
-std::u16string MaterialsPath();
+std::u16string materialsPath();
 
 // Replaces the rows of `table` by those of the file. False, with an empty table, after telling the
 // user that the file cannot be opened.
@@ -28,6 +28,6 @@ bool ReadMaterials(std::vector<EpaMaterial>& table);
 
 // The rows in the bytes of such a file, three lines each: name, roughness, third line. A row that
 // is not complete is dropped.
-std::vector<EpaMaterial> ParseMaterials(std::string bytes);
+std::vector<EpaMaterial> parseMaterials(std::string bytes);
 
 }  // namespace vessora

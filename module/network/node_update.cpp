@@ -12,7 +12,7 @@ constexpr int kChangedLink = 3;  // colour of links that a node has moved
 class BlockPlaces {
  public:
   explicit BlockPlaces(std::u16string_view layer) {
-    const SelectionSet set(u"_X", BlocksOnLayerFilter(layer));
+    const SelectionSet set(u"_X", blocksOnLayerFilter(layer));
     for (const AcDbObjectId id : set) {
       if (const Opened<AcDbBlockReference> block(id); block) {
         const AcGePoint3d at = block->position();
@@ -58,7 +58,7 @@ class LinkMover {
       : node_(node), change_(change), layers_(currentNetwork) {}
 
   void run() {
-    const SelectionSet set(u"_X", LinkPolylineFilter(layers_));
+    const SelectionSet set(u"_X", linkPolylineFilter(layers_));
     // The two ends are independent: a link from a node to itself is changed twice.
     for (const AcDbObjectId id : set) {
       moveEnd(id, End::start);
@@ -86,7 +86,7 @@ class LinkMover {
       return;  // no course, so no place for the block either
     }
     end.z = change_.newHeight;
-    InterpolateInterior(points_);
+    interpolateInterior(points_);
     if (!pipe) fixBlocks(valv, which);
     polyline->upgradeOpen();
     RewritePolyline(points_, polyline.get(), kChangedLink, layer, data.release());
@@ -96,13 +96,13 @@ class LinkMover {
   // Puts the node's name into an item; false when there is none.
   bool rename(resbuf* item) const {
     if (!item) return false;
-    if (item->restype == 1000 || !change_.onlyTextItems) SetTextItem(item, change_.id);
+    if (item->restype == 1000 || !change_.onlyTextItems) setTextItem(item, change_.id);
     return true;
   }
 
   void fixBlocks(bool valv, End which) {
     AcGePoint3d place;
-    if (!LinkBlockPlace(points_, place)) return;
+    if (!linkBlockPlace(points_, place)) return;
     std::optional<BlockPlaces>& blocks = valv ? valves_ : pumps_;
     if (!blocks) blocks.emplace(valv ? layers_.valv : layers_.pump);
     const int position = (valv ? 7 : 2) + (which == End::start ? 0 : 1);
@@ -114,7 +114,7 @@ class LinkMover {
       const Chain data(block->xData(app::kImport));
       resbuf* item = data.item(position);
       if (!item) return;
-      SetTextItem(item, change_.id);
+      setTextItem(item, change_.id);
       block->setXData(data.get());
     });
   }
@@ -128,7 +128,7 @@ class LinkMover {
 
 }  // namespace
 
-void MoveNode(Opened<AcDbBlockReference> block, const NodeChange& change) {
+void moveNode(Opened<AcDbBlockReference> block, const NodeChange& change) {
   const AcDbObjectId id = block->objectId();
   const AcGePoint3d at = block->position();
   block.close();

@@ -17,6 +17,6 @@ struct NodeChange {
 // between the ends interpolated anew, colour 3 and no results; then the block itself gets the
 // height. When the block does not stand at its old height, somebody has edited one of the two by
 // hand, and the links are left alone.
-void MoveNode(Opened<AcDbBlockReference> block, const NodeChange& change);
+void moveNode(Opened<AcDbBlockReference> block, const NodeChange& change);
 
 }  // namespace vessora

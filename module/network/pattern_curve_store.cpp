@@ -53,7 +53,7 @@ struct Curves {
 // Calls visit(polyline, data) for each polyline of the kind that has data.
 template <class Kind, class Visit>
 void forEachPolyline(AcDb::OpenMode mode, Visit visit) {
-  const SelectionSet set(u"_X", ReservedFilter(Kind::application));
+  const SelectionSet set(u"_X", reservedFilter(Kind::application));
   for (const AcDbObjectId id : set) {
     const Opened<AcDb3dPolyline> polyline(id, mode);
     if (!polyline) continue;
@@ -136,11 +136,11 @@ void LoadCurves(std::vector<EpaCurve>& curves, std::u16string_view network) {
 }
 
 void AddPattern(const EpaPattern& pattern, std::u16string_view network) {
-  MakeReservedLayer();
+  makeReservedLayer();
   write<Patterns>(pattern, network);
 }
 void AddCurve(const EpaCurve& curve, std::u16string_view network) {
-  MakeReservedLayer();
+  makeReservedLayer();
   write<Curves>(curve, network);
 }
 

@@ -35,7 +35,7 @@ resbuf* blocksOf(std::u16string_view name, std::u16string_view layer) {
 
 }  // namespace
 
-resbuf* WholeNetworkFilter(const NetworkLayers& layers, bool companions) {
+resbuf* wholeNetworkFilter(const NetworkLayers& layers, bool companions) {
   resbuf* others = companions ? acutBuildList(8, layers.valv, 8, layers.pump, RTNONE)
                               : static_cast<resbuf*>(nullptr);
   return join({acutBuildList(-4, u"<or", RTNONE), blocksOf(block::kJunc, layers.junc),
@@ -45,35 +45,35 @@ resbuf* WholeNetworkFilter(const NetworkLayers& layers, bool companions) {
                others, acutBuildList(-4, u"or>", -4, u"and>", -4, u"or>", RTNONE)});
 }
 
-resbuf* LinkPolylineFilter(const NetworkLayers& layers) {
+resbuf* linkPolylineFilter(const NetworkLayers& layers) {
   return acutBuildList(-4, u"<and", RTDXF0, u"POLYLINE", -4, u"<or", 8, layers.pipe, 8, layers.valv,
                        8, layers.pump, -4, u"or>", -4, u"and>", RTNONE);
 }
 
-resbuf* NodeBlockFilter(const NetworkLayers& layers) {
+resbuf* nodeBlockFilter(const NetworkLayers& layers) {
   return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", -4, u"<or", 8, layers.junc, 8, layers.resv,
                        8, layers.tank, -4, u"or>", -4, u"and>", RTNONE);
 }
 
-resbuf* LinkBlockFilter(const NetworkLayers& layers) {
+resbuf* linkBlockFilter(const NetworkLayers& layers) {
   return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", -4, u"<or", 8, layers.valv, 8, layers.pump,
                        -4, u"or>", -4, u"and>", RTNONE);
 }
 
-resbuf* BlocksOnLayerFilter(std::u16string_view layer) {
+resbuf* blocksOnLayerFilter(std::u16string_view layer) {
   return acutBuildList(-4, u"<and", RTDXF0, u"INSERT", 8, layer, -4, u"and>", RTNONE);
 }
 
-resbuf* ElementPolylineFilter(std::u16string_view layer) {
+resbuf* elementPolylineFilter(std::u16string_view layer) {
   return acutBuildList(-4, u"<and", RTDXF0, u"POLYLINE", 1001, app::kImport, 8, layer, -4, u"and>",
                        RTNONE);
 }
 
-resbuf* ReservedFilter(std::u16string_view application) {
+resbuf* reservedFilter(std::u16string_view application) {
   return acutBuildList(1001, application, 8, layer::kReserved, RTNONE);
 }
 
-void MakeReservedLayer() {
+void makeReservedLayer() {
   const AcDbObjectId id = HNGeometry::createNewLayer(layer::kReserved);
   if (const Opened<AcDbLayerTableRecord> record(id, AcDb::kForWrite); record) {
     record->setIsFrozen(true);
@@ -119,7 +119,7 @@ Chain CompanionData(std::u16string_view id) {
   return Chain(acutBuildList(1001, app::kImport, 1000, id, RTNONE));
 }
 
-void StoreReal(wide50& field, double value) {
+void storeReal(wide50& field, double value) {
   char digits[330];
   const auto n = static_cast<std::size_t>(platform::writeFixed3(digits, value) - digits);
   char16_t text[wide50::capacity];
@@ -130,7 +130,7 @@ void StoreReal(wide50& field, double value) {
 
 // --- geometry ------------------------------------------------------------------------------------
 
-bool LinkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place) {
+bool linkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place) {
   if (points.size() < 2) return false;
   const std::size_t from = points.size() == 2 ? 0 : 1;
   const AcGePoint3d &a = points[from], &b = points[from + 1];
@@ -138,15 +138,15 @@ bool LinkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place) {
   return true;
 }
 
-double HeightBetween(const AcGePoint3d& start, const AcGePoint3d& end, const AcGePoint3d& at) {
+double heightBetween(const AcGePoint3d& start, const AcGePoint3d& end, const AcGePoint3d& at) {
   const double whole = std::hypot(end.x - start.x, end.y - start.y);
   const double z = start.z + (end.z - start.z) * std::hypot(at.x - start.x, at.y - start.y) / whole;
   return std::isfinite(z) ? z : start.z;
 }
 
-void InterpolateInterior(AcGePoint3dArray& points) {
+void interpolateInterior(AcGePoint3dArray& points) {
   for (std::size_t i = 1; i + 1 < points.size(); ++i) {
-    points[i].z = HeightBetween(points.front(), points.back(), points[i]);
+    points[i].z = heightBetween(points.front(), points.back(), points[i]);
   }
 }
 

@@ -53,22 +53,22 @@ struct NetworkLayers {
 // -----------------------------------
 
 // All blocks and link polylines of a network; without companions, of the polylines only the pipes.
-resbuf* WholeNetworkFilter(const NetworkLayers& layers, bool companions = true);
+resbuf* wholeNetworkFilter(const NetworkLayers& layers, bool companions = true);
 // The polylines of pipes, valves and pumps.
-resbuf* LinkPolylineFilter(const NetworkLayers& layers);
+resbuf* linkPolylineFilter(const NetworkLayers& layers);
 // The blocks of junctions, reservoirs and tanks.
-resbuf* NodeBlockFilter(const NetworkLayers& layers);
+resbuf* nodeBlockFilter(const NetworkLayers& layers);
 // The blocks of valves and pumps.
-resbuf* LinkBlockFilter(const NetworkLayers& layers);
+resbuf* linkBlockFilter(const NetworkLayers& layers);
 // All blocks on a layer.
-resbuf* BlocksOnLayerFilter(std::u16string_view layer);
+resbuf* blocksOnLayerFilter(std::u16string_view layer);
 // The polylines on a layer that belong to elements.
-resbuf* ElementPolylineFilter(std::u16string_view layer);
+resbuf* elementPolylineFilter(std::u16string_view layer);
 // What one application keeps on the reserved layer.
-resbuf* ReservedFilter(std::u16string_view application);
+resbuf* reservedFilter(std::u16string_view application);
 
 // Makes the reserved layer, and freezes it also where the user has thawed it.
-void MakeReservedLayer();
+void makeReservedLayer();
 
 // --- extended data of elements, header included --------------------------------------------------
 
@@ -85,7 +85,7 @@ Chain PumpData(const EpaPump& pump);
 Chain CompanionData(std::u16string_view id);
 
 // A real of extended data as records hold it: three decimals, cut at the field's capacity.
-void StoreReal(wide50& field, double value);
+void storeReal(wide50& field, double value);
 
 // --- geometry ------------------------------------------------------------------------------------
 
@@ -94,13 +94,13 @@ inline constexpr double kPlaceTolerance = 0.0001;
 
 // Where the block of a valve or pump stands on its companion polyline: amid the first two vertices
 // of two, amid the second and the third of more. False with fewer than two.
-bool LinkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place);
+bool linkBlockPlace(const AcGePoint3dArray& points, AcGePoint3d& place);
 
 // The height at a point of a link whose ends are `start` and `end`: linear in the plan distance
 // from the start, not clamped. Ends that coincide in plan (or all but do) have no slope to follow,
 // and the start's height is given: a division by zero must never put a NaN into a drawing.
-double HeightBetween(const AcGePoint3d& start, const AcGePoint3d& end, const AcGePoint3d& at);
+double heightBetween(const AcGePoint3d& start, const AcGePoint3d& end, const AcGePoint3d& at);
 // Puts every vertex between the ends at that height.
-void InterpolateInterior(AcGePoint3dArray& points);
+void interpolateInterior(AcGePoint3dArray& points);
 
 }  // namespace vessora

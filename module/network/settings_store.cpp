@@ -105,7 +105,7 @@ void foldDays(EpaSettings& settings) {
 // Calls visit(point, data) for the settings points, in drawing order, until it answers true.
 template <class Visit>
 bool findPoint(AcDb::OpenMode mode, Visit visit) {
-  const SelectionSet set(u"_X", ReservedFilter(app::kSettings), throughFamily());
+  const SelectionSet set(u"_X", reservedFilter(app::kSettings), throughFamily());
   for (const AcDbObjectId id : set) {
     const Opened<AcDbPoint> point(id, mode);
     if (!point) continue;
@@ -140,7 +140,7 @@ void SaveSettings(EpaSettings& settings, bool create) {
   Saver saver;
   forEachItem(static_cast<const EpaSettings&>(settings), saver);
   const Chain list = saver.data.take();
-  MakeReservedLayer();
+  makeReservedLayer();
   if (create) {
     HNGeometry::addPOINT({2, 2, 2}, layer::kReserved, 2, list.get());
     return;

@@ -103,7 +103,7 @@ class GridBuilder {
 
 }  // namespace
 
-void MakeTableStyle(std::u16string_view name, double textHeight, int titleColor) {
+void makeTableStyle(std::u16string_view name, double textHeight, int titleColor) {
   AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
   if (!database || !styleNamed(database, name).isNull()) return;
   const AcDbObjectId text = textStyle(database);
@@ -130,7 +130,7 @@ void MakeTableStyle(std::u16string_view name, double textHeight, int titleColor)
   }
 }
 
-void DrawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& at) {
+void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& at) {
   AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
   const AcDbObjectId style = styleNamed(database, styleName);
   if (style.isNull()) {
@@ -157,7 +157,7 @@ void DrawPipeDataTable(std::u16string_view styleName, std::u16string_view title,
       .real(u"Scabrezza [mm]", roughness)
       .real(u"Perdita localizzata", minorLoss)
       .text(u"Stato", status);
-  DrawTable(styleName, rows.grid(), at);
+  drawTable(styleName, rows.grid(), at);
 }
 
 void DrawNodeResultTable(std::u16string_view styleName, std::u16string_view id, double demand,
@@ -168,7 +168,7 @@ void DrawNodeResultTable(std::u16string_view styleName, std::u16string_view id, 
       .real(u"Carico [m]", head)
       .real(u"Pressione [m]", pressure)
       .text(u"Qualità", quality);
-  DrawTable(styleName, rows.grid(), at);
+  drawTable(styleName, rows.grid(), at);
 }
 
 void DrawLinkResultTable(std::u16string_view styleName, std::u16string_view id, double flow,
@@ -179,7 +179,7 @@ void DrawLinkResultTable(std::u16string_view styleName, std::u16string_view id, 
       .real(u"Velocità [m/s]", velocity)
       .real(u"Perdita [m/Km]", headloss)
       .text(u"Stato", status);
-  DrawTable(styleName, rows.grid(), at);
+  drawTable(styleName, rows.grid(), at);
 }
 
 }  // namespace vessora

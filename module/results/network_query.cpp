@@ -85,7 +85,7 @@ void zoomToAqueductPipe(std::u16string_view network, std::u16string_view name) {
   zoomTo(acutBuildList(RTDXF0, u"POLYLINE", 8, network, RTNONE),
          [&](const Opened<AcDbEntity>& entity) {
            auto* polyline = entity.as<AcDb3dPolyline>();
-           return polyline && AqueductPipeName(polyline) == name ? kPolylineMargin : -1;
+           return polyline && aqueductPipeName(polyline) == name ? kPolylineMargin : -1;
          });
 }
 
@@ -123,13 +123,13 @@ bool queryNetwork(std::u16string_view network, NetworkQuery& query) {
       zoomToLink(layers, query.linkId);
     }
   });
-  ApplyQueryColors(layers, query);
+  applyQueryColors(layers, query);
   return true;
 }
 
 bool queryAqueductNetwork(std::u16string_view network, NetworkQuery& query) {
   query.legacyNetwork = true;
-  if (!CollectAqueductRows(network, query)) return false;
+  if (!collectAqueductRows(network, query)) return false;
   runDialog(query, [&] {
     if (query.action == QueryAction::zoomNode) {
       zoomToAqueductNode(network, query.nodeId);
@@ -143,12 +143,12 @@ bool queryAqueductNetwork(std::u16string_view network, NetworkQuery& query) {
 }  // namespace
 
 int EpaCommands::netvis() {
-  if (!ReadInstallPath()) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
   acdbRegApp(app::kColor);
-  if (!ChooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
+  if (!chooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
 
   NetworkQuery query;
-  const bool queried = IsAqueductNetwork(currentNetwork)
+  const bool queried = isAqueductNetwork(currentNetwork)
                            ? queryAqueductNetwork(currentNetwork, query)
                            : queryNetwork(currentNetwork, query);
   networkNames.clear();

@@ -46,7 +46,7 @@ class TableDrawer {
     return {position, rowHeight(), columnWidth(), layer};
   }
   void makeStyle(int titleColor) const {
-    MakeTableStyle(kTableStyle, kTextHeight * rowHeight(), titleColor);
+    makeTableStyle(kTableStyle, kTextHeight * rowHeight(), titleColor);
   }
   static double value(const ui::Check& wanted, double v) { return wanted.value() ? v : kNoValue; }
   static std::u16string_view value(const ui::Check& wanted, std::u16string_view v) {
@@ -155,7 +155,7 @@ bool askTables(DlgTables& dialog) {
   while (dialog.doModal()) {
     const char16_t* fault = dialog.fault();
     if (!fault) return true;
-    ShowMessage(TraduciTesto(fault));
+    showMessage(TraduciTesto(fault));
   }
   return false;
 }
@@ -163,13 +163,13 @@ bool askTables(DlgTables& dialog) {
 }  // namespace
 
 int EpaCommands::epatables() {
-  if (!ReadInstallPath()) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
   std::u16string version;
-  if (ReadTextVariable(u"ACADVER", version) && version.substr(0, 4) == u"16.0") {
-    ShowMessage(TraduciTesto(u"Oggetto tabella assente nella versione corrente di Autocad"));
+  if (readTextVariable(u"ACADVER", version) && version.substr(0, 4) == u"16.0") {
+    showMessage(TraduciTesto(u"Oggetto tabella assente nella versione corrente di Autocad"));
     return kAbandoned;
   }
-  if (!ChooseNetwork(AqueductNetworks::refused)) return kAbandoned;
+  if (!chooseNetwork(AqueductNetworks::refused)) return kAbandoned;
   DlgTables dialog;
   const bool wanted = askTables(dialog);
   if (wanted) TableDrawer(dialog).draw();

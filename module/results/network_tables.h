@@ -26,7 +26,7 @@ struct TablePlace {
 
 // Makes the style unless the drawing has it: what the first table asks for stays in force. Heights
 // in drawing units, colours as host indices.
-void MakeTableStyle(std::u16string_view name, double textHeight, int titleColor);
+void makeTableStyle(std::u16string_view name, double textHeight, int titleColor);
 
 // Each draws one table; what goes wrong is told on the command line.
 void DrawPipeDataTable(std::u16string_view styleName, std::u16string_view title, double length,
@@ -41,6 +41,6 @@ void DrawLinkResultTable(std::u16string_view styleName, std::u16string_view id, 
 
 // Texts row by row. The first row has one cell, which becomes the title.
 using TableGrid = std::vector<std::vector<std::u16string>>;
-void DrawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& place);
+void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& place);
 
 }  // namespace vessora

@@ -123,8 +123,8 @@ class GradeLine {
 }  // namespace
 
 int EpaCommands::epapiezo() {
-  if (!ReadInstallPath()) return kAbandoned;
-  if (!ChooseNetwork(AqueductNetworks::refused)) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
+  if (!chooseNetwork(AqueductNetworks::refused)) return kAbandoned;
   networkNames.clear();
   double textHeight = 0;
   if (acedGetReal(TraduciTesto(u"\nAltezza del testo [u.d.]: "), textHeight) != RTNORM) {

@@ -107,12 +107,12 @@ void drawFrame(const ProfileChain& chain, const ProfileWish& wish, const AcGePoi
 }  // namespace
 
 int EpaCommands::epaProf() {
-  if (!ReadInstallPath()) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
   acdbRegApp(kProfileData);
-  if (!ChooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
+  if (!chooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
   networkNames.clear();
   ProfileChain chain;
-  CollectProfileNetwork(currentNetwork, chain);
+  collectProfileNetwork(currentNetwork, chain);
   pickLinks(chain);
 
   ProfileWish wish;

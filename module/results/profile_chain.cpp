@@ -27,7 +27,7 @@ std::u16string nameOf(AcDbEntity* entity) {
 
 void collectResults(ProfileChain& chain) {
   const NetworkLayers layers(chain.name);
-  const SelectionSet nodes(u"_X", NodeBlockFilter(layers));
+  const SelectionSet nodes(u"_X", nodeBlockFilter(layers));
   for (const AcDbObjectId id : nodes) {
     const Opened<AcDbBlockReference> block(id);
     if (!block) continue;
@@ -56,8 +56,8 @@ void collectResults(ProfileChain& chain) {
       chain.linkResults.try_emplace(nameOf(entity.get()), row);
     }
   };
-  addLinks(ElementPolylineFilter(layers.pipe));
-  addLinks(LinkBlockFilter(layers));
+  addLinks(elementPolylineFilter(layers.pipe));
+  addLinks(linkBlockFilter(layers));
   chain.hasResults = !chain.nodeResults.empty() || !chain.linkResults.empty();
 }
 
@@ -107,7 +107,7 @@ const ProfileChain::Places& placesOf(const ProfileChain& chain, LinkKind kind) {
 
 }  // namespace
 
-void CollectProfileNetwork(std::u16string_view network, ProfileChain& chain) {
+void collectProfileNetwork(std::u16string_view network, ProfileChain& chain) {
   chain.name = network;
   CollectNetwork(network, chain.network);
   enterPlaces(chain.network.pipes, chain.pipes);

@@ -112,7 +112,7 @@ class Companions {
   };
   static Layer read(const std::u16string& name) {
     Layer layer;
-    for (const AcDbObjectId id : SelectionSet(u"_X", ElementPolylineFilter(name))) {
+    for (const AcDbObjectId id : SelectionSet(u"_X", elementPolylineFilter(name))) {
       const Opened<AcDb3dPolyline> polyline(id);
       if (!polyline) continue;
       layer.byName.try_emplace(std::u16string(Chain(polyline->xData(app::kImport)).text(1)), id);
@@ -218,7 +218,7 @@ void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
   InsertLegend(point, title, labels, kind);
 }
 
-void ApplyQueryColors(const NetworkLayers& layers, const NetworkQuery& query) {
+void applyQueryColors(const NetworkLayers& layers, const NetworkQuery& query) {
   if (query.colorFiltered || query.resetColors) markElements(layers, query);
   if (query.resetColors) return;
   if (query.nodeColorBy == 1 || query.nodeColorBy == 2) {

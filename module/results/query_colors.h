@@ -14,7 +14,7 @@ namespace vessora {
 //
 // Class bounds come from the picked rows, colours go to every element with results, of whatever
 // network. Nothing remembers the colour that an element had before.
-void ApplyQueryColors(const NetworkLayers& layers, const NetworkQuery& query);
+void applyQueryColors(const NetworkLayers& layers, const NetworkQuery& query);
 
 // Kinds of legends; the drawing has at most one of each.
 inline constexpr int kNodeLegend = 1, kLinkLegend = 2;

@@ -17,7 +17,7 @@ bool readResults(AcDbEntity* entity, const char16_t* application, wide50& first,
   const Chain results(entity->xData(application));
   if (!results) return false;
   XDataReader data(results);
-  for (wide50* field : {&first, &second, &third}) StoreReal(*field, data.real());
+  for (wide50* field : {&first, &second, &third}) storeReal(*field, data.real());
   fourth = data.text();
   if (const Chain label(entity->xData(app::kPeriod)); label.item(1)) period = label.text(1);
   return true;
@@ -106,11 +106,11 @@ bool CollectQueryRows(const NetworkLayers& layers, NetworkQuery& query) {
   return true;
 }
 
-std::u16string AqueductPipeName(AcDb3dPolyline* polyline) {
+std::u16string aqueductPipeName(AcDb3dPolyline* polyline) {
   return std::u16string(Chain(polyline->xData(app::kSchema)).text(3));
 }
 
-bool CollectAqueductRows(std::u16string_view network, NetworkQuery& query) {
+bool collectAqueductRows(std::u16string_view network, NetworkQuery& query) {
   askToPick();
   const SelectionSet picked(nullptr, acutBuildList(8, network, RTNONE));
   if (!picked.ok()) return false;
@@ -118,7 +118,7 @@ bool CollectAqueductRows(std::u16string_view network, NetworkQuery& query) {
     const Opened<AcDbEntity> entity(id);
     if (auto* polyline = entity.as<AcDb3dPolyline>()) {
       if (Chain(polyline->xData(app::kSchema))) {
-        query.links.push_back(emptyRow(AqueductPipeName(polyline)));
+        query.links.push_back(emptyRow(aqueductPipeName(polyline)));
       }
     } else if (auto* block = entity.as<AcDbBlockReference>()) {
       std::u16string name;

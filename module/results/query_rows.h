@@ -20,10 +20,10 @@ bool ReadPolylineLinkResult(EpaLinkResult& record, AcDb3dPolyline* polyline);
 // "-" for results that are not there. False when nothing was picked.
 bool CollectQueryRows(const NetworkLayers& layers, NetworkQuery& query);
 // The same for a network of the aqueduct module, which has no results at all.
-bool CollectAqueductRows(std::u16string_view network, NetworkQuery& query);
+bool collectAqueductRows(std::u16string_view network, NetworkQuery& query);
 
 // The name of a pipe of such a network; empty for other polylines.
-std::u16string AqueductPipeName(AcDb3dPolyline* polyline);
+std::u16string aqueductPipeName(AcDb3dPolyline* polyline);
 inline constexpr std::u16string_view kAqueductNodeTag = u"NODE_01";
 
 }  // namespace vessora

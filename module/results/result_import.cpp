@@ -110,13 +110,13 @@ void tell(bool any, const char16_t* written, const char16_t* absent) {
 
 void WriteNodeResults(const NetworkLayers& layers, const NodeResultList* nodes,
                       std::u16string_view time) {
-  tell(writeBlocks(NodeBlockFilter(layers), app::kNodeResult, nodes, time),
+  tell(writeBlocks(nodeBlockFilter(layers), app::kNodeResult, nodes, time),
        u"Importazione risultati nodi terminata", u"Risultati nodi assenti");
 }
 
 void WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
                       std::u16string_view time) {
-  resbuf* const filter = ElementPolylineFilter(layers.pipe);
+  resbuf* const filter = elementPolylineFilter(layers.pipe);
   bool any = false;
   if (links) {
     const ResultSource<LinkResultList> source(*links, time);
@@ -133,12 +133,12 @@ void WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
 
 void WriteValvePumpResults(const NetworkLayers& layers, const LinkResultList* links,
                            std::u16string_view time) {
-  tell(writeBlocks(LinkBlockFilter(layers), app::kLinkResult, links, time),
+  tell(writeBlocks(linkBlockFilter(layers), app::kLinkResult, links, time),
        u"\nImportazione risultati valvole/pompe terminata", u"\nRisultati valvole/pompe assenti");
 }
 
 void ResetLinkColors(const NetworkLayers& layers) {
-  for (const AcDbObjectId id : SelectionSet(u"_X", LinkPolylineFilter(layers))) {
+  for (const AcDbObjectId id : SelectionSet(u"_X", linkPolylineFilter(layers))) {
     const Opened<AcDb3dPolyline> polyline(id);
     if (!polyline || polyline->colorIndex() == 256) continue;
     polyline->upgradeOpen();
@@ -208,7 +208,7 @@ bool askForReport(Request& request) {
   return true;
 }
 
-void refuse(const std::u16string& text) { ShowMessage(text, u"", MessageIcon::stop); }
+void refuse(const std::u16string& text) { showMessage(text, u"", MessageIcon::stop); }
 
 struct Results {
   NodeResultList nodes;
@@ -259,7 +259,7 @@ void writeResults(std::u16string_view network, const Results* results) {
 
 int EpaCommands::imprpt() {
   RouteSpan route;
-  if (!ReadInstallPath()) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
   route.begin();
 
   Request request{rptRoute.path.str(), std::u16string_view(rptRoute.network)};
@@ -268,13 +268,13 @@ int EpaCommands::imprpt() {
 
   if (request.path.empty()) {
     writeResults(request.network, nullptr);
-    ShowMessage(TraduciTesto(u"Risultati cancellati!"));
+    showMessage(TraduciTesto(u"Risultati cancellati!"));
     return kRan;
   }
   Results results;
   if (!readReport(request.path, results)) return kAbandoned;
   writeResults(request.network, &results);
-  if (!rptRoute.exported) ShowMessage(TraduciTesto(u"Importazione terminata con successo!"));
+  if (!rptRoute.exported) showMessage(TraduciTesto(u"Importazione terminata con successo!"));
   return kRan;
 }
 

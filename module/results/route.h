@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 #include "platform/wide.h"
 
@@ -15,5 +16,8 @@ struct RptRoute {
   std::u16string network;
 };
 extern RptRoute rptRoute;
+
+// The body of ImportaRpt: what the host says to the posted command line.
+int queueRptImport(std::u16string_view path, std::u16string_view network);
 
 }  // namespace vessora

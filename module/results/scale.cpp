@@ -37,8 +37,8 @@ void scale(AcDbObjectId id, const DlgScale& asked) {
 }  // namespace
 
 int EpaCommands::epascale() {
-  if (!ReadInstallPath()) return kAbandoned;
-  if (!ChooseNetwork(AqueductNetworks::refusedOnce)) return kAbandoned;
+  if (!readInstallPath(installPath)) return kAbandoned;
+  if (!chooseNetwork(AqueductNetworks::refusedOnce)) return kAbandoned;
   networkNames.clear();
   acedPrompt(TraduciTesto(u"\nSelezionare simboli e/o tabelle..."));
   const SelectionSet picked(nullptr, scalableFilter());

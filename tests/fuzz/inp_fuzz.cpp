@@ -28,7 +28,7 @@ void checkLinks(const List& links) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   vessora::EpaNetwork network;
   vessora::EpaSettings settings;
-  vessora::ParseInp(std::string(reinterpret_cast<const char*>(data), size), network, settings);
+  vessora::parseInp(std::string(reinterpret_cast<const char*>(data), size), network, settings);
   for (const auto& j : network.juncs) {
     check(j.id);
     check(j.elev);

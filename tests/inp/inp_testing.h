@@ -53,7 +53,7 @@ class NetworkFiles : public ::testing::Test {
 };
 
 struct Parsed {
-  explicit Parsed(const std::string& text) { ParseInp(text, network, settings); }
+  explicit Parsed(const std::string& text) { parseInp(text, network, settings); }
   EpaNetwork network;
   EpaSettings settings;
 };

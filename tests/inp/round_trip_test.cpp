@@ -24,7 +24,7 @@ class RoundTrip : public NetworkFiles {
     settings_.energyPattern = u"night";
     settings_.hydraulicStep = u"00:30";
     ASSERT_EQ(WriteNetworkInp(path("first.inp"), before_, settings_), 1);
-    ParseInp(content("first.inp"), after_, read_);
+    parseInp(content("first.inp"), after_, read_);
   }
 
   EpaNetwork before_, after_;

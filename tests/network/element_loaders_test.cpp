@@ -300,9 +300,9 @@ TEST_F(ElementLoaders, ALinkFromANodeToItselfKeepsFiniteHeights) {
   rename(node, u"N2", u"4");
   EXPECT_EQ(heights(loop), (std::vector<double>{4, 4, 4}));
   EXPECT_EQ(data(loop), "P|100.5|150.0|130.0|0.25|Open|N2|N2");
-  EXPECT_EQ(HeightBetween({0, 0, 3}, {0, 0, 8}, {1, 1, 0}), 3);
-  EXPECT_EQ(HeightBetween({0, 0, 3}, {1e-320, 0, 8}, {1e9, 1, 0}), 3);
-  EXPECT_EQ(HeightBetween({0, 0, 0}, {10, 0, 5}, {20, 0, 0}), 10);
+  EXPECT_EQ(heightBetween({0, 0, 3}, {0, 0, 8}, {1, 1, 0}), 3);
+  EXPECT_EQ(heightBetween({0, 0, 3}, {1e-320, 0, 8}, {1e9, 1, 0}), 3);
+  EXPECT_EQ(heightBetween({0, 0, 0}, {10, 0, 5}, {20, 0, 0}), 10);
 }
 
 TEST_F(ElementLoaders, ARenamedLinkTakesItsCompanionAlong) {

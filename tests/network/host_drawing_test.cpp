@@ -20,7 +20,7 @@ TEST_F(HostDrawing, AttributesGoByExactTagAndTheLastOfEqualTagsIsRead) {
   WriteAttribute(block.get(), u"missing", u"x");
   const std::u16string_view tags[] = {u"EL", u"el", u"none"};
   std::u16string texts[3];
-  EXPECT_EQ(ReadAttributes(block.get(), tags, texts, 3), 3U);
+  EXPECT_EQ(readAttributes(block.get(), tags, texts, 3), 3U);
   EXPECT_EQ(texts[0], u"Città 7");
   EXPECT_EQ(texts[1], u"2");
   std::vector<std::u16string> all;
@@ -94,7 +94,7 @@ TEST_F(HostDrawing, ClearingTakesOneApplicationOnly) {
   EXPECT_FALSE(style.isNull());
   EXPECT_FALSE(FindTextStyle(u"Standard2", style));
   std::u16string value;
-  EXPECT_FALSE(ReadTextVariable(u"NO-SUCH-VARIABLE", value));
+  EXPECT_FALSE(readTextVariable(u"NO-SUCH-VARIABLE", value));
 }
 
 }  // namespace

@@ -173,7 +173,7 @@ TEST_F(SettingsStore, TheLastFlaggedNameIsTheDefaultAndDoublesAreKept) {
 }
 
 TEST_F(SettingsStore, TheListOfNetworksEndsAtItsLimitAndCostsOnePass) {
-  MakeReservedLayer();
+  makeReservedLayer();
   for (int i = 0; i <= 10000; ++i) {
     XDataBuilder list(app::kSettings);
     list.text(platform::widen(std::to_string(i)));

@@ -9,7 +9,7 @@ namespace {
 
 std::string rows(const std::string& bytes) {
   std::string all;
-  for (const EpaMaterial& m : ParseMaterials(bytes)) {
+  for (const EpaMaterial& m : parseMaterials(bytes)) {
     all += platform::narrow(m.name) + '=' + std::to_string(m.roughness) + '/' +
            platform::narrow(m.thirdLine) + ';';
   }
@@ -31,7 +31,7 @@ TEST(Materials, ALineWithoutItsEndLosesItsLastCharacter) {
 }
 
 TEST(Materials, TextsAreCutAndDecoded) {
-  const auto table = ParseMaterials(std::string(300, 'n') + "\n1\n" + std::string(60, 't') +
+  const auto table = parseMaterials(std::string(300, 'n') + "\n1\n" + std::string(60, 't') +
                                     "\nMetallo \xE8\n2\n\n");
   ASSERT_EQ(table.size(), 2U);
   EXPECT_EQ(table[0].name.size(), 255U);

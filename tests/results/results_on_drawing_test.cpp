@@ -199,7 +199,7 @@ TEST_F(QueryColors, ClassesOfThePickedRowsColourEveryElementWithResults) {
   query_.nodeColorBy = 1;
   query_.linkColorBy = 1;
   script("<esc>\n<esc>\n: Selezionare un punto...\n: Selezionare un punto...\n");
-  ApplyQueryColors(layers_, query_);
+  applyQueryColors(layers_, query_);
   EXPECT_EQ(color(low_), 5);
   EXPECT_EQ(color(high_), 1);
   EXPECT_EQ(color(tank_), 3);  // 30 was not picked, yet has a class
@@ -216,7 +216,7 @@ TEST_F(QueryColors, FilteredElementsTurnOrangeAndAResetTakesEverythingPicked) {
   query_.colorFiltered = true;
   query_.filteredNodes = {1};
   query_.filteredLinks = {1};
-  ApplyQueryColors(layers_, query_);
+  applyQueryColors(layers_, query_);
   EXPECT_EQ(color(high_), 40);
   EXPECT_EQ(color(low_), 256);
   EXPECT_EQ(color(valve_), 40);
@@ -229,7 +229,7 @@ TEST_F(QueryColors, FilteredElementsTurnOrangeAndAResetTakesEverythingPicked) {
   setColor(pipe_, 5);
   query_.resetColors = true;
   query_.nodeColorBy = query_.linkColorBy = 1;
-  ApplyQueryColors(layers_, query_);
+  applyQueryColors(layers_, query_);
   EXPECT_EQ(color(high_), 1);  // it has an emitter
   for (const AcDbObjectId id : {low_, pipe_, valve_, companion_}) EXPECT_EQ(color(id), 256);
   EXPECT_EQ(color(tank_), 40);  // was not picked

@@ -10,8 +10,8 @@ namespace {
 class Tables : public CalculatedNetwork {
  protected:
   AcDbObjectId drawn(const TableGrid& grid) {
-    MakeTableStyle(kTableStyle, 1.2, 1);
-    DrawTable(kTableStyle, grid, {{100, 50, 3}, 2, 15, u"TAB"});
+    makeTableStyle(kTableStyle, 1.2, 1);
+    drawTable(kTableStyle, grid, {{100, 50, 3}, 2, 15, u"TAB"});
     return onLayer(u"TAB").back();
   }
   // How many entities of each type show the table.
@@ -68,7 +68,7 @@ TEST_F(Tables, AreWholeAfterSaving) {
 
 TEST_F(Tables, TheFirstStyleStaysInForce) {
   drawn({{u"Titolo"}});
-  MakeTableStyle(kTableStyle, 5, 3);
+  makeTableStyle(kTableStyle, 5, 3);
   const Opened<AcDbTable> table(onLayer(u"TAB")[0]);
   EXPECT_EQ(table->numColumns(), 1);
   EXPECT_EQ(table->textHeight(0, 0), 1.2);
@@ -155,7 +155,7 @@ TEST_F(Tables, SizesThatAFileClaimsAreNotBelieved) {
 
 TEST_F(Tables, HiddenRowsAndATableThatDoesNotFitItsGrid) {
   DrawNodeResultTable(kTableStyle, u"N1", 1, 2, 3, u"4", {{}, 2, 15, u"NONE"});  // no style yet
-  MakeTableStyle(kTableStyle, 1.2, 3);
+  makeTableStyle(kTableStyle, 1.2, 3);
   DrawNodeResultTable(kTableStyle, u"N1", kNoValue, 2, -99999.0, kNoText, {{}, 2, 15, u"NODI"});
   EXPECT_EQ(onLayer(u"NONE").size(), 0u);
   {
@@ -164,7 +164,7 @@ TEST_F(Tables, HiddenRowsAndATableThatDoesNotFitItsGrid) {
     EXPECT_EQ(table->textString(0, 0), u"Risultati Nodo: N1");
     EXPECT_EQ(table->textString(1, 0), u"Carico [m]");
   }
-  DrawTable(kTableStyle, {{u"t"}, {u"a", u"b"}, {u"a", u"b", u"c"}}, {{}, 2, 15, u"STORTA"});
+  drawTable(kTableStyle, {{u"t"}, {u"a", u"b"}, {u"a", u"b", u"c"}}, {{}, 2, 15, u"STORTA"});
   EXPECT_EQ(onLayer(u"STORTA").size(), 1u);  // the table stands, filled as far as it went
 }
 

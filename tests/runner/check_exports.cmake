@@ -1,8 +1,10 @@
-# The dynamic symbols that vessora.arx defines must be exactly these.
-set(wanted
-  ImportaRpt ScriviInp acrxEntryPoint acrxGetApiVersion epaProf epacalc epapiezo epascale epatables
-  expinp hnaddepa hnmatepa hnmodepa hnpzzpmod hnsetmat hnsetpat impinp imprpt netvis
-  odrxCreateModuleObject odrxGetAPIVersion)
+# The dynamic symbols that vessora.arx defines must be exactly WANTED: the fifteen commands of the
+# table and six more.
+set(wanted ${WANTED})
+list(LENGTH wanted count)
+if(NOT count EQUAL 21)
+  message(FATAL_ERROR "the table of commands gives ${count} exports instead of 21: ${wanted}")
+endif()
 execute_process(COMMAND ${NM} -D --defined-only ${MODULE} OUTPUT_VARIABLE lines RESULT_VARIABLE failed)
 if(failed)
   message(FATAL_ERROR "nm cannot read ${MODULE}")

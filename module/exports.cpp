@@ -2,9 +2,12 @@
 #include <cstdint>
 #include <new>
 
-#include "module/host/entry.h"
+#include "module/entry.h"
+#include "module/host/command_span.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
+#include "module/inp/inp_export.h"
+#include "module/results/route.h"
 
 namespace vessora {
 
@@ -14,6 +17,7 @@ using Body = int (EpaCommands::*)();
 
 // No exception may leave a module. The one that can arise is lack of memory.
 void runBody(EpaCommands& commands, Body body) {
+  const CommandSpan span;
   try {
     (commands.*body)();
   } catch (const std::bad_alloc&) {
@@ -29,10 +33,8 @@ void runCommand(Body body) {
   afxSetResourceHandle(moduleInstance());
   AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
   if (!database) return;
-  ++commandNumber;
   commands.database = database;
   runBody(commands, body);
-  endCommand();
   afxSetResourceHandle(resources);
 }
 
@@ -41,30 +43,16 @@ void runCommand(Body body) {
 }  // namespace vessora
 
 #define VESSORA_EXPORT extern "C" __attribute__((visibility("default")))
-#define VESSORA_COMMAND(name) \
+#define VESSORA_COMMAND(name, needs, help) \
   VESSORA_EXPORT void name() { vessora::runCommand(&vessora::EpaCommands::name); }
-
-VESSORA_COMMAND(hnaddepa)   // adds a network or an element
-VESSORA_COMMAND(hnmatepa)   // edits the material table
-VESSORA_COMMAND(hnmodepa)   // modifies an element
-VESSORA_COMMAND(hnpzzpmod)  // transfers manholes from a profile to the model
-VESSORA_COMMAND(hnsetmat)   // assigns a material to pipes
-VESSORA_COMMAND(hnsetpat)   // manages patterns and curves
-VESSORA_COMMAND(epaProf)    // draws a longitudinal profile
-VESSORA_COMMAND(epacalc)    // edits the simulation settings
-VESSORA_COMMAND(epapiezo)   // draws the piezometric line
-VESSORA_COMMAND(epascale)   // rescales symbols and tables
-VESSORA_COMMAND(epatables)  // draws network tables
-VESSORA_COMMAND(expinp)     // exports an INP file
-VESSORA_COMMAND(impinp)     // imports an INP file
-VESSORA_COMMAND(imprpt)     // imports an RPT file
-VESSORA_COMMAND(netvis)     // queries the network and its results
+#define VESSORA_PENDING VESSORA_COMMAND
+#include "module/host/commands.def"
 
 // Writes the INP file of a drawn network without a word to the user. 1 for written, else 0.
 VESSORA_EXPORT std::int64_t ScriviInp(const char16_t* path, const char16_t* network) {
   if (!path || !network) return 0;
   try {
-    return vessora::WriteInpOf(path, network);
+    return vessora::writeInpOf(path, network);
   } catch (const std::bad_alloc&) {
     return 0;
   }
@@ -74,7 +62,7 @@ VESSORA_EXPORT std::int64_t ScriviInp(const char16_t* path, const char16_t* netw
 VESSORA_EXPORT int ImportaRpt(const char16_t* path, const char16_t* network) {
   if (!path || !network) return RTERROR;
   try {
-    return vessora::QueueRptImport(path, network);
+    return vessora::queueRptImport(path, network);
   } catch (const std::bad_alloc&) {
     return RTERROR;
   }

@@ -1,0 +1,49 @@
+// What programs may have done by this module without asking anybody: jobs, and the table of
+// commands.
+//
+// The module offers one object of this interface in the system registry while it is loaded.
+// Programs find it there and link nothing of the module:
+//
+//   if (vessora::Jobs* jobs = vessora::Jobs::find()) ...
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "cad/api/services.h"
+
+namespace vessora {
+
+// What a command needs to be of any use: an open drawing, a network in it, results on the network.
+enum class CommandNeeds { drawing, network, results };
+
+// A command of the module. It is an export without arguments, which a host registers by its name.
+struct CommandRow {
+  std::u16string name;
+  std::string symbol;   // of the export
+  std::u16string help;  // one line, in the user's language
+  CommandNeeds needs = CommandNeeds::drawing;
+};
+
+class Jobs : public AcRxObject {
+ public:
+  static constexpr char16_t kService[] = u"VESSORA_JOBS";
+  // Goes up with every change of this interface, so that a program never calls a module that was
+  // built for another one.
+  static constexpr char16_t kClass[] = u"VessoraJobs1";
+
+  // The jobs of the loaded module, which stay the module's; null when there are none of this
+  // interface. Libraries do not share addresses of classes, so the class is known by its name.
+  static Jobs* find() {
+    const AcRxDictionary* registry = acrxSysRegistry();
+    AcRxObject* object = registry ? registry->at(kService) : nullptr;
+    const bool known = object && std::u16string_view(object->isA()->name()) == kClass;
+    return known ? static_cast<Jobs*>(object) : nullptr;
+  }
+
+  // All commands, in the order in which they are shown.
+  virtual std::vector<CommandRow> commands() = 0;
+};
+
+}  // namespace vessora
