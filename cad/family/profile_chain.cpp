@@ -3,12 +3,13 @@
 #include <unordered_map>
 
 #include "cad/family/profile.h"
+#include "schema/element.h"
+#include "schema/names.h"
 
 namespace cad {
 namespace {
 
-constexpr char16_t kElement[] = u"HN-C_EPAHNIMPORT";
-constexpr char16_t kNodeResult[] = u"HN-C_NODE_RESULT";
+using schema::Field;
 
 struct Link {
   ProfileReach reach;
@@ -16,20 +17,29 @@ struct Link {
   bool pipe = false;
 };
 
-// The items of one application by position, from 1.
+// The items of one list by field.
 class Items {
  public:
-  Items(const TagList& tags, std::u16string_view application)
-      : tags_(tags), range_(tags.xdata(application)) {}
+  Items(const TagList& tags, const schema::List& list)
+      : tags_(tags), list_(list), range_(tags.xdata(list.application)) {}
   explicit operator bool() const { return !range_.empty(); }
-  std::u16string text(int i) const {
-    return has(i) ? tags_.text(range_.begin + i) : std::u16string();
+  std::u16string text(Field field) const {
+    const int i = at(field);
+    return i ? tags_.text(i) : std::u16string();
   }
-  double real(int i) const { return has(i) ? tags_.real(range_.begin + i) : 0; }
+  double real(Field field) const {
+    const int i = at(field);
+    return i ? tags_.real(i) : 0;
+  }
 
  private:
-  bool has(int i) const { return range_.begin + i < range_.end; }
+  // Where the item stands; 0 when there is none.
+  int at(Field field) const {
+    const int place = schema::placeOf(list_, field);
+    return place && range_.begin + place < range_.end ? range_.begin + place : 0;
+  }
   const TagList& tags_;
+  const schema::List& list_;
   TagRange range_;
 };
 
@@ -39,11 +49,9 @@ class ChainReader {
 
   ProfileChainData read(const std::vector<std::u16string>& names) {
     for (const std::u16string& name : names) links_.try_emplace(name);
-    readLinks(u"PIPE-", 7, 3, 2);
-    readLinks(u"PUMP-", 2, 0, 0);
-    readLinks(u"VALV-", 7, 2, 0);
+    for (const auto* kind : {&schema::kPipe, &schema::kPump, &schema::kValv}) readLinks(*kind);
     if (!order(names)) return {};
-    for (const char16_t* layer : {u"JUNC-", u"RESV-", u"TANK-"}) readNodes(layer);
+    for (const auto* kind : {&schema::kJunc, &schema::kResv, &schema::kTank}) readNodes(*kind);
     return measure();
   }
 
@@ -51,7 +59,7 @@ class ChainReader {
   // Visits the entities of one layer of the network.
   template <class Visit>
   void onLayer(std::u16string_view prefix, Visit&& visit) {
-    const std::uint32_t layer = d_.names().find(std::u16string(prefix) += network_);
+    const std::uint32_t layer = d_.names().find(schema::layerName(prefix, network_));
     if (!layer) return;
     const auto tags = borrowTags();
     for (const std::uint32_t e : d_.index().onLayer(layer)) {
@@ -61,23 +69,22 @@ class ChainReader {
     }
   }
 
-  // Positions of the items: the first of the two nodes, the diameter, the length (0: it has none).
-  void readLinks(std::u16string_view prefix, int node, int diameter, int length) {
-    const bool pipe = length > 0;
-    onLayer(prefix, [&](std::uint32_t e, const TagList& tags) {
+  void readLinks(const schema::Kind& kind) {
+    const bool pipe = *kind.block == 0;
+    onLayer(kind.layer, [&](std::uint32_t e, const TagList& tags) {
       const Record& r = d_.record(e);
       if (pipe ? !r.is(Record::poly3d) : r.type != Type::insert) return;
-      const Items items(tags, kElement);
+      const Items items(tags, kind.data);
       if (!items) return;
-      const auto at = links_.find(items.text(1));
+      const auto at = links_.find(items.text(Field::id));
       if (at == links_.end() || !at->second.reach.name.empty()) return;
       Link& link = at->second;
       link.pipe = pipe;
       link.reach.name = at->first;
-      link.node1 = items.text(node);
-      link.node2 = items.text(node + 1);
-      if (diameter) link.reach.diameter = items.real(diameter);
-      if (length) link.reach.length = items.real(length);
+      link.node1 = items.text(Field::node1);
+      link.node2 = items.text(Field::node2);
+      link.reach.diameter = items.real(Field::diameter);
+      link.reach.length = items.real(Field::length);
     });
   }
 
@@ -110,19 +117,19 @@ class ChainReader {
     return true;
   }
 
-  void readNodes(std::u16string_view prefix) {
-    onLayer(prefix, [&](std::uint32_t e, const TagList& tags) {
+  void readNodes(const schema::Kind& kind) {
+    onLayer(kind.layer, [&](std::uint32_t e, const TagList& tags) {
       if (d_.record(e).type != Type::insert) return;
-      const Items items(tags, kElement);
-      const auto at = nodes_.find(items ? items.text(1) : nameAttribute(e));
+      const Items items(tags, kind.data);
+      const auto at = nodes_.find(items ? items.text(Field::id) : nameAttribute(e));
       if (at == nodes_.end() || !at->second.name.empty()) return;
       ProfileStation& station = at->second;
       station.name = at->first;
       if (const int i = tags.find(10, tags.body()); i >= 0) station.point = tags.point(i);
-      const Items results(tags, kNodeResult);
+      const Items results(tags, schema::kNodeResult);
       station.hasResults = static_cast<bool>(results);
-      station.head = results.real(2);
-      station.pressure = results.real(3);
+      station.head = results.real(Field::head);
+      station.pressure = results.real(Field::pressure);
     });
   }
 
@@ -132,7 +139,7 @@ class ChainReader {
     for (std::uint32_t a = d_.structure().firstPart(block); a;
          a = d_.structure().nextPart(block, a)) {
       d_.parse(a, *tags);
-      if (tags->textOr(2, u"", tags->subclass("AcDbAttribute")) == u"ID") {
+      if (tags->textOr(2, u"", tags->subclass("AcDbAttribute")) == schema::kIdTag) {
         name = tags->textOr(1, u"", tags->subclass("AcDbText"));
       }
     }

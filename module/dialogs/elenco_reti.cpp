@@ -16,8 +16,6 @@ void CDlgElencoReti::onOk() {
   ModuleDialog::onOk();
 }
 
-bool isAqueductNetwork(std::u16string_view name) { return name.substr(0, 5) == u"HN-AQ"; }
-
 namespace {
 
 // The user's choice into selectedNetwork; false for "Annulla".
@@ -25,7 +23,8 @@ bool takeFromList(AqueductNetworks aqueduct) {
   CDlgElencoReti dialog;
   for (;;) {
     if (!dialog.doModal()) return false;
-    if (aqueduct == AqueductNetworks::accepted || !isAqueductNetwork(selectedNetwork)) return true;
+    if (aqueduct == AqueductNetworks::accepted || !schema::isAqueductName(selectedNetwork))
+      return true;
     showMessage(TraduciTesto(u"Rete non valida!\nSelezionare una rete Epanet!"));
     if (aqueduct == AqueductNetworks::refusedOnce) aqueduct = AqueductNetworks::accepted;
   }

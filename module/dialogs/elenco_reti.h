@@ -26,7 +26,6 @@ enum class AqueductNetworks {
   refused,      // told so, and the list again, until another name is taken
   refusedOnce,  // told so, and the list once more; whatever is taken then stands
 };
-bool isAqueductNetwork(std::u16string_view name);
 
 // Fetches the networks of the drawing and makes one of them the currentNetwork: the default one, or
 // with two or more names and no default the one that the user takes from the list. A single network

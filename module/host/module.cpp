@@ -38,12 +38,4 @@ CommandSpan::~CommandSpan() {
 
 void CommandSpan::atEnd(void (*forget)()) { endOfSpan.push_back(forget); }
 
-std::u16string layer::of(std::u16string_view prefix, std::u16string_view network) {
-  std::u16string name;
-  name.reserve(prefix.size() + network.size());
-  name += prefix;
-  name += network;
-  return name;
-}
-
 }  // namespace vessora

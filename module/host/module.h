@@ -6,6 +6,8 @@
 
 #include "module/host/host_drawing.h"
 #include "platform/wide.h"
+#include "schema/element.h"
+#include "schema/names.h"
 
 namespace vessora {
 
@@ -43,32 +45,7 @@ bool readInstallPath(std::u16string& path);
 // Starts the help launcher on a topic, without waiting.
 void showHelp(std::u16string_view topic);
 
-// Applications with extended data of a network.
-namespace app {
-inline constexpr char16_t kImport[] = u"HN-C_EPAHNIMPORT";
-inline constexpr char16_t kMaterial[] = u"HN-C_MATEPA";
-inline constexpr char16_t kNodeResult[] = u"HN-C_NODE_RESULT";
-inline constexpr char16_t kLinkResult[] = u"HN-C_LINK_RESULT";
-inline constexpr char16_t kPeriod[] = u"HN-C_PERIOD_RPT";
-inline constexpr char16_t kColor[] = u"HN-C_EPA_COLOR";
-inline constexpr char16_t kSettings[] = u"HN-C_EPA_IMPOSTAZIONI";
-inline constexpr char16_t kPattern[] = u"HN-C_EPA_PATTERN";
-inline constexpr char16_t kCurve[] = u"HN-C_EPA_CURVE";
-inline constexpr char16_t kSchema[] = u"HN-SCHEMA_RETE-ACQ";
-}  // namespace app
-
-// Layers of a network: prefix and name, with nothing between.
-namespace layer {
-inline constexpr char16_t kJunc[] = u"JUNC-";
-inline constexpr char16_t kResv[] = u"RESV-";
-inline constexpr char16_t kTank[] = u"TANK-";
-inline constexpr char16_t kPipe[] = u"PIPE-";
-inline constexpr char16_t kPump[] = u"PUMP-";
-inline constexpr char16_t kValv[] = u"VALV-";
-inline constexpr char16_t kFlowIn[] = u"Q-IN-";
-inline constexpr char16_t kFlowOut[] = u"Q-OUT-";
-inline constexpr char16_t kReserved[] = u"HN-RISERVATO";
-std::u16string of(std::u16string_view prefix, std::u16string_view network);
-}  // namespace layer
+namespace app = schema::app;
+namespace layer = schema::layer;
 
 }  // namespace vessora

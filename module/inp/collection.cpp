@@ -1,6 +1,6 @@
 #include "module/inp/collection.h"
 
-#include "module/network/element_loaders.h"
+#include "module/network/element_data.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/schema.h"
 #include "platform/format.h"
@@ -41,7 +41,7 @@ class Collector {
     if (layer == layers_.pipe) {
       EpaPipe& pipe = network_.pipes.emplace_back();
       pipe.objectId = polyline->objectId();
-      takeData(XDataReader(data), pipe);
+      takeData(data, pipe);
       addVertices(polyline, pipe.id);
     } else if (layer == layers_.valv || layer == layers_.pump) {
       addVertices(polyline, data.text(1));
@@ -99,7 +99,7 @@ class Collector {
       checkName(data, id);
       node.id = id;
     }
-    if (data) takeData(XDataReader(data), node);
+    if (data) takeData(data, node, false);
     const AcGePoint3d at = block->position();
     addPoint(network_.coords, node.id, at);
   }
@@ -110,28 +110,25 @@ class Collector {
     EpaPump& pump = network_.pumps.emplace_back();
     pump.objectId = block->objectId();
     takeAttributes(block, pump);
-    takeData(XDataReader(data), pump);
+    takeData(data, pump);
     pump.id = data.text(1);
     // The second node's name is printed as a template, so that a '%' in it is not kept.
     pump.node2 = platform::format(pump.node2);
   }
 
+  // The attributes, which an edit by hand may have changed, are not looked at.
   void takeValv(AcDbBlockReference* block) {
     const Chain data(block->xData(app::kImport));
     if (!data) return;
     EpaValv& valv = network_.valves.emplace_back();
     valv.objectId = block->objectId();
     valv.status = u"None";
-    XDataReader reader(data);
-    takeText(reader, valv.id);
-    takeReal(reader, valv.diameter);
-    takeText(reader, valv.type);
-    takeText(reader, valv.status);
+    takeData(data, valv);
     // Stored as text and taken as a real: a text gives 0, and files have "0.000" for every valve.
-    takeReal(reader, valv.setting);
-    takeReal(reader, valv.minorLoss);
-    takeText(reader, valv.node1);
-    takeText(reader, valv.node2);
+    const int setting = schema::placeOf(schema::kValv.data, schema::Field::setting);
+    if (data.item(setting)) {
+      storeReal(valv.setting, realAt(data, schema::kValv.data, schema::Field::setting));
+    }
   }
 
   void addVertices(AcDb3dPolyline* polyline, std::u16string_view id) {
@@ -196,7 +193,7 @@ void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& 
     const std::u16string layer = block->layer();
     const bool node = layer == layers.junc || layer == layers.resv || layer == layers.tank;
     if (!node && layer != layers.pump && layer != layers.valv) return;
-    ReadNameAttribute(block, tag::kId, (node ? nodeNames : linkNames).emplace_back());
+    ReadNameAttribute(block, schema::kIdTag, (node ? nodeNames : linkNames).emplace_back());
   };
   const auto takePolyline = [&](AcDb3dPolyline* polyline) {
     const Chain data(polyline->xData(app::kImport));

@@ -1,15 +1,16 @@
 #include "module/inp/draw_network.h"
 
-#include <cmath>
-
 #include "module/host/module.h"
 #include "module/host/translate.h"
 #include "module/inp/symbols.h"
+#include "module/network/element_data.h"
+#include "module/network/schema.h"
 #include "platform/text.h"
 
 namespace vessora {
 
 using platform::wtof;
+using schema::Field;
 
 // --- rows by id ----------------------------------------------------------------------------------
 
@@ -77,7 +78,7 @@ void NetworkDrawing::drawNodes(const RecordList<Node>& nodes, double (*height)(c
 
 void NetworkDrawing::DrawJunctions(std::u16string_view layer) {
   const auto insert = [layer](const EpaJunc& n, const AcGePoint3d& p) {
-    return InsertJunc(p, layer, n.id, n.elev, n.demand, wtof(n.emitter), n.pattern);
+    return InsertJunc(p, layer, n, wtof(n.emitter));
   };
   drawNodes<EpaJunc>(network_.juncs, heightOf, insert, u"\nImportazione nodi terminata",
                      u"\nNodi assenti");
@@ -85,7 +86,7 @@ void NetworkDrawing::DrawJunctions(std::u16string_view layer) {
 
 void NetworkDrawing::DrawReservoirs(std::u16string_view layer) {
   const auto insert = [layer](const EpaResv& n, const AcGePoint3d& p) {
-    return InsertResv(p, layer, n.id, n.head, n.pattern);
+    return InsertResv(p, layer, n);
   };
   drawNodes<EpaResv>(network_.resvs, heightOf, insert, u"\nImportazione serbatoi terminata",
                      u"\nSerbatoi assenti");
@@ -93,8 +94,7 @@ void NetworkDrawing::DrawReservoirs(std::u16string_view layer) {
 
 void NetworkDrawing::DrawTanks(std::u16string_view layer) {
   const auto insert = [layer](const EpaTank& n, const AcGePoint3d& p) {
-    return InsertTank(p, layer, n.id, n.elev, n.initLevel, n.minLevel, n.maxLevel, n.diameter,
-                      n.minVol, n.volCurve);
+    return InsertTank(p, layer, n);
   };
   drawNodes<EpaTank>(network_.tanks, heightOf, insert, u"\nImportazione tanks terminata",
                      u"\nTanks assenti");
@@ -117,22 +117,16 @@ class NetworkDrawing::LinkPath {
     points_.push_back(start_.point);
     for (const EpaCoord* row = drawing_.vertices_.first(link.id); row;
          row = drawing_.vertices_.next(row)) {
-      points_.push_back(interpolated(wtof(row->x), wtof(row->y)));
+      points_.push_back({wtof(row->x), wtof(row->y), 0});
     }
     points_.push_back(end_.point);
+    interpolateInterior(points_);
     return true;
   }
 
   const AcGePoint3dArray& points() const { return points_; }
   std::u16string_view node1() const { return start_.node; }
   std::u16string_view node2() const { return end_.node; }
-  // Where the symbol of a pump or valve goes.
-  AcGePoint3d symbolPoint() const {
-    const bool bent = points_.size() > 2;
-    const AcGePoint3d& a = bent ? points_[1] : points_.front();
-    const AcGePoint3d& b = bent ? points_[2] : points_.back();
-    return {(a.x + b.x) / 2, (a.y + b.y) / 2, (a.z + b.z) / 2};
-  }
 
  private:
   struct End {
@@ -166,16 +160,6 @@ class NetworkDrawing::LinkPath {
     return true;
   }
 
-  // The height on the straight line between the ends, by the distance from the start in plan. Ends
-  // that stand one above the other define no such line: the start's height is as good as any, and
-  // no drawing may hold what the division would give.
-  AcGePoint3d interpolated(double x, double y) const {
-    const AcGePoint3d &a = start_.point, &b = end_.point;
-    const double whole = std::hypot(b.x - a.x, b.y - a.y);
-    const double z = a.z + (b.z - a.z) * std::hypot(x - a.x, y - a.y) / whole;
-    return {x, y, std::isfinite(z) ? z : a.z};
-  }
-
   NetworkDrawing& drawing_;
   End start_, end_;
   AcGePoint3dArray points_;
@@ -192,53 +176,46 @@ void NetworkDrawing::drawLinks(const RecordList<Link>& links, Draw draw, const c
   tell(any, done, absent);
 }
 
-namespace {
-
-constexpr int kPipeColor = 140, kPumpColor = 6, kValveColor = 2;
-
-// The polyline that carries the shape of a pump or valve, and of its data the id alone.
-bool drawCompanion(std::u16string_view layer, int color, std::u16string_view id,
-                   const AcGePoint3dArray& points) {
-  const Chain xdata(acutBuildList(1001, app::kImport, 1000, id, RTNONE));
-  return HNGeometry::Create3Dpoly(points, color, layer, 0, xdata.get()).isValid();
-}
-
-}  // namespace
-
 void NetworkDrawing::DrawPipes(std::u16string_view layer) {
   const auto draw = [layer](const EpaPipe& pipe, const LinkPath& path) {
-    const Chain xdata(acutBuildList(1001, app::kImport, 1000, pipe.id, 1040, wtof(pipe.length),
-                                    1040, wtof(pipe.diameter), 1040, wtof(pipe.roughness), 1040,
-                                    wtof(pipe.minorLoss), 1000, pipe.status, 1000, path.node1(),
-                                    1000, path.node2(), RTNONE));
-    return HNGeometry::Create3Dpoly(path.points(), kPipeColor, layer, 0, xdata.get()).isValid();
+    const Chain data = dataOf(pipe, {{Field::node1, path.node1()}, {Field::node2, path.node2()}});
+    return HNGeometry::Create3Dpoly(path.points(), schema::kPipe.color, layer, 0, data.get())
+        .isValid();
   };
   drawLinks(network_.pipes, draw, u"\nImportazione rami terminata", u"\nRami assenti");
 }
 
+namespace {
+
+// A pump or a valve: the polyline that carries its shape and of its data the id alone, and its
+// symbol with all of them.
+template <class Link, class Path>
+bool drawWithSymbol(std::u16string_view layer, const Link& link, const Path& path,
+                    int (*insert)(const AcGePoint3d&, std::u16string_view, const Link&,
+                                  const Chain&)) {
+  const Chain id = companionData(link.id);
+  const bool drawn =
+      HNGeometry::Create3Dpoly(path.points(), kindOf<Link>().color, layer, 0, id.get()).isValid();
+  AcGePoint3d place;
+  if (linkBlockPlace(path.points(), place)) {
+    insert(place, layer, link,
+           dataOf(link, {{Field::node1, path.node1()}, {Field::node2, path.node2()}}));
+  }
+  return drawn;
+}
+
+}  // namespace
+
 void NetworkDrawing::DrawPumps(std::u16string_view layer) {
   const auto draw = [layer](const EpaPump& pump, const LinkPath& path) {
-    const bool drawn = drawCompanion(layer, kPumpColor, pump.id, path.points());
-    Chain xdata(acutBuildList(1001, app::kImport, 1000, pump.id, 1000, path.node1(), 1000,
-                              path.node2(), 1000, pump.headCurve, 1040, wtof(pump.power), 1040,
-                              wtof(pump.speed), 1000, pump.speedPattern, 1000, pump.effCurve, 1040,
-                              wtof(pump.price), 1000, pump.pricePattern, RTNONE));
-    InsertPump(path.symbolPoint(), layer, pump.id, pump.status, std::move(xdata));
-    return drawn;
+    return drawWithSymbol(layer, pump, path, InsertPump);
   };
   drawLinks(network_.pumps, draw, u"\nImportazione pompe terminata", u"\nPompe assenti");
 }
 
 void NetworkDrawing::DrawValves(std::u16string_view layer) {
   const auto draw = [layer](const EpaValv& valve, const LinkPath& path) {
-    const bool drawn = drawCompanion(layer, kValveColor, valve.id, path.points());
-    const Chain xdata(acutBuildList(1001, app::kImport, 1000, valve.id, 1040, wtof(valve.diameter),
-                                    1000, valve.type, 1000, valve.status, 1000, valve.setting, 1040,
-                                    wtof(valve.minorLoss), 1000, path.node1(), 1000, path.node2(),
-                                    RTNONE));
-    InsertValv(path.symbolPoint(), layer, valve.id, valve.diameter, valve.type, valve.setting,
-               valve.minorLoss, xdata);
-    return drawn;
+    return drawWithSymbol(layer, valve, path, InsertValv);
   };
   drawLinks(network_.valves, draw, u"\nImportazione valvole terminata", u"\nValvole assenti");
 }

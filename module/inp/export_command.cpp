@@ -63,7 +63,7 @@ int exportChosenNetwork() {
   if (!dialog.doModal()) return kAbandoned;
   if (!dialog.path.value().empty()) {
     makeProposedFolder(dialog.path.value());
-    if (!isAqueductNetwork(currentNetwork)) {
+    if (!schema::isAqueductName(currentNetwork)) {
       exportNetwork(dialog);
     } else if (!exportSchematicNetwork(dialog)) {
       return kAbandoned;

@@ -10,35 +10,26 @@ namespace vessora {
 
 namespace {
 
-// A network is named after its file: what stands between the last separator and the last four
-// characters, which are taken for the extension.
-std::u16string_view networkNameOf(std::u16string_view path) {
-  const std::size_t separator = path.find_last_of(u"\\/");
-  const std::u16string_view file = separator == path.npos ? path : path.substr(separator + 1);
-  return file.substr(0, file.size() < 4 ? 0 : file.size() - 4);
-}
-
-struct Kind {
-  const char16_t* prefix;
-  int color;
+struct Pass {
+  const schema::Kind& kind;
   void (NetworkDrawing::*draw)(std::u16string_view layer);
 };
-constexpr Kind kKinds[] = {
-    {layer::kJunc, 5, &NetworkDrawing::DrawJunctions},
-    {layer::kResv, 5, &NetworkDrawing::DrawReservoirs},
-    {layer::kTank, 5, &NetworkDrawing::DrawTanks},
-    {layer::kPipe, 140, &NetworkDrawing::DrawPipes},
-    {layer::kPump, 6, &NetworkDrawing::DrawPumps},
-    {layer::kValv, 2, &NetworkDrawing::DrawValves},
+constexpr Pass kPasses[] = {
+    {schema::kJunc, &NetworkDrawing::DrawJunctions},
+    {schema::kResv, &NetworkDrawing::DrawReservoirs},
+    {schema::kTank, &NetworkDrawing::DrawTanks},
+    {schema::kPipe, &NetworkDrawing::DrawPipes},
+    {schema::kPump, &NetworkDrawing::DrawPumps},
+    {schema::kValv, &NetworkDrawing::DrawValves},
 };
 
 void drawNetwork(const EpaNetwork& network) {
   NetworkDrawing drawing(network);
-  for (const Kind& kind : kKinds) {
-    const std::u16string name = layer::of(kind.prefix, currentNetwork);
+  for (const Pass& pass : kPasses) {
+    const std::u16string name = schema::layerName(pass.kind.layer, currentNetwork);
     HNGeometry::createNewLayer(name);
-    HNGeometry::setColorLtypeLayer(name, kind.color, u"ByLayer");
-    (drawing.*kind.draw)(name);
+    HNGeometry::setColorLtypeLayer(name, pass.kind.color, u"ByLayer");
+    (drawing.*pass.draw)(name);
   }
   for (const EpaPattern& pattern : network.patterns) AddPattern(pattern, currentNetwork);
   for (const EpaCurve& curve : network.curves) AddCurve(curve, currentNetwork);
@@ -54,10 +45,10 @@ bool askForFile(std::u16string& path) {
     dialog.doModal();
   }
   path = dialog.path.value();
-  currentNetwork = networkNameOf(path);
+  currentNetwork = schema::networkOfFile(path);
   // A name of the aqueduct module's networks; its sixth character alone is no name yet.
   const std::u16string_view name = currentNetwork;
-  if (name.size() > 6 && name.substr(0, 5) == u"HN-AQ") {
+  if (name.size() > 6 && schema::isAqueductName(name)) {
     showMessage(TraduciTesto(u"Nome del file non valido!"));
     dialog.doModal();
   }

@@ -7,34 +7,27 @@
 #include <vector>
 
 #include "module/host/module.h"
-#include "module/inp/point_grid.h"
-#include "platform/text.h"
+#include "module/network/element_data.h"
+#include "module/network/point_grid.h"
+#include "module/network/schema.h"
 
 namespace vessora {
 
 namespace {
 
-constexpr double kTolerance = 0.0001;
-
-wide50 fixed3(double value) {
-  char ascii[330];
-  const char* const end = platform::writeFixed3(ascii, value);
-  return {platform::widen({ascii, static_cast<std::size_t>(end - ascii)})};
-}
-
 EpaCoord coordOf(std::u16string_view id, const AcGePoint3d& point) {
   EpaCoord coord;
   coord.id = id;
-  coord.x = fixed3(point.x);
-  coord.y = fixed3(point.y);
+  storeReal(coord.x, point.x);
+  storeReal(coord.y, point.y);
   return coord;
 }
 
 // One entity of the layer, read once. Attributes count as present when their text is not empty.
 struct Block {
   AcGePoint3d position;
-  std::u16string name, demand, elev;  // of a node: NODE_01, NODE_02, NODE_03
-  std::u16string head, tankName;      // of a reservoir: TANK_01, TANK_02
+  std::u16string name, demand, elev;  // of a node
+  std::u16string head, tankName;      // of a reservoir
 };
 struct Polyline {
   AcGePoint3dArray points;
@@ -46,8 +39,10 @@ struct Item {
 };
 
 Block readBlock(AcDbBlockReference& reference) {
-  constexpr std::u16string_view kTags[] = {u"NODE_01", u"NODE_02", u"NODE_03", u"TANK_01",
-                                           u"TANK_02"};
+  constexpr std::u16string_view kTags[] = {
+      schema::schematic::kNodeName, schema::schematic::kNodeDemand,
+      schema::schematic::kNodeElevation, schema::schematic::kTankHead,
+      schema::schematic::kTankName};
   std::u16string texts[5];
   readAttributes(&reference, kTags, texts, 5);
   return {reference.position(), std::move(texts[0]), std::move(texts[1]),
@@ -75,7 +70,7 @@ std::vector<Item> readLayer(std::u16string_view name) {
 // A node where a reservoir stands would give one pipe end two names. Heights do not matter here.
 bool hasCoincidentNodes(const std::vector<Item>& items) {
   const auto inPlan = [](const AcGePoint3d& p) { return AcGePoint3d(p.x, p.y, 0); };
-  PointGrid<bool> nodes(kTolerance);
+  PointGrid<bool> nodes(kPlaceTolerance);
   for (const Item& item : items) {
     if (item.block && !item.block->name.empty()) nodes.add(inPlan(item.block->position), true);
   }
@@ -126,7 +121,7 @@ class NamedPlaces {
     grid_.add(point, names_.size());
   }
 
-  PointGrid<std::size_t> grid_{kTolerance};  // numbers of names, from 1
+  PointGrid<std::size_t> grid_{kPlaceTolerance};  // numbers of names, from 1
   std::vector<std::u16string_view> names_;
   std::vector<AcGePoint3d> points_;
 };
@@ -161,19 +156,19 @@ class Collector {
   }
 
   const char16_t* take(const Polyline& polyline) {
-    const resbuf* const size = polyline.data.item(1);
-    const resbuf* const loss = polyline.data.item(2);
-    const resbuf* const id = polyline.data.item(3);
+    const resbuf* const size = polyline.data.item(schema::schematic::kSize);
+    const resbuf* const loss = polyline.data.item(schema::schematic::kLoss);
+    const resbuf* const id = polyline.data.item(schema::schematic::kPipeName);
     if (!id || acutKindOf(id->restype) != RbKind::text) {
       return u"Uno o più rami sono privi di nome nel campo descrizione!";
     }
     pipe_.id = id->resval.rstring ? id->resval.rstring : u"";
-    pipe_.length = fixed3(axis(size, 0));
-    pipe_.diameter = fixed3(axis(size, 1) * 1000);  // m to mm
+    storeReal(pipe_.length, axis(size, 0));
+    storeReal(pipe_.diameter, axis(size, 1) * 1000);  // m to mm
     // For Darcy-Weisbach the roughness is a height in m here and in mm in the file.
     const double roughness = axis(loss, 0);
-    pipe_.roughness = fixed3(resistanceFormulaIndex == 0 ? roughness * 1000 : roughness);
-    pipe_.minorLoss = fixed3(axis(loss, 1));
+    storeReal(pipe_.roughness, resistanceFormulaIndex == 0 ? roughness * 1000 : roughness);
+    storeReal(pipe_.minorLoss, axis(loss, 1));
     for (const AcGePoint3d& point : polyline.points) {
       network_.vertices.push_back(coordOf(pipe_.id, point));
     }

@@ -1,21 +1,23 @@
 #include "module/inp/symbols.h"
 
+#include <array>
 #include <map>
 #include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "module/host/command_span.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
-#include "module/inp/point_grid.h"
+#include "module/network/element_data.h"
+#include "module/network/point_grid.h"
+#include "module/network/schema.h"
 #include "platform/text.h"
 
 namespace vessora {
 
 namespace {
-
-constexpr double kArrowTolerance = 0.0001;
 
 // --- what is remembered for the length of one command --------------------------------------------
 
@@ -204,16 +206,24 @@ Opened<AcDbBlockReference> insertSymbol(std::u16string_view block, const Placeme
   return reference;
 }
 
-Opened<AcDbBlockReference> insertNode(std::u16string_view block, const AcGePoint3d& point,
-                                      std::u16string_view layer, Values values,
-                                      const Chain& xdata) {
-  return insertSymbol(block, {point, layer}, values, nullptr, xdata.get());
+// The symbol of an element with the attributes that its kind has.
+template <class Record>
+Opened<AcDbBlockReference> insertElement(const AcGePoint3d& point, std::u16string_view layer,
+                                         const Record& record, const resbuf* early,
+                                         const resbuf* late) {
+  std::array<Value, 8> values;
+  std::size_t count = 0;
+  for (const schema::Row& row : kindOf<Record>().data.rows) {
+    if (!row.tag.empty()) values[count++] = {row.tag, textOf(record, row.field)};
+  }
+  return insertSymbol(kindOf<Record>().block, {point, layer}, std::span(values.data(), count),
+                      early, late);
 }
 
 // --- flow arrows ---------------------------------------------------------------------------------
 
 ArrowGrid readArrows(std::u16string_view layer) {
-  ArrowGrid arrows(kArrowTolerance);
+  ArrowGrid arrows(kPlaceTolerance);
   const SelectionSet set(u"_X", acutBuildList(8, layer, RTNONE));
   for (int i = 0; i < set.size(); ++i) {
     if (const Opened<AcDbBlockReference> arrow(set[i]); arrow) {
@@ -234,7 +244,7 @@ int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcG
   if (!known) return 0;
   const Symbol* const symbol = symbolNamed(*known, block);
   if (!symbol) return 0;
-  const std::u16string name = layer::of(prefix, network);
+  const std::u16string name = schema::layerName(prefix, network);
   auto arrows = known->arrows.find(name);
   if (arrows == known->arrows.end()) {
     arrows = known->arrows.emplace(name, readArrows(name)).first;
@@ -252,60 +262,36 @@ void forgetSymbols() { memory.reset(); }
 
 // --- the family ----------------------------------------------------------------------------------
 
-int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view elev, std::u16string_view demand, double emitter,
-               std::u16string_view pattern) {
-  const Chain xdata(
-      acutBuildList(1001, app::kImport, 1000, id, 1040, emitter, 1000, pattern, RTNONE));
+int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJunc& junc,
+               double emitter) {
+  const Chain data = dataOf(junc, {{schema::Field::emitter, {}, emitter}});
   {
-    const auto junction =
-        insertNode(u"Junc", point, layer, {{u"ID", id}, {u"EL", elev}, {u"BD", demand}}, xdata);
+    const auto junction = insertElement(point, layer, junc, nullptr, data.get());
     if (!junction) return 0;
     if (emitter > 0) junction->setColorIndex(1);
   }
-  const double flow = platform::wtof(demand);
+  const double flow = platform::wtof(junc.demand);
   if (flow > 0) InsertFlowOut(point, currentNetwork);
   if (flow < 0) InsertFlowIn(point, currentNetwork);
   return 1;
 }
 
-int InsertResv(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view head, std::u16string_view pattern) {
-  const Chain xdata(acutBuildList(1001, app::kImport, 1000, id, 1040, 0.0, 1000, pattern, RTNONE));
-  return insertNode(u"Resv", point, layer, {{u"ID", id}, {u"TH", head}}, xdata) ? 1 : 0;
+int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv) {
+  return insertElement(point, layer, resv, nullptr, dataOf(resv).get()) ? 1 : 0;
 }
 
-int InsertTank(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view elev, std::u16string_view initLevel,
-               std::u16string_view minLevel, std::u16string_view maxLevel,
-               std::u16string_view diameter, std::u16string_view minVol,
-               std::u16string_view volCurve) {
-  const Chain xdata(acutBuildList(1001, app::kImport, 1000, id, 1000, volCurve, RTNONE));
-  return insertNode(u"Tank", point, layer,
-                    {{u"ID", id},
-                     {u"EL", elev},
-                     {u"D", diameter},
-                     {u"INITL", initLevel},
-                     {u"MINL", minLevel},
-                     {u"MAXL", maxLevel},
-                     {u"MINVOL", minVol}},
-                    xdata)
-             ? 1
-             : 0;
+int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank) {
+  return insertElement(point, layer, tank, nullptr, dataOf(tank).get()) ? 1 : 0;
 }
 
-int InsertPump(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view status, Chain xdata) {
-  const Values values = {{u"ID", id}, {u"ST", status}};
-  return insertSymbol(u"Pump", {point, layer}, values, xdata.get(), nullptr) ? 1 : 0;
+int InsertPump(const AcGePoint3d& point, std::u16string_view layer, const EpaPump& pump,
+               const Chain& data) {
+  return insertElement(point, layer, pump, data.get(), nullptr) ? 1 : 0;
 }
 
-int InsertValv(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view diameter, std::u16string_view type, std::u16string_view setting,
-               std::u16string_view minorLoss, const Chain& xdata) {
-  const Values values = {
-      {u"ID", id}, {u"D", diameter}, {u"TYPE", type}, {u"SET", setting}, {u"MLOSS", minorLoss}};
-  return insertSymbol(u"Valv", {point, layer}, values, xdata.get(), nullptr) ? 1 : 0;
+int InsertValv(const AcGePoint3d& point, std::u16string_view layer, const EpaValv& valv,
+               const Chain& data) {
+  return insertElement(point, layer, valv, data.get(), nullptr) ? 1 : 0;
 }
 
 int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network) {
@@ -324,9 +310,11 @@ int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
   const std::u16string titleTag = TraduciTesto(u"TITOLO");
   std::vector<Value> values = {{titleTag, title}};
   for (std::size_t i = 0; i < classes.size(); ++i) values.push_back({kTags[i], classes[i]});
-  const Chain xdata(acutBuildList(1001, app::kColor, 1000, title, 1070, kind, RTNONE));
+  XDataBuilder data(schema::kLegend.application);
+  data.text(title);
+  data.integer(kind);
   return insertSymbol(classes[5].empty() ? u"LEG_5" : u"LEG_10", {point, {}}, values, nullptr,
-                      xdata.get())
+                      data.take().get())
              ? 1
              : 0;
 }

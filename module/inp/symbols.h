@@ -13,26 +13,21 @@
 #include <string_view>
 
 #include "module/host/host_drawing.h"
+#include "module/network/records.h"
 
 namespace vessora {
 
-// A junction, red when it has an emitter, with a flow arrow for a demand that is not 0.
-int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view elev, std::u16string_view demand, double emitter,
-               std::u16string_view pattern);
-int InsertResv(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view head, std::u16string_view pattern);
-int InsertTank(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view elev, std::u16string_view initLevel,
-               std::u16string_view minLevel, std::u16string_view maxLevel,
-               std::u16string_view diameter, std::u16string_view minVol,
-               std::u16string_view volCurve);
-// `xdata` is the element's whole list. The pump's is released here, the valve's stays the caller's.
-int InsertPump(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view status, Chain xdata);
-int InsertValv(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view id,
-               std::u16string_view diameter, std::u16string_view type, std::u16string_view setting,
-               std::u16string_view minorLoss, const Chain& xdata);
+// A junction, red when it has an emitter, with a flow arrow for a demand that is not 0. The emitter
+// counts as given, not as the record has it.
+int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJunc& junc,
+               double emitter);
+int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv);
+int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank);
+// `data` is the element's whole list of extended data, with the nodes that it was drawn between.
+int InsertPump(const AcGePoint3d& point, std::u16string_view layer, const EpaPump& pump,
+               const Chain& data);
+int InsertValv(const AcGePoint3d& point, std::u16string_view layer, const EpaValv& valv,
+               const Chain& data);
 // The arrow of an inflow or an outflow at a node, in place of one of its kind that stands there.
 int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network);
 int InsertFlowOut(const AcGePoint3d& point, std::u16string_view network);

@@ -1,4 +1,4 @@
-// One element between its entity and its record.
+// One element between its entity and its record, as the commands that edit elements need it.
 //
 // The readers fill a record from an open entity. The updaters write a changed record back and keep
 // in step what depends on it: a node drags the link ends that lie on it, the blocks of the valves
@@ -8,31 +8,10 @@
 
 #include <string>
 
+#include "module/network/element_data.h"
 #include "module/network/schema.h"
 
 namespace vessora {
-
-// --- parts that readers share --------------------------------------------------------------------
-
-// The attributes of an element into its record, a missing one as empty text. The result is false
-// when the block has no attribute "ID" at all.
-bool takeAttributes(AcDbBlockReference* block, EpaJunc& junc);
-bool takeAttributes(AcDbBlockReference* block, EpaResv& resv);
-bool takeAttributes(AcDbBlockReference* block, EpaTank& tank);
-bool takeAttributes(AcDbBlockReference* block, EpaValv& valv);
-bool takeAttributes(AcDbBlockReference* block, EpaPump& pump);
-// The items of an element's extended data behind the id. A field whose item is missing stays as it
-// is.
-void takeData(XDataReader data, EpaJunc& junc);
-void takeData(XDataReader data, EpaResv& resv);
-void takeData(XDataReader data, EpaTank& tank);
-void takeData(XDataReader data, EpaPump& pump);
-// All items, the id included: a pipe has no attributes.
-void takeData(XDataReader data, EpaPipe& pipe);
-// The next item into a field, when there is one.
-void takeText(XDataReader& data, wide50& field);
-void takeText(XDataReader& data, wide256& field);
-void takeReal(XDataReader& data, wide50& field);
 
 // --- readers. The entity stays the caller's; without extended data the fields from there stay. ---
 

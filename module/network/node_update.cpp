@@ -1,7 +1,8 @@
 #include "module/network/node_update.h"
 
-#include <algorithm>
 #include <optional>
+
+#include "module/network/point_grid.h"
 
 namespace vessora {
 namespace {
@@ -12,42 +13,24 @@ constexpr int kChangedLink = 3;  // colour of links that a node has moved
 class BlockPlaces {
  public:
   explicit BlockPlaces(std::u16string_view layer) {
-    const SelectionSet set(u"_X", blocksOnLayerFilter(layer));
-    for (const AcDbObjectId id : set) {
+    for (const AcDbObjectId id : SelectionSet(u"_X", blocksOnLayerFilter(layer))) {
       if (const Opened<AcDbBlockReference> block(id); block) {
-        const AcGePoint3d at = block->position();
-        entries_.push_back({cellOf(at.x), cellOf(at.y), at, id});
+        places_.add(inPlan(block->position()), id);
       }
     }
-    std::stable_sort(entries_.begin(), entries_.end(), before);
   }
-
   // Calls visit(id) for each block at the place.
   template <class Visit>
-  void at(const AcGePoint3d& place, Visit visit) const {
-    const double t = kPlaceTolerance;
-    for (double cx = cellOf(place.x - t); cx <= cellOf(place.x + t); ++cx) {
-      for (double cy = cellOf(place.y - t); cy <= cellOf(place.y + t); ++cy) {
-        const auto [from, to] =
-            std::equal_range(entries_.begin(), entries_.end(), Entry{cx, cy, {}, {}}, before);
-        for (auto e = from; e != to; ++e) {
-          if (samePlanPoint(e->position, place, t)) visit(e->id);
-        }
-      }
-    }
+  void at(const AcGePoint3d& place, Visit visit) {
+    places_.visit(inPlan(place), [&](AcDbObjectId id) {
+      visit(id);
+      return false;
+    });
   }
 
  private:
-  struct Entry {
-    double cellX, cellY;
-    AcGePoint3d position;
-    AcDbObjectId id;
-  };
-  static double cellOf(double coordinate) { return std::floor(coordinate * 10); }
-  static bool before(const Entry& a, const Entry& b) {
-    return a.cellX != b.cellX ? a.cellX < b.cellX : a.cellY < b.cellY;
-  }
-  std::vector<Entry> entries_;
+  static AcGePoint3d inPlan(const AcGePoint3d& p) { return {p.x, p.y, 0}; }
+  PointGrid<AcDbObjectId> places_{kPlaceTolerance};
 };
 
 enum class End { start, end };
@@ -81,7 +64,7 @@ class LinkMover {
     Chain data;
     if (pipe) {
       data = Chain(polyline->xData(app::kImport));
-      if (!rename(data.item(which == End::start ? 7 : 8))) return;
+      if (!rename(data.item(nodePlace(schema::kPipe, which)))) return;
     } else if (points_.size() < 2) {
       return;  // no course, so no place for the block either
     }
@@ -91,6 +74,12 @@ class LinkMover {
     polyline->upgradeOpen();
     RewritePolyline(points_, polyline.get(), kChangedLink, layer, data.release());
     ClearXData(polyline.get(), app::kLinkResult);
+  }
+
+  // Where a link has the name of its node at an end.
+  static int nodePlace(const schema::Kind& kind, End which) {
+    return schema::placeOf(kind.data,
+                           which == End::start ? schema::Field::node1 : schema::Field::node2);
   }
 
   // Puts the node's name into an item; false when there is none.
@@ -105,7 +94,7 @@ class LinkMover {
     if (!linkBlockPlace(points_, place)) return;
     std::optional<BlockPlaces>& blocks = valv ? valves_ : pumps_;
     if (!blocks) blocks.emplace(valv ? layers_.valv : layers_.pump);
-    const int position = (valv ? 7 : 2) + (which == End::start ? 0 : 1);
+    const int position = nodePlace(valv ? schema::kValv : schema::kPump, which);
     blocks->at(place, [&](AcDbObjectId id) {
       const Opened<AcDbBlockReference> block(id, AcDb::kForWrite);
       if (!block) return;

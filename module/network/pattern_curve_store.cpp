@@ -1,9 +1,13 @@
 #include "module/network/pattern_curve_store.h"
 
 #include "module/host/translate.h"
+#include "module/network/element_data.h"
 #include "module/network/schema.h"
 
 namespace vessora {
+
+using schema::Field;
+
 namespace {
 
 constexpr int kColor = 2;
@@ -12,7 +16,7 @@ constexpr int kColor = 2;
 struct Patterns {
   using Record = EpaPattern;
   static constexpr const char16_t* application = app::kPattern;
-  static constexpr int networkPosition = 2;
+  static constexpr const schema::List& list = schema::kPattern;
 
   static void readHead(const Chain&, EpaPattern&) {}
   static void readValue(const Chain& data, EpaPattern& pattern) {
@@ -32,9 +36,11 @@ struct Patterns {
 struct Curves {
   using Record = EpaCurve;
   static constexpr const char16_t* application = app::kCurve;
-  static constexpr int networkPosition = 3;
+  static constexpr const schema::List& list = schema::kCurve;
 
-  static void readHead(const Chain& data, EpaCurve& curve) { curve.kind = data.text(2); }
+  static void readHead(const Chain& data, EpaCurve& curve) {
+    curve.kind = textAt(data, list, Field::kind);
+  }
   static void readValue(const Chain& data, EpaCurve& curve) {
     XDataReader reader(data);
     const double x = reader.real();
@@ -63,6 +69,11 @@ void forEachPolyline(AcDb::OpenMode mode, Visit visit) {
 }
 
 template <class Kind>
+std::u16string_view idOf(const Chain& data) {
+  return textAt(data, Kind::list, Field::id);
+}
+
+template <class Kind>
 void readValues(const AcDb3dPolyline& polyline, typename Kind::Record& record) {
   const std::unique_ptr<AcDbObjectIterator> at(polyline.vertexIterator());
   for (; !at->done(); at->step()) {
@@ -75,9 +86,10 @@ void readValues(const AcDb3dPolyline& polyline, typename Kind::Record& record) {
 template <class Kind>
 void load(std::vector<typename Kind::Record>& records, std::u16string_view network) {
   forEachPolyline<Kind>(AcDb::kForRead, [&](const AcDb3dPolyline& polyline, const Chain& data) {
-    if (!data.item(Kind::networkPosition) || data.text(Kind::networkPosition) != network) return;
+    const int place = schema::placeOf(Kind::list, Field::network);
+    if (!data.item(place) || data.text(place) != network) return;
     typename Kind::Record& record = records.emplace_back();
-    record.id = data.text(1);
+    record.id = idOf<Kind>(data);
     Kind::readHead(data, record);
     readValues<Kind>(polyline, record);
   });
@@ -104,7 +116,7 @@ template <class Kind>
 void replace(const typename Kind::Record& record, std::u16string_view oldId,
              std::u16string_view network) {
   forEachPolyline<Kind>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
-    if (data.text(1) == oldId) polyline.erase();
+    if (idOf<Kind>(data) == oldId) polyline.erase();
   });
   write<Kind>(record, network);
 }
@@ -154,15 +166,18 @@ void ReplaceCurve(const EpaCurve& curve, std::u16string_view oldId, std::u16stri
 
 void DeletePattern(std::u16string_view id, std::u16string_view network) {
   forEachPolyline<Patterns>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
-    const std::u16string_view owner = data.text(2);
-    if (owner.empty() || (data.text(1) == id && owner == network)) polyline.erase();
+    const std::u16string_view owner = textAt(data, schema::kPattern, Field::network);
+    if (owner.empty() || (idOf<Patterns>(data) == id && owner == network)) polyline.erase();
   });
 }
 
 void DeleteCurve(std::u16string_view id, std::u16string_view network) {
   forEachPolyline<Curves>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
-    // The second item is the kind, not the network: drawings are used to curves that stay.
-    if (data.item(2) && data.text(1) == id && data.text(2) == network) polyline.erase();
+    // The kind and not the network is compared: drawings are used to curves that stay.
+    const int place = schema::placeOf(schema::kCurve, Field::kind);
+    if (data.item(place) && idOf<Curves>(data) == id && data.text(place) == network) {
+      polyline.erase();
+    }
   });
 }
 

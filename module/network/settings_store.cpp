@@ -10,7 +10,6 @@ namespace vessora {
 namespace {
 
 constexpr int kListLimit = 10000;
-constexpr int kFlagPosition = 37;
 
 // The stored list behind the header, item by item: the one place that knows its order.
 template <class Settings, class Items>
@@ -119,7 +118,7 @@ bool isFlaggedDefault(AcDbObjectId id) {
   const Opened<AcDbPoint> point(id);
   if (!point) return false;
   const Chain data(point->xData(app::kSettings));
-  const resbuf* flag = data.item(kFlagPosition);
+  const resbuf* flag = data.item(schema::kSettingsFlag);
   return flag && acutKindOf(flag->restype) == RbKind::int16 && flag->resval.rint > 0;
 }
 
@@ -127,7 +126,7 @@ bool isFlaggedDefault(AcDbObjectId id) {
 
 bool LoadSettings(EpaSettings& settings, std::u16string_view name) {
   return findPoint(AcDb::kForRead, [&](const AcDbPoint&, const Chain& data) {
-    if (data.text(1) != name) return false;
+    if (data.text(schema::kSettingsName) != name) return false;
     forEachItem(settings, Loader{XDataReader(data)});
     return true;
   });
@@ -146,7 +145,7 @@ void SaveSettings(EpaSettings& settings, bool create) {
     return;
   }
   findPoint(AcDb::kForWrite, [&](AcDbPoint& point, const Chain& data) {
-    if (data.text(1) == settings.name) point.setXData(list.get());
+    if (data.text(schema::kSettingsName) == settings.name) point.setXData(list.get());
     return false;
   });
 }

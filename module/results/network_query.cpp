@@ -56,7 +56,7 @@ void zoomToNode(const NetworkLayers& layers, std::u16string_view name) {
       acutBuildList(-4, u"<or", 8, layers.junc, 8, layers.resv, 8, layers.tank, -4, u"or>", RTNONE);
   zoomTo(filter, [&](const Opened<AcDbEntity>& entity) {
     auto* block = entity.as<AcDbBlockReference>();
-    return block && isNamed(block, tag::kId, name) ? kBlockMargin : -1;
+    return block && isNamed(block, schema::kIdTag, name) ? kBlockMargin : -1;
   });
 }
 
@@ -69,7 +69,7 @@ void zoomToLink(const NetworkLayers& layers, std::u16string_view name) {
       return Chain(polyline->xData(app::kImport)).text(1) == name ? kPolylineMargin : -1;
     }
     auto* block = entity.as<AcDbBlockReference>();
-    return block && isNamed(block, tag::kId, name) ? kLinkBlockMargin : -1;
+    return block && isNamed(block, schema::kIdTag, name) ? kLinkBlockMargin : -1;
   });
 }
 
@@ -77,7 +77,7 @@ void zoomToAqueductNode(std::u16string_view network, std::u16string_view name) {
   zoomTo(acutBuildList(RTDXF0, u"INSERT", 8, network, RTNONE),
          [&](const Opened<AcDbEntity>& entity) {
            auto* block = entity.as<AcDbBlockReference>();
-           return block && isNamed(block, kAqueductNodeTag, name) ? kBlockMargin : -1;
+           return block && isNamed(block, schema::schematic::kNodeName, name) ? kBlockMargin : -1;
          });
 }
 
@@ -148,7 +148,7 @@ int EpaCommands::netvis() {
   if (!chooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
 
   NetworkQuery query;
-  const bool queried = isAqueductNetwork(currentNetwork)
+  const bool queried = schema::isAqueductName(currentNetwork)
                            ? queryAqueductNetwork(currentNetwork, query)
                            : queryNetwork(currentNetwork, query);
   networkNames.clear();

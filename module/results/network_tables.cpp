@@ -3,15 +3,15 @@
 #include "module/dialogs/elenco_reti.h"
 #include "module/dialogs/tables.h"
 #include "module/host/messages.h"
+#include "module/network/element_data.h"
 #include "module/network/schema.h"
 
 namespace vessora {
 
+using schema::Field;
+
 namespace {
 
-constexpr char16_t kPipeTables[] = u"PIPE_DATA-";
-constexpr char16_t kLinkTables[] = u"LINKS_RESULTS-";
-constexpr char16_t kNodeTables[] = u"NODES_RESULTS-";
 constexpr double kTextHeight = 0.6;  // of the row height
 constexpr int kDataTitle = 1, kResultTitle = 3;
 
@@ -21,9 +21,9 @@ class TableDrawer {
   explicit TableDrawer(const DlgTables& dialog)
       : asked_(dialog),
         layers_(currentNetwork),
-        pipeLayer_(layer::of(kPipeTables, currentNetwork)),
-        linkLayer_(layer::of(kLinkTables, currentNetwork)),
-        nodeLayer_(layer::of(kNodeTables, currentNetwork)) {}
+        pipeLayer_(schema::layerName(layer::kPipeTables, currentNetwork)),
+        linkLayer_(schema::layerName(layer::kLinkTables, currentNetwork)),
+        nodeLayer_(schema::layerName(layer::kNodeTables, currentNetwork)) {}
 
   void draw() {
     makeLayer(pipeLayer_, 0);
@@ -73,11 +73,11 @@ class TableDrawer {
       if (!polyline || !middle(polyline, point, straight)) continue;
       const Chain data(polyline->xData(app::kImport));
       if (!data) continue;
-      XDataReader read(data);
-      const std::u16string name(read.text());
-      const double length = read.real(), diameter = read.real(), roughness = read.real();
-      const double minorLoss = read.real();
-      const std::u16string_view status = read.text();
+      const auto real = [&data](Field field) { return realAt(data, schema::kPipe.data, field); };
+      const std::u16string_view name = textAt(data, schema::kPipe.data, Field::id);
+      const double length = real(Field::length), diameter = real(Field::diameter);
+      const double roughness = real(Field::roughness), minorLoss = real(Field::minorLoss);
+      const std::u16string_view status = textAt(data, schema::kPipe.data, Field::status);
       makeStyle(kDataTitle);
       DrawPipeDataTable(kTableStyle, name, value(asked_.length, length),
                         value(asked_.diameter, diameter), value(asked_.roughness, roughness),
@@ -96,9 +96,10 @@ class TableDrawer {
       std::u16string name;
       if (!linkPlace(entity, point, name)) continue;
       const Chain results(entity->xData(app::kLinkResult));
-      XDataReader read(results);
-      const double flow = read.real(), velocity = read.real(), headloss = read.real();
-      const std::u16string_view status = read.text();
+      const auto real = [&results](Field f) { return realAt(results, schema::kLinkResult, f); };
+      const double flow = real(Field::flow), velocity = real(Field::velocity);
+      const double headloss = real(Field::headloss);
+      const std::u16string_view status = textAt(results, schema::kLinkResult, Field::status);
       makeStyle(kResultTitle);
       DrawLinkResultTable(kTableStyle, name, value(asked_.flow, flow),
                           value(asked_.velocity, velocity), value(asked_.headloss, headloss),
@@ -119,7 +120,7 @@ class TableDrawer {
     auto* block = entity.as<AcDbBlockReference>();
     if (!block) return false;
     point = block->position();
-    ReadAttribute(block, tag::kId, name);
+    ReadAttribute(block, schema::kIdTag, name);
     return true;
   }
 
@@ -133,11 +134,12 @@ class TableDrawer {
       if (!block) continue;
       const AcGePoint3d point = block->position();
       std::u16string name;
-      ReadAttribute(block, tag::kId, name);
+      ReadAttribute(block, schema::kIdTag, name);
       const Chain results(block->xData(app::kNodeResult));
-      XDataReader read(results);
-      const double demand = read.real(), head = read.real(), pressure = read.real();
-      const std::u16string_view quality = read.text();
+      const auto real = [&results](Field f) { return realAt(results, schema::kNodeResult, f); };
+      const double demand = real(Field::demand), head = real(Field::head);
+      const double pressure = real(Field::pressure);
+      const std::u16string_view quality = textAt(results, schema::kNodeResult, Field::quality);
       makeStyle(kResultTitle);
       DrawNodeResultTable(kTableStyle, name, value(asked_.demand, demand), value(asked_.head, head),
                           value(asked_.pressure, pressure), value(asked_.quality, quality),

@@ -1,7 +1,8 @@
 // The hydraulic grade line over picked links, in space: the command draws it from the heads that
 // stand on the nodes.
 #include "module/dialogs/elenco_reti.h"
-#include "module/inp/point_grid.h"
+#include "module/network/element_data.h"
+#include "module/network/point_grid.h"
 #include "module/network/schema.h"
 #include "platform/format.h"
 
@@ -9,10 +10,6 @@ namespace vessora {
 
 namespace {
 
-constexpr char16_t kLine[] = u"PIEZOMETRICA_3D-";
-constexpr char16_t kConstruction[] = u"LINEE_COSTR-";
-constexpr char16_t kHeads[] = u"PIEZOMETRICA_3D_H-";
-constexpr char16_t kPressures[] = u"PIEZOMETRICA_3D_P-";
 constexpr char16_t kDots[] = u"HNdots";
 constexpr double kSamePlace = 0.001;
 
@@ -34,10 +31,10 @@ class GradeLine {
  public:
   explicit GradeLine(double textHeight)
       : textHeight_(textHeight),
-        line_(layer::of(kLine, currentNetwork)),
-        construction_(layer::of(kConstruction, currentNetwork)),
-        heads_(layer::of(kHeads, currentNetwork)),
-        pressures_(layer::of(kPressures, currentNetwork)) {
+        line_(schema::layerName(layer::kGradeLine, currentNetwork)),
+        construction_(schema::layerName(layer::kGradeConstruction, currentNetwork)),
+        heads_(schema::layerName(layer::kGradeHeads, currentNetwork)),
+        pressures_(schema::layerName(layer::kGradePressures, currentNetwork)) {
     makeLayer(line_, 4);
     makeLayer(construction_, 7);
     makeLayer(heads_, 140);
@@ -68,9 +65,8 @@ class GradeLine {
       if (!block) continue;
       const Chain results(block->xData(app::kNodeResult));
       if (!results) continue;
-      XDataReader read(results);
-      read.skip();
-      nodes_.add(block->position(), {read.real(), ++order});
+      const double head = realAt(results, schema::kNodeResult, schema::Field::head);
+      nodes_.add(block->position(), {head, ++order});
     }
   }
 

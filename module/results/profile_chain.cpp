@@ -1,9 +1,12 @@
 #include "module/results/profile_chain.h"
 
 #include "module/inp/collection.h"
+#include "module/network/element_data.h"
 #include "platform/text.h"
 
 namespace vessora {
+
+using schema::Field;
 
 namespace {
 
@@ -33,12 +36,11 @@ void collectResults(ProfileChain& chain) {
     if (!block) continue;
     const Chain results(block->xData(app::kNodeResult));
     if (!results) continue;
-    XDataReader read(results);
     ProfileNodeResult row;
-    row.demand = read.real();
-    row.head = read.real();
+    row.demand = realAt(results, schema::kNodeResult, Field::demand);
+    row.head = realAt(results, schema::kNodeResult, Field::head);
     std::u16string name = nameOf(block.get());
-    if (name.empty()) ReadAttribute(block.get(), tag::kId, name);
+    if (name.empty()) ReadAttribute(block.get(), schema::kIdTag, name);
     chain.nodeResults.try_emplace(std::move(name), row);
   }
   const auto addLinks = [&](resbuf* filter) {
@@ -48,11 +50,10 @@ void collectResults(ProfileChain& chain) {
       if (!entity) continue;
       const Chain results(entity->xData(app::kLinkResult));
       if (!results) continue;
-      XDataReader read(results);
       ProfileLinkResult row;
-      row.flow = read.real();
-      row.velocity = read.real();
-      row.headloss = read.real();
+      row.flow = realAt(results, schema::kLinkResult, Field::flow);
+      row.velocity = realAt(results, schema::kLinkResult, Field::velocity);
+      row.headloss = realAt(results, schema::kLinkResult, Field::headloss);
       chain.linkResults.try_emplace(nameOf(entity.get()), row);
     }
   };

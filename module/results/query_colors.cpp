@@ -10,6 +10,7 @@
 
 #include "module/host/translate.h"
 #include "module/inp/symbols.h"
+#include "module/network/element_data.h"
 #include "module/results/query_rows.h"
 #include "platform/format.h"
 #include "platform/text.h"
@@ -72,9 +73,7 @@ class Marker {
   // A junction with an emitter is red; a reservoir has a 0 in that place and a tank no number.
   static int nodeColor(const AcDbBlockReference& block) {
     const Chain data(block.xData(app::kImport));
-    XDataReader items(data);
-    items.skip();
-    return items.real() == 0 ? kByLayer : kRed;
+    return realAt(data, schema::kJunc.data, schema::Field::emitter) == 0 ? kByLayer : kRed;
   }
 
   const NetworkLayers& layers_;
@@ -143,7 +142,7 @@ void colorNodes(const ColorClasses& classes, const wide50 EpaNodeResult::*field)
 // A block has been painted: its course gets the same colour.
 void colorCompanion(Opened<AcDbBlockReference> block, int color, Companions& companions) {
   std::u16string name;
-  ReadAttribute(block.get(), tag::kId, name);
+  ReadAttribute(block.get(), schema::kIdTag, name);
   const std::u16string layer = block->layer();
   block.close();
   if (const Opened<AcDb3dPolyline> polyline(companions.find(layer, name)); polyline) {
@@ -195,10 +194,8 @@ bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
     const Opened<AcDbBlockReference> legend(id);
     if (!legend) continue;
     const Chain data(legend->xData(app::kColor));
-    XDataReader items(data);
-    const std::u16string_view own = items.text();
-    if (items.integer() != kind) continue;
-    if (own == title) {
+    if (realAt(data, schema::kLegend, schema::Field::kind) != kind) continue;
+    if (textAt(data, schema::kLegend, schema::Field::title) == title) {
       point = legend->position();
       found = true;
     }

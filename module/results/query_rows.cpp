@@ -4,6 +4,7 @@
 
 #include "module/host/module.h"
 #include "module/host/translate.h"
+#include "module/network/element_data.h"
 
 namespace vessora {
 
@@ -11,42 +12,36 @@ namespace vessora {
 
 namespace {
 
-// Three reals, a text, and the period; false without results.
-bool readResults(AcDbEntity* entity, const char16_t* application, wide50& first, wide50& second,
-                 wide50& third, wide50& fourth, wide50& period) {
-  const Chain results(entity->xData(application));
-  if (!results) return false;
-  XDataReader data(results);
-  for (wide50* field : {&first, &second, &third}) storeReal(*field, data.real());
-  fourth = data.text();
-  if (const Chain label(entity->xData(app::kPeriod)); label.item(1)) period = label.text(1);
+// The results of an element and their period; false without results.
+template <class Result>
+bool readResults(AcDbEntity* entity, const schema::List& list, Result& result) {
+  const Chain data(entity->xData(list.application));
+  if (!data) return false;
+  takeResult(data, result);
+  const Chain label(entity->xData(app::kPeriod));
+  if (label.item(1)) result.period = textAt(label, schema::kPeriod, schema::Field::period);
   return true;
-}
-
-bool readResults(AcDbEntity* entity, EpaLinkResult& r) {
-  return readResults(entity, app::kLinkResult, r.flow, r.velocity, r.headloss, r.status, r.period);
 }
 
 }  // namespace
 
 bool ReadNodeResult(EpaNodeResult& record, AcDbBlockReference* block) {
   std::u16string name;
-  ReadNameAttribute(block, tag::kId, name);
+  ReadNameAttribute(block, schema::kIdTag, name);
   record.id = name;
-  return readResults(block, app::kNodeResult, record.demand, record.head, record.pressure,
-                     record.quality, record.period);
+  return readResults(block, schema::kNodeResult, record);
 }
 
 bool ReadBlockLinkResult(EpaLinkResult& record, AcDbBlockReference* block) {
   std::u16string name;
-  ReadNameAttribute(block, tag::kId, name);
+  ReadNameAttribute(block, schema::kIdTag, name);
   record.id = name;
-  return readResults(block, record);
+  return readResults(block, schema::kLinkResult, record);
 }
 
 bool ReadPolylineLinkResult(EpaLinkResult& record, AcDb3dPolyline* polyline) {
   record.id = Chain(polyline->xData(app::kImport)).text(1);
-  return readResults(polyline, record);
+  return readResults(polyline, schema::kLinkResult, record);
 }
 
 // --- picked elements -----------------------------------------------------------------------------
@@ -67,7 +62,8 @@ void addPolyline(AcDb3dPolyline* polyline, NetworkQuery& query) {
   query.links.push_back(ReadPolylineLinkResult(record, polyline) ? rowOf(record)
                                                                  : emptyRow(record.id));
   if (const Chain material(polyline->xData(app::kMaterial)); material) {
-    query.pipeMaterials.push_back({record.id, material.text(1)});
+    query.pipeMaterials.push_back(
+        {record.id, textAt(material, schema::kMaterial, schema::Field::type)});
   }
 }
 
@@ -107,7 +103,7 @@ bool CollectQueryRows(const NetworkLayers& layers, NetworkQuery& query) {
 }
 
 std::u16string aqueductPipeName(AcDb3dPolyline* polyline) {
-  return std::u16string(Chain(polyline->xData(app::kSchema)).text(3));
+  return std::u16string(Chain(polyline->xData(app::kSchema)).text(schema::schematic::kPipeName));
 }
 
 bool collectAqueductRows(std::u16string_view network, NetworkQuery& query) {
@@ -122,7 +118,8 @@ bool collectAqueductRows(std::u16string_view network, NetworkQuery& query) {
       }
     } else if (auto* block = entity.as<AcDbBlockReference>()) {
       std::u16string name;
-      if (ReadAttribute(block, kAqueductNodeTag, name)) query.nodes.push_back(emptyRow(name));
+      if (ReadAttribute(block, schema::schematic::kNodeName, name))
+        query.nodes.push_back(emptyRow(name));
     }
   }
   return true;

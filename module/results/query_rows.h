@@ -24,6 +24,5 @@ bool collectAqueductRows(std::u16string_view network, NetworkQuery& query);
 
 // The name of a pipe of such a network; empty for other polylines.
 std::u16string aqueductPipeName(AcDb3dPolyline* polyline);
-inline constexpr std::u16string_view kAqueductNodeTag = u"NODE_01";
 
 }  // namespace vessora

@@ -6,6 +6,7 @@
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
+#include "module/network/element_data.h"
 #include "module/network/settings_store.h"
 #include "module/results/route.h"
 #include "platform/text.h"
@@ -15,18 +16,6 @@ namespace vessora {
 namespace {
 
 // --- rows onto elements --------------------------------------------------------------------------
-
-Chain dataOf(const EpaNodeResult& r) {
-  return Chain(acutBuildList(1001, app::kNodeResult, 1040, platform::wtof(r.demand), 1040,
-                             platform::wtof(r.head), 1040, platform::wtof(r.pressure), 1000,
-                             r.quality, RTNONE));
-}
-
-Chain dataOf(const EpaLinkResult& r) {
-  return Chain(acutBuildList(1001, app::kLinkResult, 1040, platform::wtof(r.flow), 1040,
-                             platform::wtof(r.velocity), 1040, platform::wtof(r.headloss), 1000,
-                             r.status, RTNONE));
-}
 
 // Rows by element name, and the period that goes with them.
 template <class List>
@@ -62,7 +51,7 @@ void removeResults(AcDbEntity& entity, std::u16string_view results) {
 template <class List>
 bool writeToBlock(AcDbBlockReference& block, const ResultSource<List>& source) {
   std::u16string name;
-  ReadNameAttribute(&block, tag::kId, name);
+  ReadNameAttribute(&block, schema::kIdTag, name);
   return source.write(block, source.rowOf(name));
 }
 
@@ -71,7 +60,7 @@ bool writeToPipe(AcDb3dPolyline& pipe, const ResultSource<LinkResultList>& sourc
   {
     const Chain data(pipe.xData(app::kImport));
     row = source.rowOf(data.text(1));
-    if (row.status.empty()) row.status = data.text(6);
+    if (row.status.empty()) row.status = textAt(data, schema::kPipe.data, schema::Field::status);
   }
   return source.write(pipe, row);
 }
@@ -147,10 +136,12 @@ void ResetLinkColors(const NetworkLayers& layers) {
 }
 
 void ErasePiezometricLine(std::u16string_view network) {
-  const auto name = [network](const char16_t* prefix) { return layer::of(prefix, network); };
-  const SelectionSet set(
-      u"_X", acutBuildList(-4, u"<or", 8, name(u"PIEZOMETRICA_3D-"), 8, name(u"LINEE_COSTR-"), 8,
-                           name(u"PIEZOMETRICA_3D_VAL-"), -4, u"or>", RTNONE));
+  const auto name = [network](const char16_t* prefix) {
+    return schema::layerName(prefix, network);
+  };
+  const SelectionSet set(u"_X", acutBuildList(-4, u"<or", 8, name(layer::kGradeLine), 8,
+                                              name(layer::kGradeConstruction), 8,
+                                              name(layer::kGradeValues), -4, u"or>", RTNONE));
   for (const AcDbObjectId id : set) {
     if (const Opened<AcDbEntity> entity(id, AcDb::kForWrite); entity) entity->erase(true);
   }
@@ -185,20 +176,12 @@ struct Request {
   wide256 network;
 };
 
-// A report belongs to the network of its name: what stands between the last separator and the last
-// four characters, which are taken for the extension.
-std::u16string_view networkOfReport(std::u16string_view path) {
-  const std::size_t separator = path.find_last_of(u"\\/");
-  const std::u16string_view file = separator == path.npos ? path : path.substr(separator + 1);
-  return file.substr(0, file.size() < 4 ? 0 : file.size() - 4);
-}
-
 bool askForReport(Request& request) {
   Dlgimprpt dialog;
   if (!dialog.doModal()) return false;
   request.path = dialog.path.value();
   if (!request.path.empty()) {
-    request.network = networkOfReport(request.path);
+    request.network = schema::networkOfFile(request.path);
     return true;
   }
   networkNames.clear();

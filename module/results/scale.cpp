@@ -9,10 +9,13 @@ namespace {
 
 resbuf* scalableFilter() {
   const NetworkLayers layers(currentNetwork);
-  const auto tables = [](std::u16string_view prefix) { return layer::of(prefix, currentNetwork); };
+  const auto tables = [](std::u16string_view prefix) {
+    return schema::layerName(prefix, currentNetwork);
+  };
   return acutBuildList(-4, u"<or", 8, layers.junc, 8, layers.resv, 8, layers.tank, 8, layers.pump,
-                       8, layers.valv, 8, layers.pipe, 8, tables(u"NODES_RESULTS-"), 8,
-                       tables(u"LINKS_RESULTS-"), 8, tables(u"PIPE_DATA-"), -4, u"or>", RTNONE);
+                       8, layers.valv, 8, layers.pipe, 8, tables(layer::kNodeTables), 8,
+                       tables(layer::kLinkTables), 8, tables(layer::kPipeTables), -4, u"or>",
+                       RTNONE);
 }
 
 void scaleTable(AcDbTable& table, double factor) {

@@ -25,10 +25,10 @@ TEST_F(Collection, ADrawnNetworkComesOutInDrawingOrder) {
       u"PIPE-Rete", {{0, 1, 9}, {5.0004, -2, 9}, {10, 1, 9}},
       Chain(acutBuildList(1001, app::kImport, 1000, u"P1", 1040, 100.5, 1040, 0.0004, 1040, 130.0,
                           1040, 0.0, 1000, u"CV", 1000, u"N1", 1000, u"nowhere", RTNONE)));
-  junction(u"N1", 0, JuncData(u"N1", 0, u"day"));
-  junction(u"N1", 10, JuncData(u"N1", 0.5, u""));
+  junction(u"N1", 0, juncData(u"N1", 0, u"day"));
+  junction(u"N1", 10, juncData(u"N1", 0.5, u""));
   addBlock(u"Resv", u"RESV-Rete", {1650000.1254, -12, 80}, {{u"ID", u"R1"}, {u"TH", u"80.0"}},
-           ResvData(u"imported", u"head"));
+           resvData(u"imported", u"head"));
   addBlock(u"Tank", u"TANK-Rete", {3, 4, 5},
            {{u"ID", u"T1"},
             {u"EL", u"1"},
@@ -37,10 +37,10 @@ TEST_F(Collection, ADrawnNetworkComesOutInDrawingOrder) {
             {u"MINL", u"4"},
             {u"MAXL", u"5"},
             {u"MINVOL", u"6"}},
-           TankData(u"T1", u"vol"));
+           tankData(u"T1", u"vol"));
   // None of these belongs to the network, although the names say so.
-  addBlock(u"Junc", u"RESV-Rete", {}, {{u"ID", u"no"}}, JuncData(u"no", 0, u""));
-  addBlock(u"Junc", u"JUNC-Rete2", {}, {{u"ID", u"no"}}, JuncData(u"no", 0, u""));
+  addBlock(u"Junc", u"RESV-Rete", {}, {{u"ID", u"no"}}, juncData(u"no", 0, u""));
+  addBlock(u"Junc", u"JUNC-Rete2", {}, {{u"ID", u"no"}}, juncData(u"no", 0, u""));
   addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 1, 1}});
   addPolyline(u"PUMP-Rete", {{7, 8, 0}, {9, 8, 0}});
   AddPattern({u"day", {1, 2}}, u"Rete");
@@ -91,16 +91,16 @@ TEST_F(Collection, ValvesAndPumpsComeFromTheirDataInTheirOwnWay) {
   valv.node1 = u"A";
   valv.node2 = u"B";
   addBlock(u"Valv", u"VALV-Rete", {}, {{u"ID", u"edited"}, {u"D", u"9"}, {u"SET", u"35.5"}},
-           ValvData(valv, 100.25, 1.5));
+           valvData(valv, 100.25, 1.5));
   addBlock(u"Valv", u"VALV-Rete", {}, {{u"ID", u"without data"}});
-  addPolyline(u"VALV-Rete", {{1, 0, 0}, {2, 0, 0}}, CompanionData(u"V1"));
+  addPolyline(u"VALV-Rete", {{1, 0, 0}, {2, 0, 0}}, idData(u"V1"));
   EpaPump pump;
   pump.id = u"U1";
   pump.node1 = u"100%d";
   pump.node2 = u"100%d;50%%";
   pump.speedPattern = u"sp";
   pump.price = u"0.25";
-  addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"edited"}, {u"ST", u"Closed"}}, PumpData(pump));
+  addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"edited"}, {u"ST", u"Closed"}}, pumpData(pump));
   addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"without data"}, {u"ST", u"Open"}});
   addBlock(u"Pump", u"PUMP-Rete", {}, {},
            Chain(acutBuildList(1001, app::kImport, 1000, u"U2", 1000, u"A", 1000, u"B", 1000, u"c",
@@ -129,9 +129,9 @@ TEST_F(Collection, ValvesAndPumpsComeFromTheirDataInTheirOwnWay) {
 
 TEST_F(Collection, NodesWithoutDataKeepWhatTheNodeBeforeHad) {
   junction(u"N1", 0, {});
-  junction(u"N2", 1, JuncData(u"N2", 0.5, u"day"));
+  junction(u"N2", 1, juncData(u"N2", 0.5, u"day"));
   junction(u"N3", 2, {});
-  addBlock(u"Tank", u"TANK-Rete", {}, {{u"ID", u"T1"}}, TankData(u"T1", u"vol"));
+  addBlock(u"Tank", u"TANK-Rete", {}, {{u"ID", u"T1"}}, tankData(u"T1", u"vol"));
   addBlock(u"Tank", u"TANK-Rete", {}, {});
   const EpaNetwork n = collect();
   ASSERT_EQ(n.juncs.size(), 3U);
@@ -143,10 +143,10 @@ TEST_F(Collection, NodesWithoutDataKeepWhatTheNodeBeforeHad) {
 }
 
 TEST_F(Collection, EditedNamesAreReportedOnceEachAndFieldsAreCutAtTheirCapacity) {
-  junction(u"edited", 0, JuncData(u"N1", 0, u""));
+  junction(u"edited", 0, juncData(u"N1", 0, u""));
   const std::u16string longText(60, u'x'), longId(255, u'n');
   addBlock(u"Junc", u"JUNC-Rete", {1e60, 0, 0}, {{u"ID", longId}, {u"EL", longText}},
-           JuncData(longId, 0, longText));
+           juncData(longId, 0, longText));
   const char box[] =
       "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: edited\\nValore di "
       "importazione: N1\n";
@@ -163,9 +163,9 @@ TEST_F(Collection, EditedNamesAreReportedOnceEachAndFieldsAreCutAtTheirCapacity)
 
   EpaPump pump;
   pump.id = u"U1";
-  addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"U1"}}, PumpData(pump));
-  addPolyline(u"PUMP-Rete", {{1, 0, 0}, {2, 0, 0}}, CompanionData(u"U1"));
-  addPolyline(u"PIPE-Rete", {{1, 0, 0}, {2, 0, 0}}, CompanionData(u"P1"));
+  addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"U1"}}, pumpData(pump));
+  addPolyline(u"PUMP-Rete", {{1, 0, 0}, {2, 0, 0}}, idData(u"U1"));
+  addPolyline(u"PIPE-Rete", {{1, 0, 0}, {2, 0, 0}}, idData(u"P1"));
   script(box);
   std::vector<std::u16string> nodes, links;
   CollectNetworkNames(u"Rete", nodes, links);

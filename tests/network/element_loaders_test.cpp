@@ -48,10 +48,10 @@ class ElementLoaders : public DrawnNetwork {
  protected:
   AcDbObjectId junction(const char16_t* id, const AcGePoint3d& at, const char16_t* elevation) {
     return addBlock(u"Junc", u"JUNC-Rete", at, {{u"ID", id}, {u"EL", elevation}, {u"BD", u"2.50"}},
-                    JuncData(id, 0.125, u"day"));
+                    juncData(id, 0.125, u"day"));
   }
   AcDbObjectId pipeWithResults(const EpaPipe& record, const AcGePoint3dArray& points) {
-    const AcDbObjectId id = addPolyline(u"PIPE-Rete", points, PipeData(record));
+    const AcDbObjectId id = addPolyline(u"PIPE-Rete", points, pipeData(record));
     const Chain results(acutBuildList(1001, app::kLinkResult, 1040, 1.5, RTNONE));
     Opened<AcDbEntity>(id, AcDb::kForWrite)->setXData(results.get());
     return id;
@@ -82,7 +82,7 @@ TEST_F(ElementLoaders, ReadersTakeEachFieldFromItsPlace) {
 
   EpaResv resv;
   const AcDbObjectId r = addBlock(u"Resv", u"RESV-Rete", {}, {{u"ID", u"R1"}, {u"TH", u"80"}},
-                                  ResvData(u"other", u"head"));
+                                  resvData(u"other", u"head"));
   ReadResv(resv, Opened<AcDbBlockReference>(r).get());
   EXPECT_EQ(resv.id, u"R1");  // no check against the data here, and no message
   EXPECT_EQ(resv.head, u"80");
@@ -108,7 +108,7 @@ TEST_F(ElementLoaders, ReadersTakeEachFieldFromItsPlace) {
   const AcDbObjectId v =
       addBlock(u"Valv", u"VALV-Rete", {},
                {{u"ID", u"V1"}, {u"D", u"99"}, {u"TYPE", u"TCV"}, {u"SET", u"7"}, {u"MLOSS", u"8"}},
-               ValvData(valve(u"V"), 1, 2));
+               valvData(valve(u"V"), 1, 2));
   ReadValv(valv, Opened<AcDbBlockReference>(v).get());
   EXPECT_EQ(valv.id.str() + valv.diameter.str() + valv.type.str() + valv.setting.str() +
                 valv.minorLoss.str() + valv.status.str() + valv.node1.str() + valv.node2.str(),
@@ -119,7 +119,7 @@ TEST_F(ElementLoaders, PipesAndPumpsTolerateShortLists) {
   EpaPipe p;
   std::u16string material = u"kept";
   const AcDbObjectId whole =
-      addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}}, PipeData(pipe(u"P", u"A", u"B")));
+      addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}}, pipeData(pipe(u"P", u"A", u"B")));
   ReadPipe(p, material, Opened<AcDb3dPolyline>(whole).get());
   EXPECT_EQ(p.length, u"100.500");
   EXPECT_EQ(p.minorLoss, u"0.250");
@@ -139,7 +139,7 @@ TEST_F(ElementLoaders, PipesAndPumpsTolerateShortLists) {
 
   EpaPump got;
   const AcDbObjectId full =
-      addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"U"}, {u"ST", u"Open"}}, PumpData(pump(u"U")));
+      addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"U"}, {u"ST", u"Open"}}, pumpData(pump(u"U")));
   ReadPump(got, Opened<AcDbBlockReference>(full).get());
   EXPECT_EQ(got.power, u"1.250");
   EXPECT_EQ(got.speed, u"");  // stored as 0
@@ -166,17 +166,17 @@ TEST_F(ElementLoaders, AMovedAndRenamedNodeDragsItsLinks) {
   const AcDbObjectId beside =
       pipeWithResults(pipe(u"P3", u"N1", u"B"), {{100, 0.0002, 10}, {200, 0, 7}});
   const AcDbObjectId pumpLine =
-      addPolyline(u"PUMP-Rete", {{100, 0, 10}, {120, 0, 10}}, CompanionData(u"U"));
+      addPolyline(u"PUMP-Rete", {{100, 0, 10}, {120, 0, 10}}, idData(u"U"));
   const AcDbObjectId pumpBlock =
-      addBlock(u"Pump", u"PUMP-Rete", {110, 0, 10}, {{u"ID", u"U"}}, PumpData(pump(u"U")));
+      addBlock(u"Pump", u"PUMP-Rete", {110, 0, 10}, {{u"ID", u"U"}}, pumpData(pump(u"U")));
   const AcDbObjectId otherPump =
-      addBlock(u"Pump", u"PUMP-Rete", {110, 0.0002, 10}, {{u"ID", u"W"}}, PumpData(pump(u"W")));
-  const AcDbObjectId valveLine = addPolyline(
-      u"VALV-Rete", {{60, 0, 4}, {80, 0, 4}, {90, 0, 4}, {100, 0, 10}}, CompanionData(u"V"));
+      addBlock(u"Pump", u"PUMP-Rete", {110, 0.0002, 10}, {{u"ID", u"W"}}, pumpData(pump(u"W")));
+  const AcDbObjectId valveLine =
+      addPolyline(u"VALV-Rete", {{60, 0, 4}, {80, 0, 4}, {90, 0, 4}, {100, 0, 10}}, idData(u"V"));
   const AcDbObjectId valveBlock =
-      addBlock(u"Valv", u"VALV-Rete", {85, 0, 4}, {{u"ID", u"V"}}, ValvData(valve(u"V"), 1, 2));
+      addBlock(u"Valv", u"VALV-Rete", {85, 0, 4}, {{u"ID", u"V"}}, valvData(valve(u"V"), 1, 2));
   const AcDbObjectId elsewhere =
-      addPolyline(u"PIPE-Altra", {{100, 0, 10}, {0, 0, 0}}, PipeData(pipe(u"P9", u"N1", u"B")));
+      addPolyline(u"PIPE-Altra", {{100, 0, 10}, {0, 0, 0}}, pipeData(pipe(u"P9", u"N1", u"B")));
 
   EpaJunc junc = read(node);
   junc.id = u"Nuovo";
@@ -223,12 +223,12 @@ TEST_F(ElementLoaders, AMovedAndRenamedNodeDragsItsLinks) {
 
 TEST_F(ElementLoaders, ReservoirsAndTanksMoveByTheirOwnHeight) {
   const AcDbObjectId r = addBlock(u"Resv", u"RESV-Rete", {0, 0, 80},
-                                  {{u"ID", u"R"}, {u"TH", u"80"}}, ResvData(u"R", u""));
+                                  {{u"ID", u"R"}, {u"TH", u"80"}}, resvData(u"R", u""));
   const AcDbObjectId t =
       addBlock(u"Tank", u"TANK-Rete", {9, 0, 5}, {{u"ID", u"T"}, {u"EL", u"5"}, {u"MINVOL", u""}},
-               TankData(u"T", u""));
+               tankData(u"T", u""));
   const AcDbObjectId line =
-      addPolyline(u"PIPE-Rete", {{0, 0, 80}, {9, 0, 5}}, PipeData(pipe(u"P", u"R", u"T")));
+      addPolyline(u"PIPE-Rete", {{0, 0, 80}, {9, 0, 5}}, pipeData(pipe(u"P", u"R", u"T")));
   EpaResv resv;
   resv.id = u"R2";
   resv.head = u"90";
@@ -253,7 +253,7 @@ TEST_F(ElementLoaders, LinksThatAreNotTheNodesOwnStayAsTheyAre) {
   // The attribute was edited by hand: the block no longer stands at its old height.
   const AcDbObjectId edited = junction(u"N1", {0, 0, 10}, u"11");
   const AcDbObjectId line =
-      addPolyline(u"PIPE-Rete", {{0, 0, 10}, {9, 0, 5}}, PipeData(pipe(u"P", u"N1", u"B")));
+      addPolyline(u"PIPE-Rete", {{0, 0, 10}, {9, 0, 5}}, pipeData(pipe(u"P", u"N1", u"B")));
   rename(edited, u"N2", u"12");
   EXPECT_EQ(heights(line)[0], 10);
   EXPECT_EQ(position(edited).z, 12);
@@ -261,10 +261,9 @@ TEST_F(ElementLoaders, LinksThatAreNotTheNodesOwnStayAsTheyAre) {
   // No data, or a list that ends before the node's name.
   const AcDbObjectId node = junction(u"M1", {50, 0, 1}, u"1");
   const AcDbObjectId bare = addPolyline(u"PIPE-Rete", {{50, 0, 1}, {60, 0, 1}});
-  const AcDbObjectId brief =
-      addPolyline(u"PIPE-Rete", {{50, 0, 1}, {60, 0, 1}}, CompanionData(u"P"));
+  const AcDbObjectId brief = addPolyline(u"PIPE-Rete", {{50, 0, 1}, {60, 0, 1}}, idData(u"P"));
   // One vertex: no course and no place for a block.
-  const AcDbObjectId dot = addPolyline(u"PUMP-Rete", {{50, 0, 1}}, CompanionData(u"U"));
+  const AcDbObjectId dot = addPolyline(u"PUMP-Rete", {{50, 0, 1}}, idData(u"U"));
   rename(node, u"M2", u"2");
   for (const AcDbObjectId id : {bare, brief, dot}) {
     EXPECT_EQ(heights(id)[0], 1);
@@ -296,7 +295,7 @@ TEST_F(ElementLoaders, AStoredNameThatIsNoTextIsReplacedByReservoirsOnly) {
 TEST_F(ElementLoaders, ALinkFromANodeToItselfKeepsFiniteHeights) {
   const AcDbObjectId node = junction(u"N", {0, 0, 1}, u"1");
   const AcDbObjectId loop = addPolyline(u"PIPE-Rete", {{0, 0, 1}, {5, 5, 9}, {0, 0, 1}},
-                                        PipeData(pipe(u"P", u"N", u"N")));
+                                        pipeData(pipe(u"P", u"N", u"N")));
   rename(node, u"N2", u"4");
   EXPECT_EQ(heights(loop), (std::vector<double>{4, 4, 4}));
   EXPECT_EQ(data(loop), "P|100.5|150.0|130.0|0.25|Open|N2|N2");
@@ -309,14 +308,11 @@ TEST_F(ElementLoaders, ARenamedLinkTakesItsCompanionAlong) {
   const AcDbObjectId block =
       addBlock(u"Valv", u"VALV-Rete", {1, 0, 0},
                {{u"ID", u"V1"}, {u"D", u"1"}, {u"TYPE", u""}, {u"SET", u""}, {u"MLOSS", u""}},
-               ValvData(valve(u"V1"), 80, 0.5));
-  const AcDbObjectId companion =
-      addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, CompanionData(u"V1"));
-  const AcDbObjectId named =
-      addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, CompanionData(u"V2"));
-  const AcDbObjectId other =
-      addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, CompanionData(u"V3"));
-  const AcDbObjectId foreign = addPolyline(u"VALV-B", {{0, 0, 0}, {2, 0, 0}}, CompanionData(u"V1"));
+               valvData(valve(u"V1"), 80, 0.5));
+  const AcDbObjectId companion = addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, idData(u"V1"));
+  const AcDbObjectId named = addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, idData(u"V2"));
+  const AcDbObjectId other = addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, idData(u"V3"));
+  const AcDbObjectId foreign = addPolyline(u"VALV-B", {{0, 0, 0}, {2, 0, 0}}, idData(u"V1"));
   EpaValv valv = valve(u"V2");
   valv.node1 = u"ignored";
   valv.diameter = u"125.5";
@@ -330,9 +326,8 @@ TEST_F(ElementLoaders, ARenamedLinkTakesItsCompanionAlong) {
   EXPECT_EQ(data(companion) + data(named) + data(other) + data(foreign), "V2V2V3V1");
 
   const AcDbObjectId pumpBlock = addBlock(
-      u"Pump", u"PUMP-Rete", {1, 0, 0}, {{u"ID", u"U1"}, {u"ST", u"Open"}}, PumpData(pump(u"U1")));
-  const AcDbObjectId pumpLine =
-      addPolyline(u"PUMP-Rete", {{0, 0, 0}, {2, 0, 0}}, CompanionData(u"U1"));
+      u"Pump", u"PUMP-Rete", {1, 0, 0}, {{u"ID", u"U1"}, {u"ST", u"Open"}}, pumpData(pump(u"U1")));
+  const AcDbObjectId pumpLine = addPolyline(u"PUMP-Rete", {{0, 0, 0}, {2, 0, 0}}, idData(u"U1"));
   EpaPump record = pump(u"U2");
   record.speed = u"1.5x";
   UpdatePump(Opened<AcDbBlockReference>(pumpBlock, AcDb::kForWrite), record, u"PUMP-Rete");

@@ -40,33 +40,33 @@ TEST_F(HostDrawing, TheImportedNameWinsOverAnEditedAttributeAndTheUserIsTold) {
     EXPECT_EQ(some, !text.empty());
     return text;
   };
-  EXPECT_EQ(nameOf({{u"ID", u"N1"}}, CompanionData(u"N1")), u"N1");
+  EXPECT_EQ(nameOf({{u"ID", u"N1"}}, idData(u"N1")), u"N1");
   EXPECT_EQ(nameOf({{u"ID", u"N1"}}, {}), u"N1");
-  EXPECT_EQ(nameOf({{u"EL", u"5"}}, CompanionData(u"N1")), u"");
+  EXPECT_EQ(nameOf({{u"EL", u"5"}}, idData(u"N1")), u"");
   script(
       "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: n1\\nValore di "
       "importazione: N1\n"
       "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: \\nValore di "
       "importazione: N2\n");
-  EXPECT_EQ(nameOf({{u"ID", u"n1"}}, CompanionData(u"N1")), u"N1");
-  EXPECT_EQ(nameOf({{u"ID", u""}}, CompanionData(u"N2")), u"N2");
+  EXPECT_EQ(nameOf({{u"ID", u"n1"}}, idData(u"N1")), u"N1");
+  EXPECT_EQ(nameOf({{u"ID", u""}}, idData(u"N2")), u"N2");
 }
 
 TEST_F(HostDrawing, RewrittenPolylinesLoseWhatIsBeyondThePoints) {
   const AcDbObjectId id =
-      addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}, CompanionData(u"P1"));
+      addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {3, 0, 0}}, idData(u"P1"));
   Opened<AcDb3dPolyline> polyline(id, AcDb::kForWrite);
   AcGePoint3d centroid;
   EXPECT_TRUE(PolylineCentroid(polyline.get(), centroid));
   EXPECT_DOUBLE_EQ(centroid.x, 1.5);
-  EXPECT_EQ(RewritePolyline({{0, 0, 5}, {1, 1, 6}}, polyline.get(), 3, u"Altro",
-                            CompanionData(u"P2").release()),
-            1);
+  EXPECT_EQ(
+      RewritePolyline({{0, 0, 5}, {1, 1, 6}}, polyline.get(), 3, u"Altro", idData(u"P2").release()),
+      1);
   EXPECT_EQ(CountVertices(polyline.get()), 2);
   // More points than vertices add none; nothing given changes nothing.
   EXPECT_EQ(RewritePolyline({{0, 0, 7}, {1, 1, 8}, {2, 2, 9}}, polyline.get(), 256, u"", nullptr),
             1);
-  EXPECT_EQ(RewritePolyline({}, nullptr, 3, u"", CompanionData(u"P3").release()), 0);
+  EXPECT_EQ(RewritePolyline({}, nullptr, 3, u"", idData(u"P3").release()), 0);
   polyline.close();
   expectNothingHeld();
 
@@ -79,7 +79,7 @@ TEST_F(HostDrawing, RewrittenPolylinesLoseWhatIsBeyondThePoints) {
 }
 
 TEST_F(HostDrawing, ClearingTakesOneApplicationOnly) {
-  const AcDbObjectId id = addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}}, CompanionData(u"P1"));
+  const AcDbObjectId id = addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}}, idData(u"P1"));
   {
     const Opened<AcDb3dPolyline> polyline(id, AcDb::kForWrite);
     const Chain material(acutBuildList(1001, app::kMaterial, 1000, u"PEAD", RTNONE));

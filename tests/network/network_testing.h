@@ -21,6 +21,40 @@ namespace vessora {
 inline void PrintTo(const wide50& text, std::ostream* out) { *out << platform::narrow(text); }
 inline void PrintTo(const wide256& text, std::ostream* out) { *out << platform::narrow(text); }
 
+// --- the stored lists as drawings have them, stated here on their own
+inline constexpr char16_t kImported[] = u"HN-C_EPAHNIMPORT";
+inline Chain juncData(std::u16string_view id, double emitter, std::u16string_view pattern) {
+  return Chain(acutBuildList(1001, kImported, 1000, id, 1040, emitter, 1000, pattern, RTNONE));
+}
+inline Chain resvData(std::u16string_view id, std::u16string_view pattern) {
+  return Chain(acutBuildList(1001, kImported, 1000, id, 1040, 0.0, 1000, pattern, RTNONE));
+}
+inline Chain tankData(std::u16string_view id, std::u16string_view volCurve) {
+  return Chain(acutBuildList(1001, kImported, 1000, id, 1000, volCurve, RTNONE));
+}
+inline Chain pipeData(const EpaPipe& p) {
+  using platform::wtof;
+  return Chain(acutBuildList(1001, kImported, 1000, p.id, 1040, wtof(p.length), 1040,
+                             wtof(p.diameter), 1040, wtof(p.roughness), 1040, wtof(p.minorLoss),
+                             1000, p.status, 1000, p.node1, 1000, p.node2, RTNONE));
+}
+inline Chain valvData(const EpaValv& v, double diameter, double minorLoss) {
+  return Chain(acutBuildList(1001, kImported, 1000, v.id, 1040, diameter, 1000, v.type, 1000,
+                             v.status, 1000, v.setting, 1040, minorLoss, 1000, v.node1, 1000,
+                             v.node2, RTNONE));
+}
+inline Chain pumpData(const EpaPump& p) {
+  using platform::wtof;
+  return Chain(acutBuildList(1001, kImported, 1000, p.id, 1000, p.node1, 1000, p.node2, 1000,
+                             p.headCurve, 1040, wtof(p.power), 1040, wtof(p.speed), 1000,
+                             p.speedPattern, 1000, p.effCurve, 1040, wtof(p.price), 1000,
+                             p.pricePattern, RTNONE));
+}
+// Of the companion polyline of a valve or a pump.
+inline Chain idData(std::u16string_view id) {
+  return Chain(acutBuildList(1001, kImported, 1000, id, RTNONE));
+}
+
 using Attributes = std::vector<std::pair<std::u16string, std::u16string>>;
 
 class DrawnNetwork : public ::testing::Test {

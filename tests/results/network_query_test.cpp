@@ -41,7 +41,7 @@ TEST_F(NetworkQueryCommand, ADoubleClickFramesTheElement) {
   createNetwork(u"Rete");
   EpaPipe p;
   p.id = u"P1";
-  addPolyline(u"PIPE-Rete", {{100, 200, 0}, {300, 250, 5}}, PipeData(p));
+  addPolyline(u"PIPE-Rete", {{100, 200, 0}, {300, 250, 5}}, pipeData(p));
   script(
       "tutto\n<invio>\n"
       "[Interroga Rete]\nElenco rami[1] **\n<invio>\n"

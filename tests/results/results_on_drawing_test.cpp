@@ -17,22 +17,21 @@ class ResultsOnDrawing : public DrawnNetwork {
   }
 
   AcDbObjectId junction(const char16_t* id, double emitter = 0) {
-    return addBlock(block::kJunc, layers_.junc, {0, 0, 0}, {{u"ID", id}},
-                    JuncData(id, emitter, u""));
+    return addBlock(u"Junc", layers_.junc, {0, 0, 0}, {{u"ID", id}}, juncData(id, emitter, u""));
   }
   AcDbObjectId pipe(const char16_t* id) {
     EpaPipe p;
     p.id = id;
     p.status = u"CV";
-    return addPolyline(layers_.pipe, {{0, 0, 0}, {10, 0, 0}}, PipeData(p));
+    return addPolyline(layers_.pipe, {{0, 0, 0}, {10, 0, 0}}, pipeData(p));
   }
   AcDbObjectId valve(const char16_t* id) {
     EpaValv v;
     v.id = id;
-    return addBlock(block::kValv, layers_.valv, {5, 0, 0}, {{u"ID", id}}, ValvData(v, 0, 0));
+    return addBlock(u"Valv", layers_.valv, {5, 0, 0}, {{u"ID", id}}, valvData(v, 0, 0));
   }
   AcDbObjectId companion(const char16_t* id) {
-    return addPolyline(layers_.valv, {{0, 0, 0}, {10, 0, 0}}, CompanionData(id));
+    return addPolyline(layers_.valv, {{0, 0, 0}, {10, 0, 0}}, idData(id));
   }
 
   void write(const std::string& nodes, const std::string& links, const char16_t* time = u"") {
@@ -79,7 +78,7 @@ TEST_F(ResultsOnDrawing, EachElementGetsItsFirstRowAndAMissingOneTheLast) {
 
 TEST_F(ResultsOnDrawing, TheImportedNameWinsOverAnEditedAttribute) {
   const auto n =
-      addBlock(block::kJunc, layers_.junc, {0, 0, 0}, {{u"ID", u"N2"}}, JuncData(u"N1", 0, u""));
+      addBlock(u"Junc", layers_.junc, {0, 0, 0}, {{u"ID", u"N2"}}, juncData(u"N1", 0, u""));
   script(
       "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: N2\\n"
       "Valore di importazione: N1\n");
@@ -89,7 +88,7 @@ TEST_F(ResultsOnDrawing, TheImportedNameWinsOverAnEditedAttribute) {
 
 TEST_F(ResultsOnDrawing, RemovalLeavesNothingAndSaysAbsent) {
   const auto n = junction(u"N1"), p = pipe(u"P1"), v = valve(u"V1"), bare = junction(u"N2");
-  const auto other = addPolyline(u"PIPE-Altra", {{0, 0, 0}, {1, 0, 0}}, CompanionData(u"P1"));
+  const auto other = addPolyline(u"PIPE-Altra", {{0, 0, 0}, {1, 0, 0}}, idData(u"P1"));
   setColor(p, 3);
   setColor(other, 3);
   write("  N1 1 2 3\n", "  P1 1 2 3\n  V1 4 5 6\n", u"1:00");
@@ -166,8 +165,7 @@ class QueryColors : public ResultsOnDrawing {
     ResultsOnDrawing::SetUp();
     low_ = junction(u"N1");
     high_ = junction(u"N2", 0.5);
-    tank_ =
-        addBlock(block::kTank, layers_.tank, {0, 0, 0}, {{u"ID", u"T1"}}, TankData(u"T1", u"VOL"));
+    tank_ = addBlock(u"Tank", layers_.tank, {0, 0, 0}, {{u"ID", u"T1"}}, tankData(u"T1", u"VOL"));
     pipe_ = pipe(u"P1");
     valve_ = valve(u"V1");
     companion_ = companion(u"V1");

@@ -36,8 +36,8 @@ class CalculatedNetwork : public DrawnNetwork {
                                1000, u"Open", RTNONE));
   }
   AcDbObjectId junc(const std::u16string& id, const AcGePoint3d& at) {
-    return addBlock(block::kJunc, u"JUNC-Rete", at, {{u"ID", id}, {u"EL", u"0"}, {u"BD", u"0"}},
-                    JuncData(id, 0, u""));
+    return addBlock(u"Junc", u"JUNC-Rete", at, {{u"ID", id}, {u"EL", u"0"}, {u"BD", u"0"}},
+                    juncData(id, 0, u""));
   }
   AcDbObjectId junc(const std::u16string& id, const AcGePoint3d& at, double demand, double head) {
     const AcDbObjectId node = junc(id, at);
@@ -55,7 +55,7 @@ class CalculatedNetwork : public DrawnNetwork {
     record.diameter = u"150";
     record.roughness = u"130";
     record.status = u"Open";
-    const AcDbObjectId line = addPolyline(u"PIPE-Rete", points, PipeData(record));
+    const AcDbObjectId line = addPolyline(u"PIPE-Rete", points, pipeData(record));
     Opened<AcDbEntity>(line, AcDb::kForWrite)->setXData(linkResult(12.5, 0.7, 4).get());
     return line;
   }
@@ -67,7 +67,7 @@ class CalculatedNetwork : public DrawnNetwork {
     record.node1 = node1;
     record.node2 = node2;
     const AcDbObjectId symbol =
-        addBlock(block::kPump, u"PUMP-Rete", at, {{u"ID", id}, {u"ST", u"Open"}}, PumpData(record));
+        addBlock(u"Pump", u"PUMP-Rete", at, {{u"ID", id}, {u"ST", u"Open"}}, pumpData(record));
     Opened<AcDbEntity>(symbol, AcDb::kForWrite)->setXData(linkResult(12.5, 0, -30).get());
     return symbol;
   }

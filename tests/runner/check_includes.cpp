@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
     std::cerr << file << ":" << line << ": " << what << "\n";
     ++faults;
   };
-  for (const char* top : {"platform", "cad", "module", "apps"}) {
+  for (const char* top : {"platform", "schema", "cad", "module", "apps"}) {
     if (!fs::exists(root / top)) continue;
     for (const auto& entry : fs::recursive_directory_iterator(root / top)) {
       const std::string ext = entry.path().extension().string();

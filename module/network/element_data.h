@@ -1,0 +1,70 @@
+// Records and the table of how they are stored: which field of a record is which row, and the
+// reading and building of attributes and extended data by the table.
+//
+// Element records: EpaJunc, EpaResv, EpaTank, EpaPipe, EpaValv, EpaPump. Results: EpaNodeResult,
+// EpaLinkResult, which have extended data alone.
+#pragma once
+
+#include <array>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+#include "module/host/host_drawing.h"
+#include "module/network/records.h"
+#include "module/network/result_records.h"
+#include "schema/element.h"
+
+namespace vessora {
+
+// How a kind of record is stored.
+template <class Record>
+const schema::Kind& kindOf();
+
+// The text of a record's field; empty for a field that it does not have.
+template <class Record>
+std::u16string_view textOf(const Record& record, schema::Field field);
+
+// --- attributes ----------------------------------------------------------------------------------
+
+// The attributes of an element into its record, a missing one as empty text. The result is false
+// when the block has no attribute of the id at all.
+template <class Record>
+bool takeAttributes(AcDbBlockReference* block, Record& record);
+template <class Record>
+void writeAttributes(AcDbBlockReference* block, const Record& record);
+
+// --- extended data -------------------------------------------------------------------------------
+
+// The item of one field into the record, when it is there.
+template <class Record>
+void takeField(const Chain& data, Record& record, schema::Field field);
+// All items. A field whose item is missing stays as it is; a real that stands for no value empties
+// its field. Of an element that has the id on an attribute too, `id` false leaves the id alone. A
+// pump's list of an older layout ends before the speed pattern, or goes on with a point there.
+template <class Record>
+void takeData(const Chain& data, Record& record, bool id = true);
+// Results: missing items read as 0 and as empty text.
+void takeResult(const Chain& data, EpaNodeResult& result);
+void takeResult(const Chain& data, EpaLinkResult& result);
+
+// The list of a record. Reals come from the record's texts, 0 for none; what is `given` goes before
+// what the record says.
+struct Given {
+  schema::Field field;
+  std::u16string_view text;
+  double real = 0;
+};
+template <class Record>
+Chain dataOf(const Record& record, std::initializer_list<Given> given = {});
+// Of the companion polyline of a valve or a pump.
+Chain companionData(std::u16string_view id);
+
+// One value of a list that the table describes; empty or 0 when it is not there.
+std::u16string_view textAt(const Chain& data, const schema::List& list, schema::Field field);
+double realAt(const Chain& data, const schema::List& list, schema::Field field);
+
+// A real of extended data as records hold it: three decimals, cut at the field's capacity.
+void storeReal(wide50& field, double value);
+
+}  // namespace vessora
