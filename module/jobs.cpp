@@ -2,8 +2,10 @@
 #include "module/jobs.h"
 
 #include "module/entry.h"
+#include "module/host/command_span.h"
 #include "module/host/host_drawing.h"
 #include "module/host/translate.h"
+#include "module/network/network_list.h"
 
 namespace vessora {
 
@@ -23,6 +25,34 @@ class ModuleJobs : public Jobs {
 #define VESSORA_PENDING VESSORA_COMMAND
 #include "module/host/commands.def"
     return rows;
+  }
+
+  std::vector<NetworkInfo> networks() override { return networksOfDrawing(); }
+  NetworkInfo network(std::u16string_view name) override { return networkInfo(name); }
+  PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint) override {
+    return vessora::pickNetwork(wanted, hint);
+  }
+
+  InpFile openInp(std::u16string_view path) override { return vessora::openInp(path); }
+  InpFindings examineInp(const InpFile& file) override { return vessora::examineInp(file); }
+  ImportResult importInp(const InpFile& file, std::u16string_view name) override {
+    const CommandSpan span;
+    return vessora::importInp(file, name);
+  }
+  ExportResult exportNetwork(const ExportRequest& request) override {
+    return vessora::exportNetwork(request);
+  }
+
+  Report openReport(std::u16string_view path) override { return vessora::openReport(path); }
+  ReportPeriods periodsOf(const Report& report) override { return vessora::periodsOf(report); }
+  ReportRows rowsOf(const Report& report, std::u16string_view time, bool lowerCaseHrs) override {
+    return vessora::rowsOf(report, time, lowerCaseHrs);
+  }
+  ReportFindings examineResults(const ReportRows& rows, std::u16string_view network) override {
+    return vessora::examineResults(rows, network);
+  }
+  ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) override {
+    return vessora::writeResults(rows, network);
   }
 };
 

@@ -12,6 +12,9 @@
 #include <vector>
 
 #include "cad/api/services.h"
+#include "module/inp/inp_jobs.h"
+#include "module/network/network_info.h"
+#include "module/results/result_jobs.h"
 
 namespace vessora {
 
@@ -44,6 +47,24 @@ class Jobs : public AcRxObject {
 
   // All commands, in the order in which they are shown.
   virtual std::vector<CommandRow> commands() = 0;
+
+  // --- on the open drawing. Jobs show, ask and print nothing, and are told apart from commands by
+  // nothing else: what they draw is what the commands draw. They throw std::bad_alloc alone.
+
+  virtual std::vector<NetworkInfo> networks() = 0;
+  virtual NetworkInfo network(std::u16string_view name) = 0;
+  virtual PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint) = 0;
+
+  virtual InpFile openInp(std::u16string_view path) = 0;
+  virtual InpFindings examineInp(const InpFile& file) = 0;
+  virtual ImportResult importInp(const InpFile& file, std::u16string_view name) = 0;
+  virtual ExportResult exportNetwork(const ExportRequest& request) = 0;
+
+  virtual Report openReport(std::u16string_view path) = 0;
+  virtual ReportPeriods periodsOf(const Report& report) = 0;
+  virtual ReportRows rowsOf(const Report& report, std::u16string_view time, bool lowerCaseHrs) = 0;
+  virtual ReportFindings examineResults(const ReportRows& rows, std::u16string_view network) = 0;
+  virtual ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) = 0;
 };
 
 }  // namespace vessora

@@ -65,6 +65,19 @@ std::string absolutePath(const std::string& path) {
   return error ? path : full.string();
 }
 
+bool sameFile(const std::string& a, const std::string& b) {
+  struct stat x {
+  }, y{};
+  return stat(a.c_str(), &x) == 0 && stat(b.c_str(), &y) == 0 && x.st_dev == y.st_dev &&
+         x.st_ino == y.st_ino;
+}
+
+bool makeFolders(const std::string& path) {
+  std::error_code ignored;
+  std::filesystem::create_directories(path, ignored);
+  return folderExists(path);
+}
+
 Result<std::string> readFile(const std::string& path) {
   const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
   if (file < 0) return cannotRead(path, reasonOf(errno));

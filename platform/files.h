@@ -24,6 +24,10 @@ bool folderExists(const std::string& path);
 std::u16string_view fileNameOf(std::u16string_view path);
 std::u16string_view folderOf(std::u16string_view path);
 std::string absolutePath(const std::string& path);
+// Whether both paths lead to one file that exists, by links too.
+bool sameFile(const std::string& a, const std::string& b);
+// Makes a folder and those above it that are missing. False when it is not there afterwards.
+bool makeFolders(const std::string& path);
 
 // The whole file as bytes. The error names the path and the reason ("No such file or
 // directory"...), and tells a folder from a file.

@@ -28,6 +28,12 @@ std::u16string decodeBytes(std::string_view bytes);
 // UTF-8 (mark dropped), else a converted copy.
 std::string toUtf8(std::string bytes);
 
+// The text as a terminal may safely show it: control characters, which could move the cursor or ask
+// the terminal for something, and marks that turn the direction of writing become visible signs.
+// Line feeds and tabs stay; a carriage return before a line feed is left out.
+std::u16string printable(std::u16string_view text);
+std::string printable(std::string_view utf8);
+
 // Upper case by simple one-to-one mapping: ASCII, Latin-1, Latin Extended-A, Greek, Cyrillic; other
 // characters stay. Used wherever names compare without case.
 char16_t upper(char16_t c);

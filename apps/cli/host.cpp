@@ -3,10 +3,8 @@
 #include <unistd.h>
 
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
-#include "module/jobs.h"
+#include "cad/ui/dialog.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -55,9 +53,7 @@ platform::Result<void> openDrawing(const std::string& path) {
   }
   std::vector<std::string> warnings;
   auto opened = session.openDrawing(path, warnings);
-  for (const std::string& w : warnings) {
-    std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(), w.c_str());
-  }
+  for (const std::string& warning : warnings) warn(warning);
   return opened;
 }
 
@@ -65,17 +61,41 @@ platform::Result<void> saveDrawing(const std::string& path) {
   return cad::Session::instance().saveDrawing(path);
 }
 
-bool italian() {
-  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-    const char* value = std::getenv(name);
-    if (value && *value) return std::strncmp(value, "it", 2) == 0;
+// --- jobs ----------------------------------------------------------------------------------------
+
+// Answers nothing. What the module says in a box while it is loaded explains why it cannot be.
+class JobSpan::Silent : public cad::ui::Frontend {
+ public:
+  std::u16string said;
+  void print(std::u16string_view) override {}
+
+ protected:
+  void showDialog(cad::ui::Dialog& dialog) override { dialog.dismiss(); }
+  cad::ui::Pressed showMessage(const cad::ui::Message& message) override {
+    said = message.text;
+    return cad::ui::escapeAnswer(message.buttons);
   }
-  return false;
+  std::optional<std::u16string> showFileQuestion(const cad::ui::FileQuestion&) override {
+    return {};
+  }
+  cad::ui::Answer showPrompt(const cad::ui::Prompt&) override {
+    return {cad::ui::Answer::Status::cancel, u""};
+  }
+  void showInvalid(std::u16string_view) override {}
+};
+
+JobSpan::JobSpan() : ui_(std::make_unique<Silent>()), started_(startHost(*ui_)) {
+  if (started_) {
+    jobs_ = vessora::Jobs::find();
+  } else if (!ui_->said.empty()) {
+    started_ = platform::Error{started_.error() + ": " + platform::narrow(ui_->said)};
+  }
 }
 
-int fail(const std::string& message) {
-  std::fprintf(stderr, "vessora: %s\n", message.c_str());
-  return 1;
+JobSpan::~JobSpan() { stopHost(); }
+
+platform::Result<void> JobSpan::open(const std::string& drawing) {
+  return started_ ? openDrawing(drawing) : started_;
 }
 
 Progress::Progress(const std::string& what) : visible_(isatty(2) == 1), what_(what) { show(""); }

@@ -1,28 +1,41 @@
-// What every subcommand begins with: the session, the module, the words of the user's language.
+// What every subcommand begins with: the session, the module and its jobs.
 #pragma once
 
 #include <string>
 #include <vector>
 
+#include "apps/cli/words.h"
 #include "cad/editor/session.h"
 
 namespace cli {
 
-// Points hn-cpath at the product root, makes `ui` answer, and loads the module.
+// Points hn-cpath at the product root, makes `ui` answer, loads the module and registers its
+// commands.
 platform::Result<void> startHost(cad::ui::Frontend& ui);
 void stopHost();
 
 // Opens a drawing, "-" or an empty path being a new one; what was repaired goes to standard error.
 platform::Result<void> openDrawing(const std::string& path);
-// Saves and complains about what commands left open.
 platform::Result<void> saveDrawing(const std::string& path);
 
-// Italian or English, by the locale of the environment.
-bool italian();
-inline std::string words(const char* it, const char* en) { return italian() ? it : en; }
+// The span of a job of the module that nobody is asked about: host and module are there while it is
+// alive.
+class JobSpan {
+ public:
+  JobSpan();
+  JobSpan(const JobSpan&) = delete;
+  JobSpan& operator=(const JobSpan&) = delete;
+  ~JobSpan();
+  // Why the module is not there, or that it is and the drawing is open.
+  platform::Result<void> open(const std::string& drawing);
+  vessora::Jobs* operator->() const { return jobs_; }
 
-// Prints "vessora: message" on standard error and returns the exit status of a failed job.
-int fail(const std::string& message);
+ private:
+  class Silent;
+  std::unique_ptr<Silent> ui_;
+  platform::Result<void> started_;
+  vessora::Jobs* jobs_ = nullptr;
+};
 
 // A line on standard error that is written over again and again while a job runs; silent when
 // standard error is no terminal.

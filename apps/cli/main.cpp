@@ -118,6 +118,11 @@ int main(int argc, char** argv) {
     app.parse(argc, argv);
   } catch (const CLI::ParseError& e) {
     return app.exit(e) == 0 ? 0 : 2;
+  } catch (const std::bad_alloc&) {
+    return cli::fail(
+        words("memoria esaurita: lavoro interrotto", "out of memory: the job was stopped"));
+  } catch (const std::exception& e) {
+    return cli::fail(words("errore interno: ", "internal error: ") + e.what());
   }
   return status;
 }

@@ -1,7 +1,6 @@
-#include <cstdio>
-
 #include "apps/cli/host.h"
 #include "apps/cli/jobs.h"
+#include "apps/cli/outputs.h"
 #include "cad/drawing/drawing.h"
 #include "cad/view/painter.h"
 #include "platform/files.h"
@@ -53,6 +52,7 @@ int render(const RenderOptions& o) {
     }
     paint.window = window;
   }
+  if (const std::string no = refusalOf(o.out, {{o.drawing}}); !no.empty()) return fail(no);
   AcDbDatabase database(false);
   std::vector<std::string> warnings;
   auto loaded = database.drawing().load(o.drawing, warnings);
@@ -69,22 +69,17 @@ int render(const RenderOptions& o) {
               "(--layers), or remove the nested blocks"));
   }
   for (const auto& [type, count] : picture.unknown) {
-    std::fprintf(stderr, "vessora: %s%d %s\n", words("attenzione: ", "warning: ").c_str(), count,
-                 (words("oggetti non mostrati di tipo ", "objects not shown of type ") +
-                  platform::narrow(type))
-                     .c_str());
+    warn(std::to_string(count) + " " +
+         words("oggetti non mostrati di tipo ", "objects not shown of type ") +
+         platform::narrow(type));
   }
   if (picture.tooDeep > 0) {
-    std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(),
-                 words("i blocchi annidati oltre 64 livelli non sono mostrati",
-                       "blocks nested deeper than 64 levels are not shown")
-                     .c_str());
+    warn(words("i blocchi annidati oltre 64 livelli non sono mostrati",
+               "blocks nested deeper than 64 levels are not shown"));
   }
   if (cad::view::isEmpty(picture)) {
-    std::fprintf(stderr, "vessora: %s\n",
-                 words("attenzione: non c'è nulla da mostrare; la pagina è vuota",
-                       "warning: there is nothing to show; the page is empty")
-                     .c_str());
+    warn(words("non c'è nulla da mostrare; la pagina è vuota",
+               "there is nothing to show; the page is empty"));
   }
   auto bytes = cad::view::paint(picture, paint);
   if (!bytes) return fail(o.out + ": " + bytes.error());

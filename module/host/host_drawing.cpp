@@ -1,7 +1,7 @@
 #include "module/host/host_drawing.h"
 
-#include "module/host/messages.h"
 #include "module/host/module.h"
+#include "module/host/tell.h"
 #include "module/host/translate.h"
 #include "platform/text.h"
 
@@ -49,25 +49,29 @@ void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16
   });
 }
 
-void checkName(const Chain& data, std::u16string& text) {
+void checkName(const Chain& data, std::u16string& text, Notices& notices) {
   const resbuf* item = data.item(1);
   if (!item || acutKindOf(item->restype) != RbKind::text) return;
   const std::u16string_view imported = data.text(1);
   if (imported == text) return;
-  std::u16string message = TraduciTesto(u"Riscontrata incongruenza nel nome del nodo:\n");
-  message += TraduciTesto(u"Valore attributo: ");
-  message += text;
-  message += TraduciTesto(u"\nValore di importazione: ");
-  message += imported;
-  showMessage(message);
+  notices.push_back({NoticeCode::namesDiffer, std::u16string(imported), text});
   text = imported;
 }
 
-bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text) {
+bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text,
+                       Notices& notices) {
   // Where the block has no such attribute there is nothing a user could have edited.
-  if (readAttributes(block, &tag, &text, 1) != 0)
-    checkName(Chain(block->xData(app::kImport)), text);
+  if (readAttributes(block, &tag, &text, 1) != 0) {
+    checkName(Chain(block->xData(app::kImport)), text, notices);
+  }
   return !text.empty();
+}
+
+bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text) {
+  Notices notices;
+  const bool some = ReadNameAttribute(block, tag, text, notices);
+  tell(notices);
+  return some;
 }
 
 // --- extended data -------------------------------------------------------------------------------

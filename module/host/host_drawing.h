@@ -21,6 +21,7 @@
 #include "cad/family/hn_engineering.h"
 #include "cad/family/hn_geometry.h"
 #include "cad/family/ksr.h"
+#include "module/host/notices.h"
 
 namespace vessora {
 
@@ -94,13 +95,16 @@ void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16
 // ReadAttribute with a check: where the text differs from the id in the block's extended data, the
 // user is told and the extended data win.
 bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
+// The same for jobs: the difference becomes a notice.
+bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text,
+                       Notices& notices);
 // Several attributes in one walk: texts[i] gets the text of the last attribute with tags[i]. Bit i
 // of the result tells that there is one.
 unsigned readAttributes(AcDbBlockReference* block, const std::u16string_view* tags,
                         std::u16string* texts, int count);
 // The check of ReadNameAttribute by itself: `text` is what the attribute says, `data` the block's
 // extended data of the network.
-void checkName(const Chain& data, std::u16string& text);
+void checkName(const Chain& data, std::u16string& text, Notices& notices);
 // Removes one application's extended data; 1 if the list could be built. The entity is open for
 // write.
 int ClearXData(AcDbObject* entity, std::u16string_view application);

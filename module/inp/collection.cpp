@@ -12,7 +12,8 @@ class Collector {
  public:
   // A record is one to two kilobytes: growing lists of them would cost more than reading the
   // drawing.
-  Collector(const NetworkLayers& layers, EpaNetwork& network) : layers_(layers), network_(network) {
+  Collector(const NetworkLayers& layers, EpaNetwork& network, Notices& notices)
+      : layers_(layers), network_(network), notices_(notices) {
     network.juncs.reserve(countOf(blocksOnLayerFilter(layers.junc)));
     network.resvs.reserve(countOf(blocksOnLayerFilter(layers.resv)));
     network.tanks.reserve(countOf(blocksOnLayerFilter(layers.tank)));
@@ -96,7 +97,7 @@ class Collector {
     const Chain data(block->xData(app::kImport));
     if (checked && named && data && data.text(1) != node.id) {
       std::u16string id = node.id.str();
-      checkName(data, id);
+      checkName(data, id, notices_);
       node.id = id;
     }
     if (data) takeData(data, node, false);
@@ -156,6 +157,7 @@ class Collector {
 
   const NetworkLayers& layers_;
   EpaNetwork& network_;
+  Notices& notices_;
   AcGePoint3dArray points_;  // of all link polylines
   std::vector<Course> courses_;
 };
@@ -175,25 +177,26 @@ void forEachEntity(const SelectionSet& set, Visit visit) {
 
 }  // namespace
 
-void CollectNetwork(std::u16string_view name, EpaNetwork& network) {
+void CollectNetwork(std::u16string_view name, EpaNetwork& network, Notices& notices) {
   const NetworkLayers layers(name);
   LoadPatterns(network.patterns, name);
   LoadCurves(network.curves, name);
   const SelectionSet set(u"_X", wholeNetworkFilter(layers));
-  Collector collector(layers, network);
+  Collector collector(layers, network, notices);
   forEachEntity(set, [&](auto* entity) { collector.take(entity); });
   collector.finish();
 }
 
 void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
-                         std::vector<std::u16string>& linkNames) {
+                         std::vector<std::u16string>& linkNames, Notices& notices) {
   const NetworkLayers layers(name);
   const SelectionSet set(u"_X", wholeNetworkFilter(layers, false));
   const auto takeBlock = [&](AcDbBlockReference* block) {
     const std::u16string layer = block->layer();
     const bool node = layer == layers.junc || layer == layers.resv || layer == layers.tank;
     if (!node && layer != layers.pump && layer != layers.valv) return;
-    ReadNameAttribute(block, schema::kIdTag, (node ? nodeNames : linkNames).emplace_back());
+    ReadNameAttribute(block, schema::kIdTag, (node ? nodeNames : linkNames).emplace_back(),
+                      notices);
   };
   const auto takePolyline = [&](AcDb3dPolyline* polyline) {
     const Chain data(polyline->xData(app::kImport));

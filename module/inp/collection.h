@@ -8,18 +8,19 @@
 #include <string_view>
 #include <vector>
 
+#include "module/host/notices.h"
 #include "module/network/records.h"
 
 namespace vessora {
 
 // Fills the lists of `network`, which must be empty. A network that is not in the drawing leaves
-// them short. The user is told of each junction and tank whose name attribute differs from its
+// them short. A notice tells of each junction and tank whose name attribute differs from its
 // imported name, which wins. Valves get the setting "0.000" whatever they have.
-void CollectNetwork(std::u16string_view name, EpaNetwork& network);
+void CollectNetwork(std::u16string_view name, EpaNetwork& network, Notices& notices);
 
-// Appends the names of all nodes and of all links, doubles included. The user is told as above, of
-// all kinds of blocks.
+// Appends the names of all nodes and of all links, doubles included. Notices tell as above, of all
+// kinds of blocks.
 void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
-                         std::vector<std::u16string>& linkNames);
+                         std::vector<std::u16string>& linkNames, Notices& notices);
 
 }  // namespace vessora

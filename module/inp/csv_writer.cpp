@@ -57,13 +57,13 @@ void writeLinks(TextOutput& out, const EpaNetwork& network) {
 }  // namespace
 
 std::int32_t WriteNetworkCsv(std::u16string_view path, const EpaNetwork& network,
-                             const EpaSettings& settings) {
-  auto out = TextOutput::open(path);
+                             const EpaSettings& settings, Notices& notices) {
+  auto out = TextOutput::open(path, notices);
   if (!out) return 0;
   out->print(u"Rete;%s;\n\n", settings.name);
   writeNodes(*out, network);
   writeLinks(*out, network);
-  return out->close();
+  return out->close(notices);
 }
 
 }  // namespace vessora

@@ -1,7 +1,6 @@
 #include "module/inp/draw_network.h"
 
 #include "module/host/module.h"
-#include "module/host/translate.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
 #include "module/network/schema.h"
@@ -31,6 +30,16 @@ const EpaCoord* CoordRows::first(std::u16string_view id) {
   return &rows_[index_.first(group)];
 }
 
+std::size_t CoordRows::count(std::u16string_view id) {
+  const std::uint32_t group = index_.find(id);
+  if (group == kNone) return 0;
+  if (counts_.empty()) {
+    counts_.assign(rows_.size(), 0);
+    for (std::size_t row = 0; row < rows_.size(); ++row) ++counts_[index_.groupOf(row)];
+  }
+  return counts_[group];
+}
+
 const EpaCoord* CoordRows::last(std::u16string_view id) {
   const std::uint32_t group = index_.find(id);
   return group == kNone ? nullptr : &rows_[index_.last(group)];
@@ -49,10 +58,6 @@ double heightOf(const EpaJunc& junc) { return wtof(junc.elev); }
 double heightOf(const EpaResv& resv) { return wtof(resv.head); }
 double heightOf(const EpaTank& tank) { return wtof(tank.elev); }
 
-void tell(bool any, const char16_t* done, const char16_t* absent) {
-  acutPrintf(TraduciTesto(any ? done : absent));
-}
-
 }  // namespace
 
 NetworkDrawing::NetworkDrawing(const EpaNetwork& network)
@@ -65,39 +70,37 @@ NetworkDrawing::NetworkDrawing(const EpaNetwork& network)
 
 // A node is drawn once for each of its rows of coordinates: without one not at all.
 template <class Node, class Insert>
-void NetworkDrawing::drawNodes(const RecordList<Node>& nodes, double (*height)(const Node&),
-                               Insert insert, const char16_t* done, const char16_t* absent) {
-  bool any = false;
+DrawnKind NetworkDrawing::drawNodes(const RecordList<Node>& nodes, double (*height)(const Node&),
+                                    Insert insert) {
+  DrawnKind kind;
   for (const Node& node : nodes) {
     for (const EpaCoord* row = coords_.first(node.id); row; row = coords_.next(row)) {
-      if (insert(node, AcGePoint3d(wtof(row->x), wtof(row->y), height(node)))) any = true;
+      const AcGePoint3d point(wtof(row->x), wtof(row->y), height(node));
+      kind.drawn += insert(node, point, kind.notices);
     }
   }
-  tell(any, done, absent);
+  return kind;
 }
 
-void NetworkDrawing::DrawJunctions(std::u16string_view layer) {
-  const auto insert = [layer](const EpaJunc& n, const AcGePoint3d& p) {
-    return InsertJunc(p, layer, n, wtof(n.emitter));
-  };
-  drawNodes<EpaJunc>(network_.juncs, heightOf, insert, u"\nImportazione nodi terminata",
-                     u"\nNodi assenti");
+DrawnKind NetworkDrawing::DrawJunctions(std::u16string_view layer) {
+  return drawNodes<EpaJunc>(network_.juncs, heightOf,
+                            [layer](const EpaJunc& n, const AcGePoint3d& p, Notices& notices) {
+                              return InsertJunc(p, layer, n, wtof(n.emitter), notices);
+                            });
 }
 
-void NetworkDrawing::DrawReservoirs(std::u16string_view layer) {
-  const auto insert = [layer](const EpaResv& n, const AcGePoint3d& p) {
-    return InsertResv(p, layer, n);
-  };
-  drawNodes<EpaResv>(network_.resvs, heightOf, insert, u"\nImportazione serbatoi terminata",
-                     u"\nSerbatoi assenti");
+DrawnKind NetworkDrawing::DrawReservoirs(std::u16string_view layer) {
+  return drawNodes<EpaResv>(network_.resvs, heightOf,
+                            [layer](const EpaResv& n, const AcGePoint3d& p, Notices& notices) {
+                              return InsertResv(p, layer, n, notices);
+                            });
 }
 
-void NetworkDrawing::DrawTanks(std::u16string_view layer) {
-  const auto insert = [layer](const EpaTank& n, const AcGePoint3d& p) {
-    return InsertTank(p, layer, n);
-  };
-  drawNodes<EpaTank>(network_.tanks, heightOf, insert, u"\nImportazione tanks terminata",
-                     u"\nTanks assenti");
+DrawnKind NetworkDrawing::DrawTanks(std::u16string_view layer) {
+  return drawNodes<EpaTank>(network_.tanks, heightOf,
+                            [layer](const EpaTank& n, const AcGePoint3d& p, Notices& notices) {
+                              return InsertTank(p, layer, n, notices);
+                            });
 }
 
 // --- links ---------------------------------------------------------------------------------------
@@ -166,23 +169,21 @@ class NetworkDrawing::LinkPath {
 };
 
 template <class Link, class Draw>
-void NetworkDrawing::drawLinks(const RecordList<Link>& links, Draw draw, const char16_t* done,
-                               const char16_t* absent) {
+DrawnKind NetworkDrawing::drawLinks(const RecordList<Link>& links, Draw draw) {
   LinkPath path(*this);
-  bool any = false;
+  DrawnKind kind;
   for (const Link& link : links) {
-    if (path.follow(link) && draw(link, path)) any = true;
+    if (path.follow(link) && draw(link, path, kind.notices)) ++kind.drawn;
   }
-  tell(any, done, absent);
+  return kind;
 }
 
-void NetworkDrawing::DrawPipes(std::u16string_view layer) {
-  const auto draw = [layer](const EpaPipe& pipe, const LinkPath& path) {
+DrawnKind NetworkDrawing::DrawPipes(std::u16string_view layer) {
+  return drawLinks(network_.pipes, [layer](const EpaPipe& pipe, const LinkPath& path, Notices&) {
     const Chain data = dataOf(pipe, {{Field::node1, path.node1()}, {Field::node2, path.node2()}});
     return HNGeometry::Create3Dpoly(path.points(), schema::kPipe.color, layer, 0, data.get())
         .isValid();
-  };
-  drawLinks(network_.pipes, draw, u"\nImportazione rami terminata", u"\nRami assenti");
+  });
 }
 
 namespace {
@@ -192,32 +193,53 @@ namespace {
 template <class Link, class Path>
 bool drawWithSymbol(std::u16string_view layer, const Link& link, const Path& path,
                     int (*insert)(const AcGePoint3d&, std::u16string_view, const Link&,
-                                  const Chain&)) {
+                                  const Chain&, Notices&),
+                    Notices& notices) {
   const Chain id = companionData(link.id);
   const bool drawn =
       HNGeometry::Create3Dpoly(path.points(), kindOf<Link>().color, layer, 0, id.get()).isValid();
   AcGePoint3d place;
   if (linkBlockPlace(path.points(), place)) {
     insert(place, layer, link,
-           dataOf(link, {{Field::node1, path.node1()}, {Field::node2, path.node2()}}));
+           dataOf(link, {{Field::node1, path.node1()}, {Field::node2, path.node2()}}), notices);
   }
   return drawn;
 }
 
 }  // namespace
 
-void NetworkDrawing::DrawPumps(std::u16string_view layer) {
-  const auto draw = [layer](const EpaPump& pump, const LinkPath& path) {
-    return drawWithSymbol(layer, pump, path, InsertPump);
-  };
-  drawLinks(network_.pumps, draw, u"\nImportazione pompe terminata", u"\nPompe assenti");
+DrawnKind NetworkDrawing::DrawPumps(std::u16string_view layer) {
+  return drawLinks(network_.pumps,
+                   [layer](const EpaPump& pump, const LinkPath& path, Notices& notices) {
+                     return drawWithSymbol(layer, pump, path, InsertPump, notices);
+                   });
 }
 
-void NetworkDrawing::DrawValves(std::u16string_view layer) {
-  const auto draw = [layer](const EpaValv& valve, const LinkPath& path) {
-    return drawWithSymbol(layer, valve, path, InsertValv);
+DrawnKind NetworkDrawing::DrawValves(std::u16string_view layer) {
+  return drawLinks(network_.valves,
+                   [layer](const EpaValv& valve, const LinkPath& path, Notices& notices) {
+                     return drawWithSymbol(layer, valve, path, InsertValv, notices);
+                   });
+}
+
+std::int64_t NetworkDrawing::size() {
+  std::int64_t size = 0;
+  const auto addNodes = [&](const auto& nodes) {
+    for (const auto& node : nodes) size += static_cast<std::int64_t>(coords_.count(node.id));
   };
-  drawLinks(network_.valves, draw, u"\nImportazione valvole terminata", u"\nValvole assenti");
+  const auto addLinks = [&](const auto& links) {
+    for (const auto& link : links) {
+      const bool placed = coords_.last(link.node1) && coords_.last(link.node2);
+      if (placed) size += 1 + static_cast<std::int64_t>(vertices_.count(link.id));
+    }
+  };
+  addNodes(network_.juncs);
+  addNodes(network_.resvs);
+  addNodes(network_.tanks);
+  addLinks(network_.pipes);
+  addLinks(network_.pumps);
+  addLinks(network_.valves);
+  return size;
 }
 
 }  // namespace vessora

@@ -1,8 +1,7 @@
 // Drawing the records of an INP file: nodes as symbols at their coordinates, links as 3D polylines
 // between the places of their end nodes, pumps and valves with a symbol on top.
 //
-// Each function draws one kind on its layer, which must exist, and prints one line: that it is
-// done, or that there was nothing to draw.
+// Each function draws one kind on its layer, which must exist, and answers how much of it.
 #pragma once
 
 #include <cstdint>
@@ -10,6 +9,7 @@
 #include <vector>
 
 #include "module/inp/id_index.h"
+#include "module/inp/inp_jobs.h"
 #include "module/network/records.h"
 
 namespace vessora {
@@ -21,6 +21,8 @@ class CoordRows {
   explicit CoordRows(const RecordList<EpaCoord>& rows);
   const EpaCoord* first(std::u16string_view id);
   const EpaCoord* last(std::u16string_view id);
+  // How many rows an id has.
+  std::size_t count(std::u16string_view id);
   // The next row of the same id, or null.
   const EpaCoord* next(const EpaCoord* row) const;
 
@@ -29,6 +31,7 @@ class CoordRows {
   const RecordList<EpaCoord>& rows_;
   IdIndex<EpaCoord> index_;
   std::vector<std::uint32_t> next_;
+  std::vector<std::uint32_t> counts_;  // by group
 };
 
 // The records of a file with what is needed to find them by id.
@@ -37,21 +40,22 @@ class NetworkDrawing {
   // `network` must outlive this and must not change.
   explicit NetworkDrawing(const EpaNetwork& network);
 
-  void DrawJunctions(std::u16string_view layer);
-  void DrawReservoirs(std::u16string_view layer);
-  void DrawTanks(std::u16string_view layer);
-  void DrawPipes(std::u16string_view layer);
-  void DrawPumps(std::u16string_view layer);
-  void DrawValves(std::u16string_view layer);
+  DrawnKind DrawJunctions(std::u16string_view layer);
+  DrawnKind DrawReservoirs(std::u16string_view layer);
+  DrawnKind DrawTanks(std::u16string_view layer);
+  DrawnKind DrawPipes(std::u16string_view layer);
+  DrawnKind DrawPumps(std::u16string_view layer);
+  DrawnKind DrawValves(std::u16string_view layer);
+
+  // How many symbols, links and points of links there are to draw: rows of equal ids multiply.
+  std::int64_t size();
 
  private:
   class LinkPath;
   template <class Node, class Insert>
-  void drawNodes(const RecordList<Node>& nodes, double (*height)(const Node&), Insert insert,
-                 const char16_t* done, const char16_t* absent);
+  DrawnKind drawNodes(const RecordList<Node>& nodes, double (*height)(const Node&), Insert insert);
   template <class Link, class Draw>
-  void drawLinks(const RecordList<Link>& links, Draw draw, const char16_t* done,
-                 const char16_t* absent);
+  DrawnKind drawLinks(const RecordList<Link>& links, Draw draw);
 
   const EpaNetwork& network_;
   CoordRows coords_, vertices_;

@@ -1,21 +1,22 @@
-#include <filesystem>
-#include <system_error>
-#include <utility>
-#include <vector>
-
+// The export of a network: the job, the command that asks for the files and tells what became of
+// them, and the export that other modules call.
 #include "module/dialogs/elenco_reti.h"
 #include "module/dialogs/inp_files.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
+#include "module/host/tell.h"
 #include "module/inp/collection.h"
 #include "module/inp/csv_writer.h"
 #include "module/inp/inp_export.h"
+#include "module/inp/inp_jobs.h"
 #include "module/inp/inp_writer.h"
 #include "module/inp/schematic_network.h"
 #include "module/network/settings_store.h"
 #include "platform/files.h"
 
 namespace vessora {
+
+// --- the job -------------------------------------------------------------------------------------
 
 namespace {
 
@@ -27,35 +28,59 @@ EpaSettings settingsOf(std::u16string_view network) {
   return settings;
 }
 
-// The proposed folder is part of no installation; one that the user chose exists.
-void makeProposedFolder(std::u16string_view path) {
-  const std::u16string proposed = DlgExpInp::proposedFolder();
-  if (path.substr(0, proposed.size()) != proposed) return;
-  std::error_code failed;  // the writer will tell that the file cannot be opened
-  std::filesystem::create_directories(platform::nativePath(proposed), failed);
-}
-
-// What the writers return is not looked at: they have told the user themselves.
-void exportNetwork(const DlgExpInp& dialog) {
+void exportReal(const ExportRequest& request, ExportResult& result) {
   acdbRegApp(app::kSettings);
-  const EpaSettings settings = settingsOf(currentNetwork);
+  const EpaSettings settings = settingsOf(request.network);
   EpaNetwork network;
-  CollectNetwork(currentNetwork, network);
-  WriteNetworkInp(dialog.path.value(), network, settings);
-  if (dialog.csv.value()) WriteNetworkCsv(dialog.csvPath(), network, settings);
+  CollectNetwork(request.network, network, result.notices);
+  result.written = WriteNetworkInp(request.path, network, settings, result.notices) == 1;
+  if (request.csvPath.empty()) return;
+  result.listed = WriteNetworkCsv(request.csvPath, network, settings, result.notices) == 1;
 }
 
-// False when the drawing has a fault that the user has to mend first; he has been told.
-bool exportSchematicNetwork(const DlgExpInp& dialog) {
+void exportSchematic(const ExportRequest& request, ExportResult& result) {
   constexpr const char16_t* kFormulas[] = {u"D-W", u"H-W", u"M-C"};
   SchematicNetwork network;
-  if (const char16_t* fault = collectSchematicNetwork(currentNetwork, network)) {
-    showMessage(TraduciTesto(fault));
-    return false;
+  if (const auto fault = collectSchematicNetwork(request.network, request.formula, network)) {
+    result.stopped = true;
+    result.notices.push_back({*fault});
+    return;
   }
-  WriteSchemaInp(dialog.path.value(), network.juncs, network.resvs, network.pipes, network.coords,
-                 network.vertices, kFormulas[resistanceFormulaIndex]);
-  return true;
+  result.written =
+      WriteSchemaInp(request.path, network.juncs, network.resvs, network.pipes, network.coords,
+                     network.vertices, kFormulas[request.formula], result.notices) == 1;
+}
+
+}  // namespace
+
+ExportResult exportNetwork(const ExportRequest& request) {
+  ExportResult result;
+  if (schema::isAqueductName(request.network)) {
+    exportSchematic(request, result);
+  } else {
+    exportReal(request, result);
+  }
+  return result;
+}
+
+// Any name is that of a real network here. What goes wrong is told as the command tells it.
+std::int64_t writeInpOf(std::u16string_view path, std::u16string_view network) {
+  if (!acdbHostApplicationServices()->workingDatabase()) return 0;
+  ExportResult result;
+  exportReal({network, path, {}, 0}, result);
+  tell(result.notices);
+  return result.written ? 1 : 0;
+}
+
+// --- the command ---------------------------------------------------------------------------------
+
+namespace {
+
+// The proposed folder is part of no installation; one that the user chose exists. Where it cannot
+// be made the writer will tell that the file cannot be opened.
+void makeProposedFolder(std::u16string_view path) {
+  const std::u16string proposed = DlgExpInp::proposedFolder();
+  if (path.starts_with(proposed)) platform::makeFolders(platform::nativePath(proposed));
 }
 
 int exportChosenNetwork() {
@@ -63,26 +88,17 @@ int exportChosenNetwork() {
   if (!dialog.doModal()) return kAbandoned;
   if (!dialog.path.value().empty()) {
     makeProposedFolder(dialog.path.value());
-    if (!schema::isAqueductName(currentNetwork)) {
-      exportNetwork(dialog);
-    } else if (!exportSchematicNetwork(dialog)) {
-      return kAbandoned;
-    }
+    const ExportResult result = exportNetwork(
+        {currentNetwork, dialog.path.value(),
+         dialog.csv.value() ? std::u16string_view(dialog.csvPath()) : u"", resistanceFormulaIndex});
+    tell(result.notices);
+    if (result.stopped) return kAbandoned;
   }
   showMessage(TraduciTesto(u"Esportazione completata!"));
   return kRan;
 }
 
 }  // namespace
-
-std::int64_t writeInpOf(std::u16string_view path, std::u16string_view network) {
-  if (!acdbHostApplicationServices()->workingDatabase()) return 0;
-  acdbRegApp(app::kSettings);
-  const EpaSettings settings = settingsOf(network);
-  EpaNetwork records;
-  CollectNetwork(network, records);
-  return WriteNetworkInp(path, records, settings);
-}
 
 int EpaCommands::expinp() {
   if (!readInstallPath(installPath)) return kAbandoned;

@@ -1,18 +1,34 @@
+// The import of an INP file: the job, and the command that asks for the file and tells what became
+// of it.
+#include <algorithm>
+
 #include "module/dialogs/inp_files.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
+#include "module/host/tell.h"
 #include "module/inp/draw_network.h"
+#include "module/inp/inp_jobs.h"
 #include "module/inp/inp_reader.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/settings_store.h"
+#include "platform/text.h"
 
 namespace vessora {
+
+// --- the job -------------------------------------------------------------------------------------
+
+struct InpContents {
+  std::u16string path;
+  EpaNetwork network;
+  EpaSettings settings;
+  Notices notices;
+};
 
 namespace {
 
 struct Pass {
   const schema::Kind& kind;
-  void (NetworkDrawing::*draw)(std::u16string_view layer);
+  DrawnKind (NetworkDrawing::*draw)(std::u16string_view layer);
 };
 constexpr Pass kPasses[] = {
     {schema::kJunc, &NetworkDrawing::DrawJunctions},
@@ -23,21 +39,94 @@ constexpr Pass kPasses[] = {
     {schema::kValv, &NetworkDrawing::DrawValves},
 };
 
-void drawNetwork(const EpaNetwork& network) {
-  NetworkDrawing drawing(network);
+// What is drawn once is no more than the rows of the file. Some rows of equal ids may multiply, as
+// users of such files know it; thousands times thousands would fill memory and disk.
+bool isOutOfProportion(std::int64_t drawn, const EpaNetwork& n) {
+  const std::size_t rows = n.juncs.size() + n.resvs.size() + n.tanks.size() + n.pipes.size() +
+                           n.pumps.size() + n.valves.size() + n.coords.size() + n.vertices.size();
+  return drawn > 100000 + 10 * static_cast<std::int64_t>(rows);
+}
+
+void drawNetwork(NetworkDrawing& drawing, const EpaNetwork& network, ImportResult& result) {
+  DrawnKind* kind = result.kinds;
   for (const Pass& pass : kPasses) {
     const std::u16string name = schema::layerName(pass.kind.layer, currentNetwork);
     HNGeometry::createNewLayer(name);
     HNGeometry::setColorLtypeLayer(name, pass.kind.color, u"ByLayer");
-    (drawing.*pass.draw)(name);
+    *kind++ = (drawing.*pass.draw)(name);
   }
   for (const EpaPattern& pattern : network.patterns) AddPattern(pattern, currentNetwork);
   for (const EpaCurve& curve : network.curves) AddCurve(curve, currentNetwork);
 }
 
-// Asks for the file and makes currentNetwork of its name. Where the answer does not do, the user is
+// The network of the drawing whose layers a name would share.
+std::u16string networkLike(std::u16string_view name) {
+  std::vector<std::u16string> names;
+  wide256 defaultName;
+  ListNetworks(names, defaultName);
+  const auto at = std::find_if(names.begin(), names.end(), [name](const std::u16string& other) {
+    return platform::equalNoCase(name, other);
+  });
+  return at == names.end() ? std::u16string() : *at;
+}
+
+}  // namespace
+
+InpFile openInp(std::u16string_view path) {
+  auto file = std::make_shared<InpContents>();
+  file->path = path;
+  ReadInp(path, file->network, file->settings, file->notices);
+  return file;
+}
+
+InpFindings examineInp(const InpFile& file) {
+  const EpaNetwork& n = file->network;
+  const auto count = [](const auto& list) { return static_cast<int>(list.size()); };
+  InpFindings found;
+  found.readable = file->notices.empty();
+  found.name = schema::networkOfFile(file->path);
+  found.counts = {count(n.juncs), count(n.resvs), count(n.tanks),
+                  count(n.pipes), count(n.pumps), count(n.valves)};
+  found.coordinates = count(n.coords);
+  found.drawn = NetworkDrawing(n).size();
+  found.outOfProportion = isOutOfProportion(found.drawn, n);
+  found.unusable = schema::unusableCharacter(found.name);
+  found.longestLayer = schema::longestLayerName(found.name);
+  found.isAqueductName = schema::isAqueductName(found.name);
+  found.taken = networkLike(found.name);
+  return found;
+}
+
+ImportResult importInp(const InpFile& file, std::u16string_view name) {
+  ImportResult result;
+  result.reading = std::move(file->notices);
+  for (const char16_t* application : {app::kImport, app::kSettings, app::kPattern, app::kCurve}) {
+    acdbRegApp(application);
+  }
+  std::vector<std::u16string> names;
+  wide256 defaultName;
+  ListNetworks(names, defaultName);
+  currentNetwork = name;
+  file->settings.name = currentNetwork;
+  // The first network of a drawing is its default one.
+  if (names.empty()) file->settings.isDefault = 1;
+  SaveSettings(file->settings, true);
+  NetworkDrawing drawing(file->network);
+  if (isOutOfProportion(drawing.size(), file->network)) {
+    result.reading.push_back({NoticeCode::inpTooLarge, file->path});
+    return result;
+  }
+  drawNetwork(drawing, file->network, result);
+  return result;
+}
+
+// --- the command ---------------------------------------------------------------------------------
+
+namespace {
+
+// Asks for the file and takes the network's name from it. Where the answer does not do, the user is
 // told and asked once more, and the command goes on with whatever stands in the dialog then.
-bool askForFile(std::u16string& path) {
+bool askForFile(std::u16string& path, wide256& name) {
   CDlgimpinp dialog;
   if (!dialog.doModal()) return false;
   if (dialog.path.value().empty()) {
@@ -45,9 +134,8 @@ bool askForFile(std::u16string& path) {
     dialog.doModal();
   }
   path = dialog.path.value();
-  currentNetwork = schema::networkOfFile(path);
+  name = schema::networkOfFile(path);
   // A name of the aqueduct module's networks; its sixth character alone is no name yet.
-  const std::u16string_view name = currentNetwork;
   if (name.size() > 6 && schema::isAqueductName(name)) {
     showMessage(TraduciTesto(u"Nome del file non valido!"));
     dialog.doModal();
@@ -55,29 +143,31 @@ bool askForFile(std::u16string& path) {
   return true;
 }
 
+void tellImport(const ImportResult& result) {
+  constexpr const char16_t* kWords[][2] = {
+      {u"\nImportazione nodi terminata", u"\nNodi assenti"},
+      {u"\nImportazione serbatoi terminata", u"\nSerbatoi assenti"},
+      {u"\nImportazione tanks terminata", u"\nTanks assenti"},
+      {u"\nImportazione rami terminata", u"\nRami assenti"},
+      {u"\nImportazione pompe terminata", u"\nPompe assenti"},
+      {u"\nImportazione valvole terminata", u"\nValvole assenti"},
+  };
+  tell(result.reading);
+  for (std::size_t i = 0; i < std::size(kWords); ++i) {
+    tell(result.kinds[i].notices);
+    acutPrintf(TraduciTesto(kWords[i][result.kinds[i].drawn > 0 ? 0 : 1]));
+  }
+  showMessage(TraduciTesto(u"Importazione terminata!"));
+}
+
 }  // namespace
 
 int EpaCommands::impinp() {
   if (!readInstallPath(installPath)) return kAbandoned;
-  EpaSettings settings;
-  networkNames.clear();
-  ListNetworks(networkNames, defaultNetwork);
-  // The first network of a drawing is its default one.
-  if (networkNames.empty()) settings.isDefault = 1;
-  networkNames.clear();
-
   std::u16string path;
-  if (!askForFile(path)) return kAbandoned;
-
-  for (const char16_t* name : {app::kImport, app::kSettings, app::kPattern, app::kCurve}) {
-    acdbRegApp(name);
-  }
-  settings.name = currentNetwork;
-  EpaNetwork network;
-  ReadInp(path, network, settings);
-  SaveSettings(settings, true);
-  drawNetwork(network);
-  showMessage(TraduciTesto(u"Importazione terminata!"));
+  wide256 name;
+  if (!askForFile(path, name)) return kAbandoned;
+  tellImport(importInp(openInp(path), name));
   return kRan;
 }
 

@@ -3,34 +3,24 @@
 #include <new>
 #include <utility>
 
-#include "module/host/messages.h"
-#include "module/host/translate.h"
 #include "module/inp/inp_scanner.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
 namespace vessora {
 
-namespace {
-
-void warn(const char16_t* message) {
-  const std::u16string text = TraduciTesto(message);  // the next translation overwrites it
-  showMessage(text, TraduciTesto(u"Attenzione!"));
-}
-
-}  // namespace
-
-void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& settings) {
+void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& settings,
+             Notices& notices) {
   auto bytes = platform::readFile(platform::nativePath(path));
   if (!bytes) {
-    warn(u"Percorso non valido o file inesistente!");
+    notices.push_back({NoticeCode::inpUnreadable, std::u16string(path)});
     return;
   }
   try {
     parseInp(std::move(*bytes), network, settings);
   } catch (const std::bad_alloc&) {
     network = EpaNetwork();
-    warn(u"Memoria insufficiente per leggere il file!");
+    notices.push_back({NoticeCode::inpTooLarge, std::u16string(path)});
   }
 }
 

@@ -11,14 +11,16 @@
 #include <string>
 #include <string_view>
 
+#include "module/host/notices.h"
 #include "module/network/records.h"
 
 namespace vessora {
 
 // Reads a file. The lists of `network` must be empty; `settings` keeps what it holds for every
 // keyword that the file lacks. A file that cannot be opened, or does not fit in memory, gives a
-// message box and empty lists.
-void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& settings);
+// notice and empty lists.
+void ReadInp(std::u16string_view path, EpaNetwork& network, EpaSettings& settings,
+             Notices& notices);
 
 // The same on the bytes of a file: UTF-8, or Windows-1252 when they are no valid UTF-8. Throws
 // std::bad_alloc when the records do not fit in memory, and nothing else.

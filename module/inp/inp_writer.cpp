@@ -232,8 +232,8 @@ void writeSchemaOptions(TextOutput& out, std::u16string_view headloss) {
 }  // namespace
 
 std::int32_t WriteNetworkInp(std::u16string_view path, const EpaNetwork& network,
-                             const EpaSettings& settings) {
-  auto out = TextOutput::open(path);
+                             const EpaSettings& settings, Notices& notices) {
+  auto out = TextOutput::open(path, notices);
   if (!out) return 0;
   out->print(u"[TITLE]\n%s\n", settings.name);
   writeNodes(*out, network);
@@ -247,14 +247,15 @@ std::int32_t WriteNetworkInp(std::u16string_view path, const EpaNetwork& network
   writeReportAndTimes(*out, settings);
   writeOptions(*out, settings);
   writeCoordinatesAndVertices(*out, network.coords, network.vertices);
-  return out->close();
+  return out->close(notices);
 }
 
 std::int32_t WriteSchemaInp(std::u16string_view path, const RecordList<EpaJunc>& juncs,
                             const RecordList<EpaResv>& resvs, const RecordList<EpaPipe>& pipes,
                             const RecordList<EpaCoord>& coords,
-                            const RecordList<EpaCoord>& vertices, std::u16string_view headloss) {
-  auto out = TextOutput::open(path);
+                            const RecordList<EpaCoord>& vertices, std::u16string_view headloss,
+                            Notices& notices) {
+  auto out = TextOutput::open(path, notices);
   if (!out) return 0;
   out->print(u"[TITLE]\n\n");
   out->print(kJunctionHead);
@@ -268,7 +269,7 @@ std::int32_t WriteSchemaInp(std::u16string_view path, const RecordList<EpaJunc>&
   out->print(u"[VALVES]\n%s\n", kValveColumns);
   writeSchemaOptions(*out, headloss);
   writeCoordinatesAndVertices(*out, coords, vertices);
-  return out->close();
+  return out->close(notices);
 }
 
 }  // namespace vessora

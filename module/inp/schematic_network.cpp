@@ -6,7 +6,6 @@
 #include <utility>
 #include <vector>
 
-#include "module/host/module.h"
 #include "module/network/element_data.h"
 #include "module/network/point_grid.h"
 #include "module/network/schema.h"
@@ -130,11 +129,12 @@ class NamedPlaces {
 // lacks it takes from the one before, which is what programs that read these files have always got.
 class Collector {
  public:
-  Collector(SchematicNetwork& network, NamedPlaces& places) : network_(network), places_(places) {
+  Collector(SchematicNetwork& network, NamedPlaces& places, int formula)
+      : network_(network), places_(places), formula_(formula) {
     pipe_.status = u"Open";
   }
 
-  const char16_t* take(const Block& block) {
+  std::optional<NoticeCode> take(const Block& block) {
     if (!block.name.empty()) {
       junc_.id = block.name;
       if (!block.elev.empty()) junc_.elev = block.elev;
@@ -142,7 +142,7 @@ class Collector {
     }
     if (!block.head.empty()) {
       if (block.tankName.empty()) {
-        return u"Un serbatoio è privo di nome nel campo descrizione!";
+        return NoticeCode::reservoirWithoutName;
       }
       resv_.head = block.head;
       resv_.id = block.tankName;
@@ -152,22 +152,22 @@ class Collector {
       network_.coords.push_back(coordOf(block.name, block.position));
       network_.juncs.push_back(junc_);
     }
-    return nullptr;
+    return std::nullopt;
   }
 
-  const char16_t* take(const Polyline& polyline) {
+  std::optional<NoticeCode> take(const Polyline& polyline) {
     const resbuf* const size = polyline.data.item(schema::schematic::kSize);
     const resbuf* const loss = polyline.data.item(schema::schematic::kLoss);
     const resbuf* const id = polyline.data.item(schema::schematic::kPipeName);
     if (!id || acutKindOf(id->restype) != RbKind::text) {
-      return u"Uno o più rami sono privi di nome nel campo descrizione!";
+      return NoticeCode::pipeWithoutName;
     }
     pipe_.id = id->resval.rstring ? id->resval.rstring : u"";
     storeReal(pipe_.length, axis(size, 0));
     storeReal(pipe_.diameter, axis(size, 1) * 1000);  // m to mm
     // For Darcy-Weisbach the roughness is a height in m here and in mm in the file.
     const double roughness = axis(loss, 0);
-    storeReal(pipe_.roughness, resistanceFormulaIndex == 0 ? roughness * 1000 : roughness);
+    storeReal(pipe_.roughness, formula_ == 0 ? roughness * 1000 : roughness);
     storeReal(pipe_.minorLoss, axis(loss, 1));
     for (const AcGePoint3d& point : polyline.points) {
       network_.vertices.push_back(coordOf(pipe_.id, point));
@@ -175,7 +175,7 @@ class Collector {
     places_.take(polyline.points.front(), pipe_.node1);
     places_.take(polyline.points.back(), pipe_.node2);
     if (!places_.empty()) network_.pipes.push_back(pipe_);
-    return nullptr;
+    return std::nullopt;
   }
 
  private:
@@ -185,6 +185,7 @@ class Collector {
 
   SchematicNetwork& network_;
   NamedPlaces& places_;
+  const int formula_;
   EpaJunc junc_;
   EpaResv resv_;
   EpaPipe pipe_;
@@ -192,20 +193,17 @@ class Collector {
 
 }  // namespace
 
-const char16_t* collectSchematicNetwork(std::u16string_view name, SchematicNetwork& network) {
+std::optional<NoticeCode> collectSchematicNetwork(std::u16string_view name, int formula,
+                                                  SchematicNetwork& network) {
   const std::vector<Item> items = readLayer(name);
-  if (hasCoincidentNodes(items)) {
-    return u"Per l'esportazione della rete spostare momentaneamente di layer i nodi coincidenti "
-           u"con i serbatoi.";
-  }
+  if (hasCoincidentNodes(items)) return NoticeCode::coincidentNodes;
   NamedPlaces places(items);
-  Collector collector(network, places);
+  Collector collector(network, places, formula);
   for (const Item& item : items) {
-    const char16_t* const fault =
-        item.block ? collector.take(*item.block) : collector.take(*item.polyline);
+    const auto fault = item.block ? collector.take(*item.block) : collector.take(*item.polyline);
     if (fault) return fault;
   }
-  return nullptr;
+  return std::nullopt;
 }
 
 }  // namespace vessora

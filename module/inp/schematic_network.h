@@ -5,8 +5,10 @@
 // place, in all three axes, with a tolerance of 0.0001 m.
 #pragma once
 
+#include <optional>
 #include <string_view>
 
+#include "module/host/notices.h"
 #include "module/network/records.h"
 
 namespace vessora {
@@ -19,8 +21,9 @@ struct SchematicNetwork {
   RecordList<EpaCoord> vertices;  // of all pipes, ends included
 };
 
-// Null when the network has been collected, which may be empty. Else the fault that the user has to
-// mend, as an untranslated message.
-const char16_t* collectSchematicNetwork(std::u16string_view name, SchematicNetwork& network);
+// Nothing when the network has been collected, which may be empty; else the fault that the user has
+// to mend. `formula` is 0 "D-W", 1 "H-W", 2 "M-C": for the first, roughness is turned into mm.
+std::optional<NoticeCode> collectSchematicNetwork(std::u16string_view name, int formula,
+                                                  SchematicNetwork& network);
 
 }  // namespace vessora

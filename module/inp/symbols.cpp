@@ -81,12 +81,8 @@ Memory* remembered() {
 
 // --- block definitions ---------------------------------------------------------------------------
 
-void tell(const char16_t* message, std::u16string_view path) {
-  acutPrintf(platform::format(TraduciTesto(message), path));
-}
-
-// Copies a block file of the product into the drawing; null after telling why not.
-AcDbObjectId readBlock(AcDbDatabase* database, std::u16string_view name) {
+// Copies a block file of the product into the drawing; null with a notice.
+AcDbObjectId readBlock(AcDbDatabase* database, std::u16string_view name, Notices& notices) {
   std::u16string path;
   readInstallPath(path);
   path += u"vessora\\";
@@ -94,12 +90,12 @@ AcDbObjectId readBlock(AcDbDatabase* database, std::u16string_view name) {
   path += u".dwg";
   AcDbDatabase source(false);
   if (source.readDwgFile(path) != Acad::eOk) {
-    tell(u"\nImpossibile leggere il blocco: \"%s\"!", path);
+    notices.push_back({NoticeCode::blockUnreadable, path});
     return {};
   }
   AcDbObjectId id;
   if (database->insert(id, name, &source) != Acad::eOk) {
-    tell(u"\nImpossibile inserire il blocco: \"%s\"!", path);
+    notices.push_back({NoticeCode::blockNotInserted, path});
     return {};
   }
   return id;
@@ -119,12 +115,12 @@ void readDefinitions(Symbol& symbol) {
 }
 
 // The block of this name, read from its file when the drawing lacks it; null when that fails.
-const Symbol* symbolNamed(Memory& known, std::u16string_view name) {
+const Symbol* symbolNamed(Memory& known, std::u16string_view name, Notices& notices) {
   if (const auto at = known.symbols.find(name); at != known.symbols.end()) return &at->second;
   AcDbDatabase* const database = known.modelSpace.database();
   Symbol symbol;
   symbol.block = blockNamed(database, name);
-  if (symbol.block.isNull()) symbol.block = readBlock(database, name);
+  if (symbol.block.isNull()) symbol.block = readBlock(database, name, notices);
   if (symbol.block.isNull()) return nullptr;
   readDefinitions(symbol);
   return &known.symbols.emplace(name, std::move(symbol)).first->second;
@@ -175,15 +171,16 @@ bool appendAttribute(AcDbBlockReference& reference, AcDbObjectId definitionId,
   return true;
 }
 
-// One attribute for each definition whose tag has a value; false after telling that one failed.
+// One attribute for each definition whose tag has a value; false, with a notice, when one failed.
 template <class List>
-bool fillAttributes(AcDbBlockReference& reference, const Symbol& symbol, const List& values) {
+bool fillAttributes(AcDbBlockReference& reference, const Symbol& symbol, const List& values,
+                    Notices& notices) {
   const AcGeMatrix3d transform = reference.blockTransform();
   for (const Symbol::Definition& definition : symbol.definitions) {
     for (const Value& value : values) {
       if (definition.tag != value.tag) continue;
       if (appendAttribute(reference, definition.id, transform, value.text)) break;
-      acutPrintf(TraduciTesto(u"\nErrore: Impossibile inserire gli attributi"));
+      notices.push_back({NoticeCode::attributesNotInserted});
       return false;
     }
   }
@@ -194,14 +191,14 @@ bool fillAttributes(AcDbBlockReference& reference, const Symbol& symbol, const L
 // when its attributes are there, so that it is missing where an attribute failed.
 template <class List>
 Opened<AcDbBlockReference> insertSymbol(std::u16string_view block, const Placement& at,
-                                        const List& values, const resbuf* early,
-                                        const resbuf* late) {
+                                        const List& values, const resbuf* early, const resbuf* late,
+                                        Notices& notices) {
   Memory* const known = remembered();
   if (!known) return {};
-  const Symbol* const symbol = symbolNamed(*known, block);
+  const Symbol* const symbol = symbolNamed(*known, block, notices);
   if (!symbol) return {};
   Opened<AcDbBlockReference> reference = place(*known, *symbol, at, early);
-  if (!reference || !fillAttributes(*reference, *symbol, values)) return {};
+  if (!reference || !fillAttributes(*reference, *symbol, values, notices)) return {};
   if (late) reference->setXData(late);
   return reference;
 }
@@ -210,14 +207,14 @@ Opened<AcDbBlockReference> insertSymbol(std::u16string_view block, const Placeme
 template <class Record>
 Opened<AcDbBlockReference> insertElement(const AcGePoint3d& point, std::u16string_view layer,
                                          const Record& record, const resbuf* early,
-                                         const resbuf* late) {
+                                         const resbuf* late, Notices& notices) {
   std::array<Value, 8> values;
   std::size_t count = 0;
   for (const schema::Row& row : kindOf<Record>().data.rows) {
     if (!row.tag.empty()) values[count++] = {row.tag, textOf(record, row.field)};
   }
   return insertSymbol(kindOf<Record>().block, {point, layer}, std::span(values.data(), count),
-                      early, late);
+                      early, late, notices);
 }
 
 // --- flow arrows ---------------------------------------------------------------------------------
@@ -239,10 +236,10 @@ bool eraseArrow(AcDbObjectId id) {
 }
 
 int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcGePoint3d& point,
-                std::u16string_view network) {
+                std::u16string_view network, Notices& notices) {
   Memory* const known = remembered();
   if (!known) return 0;
-  const Symbol* const symbol = symbolNamed(*known, block);
+  const Symbol* const symbol = symbolNamed(*known, block, notices);
   if (!symbol) return 0;
   const std::u16string name = schema::layerName(prefix, network);
   auto arrows = known->arrows.find(name);
@@ -263,48 +260,50 @@ void forgetSymbols() { memory.reset(); }
 // --- the family ----------------------------------------------------------------------------------
 
 int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJunc& junc,
-               double emitter) {
+               double emitter, Notices& notices) {
   const Chain data = dataOf(junc, {{schema::Field::emitter, {}, emitter}});
   {
-    const auto junction = insertElement(point, layer, junc, nullptr, data.get());
+    const auto junction = insertElement(point, layer, junc, nullptr, data.get(), notices);
     if (!junction) return 0;
     if (emitter > 0) junction->setColorIndex(1);
   }
   const double flow = platform::wtof(junc.demand);
-  if (flow > 0) InsertFlowOut(point, currentNetwork);
-  if (flow < 0) InsertFlowIn(point, currentNetwork);
+  if (flow > 0) InsertFlowOut(point, currentNetwork, notices);
+  if (flow < 0) InsertFlowIn(point, currentNetwork, notices);
   return 1;
 }
 
-int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv) {
-  return insertElement(point, layer, resv, nullptr, dataOf(resv).get()) ? 1 : 0;
+int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv,
+               Notices& notices) {
+  return insertElement(point, layer, resv, nullptr, dataOf(resv).get(), notices) ? 1 : 0;
 }
 
-int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank) {
-  return insertElement(point, layer, tank, nullptr, dataOf(tank).get()) ? 1 : 0;
+int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank,
+               Notices& notices) {
+  return insertElement(point, layer, tank, nullptr, dataOf(tank).get(), notices) ? 1 : 0;
 }
 
 int InsertPump(const AcGePoint3d& point, std::u16string_view layer, const EpaPump& pump,
-               const Chain& data) {
-  return insertElement(point, layer, pump, data.get(), nullptr) ? 1 : 0;
+               const Chain& data, Notices& notices) {
+  return insertElement(point, layer, pump, data.get(), nullptr, notices) ? 1 : 0;
 }
 
 int InsertValv(const AcGePoint3d& point, std::u16string_view layer, const EpaValv& valv,
-               const Chain& data) {
-  return insertElement(point, layer, valv, data.get(), nullptr) ? 1 : 0;
+               const Chain& data, Notices& notices) {
+  return insertElement(point, layer, valv, data.get(), nullptr, notices) ? 1 : 0;
 }
 
-int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network) {
-  return insertArrow(u"Q_IN", layer::kFlowIn, point, network);
+int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network, Notices& notices) {
+  return insertArrow(u"Q_IN", layer::kFlowIn, point, network, notices);
 }
 
-int InsertFlowOut(const AcGePoint3d& point, std::u16string_view network) {
-  return insertArrow(u"Q_OUT", layer::kFlowOut, point, network);
+int InsertFlowOut(const AcGePoint3d& point, std::u16string_view network, Notices& notices) {
+  return insertArrow(u"Q_OUT", layer::kFlowOut, point, network, notices);
 }
 
 // The title's tag is a word of the drawing's language, unlike all other tags.
 int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
-                 const std::array<std::u16string, 10>& classes, int kind) {
+                 const std::array<std::u16string, 10>& classes, int kind, Notices& notices) {
   constexpr const char16_t* kTags[] = {u"C1", u"C2", u"C3", u"C4", u"C5",
                                        u"C6", u"C7", u"C8", u"C9", u"C10"};
   const std::u16string titleTag = TraduciTesto(u"TITOLO");
@@ -314,16 +313,19 @@ int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
   data.text(title);
   data.integer(kind);
   return insertSymbol(classes[5].empty() ? u"LEG_5" : u"LEG_10", {point, {}}, values, nullptr,
-                      data.take().get())
+                      data.take().get(), notices)
              ? 1
              : 0;
 }
 
 int InsertNamedBlock(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view name,
                      std::u16string_view code, std::u16string_view description,
-                     std::u16string_view blockName, double rotation, double scale) {
+                     std::u16string_view blockName, double rotation, double scale,
+                     Notices& notices) {
   const Values values = {{u"NOME", name}, {u"CODICE", code}, {u"DESCRIZIONE", description}};
-  return insertSymbol(blockName, {point, layer, rotation, scale}, values, nullptr, nullptr) ? 1 : 0;
+  return insertSymbol(blockName, {point, layer, rotation, scale}, values, nullptr, nullptr, notices)
+             ? 1
+             : 0;
 }
 
 }  // namespace vessora

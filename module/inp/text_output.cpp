@@ -2,23 +2,12 @@
 
 #include <utility>
 
-#include "module/host/host_drawing.h"
-#include "module/host/translate.h"
-
 namespace vessora {
 
-namespace {
-
-void tell(const char16_t* message, std::u16string_view path) {
-  acutPrintf(platform::format(TraduciTesto(message), path));
-}
-
-}  // namespace
-
-std::optional<TextOutput> TextOutput::open(std::u16string_view path) {
+std::optional<TextOutput> TextOutput::open(std::u16string_view path, Notices& notices) {
   auto file = platform::SaveFile::begin(platform::nativePath(path));
   if (file) return TextOutput(path, std::move(*file));
-  tell(u"\nImpossibile aprire il file %s", path);
+  notices.push_back({NoticeCode::fileNotOpened, std::u16string(path)});
   return std::nullopt;
 }
 
@@ -32,10 +21,10 @@ void TextOutput::flush() {
   pending_.clear();
 }
 
-std::int32_t TextOutput::close() {
+std::int32_t TextOutput::close(Notices& notices) {
   flush();
   if (file_.commit(false)) return 1;
-  tell(u"\nImpossibile scrivere il file %s", path_);
+  notices.push_back({NoticeCode::fileNotWritten, path_});
   return 0;
 }
 

@@ -1,7 +1,7 @@
 // A text file being written row by row from wide templates: UTF-8, lines end in LF.
 //
 // The file appears at its path as a whole when it is closed; until then, and after any failure, an
-// older file there is untouched. Failures are told to the user on the command line.
+// older file there is untouched.
 #pragma once
 
 #include <cstdint>
@@ -9,6 +9,7 @@
 #include <string>
 #include <string_view>
 
+#include "module/host/notices.h"
 #include "platform/files.h"
 #include "platform/format.h"
 
@@ -16,9 +17,9 @@ namespace vessora {
 
 class TextOutput {
  public:
-  // Starts the file, whose folder must exist. When that cannot be done the user has been told and
-  // there is no value.
-  static std::optional<TextOutput> open(std::u16string_view path);
+  // Starts the file, whose folder must exist. When that cannot be done a notice says so and there
+  // is no value.
+  static std::optional<TextOutput> open(std::u16string_view path, Notices& notices);
 
   // Appends one row or several: `pattern` as platform::format takes it.
   template <class... Args>
@@ -27,9 +28,8 @@ class TextOutput {
     if (pending_.size() >= kPiece) flush();
   }
 
-  // 1 when every byte is on disk and the file stands at its path; else 0, and the user has been
-  // told.
-  std::int32_t close();
+  // 1 when every byte is on disk and the file stands at its path; else 0, with a notice.
+  std::int32_t close(Notices& notices);
 
  private:
   static constexpr std::size_t kPiece = std::size_t{1} << 20;

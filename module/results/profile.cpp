@@ -2,6 +2,7 @@
 #include "module/results/profile.h"
 
 #include "module/dialogs/elenco_reti.h"
+#include "module/host/tell.h"
 #include "platform/format.h"
 
 namespace vessora {
@@ -112,7 +113,9 @@ int EpaCommands::epaProf() {
   if (!chooseNetwork(AqueductNetworks::accepted)) return kAbandoned;
   networkNames.clear();
   ProfileChain chain;
-  collectProfileNetwork(currentNetwork, chain);
+  Notices notices;
+  collectProfileNetwork(currentNetwork, chain, notices);
+  tell(notices);
   pickLinks(chain);
 
   ProfileWish wish;

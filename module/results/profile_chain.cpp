@@ -108,9 +108,9 @@ const ProfileChain::Places& placesOf(const ProfileChain& chain, LinkKind kind) {
 
 }  // namespace
 
-void collectProfileNetwork(std::u16string_view network, ProfileChain& chain) {
+void collectProfileNetwork(std::u16string_view network, ProfileChain& chain, Notices& notices) {
   chain.name = network;
-  CollectNetwork(network, chain.network);
+  CollectNetwork(network, chain.network, notices);
   enterPlaces(chain.network.pipes, chain.pipes);
   enterPlaces(chain.network.pumps, chain.pumps);
   enterPlaces(chain.network.valves, chain.valves);

@@ -55,7 +55,7 @@ struct ProfileChain {
 };
 
 // Reads the network and its results out of the drawing.
-void collectProfileNetwork(std::u16string_view network, ProfileChain& chain);
+void collectProfileNetwork(std::u16string_view network, ProfileChain& chain, Notices& notices);
 
 enum class LinkVerdict { valid = 1, notOfNetwork = 2, notImported = 3, noResults = 4 };
 // Fills the link from its `objectId`; what it holds counts only when the answer is valid.

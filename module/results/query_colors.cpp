@@ -8,6 +8,7 @@
 #include <utility>
 #include <vector>
 
+#include "module/host/tell.h"
 #include "module/host/translate.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
@@ -212,7 +213,9 @@ void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
   classes.forEach([&](double lower, double upper) {
     labels[i++] = platform::format(u"%.3lf ÷ %.3lf", lower, upper);
   });
-  InsertLegend(point, title, labels, kind);
+  Notices notices;
+  InsertLegend(point, title, labels, kind, notices);
+  tell(notices);
 }
 
 void applyQueryColors(const NetworkLayers& layers, const NetworkQuery& query) {

@@ -5,6 +5,7 @@
 #include "module/dialogs/rpt_files.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
+#include "module/host/tell.h"
 #include "module/host/translate.h"
 #include "module/network/element_data.h"
 #include "module/network/settings_store.h"
@@ -17,12 +18,18 @@ namespace {
 
 // --- rows onto elements --------------------------------------------------------------------------
 
+Chain periodData(std::u16string_view time) {
+  XDataBuilder data(schema::kPeriod.application);
+  data.text(time);
+  return data.take();
+}
+
 // Rows by element name, and the period that goes with them.
 template <class List>
 class ResultSource {
  public:
   ResultSource(const List& rows, std::u16string_view time)
-      : rows_(rows), period_(acutBuildList(1001, app::kPeriod, 1000, time, RTNONE)) {}
+      : rows_(rows), period_(periodData(time)) {}
 
   auto rowOf(std::u16string_view name) const {
     const std::size_t row = rows_.find(name);
@@ -41,17 +48,19 @@ class ResultSource {
   Chain period_;
 };
 
-// An entity that has nothing to lose is not touched: it would count as changed.
-void removeResults(AcDbEntity& entity, std::u16string_view results) {
-  for (const std::u16string_view name : {results, std::u16string_view(app::kPeriod)}) {
-    if (Chain(entity.xData(name.data()))) ClearXData(&entity, name);
-  }
+// An entity that has nothing to lose is not touched: it would count as changed. Whether it had
+// results.
+bool removeResults(AcDbEntity& entity, const char16_t* results) {
+  const bool had = static_cast<bool>(Chain(entity.xData(results)));
+  if (had) ClearXData(&entity, results);
+  if (Chain(entity.xData(app::kPeriod))) ClearXData(&entity, app::kPeriod);
+  return had;
 }
 
 template <class List>
-bool writeToBlock(AcDbBlockReference& block, const ResultSource<List>& source) {
+bool writeToBlock(AcDbBlockReference& block, const ResultSource<List>& source, Notices& notices) {
   std::u16string name;
-  ReadNameAttribute(&block, schema::kIdTag, name);
+  ReadNameAttribute(&block, schema::kIdTag, name, notices);
   return source.write(block, source.rowOf(name));
 }
 
@@ -65,65 +74,52 @@ bool writeToPipe(AcDb3dPolyline& pipe, const ResultSource<LinkResultList>& sourc
   return source.write(pipe, row);
 }
 
-// Lets `act` have each entity of this class that passes the filter, open for write. True when one
-// of them said so.
+// Lets `act` have each entity of this class that passes the filter, open for write; of how many it
+// said yes.
 template <class Entity, class Act>
-bool forEachOf(resbuf* filter, Act act) {
-  bool any = false;
+int forEachOf(resbuf* filter, Act act) {
+  int count = 0;
   for (const AcDbObjectId id : SelectionSet(u"_X", filter)) {
     const Opened<Entity> entity(id, AcDb::kForWrite);
-    if (entity && act(*entity)) any = true;
+    if (entity && act(*entity)) ++count;
   }
-  return any;
+  return count;
 }
 
 template <class List>
-bool writeBlocks(resbuf* filter, const char16_t* application, const List* rows,
-                 std::u16string_view time) {
+int writeBlocks(resbuf* filter, const char16_t* application, const List* rows,
+                std::u16string_view time, Notices& notices) {
   if (!rows) {
-    return forEachOf<AcDbBlockReference>(filter, [&](AcDbBlockReference& block) {
-      removeResults(block, application);
-      return false;
-    });
+    return forEachOf<AcDbBlockReference>(
+        filter, [&](AcDbBlockReference& block) { return removeResults(block, application); });
   }
   const ResultSource<List> source(*rows, time);
   return forEachOf<AcDbBlockReference>(
-      filter, [&](AcDbBlockReference& block) { return writeToBlock(block, source); });
-}
-
-void tell(bool any, const char16_t* written, const char16_t* absent) {
-  acutPrintf(TraduciTesto(any ? written : absent));
+      filter, [&](AcDbBlockReference& block) { return writeToBlock(block, source, notices); });
 }
 
 }  // namespace
 
-void WriteNodeResults(const NetworkLayers& layers, const NodeResultList* nodes,
-                      std::u16string_view time) {
-  tell(writeBlocks(nodeBlockFilter(layers), app::kNodeResult, nodes, time),
-       u"Importazione risultati nodi terminata", u"Risultati nodi assenti");
+int WriteNodeResults(const NetworkLayers& layers, const NodeResultList* nodes,
+                     std::u16string_view time, Notices& notices) {
+  return writeBlocks(nodeBlockFilter(layers), app::kNodeResult, nodes, time, notices);
 }
 
-void WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
-                      std::u16string_view time) {
+int WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
+                     std::u16string_view time) {
   resbuf* const filter = elementPolylineFilter(layers.pipe);
-  bool any = false;
-  if (links) {
-    const ResultSource<LinkResultList> source(*links, time);
-    any = forEachOf<AcDb3dPolyline>(
-        filter, [&](AcDb3dPolyline& pipe) { return writeToPipe(pipe, source); });
-  } else {
-    forEachOf<AcDb3dPolyline>(filter, [](AcDb3dPolyline& pipe) {
-      removeResults(pipe, app::kLinkResult);
-      return false;
-    });
+  if (!links) {
+    return forEachOf<AcDb3dPolyline>(
+        filter, [](AcDb3dPolyline& pipe) { return removeResults(pipe, app::kLinkResult); });
   }
-  tell(any, u"\nImportazione risultati rami terminata", u"\nRisultati rami assenti");
+  const ResultSource<LinkResultList> source(*links, time);
+  return forEachOf<AcDb3dPolyline>(filter,
+                                   [&](AcDb3dPolyline& pipe) { return writeToPipe(pipe, source); });
 }
 
-void WriteValvePumpResults(const NetworkLayers& layers, const LinkResultList* links,
-                           std::u16string_view time) {
-  tell(writeBlocks(linkBlockFilter(layers), app::kLinkResult, links, time),
-       u"\nImportazione risultati valvole/pompe terminata", u"\nRisultati valvole/pompe assenti");
+int WriteValvePumpResults(const NetworkLayers& layers, const LinkResultList* links,
+                          std::u16string_view time, Notices& notices) {
+  return writeBlocks(linkBlockFilter(layers), app::kLinkResult, links, time, notices);
 }
 
 void ResetLinkColors(const NetworkLayers& layers) {
@@ -145,6 +141,102 @@ void ErasePiezometricLine(std::u16string_view network) {
   for (const AcDbObjectId id : set) {
     if (const Opened<AcDbEntity> entity(id, AcDb::kForWrite); entity) entity->erase(true);
   }
+}
+
+// --- the jobs ------------------------------------------------------------------------------------
+
+struct PeriodRows {
+  NodeResultList nodes;
+  LinkResultList links;
+  std::u16string time;     // empty for the only period
+  bool endsInFull = true;  // the report's last line has an end
+
+  bool isWhole() const { return !nodes.empty() && !links.empty(); }
+};
+
+Report openReport(std::u16string_view path) { return RptText::load(path); }
+
+ReportPeriods periodsOf(const Report& report) {
+  ReportPeriods periods;
+  NodeResultList nodes;
+  LinkResultList links;
+  periods.readable = report != nullptr;
+  periods.several = isMultiPeriod(report, periods.lowerCaseHrs);
+  if (periods.several) ListRptTimeSteps(report, periods.times);
+  return periods;
+}
+
+ReportRows rowsOf(const Report& report, std::u16string_view time, bool lowerCaseHrs) {
+  auto rows = std::make_shared<PeriodRows>();
+  rows->time = time;
+  if (report) rows->endsInFull = report->endsInFull();
+  if (ReadRpt(report, rows->nodes, rows->links) == kRptMultiPeriod) {
+    ReadRptPeriod(report, rows->nodes, rows->links, time, lowerCaseHrs);
+  }
+  return rows;
+}
+
+namespace {
+
+// Counts elements against the rows that their names have in the period's own tables.
+class RowCheck {
+ public:
+  explicit RowCheck(ReportFindings& findings) : found_(findings) {}
+  void check(const RptRowList& rows, std::u16string_view name) {
+    constexpr std::size_t kNamed = 5;
+    ++found_.elements;
+    const std::size_t row = rows.find(name);
+    if (row != RptRowList::kNone && rows.inTable(row)) return;
+    ++found_.missing;
+    if (found_.firstMissing.size() < kNamed) found_.firstMissing.emplace_back(name);
+  }
+  void checkBlocks(resbuf* filter, const RptRowList& rows) {
+    for (const AcDbObjectId id : SelectionSet(u"_X", filter)) {
+      const Opened<AcDbBlockReference> block(id);
+      if (!block) continue;
+      // The name that counts, without a word about a difference.
+      const Chain data(block->xData(app::kImport));
+      std::u16string name(data.text(1));
+      if (name.empty()) ReadAttribute(block.get(), schema::kIdTag, name);
+      check(rows, name);
+    }
+  }
+
+ private:
+  ReportFindings& found_;
+};
+
+}  // namespace
+
+ReportFindings examineResults(const ReportRows& rows, std::u16string_view network) {
+  ReportFindings found;
+  found.hasRows = rows->isWhole();
+  if (!found.hasRows) return found;
+  const NetworkLayers layers(network);
+  RowCheck check(found);
+  check.checkBlocks(nodeBlockFilter(layers), rows->nodes);
+  for (const AcDbObjectId id : SelectionSet(u"_X", elementPolylineFilter(layers.pipe))) {
+    const Opened<AcDb3dPolyline> pipe(id);
+    if (pipe) check.check(rows->links, Chain(pipe->xData(app::kImport)).text(1));
+  }
+  check.checkBlocks(linkBlockFilter(layers), rows->links);
+  const bool open = rows->nodes.tableIsOpen() || rows->links.tableIsOpen();
+  found.cut = open && (found.missing > 0 || !rows->endsInFull);
+  return found;
+}
+
+ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) {
+  for (const char16_t* name : {app::kNodeResult, app::kLinkResult, app::kPeriod}) acdbRegApp(name);
+  const NetworkLayers layers(network);
+  const std::u16string_view time = rows ? rows->time : std::u16string_view();
+  const LinkResultList* const links = rows ? &rows->links : nullptr;
+  ResultCounts counts;
+  counts.nodes = WriteNodeResults(layers, rows ? &rows->nodes : nullptr, time, counts.nodeNotices);
+  counts.pipes = WritePipeResults(layers, links, time);
+  counts.valvesAndPumps = WriteValvePumpResults(layers, links, time, counts.linkNotices);
+  ResetLinkColors(layers);
+  ErasePiezometricLine(network);
+  return counts;
 }
 
 // --- the command ---------------------------------------------------------------------------------
@@ -191,51 +283,40 @@ bool askForReport(Request& request) {
   return true;
 }
 
-void refuse(const std::u16string& text) { showMessage(text, u"", MessageIcon::stop); }
-
-struct Results {
-  NodeResultList nodes;
-  LinkResultList links;
-  std::u16string time;  // empty for the only period
-};
-
-bool readChosenPeriod(const RptFile& report, Results& results) {
-  std::vector<std::u16string> steps;
-  ListRptTimeSteps(report, steps);
-  DlgRptMult dialog(steps);
-  if (!dialog.doModal()) {
-    refuse(TraduciTesto(u"Importazione interrotta!"));
-    return false;
+// The rows that are to be written; null when there are none, which the user has been told.
+ReportRows askForRows(const std::u16string& path) {
+  const Report report = openReport(path);
+  if (!report) {
+    tell({{NoticeCode::reportUnreadable, path}});
+    return nullptr;
   }
-  results.time = dialog.period();
-  ReadRptPeriod(report, results.nodes, results.links, results.time, rptRoute.lowerCaseHrs);
-  return true;
+  const ReportPeriods periods = periodsOf(report);
+  std::u16string time;
+  if (periods.several) {
+    DlgRptMult dialog(periods.times);
+    if (!dialog.doModal()) {
+      showMessage(TraduciTesto(u"Importazione interrotta!"), u"", MessageIcon::stop);
+      return nullptr;
+    }
+    time = dialog.period();
+  }
+  ReportRows rows = rowsOf(report, time, rptRoute.lowerCaseHrs);
+  if (rows->isWhole()) return rows;
+  tell({{NoticeCode::reportWithoutRows}});
+  return nullptr;
 }
 
-// False when there is nothing to write; the user has been told.
-bool readReport(const std::u16string& path, Results& results) {
-  const RptFile report = RptText::load(path);
-  const RptKind kind = ReadRpt(report, results.nodes, results.links);
-  if (kind == kRptUnreadable) {
-    refuse(TraduciTesto(u"Impossibile leggere il file ") + path);
-    return false;
-  }
-  if (kind == kRptMultiPeriod && !readChosenPeriod(report, results)) return false;
-  if (results.nodes.empty() || results.links.empty()) {
-    refuse(TraduciTesto(u"Impossibile importare i risultati!"));
-    return false;
-  }
-  return true;
-}
-
-void writeResults(std::u16string_view network, const Results* results) {
-  const NetworkLayers layers(network);
-  const std::u16string_view time = results ? results->time : std::u16string_view();
-  WriteNodeResults(layers, results ? &results->nodes : nullptr, time);
-  WritePipeResults(layers, results ? &results->links : nullptr, time);
-  WriteValvePumpResults(layers, results ? &results->links : nullptr, time);
-  ResetLinkColors(layers);
-  ErasePiezometricLine(network);
+// A clear counts as nothing written.
+void tellResults(const ResultCounts& counts, bool cleared) {
+  const auto line = [cleared](int count, const char16_t* written, const char16_t* absent) {
+    acutPrintf(TraduciTesto(count > 0 && !cleared ? written : absent));
+  };
+  tell(counts.nodeNotices);
+  line(counts.nodes, u"Importazione risultati nodi terminata", u"Risultati nodi assenti");
+  line(counts.pipes, u"\nImportazione risultati rami terminata", u"\nRisultati rami assenti");
+  tell(counts.linkNotices);
+  line(counts.valvesAndPumps, u"\nImportazione risultati valvole/pompe terminata",
+       u"\nRisultati valvole/pompe assenti");
 }
 
 }  // namespace
@@ -247,17 +328,15 @@ int EpaCommands::imprpt() {
 
   Request request{rptRoute.path.str(), std::u16string_view(rptRoute.network)};
   if (!rptRoute.exported && !askForReport(request)) return kAbandoned;
-  for (const char16_t* name : {app::kNodeResult, app::kLinkResult, app::kPeriod}) acdbRegApp(name);
-
-  if (request.path.empty()) {
-    writeResults(request.network, nullptr);
+  const bool clears = request.path.empty();
+  const ReportRows rows = clears ? nullptr : askForRows(request.path);
+  if (!clears && !rows) return kAbandoned;
+  tellResults(writeResults(rows, request.network), clears);
+  if (clears) {
     showMessage(TraduciTesto(u"Risultati cancellati!"));
-    return kRan;
+  } else if (!rptRoute.exported) {
+    showMessage(TraduciTesto(u"Importazione terminata con successo!"));
   }
-  Results results;
-  if (!readReport(request.path, results)) return kAbandoned;
-  writeResults(request.network, &results);
-  if (!rptRoute.exported) showMessage(TraduciTesto(u"Importazione terminata con successo!"));
   return kRan;
 }
 

@@ -8,19 +8,20 @@
 #include <string_view>
 
 #include "module/network/schema.h"
+#include "module/results/result_jobs.h"
 #include "module/results/rpt_reader.h"
 
 namespace vessora {
 
 // What writes the results. A null list removes results and periods; else the list has at least one
-// row, and each element gets its row and `time`. Each prints one line that says whether any element
-// was given results.
-void WriteNodeResults(const NetworkLayers& layers, const NodeResultList* nodes,
-                      std::u16string_view time);
-void WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
-                      std::u16string_view time);
-void WriteValvePumpResults(const NetworkLayers& layers, const LinkResultList* links,
-                           std::u16string_view time);
+// row, and each element gets its row and `time`. The answer is how many elements were given
+// results, or had some to lose.
+int WriteNodeResults(const NetworkLayers& layers, const NodeResultList* nodes,
+                     std::u16string_view time, Notices& notices);
+int WritePipeResults(const NetworkLayers& layers, const LinkResultList* links,
+                     std::u16string_view time);
+int WriteValvePumpResults(const NetworkLayers& layers, const LinkResultList* links,
+                          std::u16string_view time, Notices& notices);
 
 // Takes the colours that a query gave off the link polylines: by layer again.
 void ResetLinkColors(const NetworkLayers& layers);

@@ -144,6 +144,25 @@ void RptRowList::add(const RptFile& report, std::size_t line) {
   lines_.push_back(line);
 }
 
+void RptRowList::beginTable() {
+  endTable();
+  open_ = true;
+  tables_.emplace_back(lines_.size(), 0);
+}
+
+void RptRowList::endTable() {
+  if (!std::exchange(open_, false)) return;
+  tables_.back().second = lines_.size();
+}
+
+bool RptRowList::inTable(std::size_t row) const {
+  auto after = std::upper_bound(tables_.begin(), tables_.end(), row,
+                                [](std::size_t r, const auto& table) { return r < table.first; });
+  if (after == tables_.begin()) return false;
+  const std::size_t end = (--after)->second;
+  return row < end || (open_ && &*after == &tables_.back());
+}
+
 std::size_t RptRowList::split(std::size_t row, Columns& columns) const {
   return splitLine(report_->line(lines_[row]), columns);
 }
@@ -296,6 +315,12 @@ class LineCursor {
   bool ended_ = false;
 };
 
+// A blank line, or the head of a table of another period.
+bool endsTable(std::string_view line) {
+  return line.find_first_not_of(" \t\r\n\f") == line.npos || line.starts_with("  Node Results") ||
+         line.starts_with("  Link Results");
+}
+
 void readTables(const RptFile& report, const Banners& banners, RptRowList& nodes,
                 RptRowList& links) {
   RptRowList* table = nullptr;
@@ -307,9 +332,13 @@ void readTables(const RptFile& report, const Banners& banners, RptRowList& nodes
                               : banners.startLinks(line) ? &links
                                                          : nullptr;
     if (begun) {
+      nodes.endTable();
+      links.endTable();
       for (int i = 0; i < kHeadLines; ++i) cursor.next();
       table = begun;
+      table->beginTable();
     } else if (table) {
+      if (endsTable(line)) table->endTable();
       table->add(report, cursor.begin());
     }
   }
@@ -326,14 +355,21 @@ void forEachPeriodLine(const RptText& text, Visit visit) {
 
 }  // namespace
 
-RptKind ReadRpt(const RptFile& report, NodeResultList& nodes, LinkResultList& links) {
-  if (!report) return kRptUnreadable;
+bool isMultiPeriod(const RptFile& report, bool& lowerCaseHrs) {
   bool several = false;
-  forEachPeriodLine(*report, [&](std::string_view) {
+  if (!report) return several;
+  forEachPeriodLine(*report, [&](std::string_view line) {
     several = true;
+    lowerCaseHrs = line.find(" Hrs:") == line.npos;
     return false;
   });
-  if (several) return kRptMultiPeriod;
+  return several;
+}
+
+RptKind ReadRpt(const RptFile& report, NodeResultList& nodes, LinkResultList& links) {
+  if (!report) return kRptUnreadable;
+  bool lowerCaseHrs;
+  if (isMultiPeriod(report, lowerCaseHrs)) return kRptMultiPeriod;
   if (report->size() > 0) readTables(report, Banners::singlePeriod(), nodes, links);
   return kRptSinglePeriod;
 }

@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "module/network/result_records.h"
@@ -30,6 +31,8 @@ class RptText {
   static std::shared_ptr<const RptText> load(std::u16string_view path);
 
   std::size_t size() const { return text_.size(); }
+  // Whether the last line has an end.
+  bool endsInFull() const { return text_.empty() || text_.back() == '\n'; }
   // Where the line that begins here ends, which is where the next one begins.
   std::size_t endOf(std::size_t begin) const;
   // The line that begins here, its line feed included.
@@ -62,6 +65,15 @@ class RptRowList {
   // Adds the line that begins at this place of the report, which is the same one for all rows.
   void add(const RptFile& report, std::size_t line);
 
+  // The tables themselves, which the list runs beyond: a table, or a page of one, ends at a line
+  // without a word, at the head of another one, or with the file.
+  void beginTable();
+  void endTable();
+  // Whether a row stands in one of the tables.
+  bool inTable(std::size_t row) const;
+  // Whether a table was still open where the file ended.
+  bool tableIsOpen() const { return open_; }
+
  private:
   // A row with fewer than four words: the rows that its first four columns come from.
   struct ShortRow {
@@ -84,6 +96,8 @@ class RptRowList {
   RptFile report_;
   std::string_view default_;
   std::vector<std::size_t> lines_;
+  std::vector<std::pair<std::size_t, std::size_t>> tables_;  // first row, row behind the last
+  bool open_ = false;
   // What is known of the rows before `indexed_`.
   mutable std::size_t indexed_ = 0;
   mutable std::array<std::uint32_t, 4> last_{kNoRow, kNoRow, kNoRow, kNoRow};
@@ -114,6 +128,9 @@ enum RptKind {
 // Adds the rows of a report with a single period; of one with several periods, none. `report` may
 // be null, which is unreadable.
 RptKind ReadRpt(const RptFile& report, NodeResultList& nodes, LinkResultList& links);
+
+// Whether a report has several periods; if so, whether the first one's head writes "hrs".
+bool isMultiPeriod(const RptFile& report, bool& lowerCaseHrs);
 
 // Adds the periods of a report with several, as their node tables name them ("12:00:00"). Only
 // neighbours are compared, so that a time that comes back after another one is there twice.

@@ -24,6 +24,8 @@ inline std::string bytesOf(const std::filesystem::path& path) {
 // Tests that write files: each has a folder of its own.
 class NetworkFiles : public ::testing::Test {
  protected:
+  Notices notices;  // of what was written and read
+
   void SetUp() override {
     std::string pattern = (std::filesystem::temp_directory_path() / "vessora-inp-XXXXXX").string();
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);

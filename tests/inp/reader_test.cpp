@@ -328,8 +328,8 @@ TEST_F(NetworkFiles, readsAFileAndKeepsSettingsThatItLacks) {
   EpaSettings s;
   s.name = u"kept";
   s.viscosity = 7;
-  ReadInp(path("a.inp"), n, s);
-  ReadInp(path("empty.inp"), n, s);
+  ReadInp(path("a.inp"), n, s, notices);
+  ReadInp(path("empty.inp"), n, s, notices);
   ASSERT_EQ(n.tanks.size(), 1u);
   EXPECT_EQ(n.tanks[0].initLevel, u"\n");
   EXPECT_EQ(s.name, u"kept");

@@ -23,7 +23,7 @@ class RoundTrip : public NetworkFiles {
     settings_.globalPrice = 0.5;
     settings_.energyPattern = u"night";
     settings_.hydraulicStep = u"00:30";
-    ASSERT_EQ(WriteNetworkInp(path("first.inp"), before_, settings_), 1);
+    ASSERT_EQ(WriteNetworkInp(path("first.inp"), before_, settings_, notices), 1);
     parseInp(content("first.inp"), after_, read_);
   }
 
@@ -108,12 +108,12 @@ TEST_F(RoundTrip, settings) {
 // whose seconds now have no reading.
 TEST_F(RoundTrip, theSecondRoundLosesOnlyTimes) {
   after_.pumps.resize(8);  // without those that have neither curve nor power
-  ASSERT_EQ(WriteNetworkInp(path("second.inp"), after_, read_), 1);
+  ASSERT_EQ(WriteNetworkInp(path("second.inp"), after_, read_, notices), 1);
   const Parsed again(content("second.inp"));
   EXPECT_TRUE(again.settings.hydraulicStep.empty());
   EXPECT_EQ(again.settings.duration, u"00:00:00");  // a keyword without a value changes nothing
   EXPECT_EQ(again.settings.viscosity, 1.25);
-  ASSERT_EQ(WriteNetworkInp(path("third.inp"), again.network, read_), 1);
+  ASSERT_EQ(WriteNetworkInp(path("third.inp"), again.network, read_, notices), 1);
   EXPECT_EQ(content("third.inp"), content("second.inp"));
 }
 

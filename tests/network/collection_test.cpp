@@ -8,9 +8,11 @@ namespace {
 
 class Collection : public DrawnNetwork {
  protected:
+  Notices notices;
   EpaNetwork collect(std::u16string_view name = u"Rete") {
     EpaNetwork network;
-    CollectNetwork(name, network);
+    notices.clear();
+    CollectNetwork(name, network, notices);
     expectNothingHeld();
     return network;
   }
@@ -147,12 +149,10 @@ TEST_F(Collection, EditedNamesAreReportedOnceEachAndFieldsAreCutAtTheirCapacity)
   const std::u16string longText(60, u'x'), longId(255, u'n');
   addBlock(u"Junc", u"JUNC-Rete", {1e60, 0, 0}, {{u"ID", longId}, {u"EL", longText}},
            juncData(longId, 0, longText));
-  const char box[] =
-      "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: edited\\nValore di "
-      "importazione: N1\n";
-  script(box);
   const EpaNetwork n = collect();
-  expectScriptDone();
+  ASSERT_EQ(notices.size(), 1U);
+  EXPECT_EQ(notices[0].code, NoticeCode::namesDiffer);
+  EXPECT_EQ(notices[0].subject + u"|" + notices[0].other, u"N1|edited");
   ASSERT_EQ(n.juncs.size(), 2U);
   EXPECT_EQ(n.juncs[0].id, u"N1");
   EXPECT_EQ(n.coords[0].id, u"N1");
@@ -166,9 +166,10 @@ TEST_F(Collection, EditedNamesAreReportedOnceEachAndFieldsAreCutAtTheirCapacity)
   addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"U1"}}, pumpData(pump));
   addPolyline(u"PUMP-Rete", {{1, 0, 0}, {2, 0, 0}}, idData(u"U1"));
   addPolyline(u"PIPE-Rete", {{1, 0, 0}, {2, 0, 0}}, idData(u"P1"));
-  script(box);
   std::vector<std::u16string> nodes, links;
-  CollectNetworkNames(u"Rete", nodes, links);
+  notices.clear();
+  CollectNetworkNames(u"Rete", nodes, links, notices);
+  EXPECT_EQ(notices.size(), 1U);
   expectNothingHeld();
   EXPECT_EQ(nodes, (std::vector<std::u16string>{u"N1", longId}));
   EXPECT_EQ(links, (std::vector<std::u16string>{u"U1", u"P1"}));

@@ -40,10 +40,12 @@ class ResultsOnDrawing : public DrawnNetwork {
     NodeResultList nodeRows;
     LinkResultList linkRows;
     ASSERT_EQ(ReadRpt(report, nodeRows, linkRows), kRptSinglePeriod);
-    WriteNodeResults(layers_, &nodeRows, time);
-    WritePipeResults(layers_, &linkRows, time);
-    WriteValvePumpResults(layers_, &linkRows, time);
+    nodes_ = WriteNodeResults(layers_, &nodeRows, time, notices_);
+    pipes_ = WritePipeResults(layers_, &linkRows, time);
+    valves_ = WriteValvePumpResults(layers_, &linkRows, time, notices_);
   }
+  int nodes_ = 0, pipes_ = 0, valves_ = 0;
+  Notices notices_;
   static void setColor(AcDbObjectId id, int color) {
     Opened<AcDbEntity>(id, AcDb::kForWrite)->setColorIndex(color);
   }
@@ -54,12 +56,9 @@ class ResultsOnDrawing : public DrawnNetwork {
 TEST_F(ResultsOnDrawing, EachElementGetsItsFirstRowAndAMissingOneTheLast) {
   const auto n1 = junction(u"N1"), n2 = junction(u"N2"), lost = junction(u"n1");
   const auto p1 = pipe(u"P1"), lostPipe = pipe(u"P9"), v1 = valve(u"V1"), course = companion(u"V1");
-  script(
-      ": Importazione risultati nodi terminata\n"
-      ": Importazione risultati rami terminata\n"
-      ": Importazione risultati valvole/pompe terminata\n");
   write("  N1 1.25 2 x3 0.5\n  N2 4 5 6\n  N1 7 8 9\n   \n",
         "  P1 10 0.2 30 closed\n  V1 1 2 3\n  Analysis ended at noon\n", u"2:00:00");
+  EXPECT_EQ(nodes_ * 100 + pipes_ * 10 + valves_, 321);
   EXPECT_EQ(data(n1, app::kNodeResult), "1.25|2.0|0.0|0.5");
   EXPECT_EQ(data(n1, app::kPeriod), "2:00:00");
   EXPECT_EQ(data(n2, app::kNodeResult), "4.0|5.0|6.0|0");
@@ -68,9 +67,7 @@ TEST_F(ResultsOnDrawing, EachElementGetsItsFirstRowAndAMissingOneTheLast) {
   EXPECT_EQ(data(lostPipe, app::kLinkResult), "0.0|0.0|0.0|Open");
   EXPECT_EQ(data(v1, app::kLinkResult), "1.0|2.0|3.0|Open");
   EXPECT_EQ(data(course, app::kLinkResult), "");
-  expectScriptDone();
   // The next import takes their place as a whole.
-  script("");
   write("  N1 1 1 1 1\n", "  P1 2 2 2\n");
   EXPECT_EQ(data(n1, app::kNodeResult), "1.0|1.0|1.0|1");
   EXPECT_EQ(data(n1, app::kPeriod), "");
@@ -79,14 +76,13 @@ TEST_F(ResultsOnDrawing, EachElementGetsItsFirstRowAndAMissingOneTheLast) {
 TEST_F(ResultsOnDrawing, TheImportedNameWinsOverAnEditedAttribute) {
   const auto n =
       addBlock(u"Junc", layers_.junc, {0, 0, 0}, {{u"ID", u"N2"}}, juncData(u"N1", 0, u""));
-  script(
-      "! Riscontrata incongruenza nel nome del nodo:\\nValore attributo: N2\\n"
-      "Valore di importazione: N1\n");
   write("  N1 1 2 3\n  N2 4 5 6\n", "  P 1 2 3\n");
   EXPECT_EQ(data(n, app::kNodeResult), "1.0|2.0|3.0|0");
+  ASSERT_EQ(notices_.size(), 1U);
+  EXPECT_EQ(notices_[0].subject + u"|" + notices_[0].other, u"N1|N2");
 }
 
-TEST_F(ResultsOnDrawing, RemovalLeavesNothingAndSaysAbsent) {
+TEST_F(ResultsOnDrawing, RemovalLeavesNothing) {
   const auto n = junction(u"N1"), p = pipe(u"P1"), v = valve(u"V1"), bare = junction(u"N2");
   const auto other = addPolyline(u"PIPE-Altra", {{0, 0, 0}, {1, 0, 0}}, idData(u"P1"));
   setColor(p, 3);
@@ -98,10 +94,11 @@ TEST_F(ResultsOnDrawing, RemovalLeavesNothingAndSaysAbsent) {
     for (const AcDbObjectId id : onLayer(layer)) ids.push_back(id);
   }
   ASSERT_EQ(ids.size(), 4U);
-  script(": Risultati nodi assenti\n: Risultati rami assenti\n: Risultati valvole/pompe assenti\n");
-  WriteNodeResults(layers_, nullptr, u"");
-  WritePipeResults(layers_, nullptr, u"");
-  WriteValvePumpResults(layers_, nullptr, u"");
+  // What is counted had something to lose.
+  EXPECT_EQ(WriteNodeResults(layers_, nullptr, u"", notices_), 2);
+  EXPECT_EQ(WritePipeResults(layers_, nullptr, u""), 1);
+  EXPECT_EQ(WriteValvePumpResults(layers_, nullptr, u"", notices_), 1);
+  EXPECT_EQ(WriteNodeResults(layers_, nullptr, u"", notices_), 0);
   ResetLinkColors(layers_);
   for (const AcDbObjectId id : ids) {
     for (const char16_t* application : {app::kNodeResult, app::kLinkResult, app::kPeriod}) {

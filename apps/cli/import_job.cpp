@@ -1,0 +1,118 @@
+// An INP file into a drawing. What a drawing should not get is refused before anything is drawn.
+#include "apps/cli/host.h"
+#include "apps/cli/jobs.h"
+#include "apps/cli/outputs.h"
+#include "cad/drawing/drawing.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace cli {
+namespace {
+
+// Releases before R2000 have room for 31 characters in a name.
+std::size_t longestName() {
+  return cad::Session::instance().database()->drawing().format().version < 1015 ? 31 : 255;
+}
+
+std::string shown(char16_t c) {
+  return "\"" + platform::printable(platform::narrow(std::u16string_view(&c, 1))) + "\"";
+}
+
+// What is wrong with the file's name as that of a network; empty when nothing is.
+std::string faultOfName(const vessora::InpFindings& found) {
+  if (found.name.empty()) {
+    return words("il nome del file deve dare il nome alla rete (NOME.inp)",
+                 "the file's name must give the network its name (NAME.inp)");
+  }
+  if (found.isAqueductName) {
+    return words("i nomi che iniziano così sono del modulo acquedotti; rinominare il file",
+                 "names that begin so belong to the aqueduct module; rename the file");
+  }
+  if (found.unusable != 0) {
+    return words("il nome della rete non può contenere ", "the network's name cannot hold ") +
+           shown(found.unusable) +
+           words(", che nessun layer può avere; rinominare il file",
+                 ", which no layer can bear; rename the file");
+  }
+  if (found.longestLayer > longestName()) {
+    return words("il nome della rete è troppo lungo: i suoi layer avrebbero ",
+                 "the network's name is too long: its layers would have ") +
+           std::to_string(found.longestLayer) +
+           words(" caratteri, il disegno ne ammette ", " characters, the drawing admits ") +
+           std::to_string(longestName());
+  }
+  if (!found.taken.empty()) {
+    return words("il disegno ha già una rete di questo nome: ",
+                 "the drawing has a network of this name already: ") +
+           platform::narrow(found.taken) + words("; rinominare il file", "; rename the file");
+  }
+  return {};
+}
+
+// What the file lacks; empty when there is something to draw.
+std::string faultOfContent(const vessora::InpFindings& found) {
+  if (found.counts.nodes() + found.counts.links() == 0) {
+    return words("non è un file INP di EPANET: non ha sezioni come [JUNCTIONS] o [PIPES]",
+                 "this is no EPANET INP file: it has no sections such as [JUNCTIONS] or [PIPES]");
+  }
+  if (found.coordinates == 0) {
+    return words("il file non ha coordinate ([COORDINATES]): non c'è nulla da disegnare",
+                 "the file has no coordinates ([COORDINATES]): there is nothing to draw");
+  }
+  if (found.drawn == 0) {
+    return words("nessun elemento ha un posto in [COORDINATES]: non c'è nulla da disegnare",
+                 "no element has a place in [COORDINATES]: there is nothing to draw");
+  }
+  if (found.outOfProportion) {
+    return words("righe ripetute con lo stesso nome darebbero ",
+                 "repeated rows of one name would give ") +
+           std::to_string(found.drawn) +
+           words(" oggetti e punti; correggere il file", " objects and points; correct the file");
+  }
+  return {};
+}
+
+vessora::ImportResult draw(JobSpan& job, const vessora::InpFile& file, const std::u16string& name) {
+  Progress progress(words("Disegno della rete:", "Drawing the network:"));
+  auto& drawing = cad::Session::instance().database()->drawing().writer();
+  drawing.setObserver(
+      [&](std::uint32_t n) { progress.show(std::to_string(n) + words(" oggetti", " objects")); });
+  vessora::ImportResult result = job->importInp(file, name);
+  drawing.setObserver({});
+  return result;
+}
+
+}  // namespace
+
+int importNetwork(const ImportOptions& o) {
+  if (platform::folderExists(o.inp) || !platform::fileExists(o.inp)) {
+    return fail(
+        o.inp + ": " +
+        words("file INP inesistente; controllare il percorso", "no such INP file; check the path"));
+  }
+  if (const std::string no = refusalOf(o.out, {{o.inp, false}, {o.base, true}}); !no.empty()) {
+    return fail(no);
+  }
+  JobSpan job;
+  if (auto opened = job.open(o.base); !opened) return fail(opened.error());
+  const vessora::InpFile file = job->openInp(platform::widen(platform::absolutePath(o.inp)));
+  const vessora::InpFindings found = job->examineInp(file);
+  if (!found.readable) return fail(o.inp + ": " + words("non si può leggere", "cannot be read"));
+  for (const std::string& fault : {faultOfName(found), faultOfContent(found)}) {
+    if (!fault.empty()) return fail(o.inp + ": " + fault);
+  }
+  const vessora::ImportResult result = draw(job, file, found.name);
+  if (result.drawn() == 0) {
+    for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
+    return fail(o.inp + ": " + words("non è stato disegnato nulla", "nothing was drawn"));
+  }
+  {
+    Progress progress(words("Salvataggio", "Saving"));
+    if (auto saved = saveDrawing(o.out); !saved) return fail(saved.error());
+  }
+  for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
+  say(platform::narrow(found.name) + ": " + describe(job->network(found.name).counts));
+  return 0;
+}
+
+}  // namespace cli

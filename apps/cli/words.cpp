@@ -1,0 +1,140 @@
+#include "apps/cli/words.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+
+#include "platform/text.h"
+
+namespace cli {
+
+using platform::narrow;
+
+bool italian() {
+  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
+    const char* value = std::getenv(name);
+    if (value && *value) return std::strncmp(value, "it", 2) == 0;
+  }
+  return false;
+}
+
+namespace {
+
+// Names may hold line feeds; a message is one line.
+std::string oneLine(std::string_view text) {
+  std::string line = platform::printable(text);
+  while (line.ends_with('\n')) line.pop_back();
+  for (char& c : line) {
+    if (c == '\n' || c == '\t') c = ' ';
+  }
+  return line;
+}
+
+}  // namespace
+
+int fail(std::string_view message) {
+  std::fprintf(stderr, "vessora: %s\n", oneLine(message).c_str());
+  return 1;
+}
+
+void warn(std::string_view message) {
+  std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(),
+               oneLine(message).c_str());
+}
+
+void say(std::string_view line) { std::printf("%s\n", oneLine(line).c_str()); }
+
+std::string describe(const vessora::Notice& notice) {
+  using Code = vessora::NoticeCode;
+  const std::string subject = narrow(notice.subject);
+  switch (notice.code) {
+    case Code::namesDiffer:
+      return subject + ": " + words("l'attributo dice ", "the attribute says ") + "\"" +
+             narrow(notice.other) + "\"; " +
+             words("vale il nome importato", "the imported name counts");
+    case Code::inpUnreadable:
+      return subject + ": " +
+             words("il file INP non si può leggere", "the INP file cannot be read");
+    case Code::inpTooLarge:
+      return subject + ": " + words("il file INP è troppo grande", "the INP file is too large");
+    case Code::blockUnreadable:
+      return subject + ": " +
+             words("il simbolo non si può leggere; reinstallare",
+                   "the symbol cannot be read; install again");
+    case Code::blockNotInserted:
+      return subject + ": " +
+             words("il simbolo non si può inserire nel disegno",
+                   "the symbol cannot be put into the drawing");
+    case Code::attributesNotInserted:
+      return words("un simbolo è senza attributi", "a symbol is without attributes");
+    case Code::fileNotOpened:
+      return subject + ": " +
+             words("il file non si può aprire per la scrittura; controllare la cartella",
+                   "the file cannot be opened for writing; check the folder");
+    case Code::fileNotWritten:
+      return subject + ": " +
+             words("il file non si può scrivere fino alla fine",
+                   "the file cannot be written to its end");
+    case Code::coincidentNodes:
+      return words(
+          "dei nodi coincidono con serbatoi; spostarli per l'esportazione su un altro layer",
+          "nodes coincide with reservoirs; for the export put them on another layer");
+    case Code::reservoirWithoutName:
+      return words("un serbatoio è senza nome", "a reservoir has no name");
+    case Code::pipeWithoutName:
+      return words("uno o più rami sono senza nome", "one or more pipes have no name");
+    case Code::reportUnreadable:
+      return subject + ": " +
+             words("report inesistente o illeggibile; controllare il percorso",
+                   "no such report, or it cannot be read; check the path");
+    case Code::reportWithoutRows:
+      return words("il report non ha righe per nodi e rami in questo periodo",
+                   "the report has no rows of nodes and links for this period");
+  }
+  return {};
+}
+
+void warn(const vessora::Notices& notices) {
+  const vessora::Notice* before = nullptr;
+  for (const vessora::Notice& notice : notices) {
+    // A missing symbol is missing for each element; once is enough.
+    const bool again = before && before->code == notice.code && before->subject == notice.subject &&
+                       before->other == notice.other;
+    if (!again) warn(describe(notice));
+    before = &notice;
+  }
+}
+
+std::string describe(const vessora::ElementCounts& n) {
+  const auto part = [](const char* it, const char* en, int count) {
+    return words(it, en) + " " + std::to_string(count);
+  };
+  return part("nodi", "junctions", n.junctions) + ", " +
+         part("serbatoi", "reservoirs", n.reservoirs) + ", " + part("vasche", "tanks", n.tanks) +
+         ", " + part("condotte", "pipes", n.pipes) + ", " + part("pompe", "pumps", n.pumps) + ", " +
+         part("valvole", "valves", n.valves);
+}
+
+std::string listed(const std::vector<std::u16string>& names) {
+  std::string all;
+  for (const std::u16string& name : names) all += (all.empty() ? "" : ", ") + narrow(name);
+  return all;
+}
+
+std::string describe(const vessora::PickedNetwork& picked, const std::string& drawing,
+                     const std::string& wanted) {
+  using Why = vessora::PickedNetwork::Why;
+  const std::string names = listed(picked.names);
+  if (picked.why == Why::unknown) {
+    return drawing + ": " + words("la rete non c'è: ", "no such network: ") + wanted +
+           (names.empty() ? words(" (il disegno non ha reti)", " (it has no network)")
+                          : words("; ci sono: ", "; it has: ") + names);
+  }
+  return drawing + ": " +
+         (picked.why == Why::none
+              ? words("il disegno non ha reti", "the drawing has no network")
+              : words("indicare la rete con -n; ci sono: ", "name the network with -n; it has: ") +
+                    names);
+}
+
+}  // namespace cli

@@ -1,0 +1,32 @@
+// What a job has to say, in order: things found and things that failed, without words. Commands
+// tell them in the words of their texts (tell.h), programs in their own.
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace vessora {
+
+enum class NoticeCode {
+  namesDiffer,       // an element's name as imported (subject), which counts, and its attribute
+  inpUnreadable,     // the INP file cannot be read
+  inpTooLarge,       // it does not fit in memory, or would draw out of all proportion
+  blockUnreadable,   // the file of a symbol (subject: path)
+  blockNotInserted,  // the same: it cannot become a block of the drawing
+  attributesNotInserted,  // a symbol stands without (all of) its attributes
+  fileNotOpened,          // a file to write (subject: path)
+  fileNotWritten,
+  coincidentNodes,  // schematic networks: a node where a reservoir stands
+  reservoirWithoutName,
+  pipeWithoutName,
+  reportUnreadable,   // the report (subject: path)
+  reportWithoutRows,  // it has no rows of nodes or none of links for the period
+};
+
+struct Notice {
+  NoticeCode code;
+  std::u16string subject = {}, other = {};
+};
+using Notices = std::vector<Notice>;
+
+}  // namespace vessora

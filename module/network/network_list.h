@@ -1,0 +1,19 @@
+// The networks of the drawing.
+#pragma once
+
+#include <optional>
+#include <string_view>
+#include <vector>
+
+#include "module/network/network_info.h"
+
+namespace vessora {
+
+// One for each settings point, in drawing order.
+std::vector<NetworkInfo> networksOfDrawing();
+// Elements and results of a network by its layers, whether or not it is in the list.
+NetworkInfo networkInfo(std::u16string_view name);
+// A network of the sibling module need not be in the list: it stands on the layer of its name.
+PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint);
+
+}  // namespace vessora
