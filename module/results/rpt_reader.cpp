@@ -164,6 +164,7 @@ bool RptRowList::inTable(std::size_t row) const {
 }
 
 std::size_t RptRowList::split(std::size_t row, Columns& columns) const {
+  ++splits_;
   return splitLine(report_->line(lines_[row]), columns);
 }
 

@@ -71,6 +71,9 @@ class RptRowList {
   void endTable();
   // Whether a row stands in one of the tables.
   bool inTable(std::size_t row) const;
+  // How many lines have been split so far, for tests: looking rows up must not cost more for some
+  // reports than for others.
+  std::size_t linesSplit() const { return splits_; }
   // Whether a table was still open where the file ended.
   bool tableIsOpen() const { return open_; }
 
@@ -100,6 +103,7 @@ class RptRowList {
   bool open_ = false;
   // What is known of the rows before `indexed_`.
   mutable std::size_t indexed_ = 0;
+  mutable std::size_t splits_ = 0;
   mutable std::array<std::uint32_t, 4> last_{kNoRow, kNoRow, kNoRow, kNoRow};
   mutable std::vector<ShortRow> short_;
   mutable std::vector<Slot> slots_;

@@ -6,6 +6,7 @@
 #include <filesystem>
 
 #include "cad/editor/session.h"
+#include "module/jobs.h"
 #include "platform/text.h"
 
 namespace fs = std::filesystem;
@@ -140,6 +141,35 @@ TEST_F(ModuleTest, HostMessagesAreAnswered) {
   // The second of the two teardown messages does nothing.
   EXPECT_EQ(entry(AcRx::kUnloadAppMsg, nullptr), AcRx::kRetOK);
   EXPECT_EQ(entry(AcRx::kQuitMsg, nullptr), AcRx::kRetOK);
+}
+
+// Stands where the module wants to put its jobs.
+class Squatter : public AcRxObject {};
+
+TEST_F(ModuleTest, JobsAreThereWhileTheModuleIs) {
+  using vessora::Jobs;
+  EXPECT_EQ(Jobs::find(), nullptr);
+  {
+    const ModuleFolder folder(0);
+    ASSERT_TRUE(load(folder)) << error;
+    Jobs* const jobs = Jobs::find();
+    ASSERT_NE(jobs, nullptr);
+    EXPECT_EQ(jobs->commands().size(), 15U);
+    for (const vessora::CommandRow& row : jobs->commands()) {
+      EXPECT_NE(get<void()>(row.symbol.c_str()), nullptr) << row.symbol;
+      EXPECT_FALSE(row.help.empty());
+    }
+    session.unloadModules();
+  }
+  EXPECT_EQ(Jobs::find(), nullptr);
+  // Another's object under the name is not taken for the jobs, and does not keep the module out.
+  Squatter other;
+  ASSERT_TRUE(acrxSysRegistry()->atPut(Jobs::kService, &other));
+  const ModuleFolder folder(0);
+  EXPECT_TRUE(load(folder)) << error;
+  EXPECT_EQ(Jobs::find(), nullptr);
+  session.unloadModules();
+  EXPECT_EQ(acrxSysRegistry()->remove(Jobs::kService), &other);
 }
 
 TEST_F(ModuleTest, VersionAndModuleObject) {

@@ -70,6 +70,19 @@ TEST(InpReader, longLinesComeInPiecesAndLongTokensAreCut) {
   EXPECT_EQ(p.network.juncs[1].id, u"tail");
 }
 
+TEST(InpReader, fieldsEndExactlyAtTheirCapacity) {
+  for (const std::size_t n : {254u, 255u, 256u}) {
+    const std::string id(n, 'i'), value(n / 5 - 1, '7');            // 49, 50, 50
+    const std::string wide = "\xC3\xA0" + std::string(n - 1, 'i');  // as many characters
+    const Parsed p("[PIPES]\n;\n" + id + " " + wide + " B " + value + " ;\n");
+    const EpaPipe& pipe = p.network.pipes.at(0);
+    EXPECT_EQ(pipe.id.size(), std::min<std::size_t>(n, 255));
+    EXPECT_EQ(pipe.node1.size(), std::min<std::size_t>(n, 255));
+    EXPECT_EQ(pipe.length.size(), std::min<std::size_t>(n / 5 - 1, 49));
+    EXPECT_EQ(pipe.node2, u"B");
+  }
+}
+
 // A zero character ends the text of its line, the line feed with it.
 TEST(InpReader, zeroCharacters) {
   const std::string zero(1, '\0');

@@ -10,6 +10,7 @@
 #include "cad/editor/session.h"
 #include "cad/ui/script_frontend.h"
 #include "module/host/module.h"
+#include "module/inp/inp_jobs.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -160,6 +161,41 @@ TEST_F(SchematicTest, FaultsOfTheDrawingStopTheExport) {
   node({0, 0, 10}, u"A", u"1", u"10");
   pipe({0, 0, 10}, {1, 1, 1}, nullptr);
   EXPECT_EQ(run("Uno o più rami sono privi di nome nel campo descrizione!"), "");
+}
+
+// The command always asks for the first formula; other callers may want another one.
+TEST_F(SchematicTest, EachFormulaHasItsNameAndItsUnitOfRoughness) {
+  node({0, 0, 10}, u"A", u"1", u"10");
+  pipe({0, 0, 10}, {0, 0, 20}, u"P1");
+  const struct {
+    int formula;
+    const char *name, *roughness;
+  } rows[] = {{0, "D-W", "0.200 "}, {1, "H-W", "0.000 "}, {2, "M-C", "0.000 "}};
+  const std::string file = (folder_ / "formula.inp").string();
+  for (const auto& row : rows) {
+    const ExportResult result = exportNetwork({u"HN-AQ1", platform::widen(file), u"", row.formula});
+    EXPECT_TRUE(result.written);
+    EXPECT_TRUE(result.notices.empty());
+    const std::string text = *platform::readFile(file);
+    EXPECT_NE(text.find(std::string(" Headloss           \t") + row.name + "\n"), text.npos);
+    const std::string pipes = section(text, "PIPES");
+    EXPECT_NE(pipes.find(std::string("150.000             ") + row.roughness), text.npos) << pipes;
+  }
+  EXPECT_FALSE(exportNetwork({u"HN-AQ1", platform::widen(file + "/none"), u"", 0}).written);
+}
+
+// One above the other: heights tell the nodes apart, as they do not tell a node from a reservoir.
+TEST_F(SchematicTest, VerticalPipesTieByHeight) {
+  node({0, 0, 10}, u"low", u"1", u"10");
+  node({0, 0, 20}, u"high", u"1", u"20");
+  block({50, 0, 30}, {{"TANK_01", u"55"}, {"TANK_02", u"S"}, {"NODE_02", u"9"}});
+  pipe({0, 0, 20}, {0, 0, 10}, u"down");
+  pipe({0, 0, 10}, {0, 0, 10}, u"loop");
+  pipe({50, 0, 30}, {0, 0, 20.0002}, u"off");
+  const std::string pipes = section(run(kDone), "PIPES");
+  EXPECT_NE(pipes.find(" down               high                low  "), pipes.npos) << pipes;
+  EXPECT_NE(pipes.find(" loop               low                 low  "), pipes.npos) << pipes;
+  EXPECT_NE(pipes.find(" off                S                   low  "), pipes.npos) << pipes;
 }
 
 TEST_F(SchematicTest, AnEmptyLayerGivesAFileOfEmptySections) {

@@ -172,7 +172,7 @@ TEST_F(SettingsStore, TheLastFlaggedNameIsTheDefaultAndDoublesAreKept) {
   EXPECT_EQ(defaultName, u"A");
 }
 
-TEST_F(SettingsStore, TheListOfNetworksEndsAtItsLimitAndCostsOnePass) {
+TEST_F(SettingsStore, TheListOfNetworksEndsAtItsLimit) {
   makeReservedLayer();
   for (int i = 0; i <= 10000; ++i) {
     XDataBuilder list(app::kSettings);

@@ -1,3 +1,4 @@
+#include "module/network/network_list.h"
 #include "module/results/query_colors.h"
 #include "module/results/query_rows.h"
 #include "module/results/result_import.h"
@@ -71,6 +72,75 @@ TEST_F(ResultsOnDrawing, EachElementGetsItsFirstRowAndAMissingOneTheLast) {
   write("  N1 1 1 1 1\n", "  P1 2 2 2\n");
   EXPECT_EQ(data(n1, app::kNodeResult), "1.0|1.0|1.0|1");
   EXPECT_EQ(data(n1, app::kPeriod), "");
+}
+
+// Each kind from its own table: names of nodes and links may be the same.
+TEST_F(ResultsOnDrawing, EveryKindOfElementGetsItsRow) {
+  std::vector<AcDbObjectId> ids;
+  for (const auto& [name, layer] :
+       {std::pair(u"Junc", layers_.junc), std::pair(u"Resv", layers_.resv),
+        std::pair(u"Tank", layers_.tank), std::pair(u"Pump", layers_.pump),
+        std::pair(u"Valv", layers_.valv)}) {
+    const std::u16string id = std::u16string(u"X") + name[0];
+    ids.push_back(addBlock(name, layer, {}, {{u"ID", id}}, idData(id)));
+  }
+  addBlock(u"Junc", u"JUNC-Altra", {}, {{u"ID", u"XJ"}}, idData(u"XJ"));
+  ids.push_back(pipe(u"XJ"));
+  write("  XJ 1 2 3 4\n  XR 5 6 7 8\n  XT 9 10 11 12\n  XP 0 0 0\n",
+        "  XJ 21 22 23 Open\n  XP 24 25 26 Closed\n  XV 27 28 29 Active\n");
+  std::string all;
+  for (std::size_t i = 0; i < ids.size(); ++i) {
+    all += data(ids[i], i < 3 ? app::kNodeResult : app::kLinkResult) + " ";
+    EXPECT_EQ(data(ids[i], i < 3 ? app::kLinkResult : app::kNodeResult), "");
+    EXPECT_TRUE(Opened<AcDbEntity>(ids[i])->hasXData(app::kPeriod));
+  }
+  EXPECT_EQ(all,
+            "1.0|2.0|3.0|4 5.0|6.0|7.0|8 9.0|10.0|11.0|12 24.0|25.0|26.0|Closed "
+            "27.0|28.0|29.0|Active 21.0|22.0|23.0|Open ");
+  EXPECT_EQ(nodes_ * 100 + pipes_ * 10 + valves_, 312);
+}
+
+TEST_F(ResultsOnDrawing, WhatAReportLacksIsFoundBeforeItIsWritten) {
+  junction(u"N1");
+  junction(u"N2");
+  pipe(u"P1");
+  valve(u"V1");
+  companion(u"V1");
+  const std::string head = "  Node Results:\n" + kHead, more = "  Link Results:\n" + kHead;
+  const struct {
+    std::string text;
+    const char* found;  // rows, elements, missing, cut
+    const char* names;
+  } reports[] = {
+      {head + "  N1 1\n  N2 1\n\n" + more + "  P1 1\n  V1 1\n\n", "rows 4 0 whole", ""},
+      {head + "  N1 1\n  N2 1\n\n" + more + "  P1 1\n  V1 1\n", "rows 4 0 whole", ""},
+      {head + "  N1 1\n  N2 1\n\n" + more + "  P1 1\n  V1 1", "rows 4 0 cut", ""},
+      {head + "  N1 1\n  N2 1\n\n" + more + "  P1 1\n", "rows 4 1 cut", "V1"},
+      {head + "  N2 1\n\n" + more + "  V1 1\n\nN1 P1\n", "rows 4 2 whole", "N1 P1"},
+      {head + "  Q1 1\n\n" + more + "  Q2 1\n\n", "rows 4 4 whole", "N1 N2 P1 V1"},
+      {head + "  N1 1\n  N2 1\n", "none 0 0 whole", ""},
+      {"Caro diario\n", "none 0 0 whole", ""},
+  };
+  for (const auto& report : reports) {
+    const ReportRows rows = rowsOf(std::make_shared<const RptText>(report.text), u"", false);
+    const ReportFindings f = examineResults(rows, u"Rete");
+    EXPECT_EQ(std::string(f.hasRows ? "rows " : "none ") + std::to_string(f.elements) + " " +
+                  std::to_string(f.missing) + (f.cut ? " cut" : " whole"),
+              report.found)
+        << report.text;
+    std::string names;
+    for (const std::u16string& name : f.firstMissing) {
+      names += (names.empty() ? "" : " ") + platform::narrow(name);
+    }
+    EXPECT_EQ(names, report.names);
+    expectNothingHeld();
+  }
+  const ReportRows rows = rowsOf(std::make_shared<const RptText>(reports[0].text), u"", false);
+  EXPECT_EQ(examineResults(rows, u"Altra").elements, 0);
+  const ResultCounts counts = writeResults(rows, u"Rete");
+  EXPECT_EQ(counts.nodes * 10 + counts.links(), 22);
+  EXPECT_EQ(writeResults(nullptr, u"Rete").links(), 2);
+  EXPECT_EQ(networkInfo(u"Rete").hasResults, false);
 }
 
 TEST_F(ResultsOnDrawing, TheImportedNameWinsOverAnEditedAttribute) {

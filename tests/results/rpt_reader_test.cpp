@@ -219,14 +219,77 @@ TEST(RptReader, RowsOnDemandAreTheRowsOfAPlainReading) {
 
 // Rows that take all but their name from the first one: looking back for each would never end.
 TEST(RptReader, ShortRowsCostNoMoreThanWholeOnes) {
-  std::string text = "  Node Results:\n" + kHead + "  first 1 2 3\n";
-  constexpr int kRows = 200000;
-  for (int i = 0; i < kRows; ++i) text += "  N" + std::to_string(i) + "\n";
-  const Read r = read(text);
-  for (int i = kRows - 1; i >= 0; --i) {
-    const std::size_t row = r.nodes.find(platform::widen("N" + std::to_string(i)));
-    ASSERT_EQ(row, static_cast<std::size_t>(i) + 1);
-    ASSERT_EQ(r.nodes[row].pressure, u"3");
+  const auto linesSplit = [](const std::string& rest) {
+    std::string text = "  Node Results:\n" + kHead + "  first 1 2 3\n";
+    constexpr int kRows = 3000;
+    for (int i = 0; i < kRows; ++i) text += "  N" + std::to_string(i) + rest + "\n";
+    const Read r = read(text);
+    for (int i = kRows - 1; i >= 0; --i) {
+      const std::size_t row = r.nodes.find(platform::widen("N" + std::to_string(i)));
+      EXPECT_EQ(row, static_cast<std::size_t>(i) + 1);
+      EXPECT_EQ(r.nodes[row].pressure, u"3");
+    }
+    return static_cast<double>(r.nodes.linesSplit()) / kRows;
+  };
+  const double whole = linesSplit(" 1 2 3"), brief = linesSplit("");
+  EXPECT_LT(whole, 8);
+  EXPECT_LT(brief, whole + 4);  // a look at each of the rows that the columns come from
+}
+
+// --- where the tables of a period end
+// -------------------------------------------------------------
+
+TEST(RptReader, RowsInTheTablesAreToldFromTheTail) {
+  const struct {
+    const char* text;  // behind the head of the node table
+    const char* in;    // names that stand in it
+    bool open;
+  } reports[] = {
+      {"  N1 1 2 3\n  N2 1 2 3\n", "N1 N2", true},
+      {"  N1 1 2 3\n  N2 1 2 3", "N1 N2", true},
+      {"  N1 1 2 3\n \n  N2 1 2 3\n", "N1", false},
+      {"  N1 1 2 3\r\n\r\n  N2 1 2 3\r\n", "N1", false},
+      {"  N1 1 2 3\n\f\n  N2 1 2 3\n", "N1", false},
+      // The next page of the table, behind the head of the page.
+      {"  N1 1 2 3\n\n  Page 2\n\n  Node Results: (continued)\n1\n2\n3\n4\n  N2 1 2 3\n\n", "N1 N2",
+       false},
+      {"  N1 1 2 3\n  Link Results:\n1\n2\n3\n4\n  N2 1 2 3\n\n", "N1", false},
+      {"", "", true},
+  };
+  for (const auto& report : reports) {
+    const Read r = read("  Node Results:\n" + kHead + report.text);
+    std::string in;
+    for (const char16_t* name : {u"N1", u"N2"}) {
+      const std::size_t row = r.nodes.find(name);
+      if (row == RptRowList::kNone || !r.nodes.inTable(row)) continue;
+      in += (in.empty() ? "" : " ") + platform::narrow(name);
+    }
+    EXPECT_EQ(in, report.in) << report.text;
+    EXPECT_EQ(r.nodes.tableIsOpen(), report.open) << report.text;
+  }
+  const Read two = readPeriod(kTwoPeriods, u"0:00:00", true);
+  EXPECT_TRUE(two.links.inTable(two.links.find(u"P1")));
+  EXPECT_FALSE(two.links.inTable(two.links.find(u"N2")));  // a row of the other period
+  EXPECT_FALSE(two.links.tableIsOpen());
+  EXPECT_TRUE(readPeriod(kTwoPeriods, u"1:00:00", true).links.tableIsOpen());
+  for (const auto& [head, lower] : {std::pair("hrs", true), std::pair("Hrs", false)}) {
+    bool lowerCaseHrs = !lower;
+    EXPECT_TRUE(isMultiPeriod(reportOf("  Node Results at 1:00 " + std::string(head) + ":\n"),
+                              lowerCaseHrs));
+    EXPECT_EQ(lowerCaseHrs, lower);
+  }
+}
+
+TEST(RptReader, NamesAndValuesEndExactlyAtTheirCapacity) {
+  for (const std::size_t n : {254U, 255U, 256U}) {
+    const std::string name(n, 'n'), value(n / 5 - 1, '7');  // 49, 50, 50
+    const Read r = read("  Link Results:\n" + kHead + "  " + name + " " + value + " " + value +
+                        " 3 " + value + "\n");
+    const std::size_t text = std::min<std::size_t>(n / 5 - 1, 49);
+    EXPECT_EQ(r.links[0].id.size(), std::min<std::size_t>(n, 255));
+    EXPECT_EQ(r.links[0].flow.size() + r.links[0].velocity.size() + r.links[0].status.size(),
+              3 * text);
+    EXPECT_EQ(r.links.find(std::u16string(std::min<std::size_t>(n, 255), u'n')), 0U);
   }
 }
 
