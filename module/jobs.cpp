@@ -54,6 +54,16 @@ class ModuleJobs : public Jobs {
   ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) override {
     return vessora::writeResults(rows, network);
   }
+
+  void scaleNetwork(std::u16string_view network, const ScaleRequest& request) override {
+    vessora::scaleNetwork(network, request);
+  }
+  Notices drawTables(std::u16string_view network, const TableRequest& request) override {
+    return vessora::drawTables(network, request);
+  }
+  void drawGradeLine(std::u16string_view network, double textHeight) override {
+    vessora::drawGradeLine(network, textHeight);
+  }
 };
 
 ModuleJobs jobs;

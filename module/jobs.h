@@ -14,6 +14,7 @@
 #include "cad/api/services.h"
 #include "module/inp/inp_jobs.h"
 #include "module/network/network_info.h"
+#include "module/results/drawing_jobs.h"
 #include "module/results/result_jobs.h"
 
 namespace vessora {
@@ -65,6 +66,10 @@ class Jobs : public AcRxObject {
   virtual ReportRows rowsOf(const Report& report, std::u16string_view time, bool lowerCaseHrs) = 0;
   virtual ReportFindings examineResults(const ReportRows& rows, std::u16string_view network) = 0;
   virtual ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) = 0;
+
+  virtual void scaleNetwork(std::u16string_view network, const ScaleRequest& request) = 0;
+  virtual Notices drawTables(std::u16string_view network, const TableRequest& request) = 0;
+  virtual void drawGradeLine(std::u16string_view network, double textHeight) = 0;
 };
 
 }  // namespace vessora

@@ -90,6 +90,10 @@ std::string describe(const vessora::Notice& notice) {
     case Code::reportWithoutRows:
       return words("il report non ha righe per nodi e rami in questo periodo",
                    "the report has no rows of nodes and links for this period");
+    case Code::tableStyleMissing:
+      return words("il disegno non può contenere tabelle", "the drawing cannot hold tables");
+    case Code::tableNotDrawn:
+      return words("una tabella non è stata disegnata: ", "a table was not drawn: ") + subject;
   }
   return {};
 }

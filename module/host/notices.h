@@ -21,6 +21,8 @@ enum class NoticeCode {
   pipeWithoutName,
   reportUnreadable,   // the report (subject: path)
   reportWithoutRows,  // it has no rows of nodes or none of links for the period
+  tableStyleMissing,  // no table can be made
+  tableNotDrawn,      // one could not (subject: the reason of the host)
 };
 
 struct Notice {

@@ -33,6 +33,8 @@ constexpr Words kWords[] = {
      u"Un serbatoio è privo di nome nel campo descrizione!"},
     {NoticeCode::pipeWithoutName, Form::box,
      u"Uno o più rami sono privi di nome nel campo descrizione!"},
+    {NoticeCode::tableStyleMissing, Form::line, u"\nImpossibile creare le tabelle"},
+    {NoticeCode::tableNotDrawn, Form::line, u"\n%s."},
     {NoticeCode::reportUnreadable, Form::stop, u"Impossibile leggere il file "},
     {NoticeCode::reportWithoutRows, Form::stop, u"Impossibile importare i risultati!"},
 };

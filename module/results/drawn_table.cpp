@@ -48,29 +48,29 @@ AcDbObjectId modelSpace(AcDbDatabase* database) {
   return id;
 }
 
-void complain(std::u16string_view reason) {
-  acutPrintf(TraduciTesto(u"\n%s."), std::u16string(reason));
+void complain(std::u16string_view reason, Notices& notices) {
+  notices.push_back({NoticeCode::tableNotDrawn, std::u16string(reason)});
 }
 
 // Puts a new table into the model space, where it stays open for write; deletes it on failure.
-Opened<AcDbTable> place(AcDbDatabase* database, AcDbTable* table) {
+Opened<AcDbTable> place(AcDbDatabase* database, AcDbTable* table, Notices& notices) {
   const Opened<AcDbBlockTableRecord> space(modelSpace(database), AcDb::kForWrite);
   const Acad::ErrorStatus status = space ? space->appendAcDbEntity(table) : Acad::eNotOpenForWrite;
   if (status == Acad::eOk) return Opened<AcDbTable>(table);
   delete table;
-  complain(acadErrorStatusText(status));
+  complain(acadErrorStatusText(status), notices);
   return Opened<AcDbTable>();
 }
 
-void fill(AcDbTable& table, const TableGrid& grid) {
-  if (!table.isWriteEnabled() || grid.empty()) return complain(u"eNotOpenForWrite");
+void fill(AcDbTable& table, const TableGrid& grid, Notices& notices) {
+  if (!table.isWriteEnabled() || grid.empty()) return complain(u"eNotOpenForWrite", notices);
   if (table.numRows() != static_cast<int>(grid.size())) {
-    return complain(u"Table and data does not match");
+    return complain(u"Table and data does not match", notices);
   }
   for (int row = 0; row < table.numRows(); ++row) {
     const auto& cells = grid[static_cast<std::size_t>(row)];
     if (static_cast<int>(cells.size()) > table.numColumns()) {
-      return complain(u"Table and data does not match");
+      return complain(u"Table and data does not match", notices);
     }
     for (int column = 0; column < static_cast<int>(cells.size()); ++column) {
       table.setTextString(row, column, cells[static_cast<std::size_t>(column)]);
@@ -130,11 +130,12 @@ void makeTableStyle(std::u16string_view name, double textHeight, int titleColor)
   }
 }
 
-void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& at) {
+void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& at,
+               Notices& notices) {
   AcDbDatabase* const database = acdbHostApplicationServices()->workingDatabase();
   const AcDbObjectId style = styleNamed(database, styleName);
   if (style.isNull()) {
-    acutPrintf(TraduciTesto(u"\nImpossibile creare le tabelle"));
+    notices.push_back({NoticeCode::tableStyleMissing});
     return;
   }
   auto* table = new AcDbTable;
@@ -145,41 +146,43 @@ void drawTable(std::u16string_view styleName, const TableGrid& grid, const Table
   table->setRowHeight(at.rowHeight);
   table->setPosition(at.position);
   table->setLayer(at.layer);
-  if (const Opened<AcDbTable> placed = place(database, table)) fill(*placed, grid);
+  if (const Opened<AcDbTable> placed = place(database, table, notices)) {
+    fill(*placed, grid, notices);
+  }
 }
 
 void DrawPipeDataTable(std::u16string_view styleName, std::u16string_view title, double length,
                        double diameter, double roughness, double minorLoss,
-                       std::u16string_view status, const TablePlace& at) {
+                       std::u16string_view status, const TablePlace& at, Notices& notices) {
   GridBuilder rows(u"ID Ramo: ", title);
   rows.real(u"Lunghezza [m]", length)
       .real(u"Diametro [mm]", diameter)
       .real(u"Scabrezza [mm]", roughness)
       .real(u"Perdita localizzata", minorLoss)
       .text(u"Stato", status);
-  drawTable(styleName, rows.grid(), at);
+  drawTable(styleName, rows.grid(), at, notices);
 }
 
 void DrawNodeResultTable(std::u16string_view styleName, std::u16string_view id, double demand,
                          double head, double pressure, std::u16string_view quality,
-                         const TablePlace& at) {
+                         const TablePlace& at, Notices& notices) {
   GridBuilder rows(u"Risultati Nodo: ", id);
   rows.real(u"Portata [l/s]", demand)
       .real(u"Carico [m]", head)
       .real(u"Pressione [m]", pressure)
       .text(u"Qualità", quality);
-  drawTable(styleName, rows.grid(), at);
+  drawTable(styleName, rows.grid(), at, notices);
 }
 
 void DrawLinkResultTable(std::u16string_view styleName, std::u16string_view id, double flow,
                          double velocity, double headloss, std::u16string_view status,
-                         const TablePlace& at) {
+                         const TablePlace& at, Notices& notices) {
   GridBuilder rows(u"Risultati Ramo: ", id);
   rows.real(u"Portata [l/s]", flow)
       .real(u"Velocità [m/s]", velocity)
       .real(u"Perdita [m/Km]", headloss)
       .text(u"Stato", status);
-  drawTable(styleName, rows.grid(), at);
+  drawTable(styleName, rows.grid(), at, notices);
 }
 
 }  // namespace vessora

@@ -1,10 +1,14 @@
 #include "module/results/network_tables.h"
 
+#include <utility>
+
 #include "module/dialogs/elenco_reti.h"
 #include "module/dialogs/tables.h"
 #include "module/host/messages.h"
+#include "module/host/tell.h"
 #include "module/network/element_data.h"
 #include "module/network/schema.h"
+#include "module/results/drawing_jobs.h"
 
 namespace vessora {
 
@@ -15,23 +19,24 @@ namespace {
 constexpr double kTextHeight = 0.6;  // of the row height
 constexpr int kDataTitle = 1, kResultTitle = 3;
 
-// A run of the command once the user has said what he wants.
+// One run of the job.
 class TableDrawer {
  public:
-  explicit TableDrawer(const DlgTables& dialog)
-      : asked_(dialog),
-        layers_(currentNetwork),
-        pipeLayer_(schema::layerName(layer::kPipeTables, currentNetwork)),
-        linkLayer_(schema::layerName(layer::kLinkTables, currentNetwork)),
-        nodeLayer_(schema::layerName(layer::kNodeTables, currentNetwork)) {}
+  TableDrawer(std::u16string_view network, const TableRequest& request)
+      : asked_(request),
+        layers_(network),
+        pipeLayer_(schema::layerName(layer::kPipeTables, network)),
+        linkLayer_(schema::layerName(layer::kLinkTables, network)),
+        nodeLayer_(schema::layerName(layer::kNodeTables, network)) {}
 
-  void draw() {
+  Notices draw() {
     makeLayer(pipeLayer_, 0);
     makeLayer(linkLayer_, 1);
     makeLayer(nodeLayer_, 1);
-    if (asked_.pipes.value()) drawPipes();
-    if (asked_.links.value()) drawLinks();
-    if (asked_.nodes.value()) drawNodes();
+    if (asked_.pipes) drawPipes();
+    if (asked_.links) drawLinks();
+    if (asked_.nodes) drawNodes();
+    return std::move(notices_);
   }
 
  private:
@@ -40,17 +45,17 @@ class TableDrawer {
     HNGeometry::setColorLtypeLayer(name, color, u"ByLayer");
   }
 
-  double rowHeight() const { return asked_.rowHeight.value(); }
-  double columnWidth() const { return asked_.columnWidth.value(); }
+  double rowHeight() const { return asked_.rowHeight; }
+  double columnWidth() const { return asked_.columnWidth; }
   TablePlace at(const AcGePoint3d& position, std::u16string_view layer) const {
     return {position, rowHeight(), columnWidth(), layer};
   }
   void makeStyle(int titleColor) const {
     makeTableStyle(kTableStyle, kTextHeight * rowHeight(), titleColor);
   }
-  static double value(const ui::Check& wanted, double v) { return wanted.value() ? v : kNoValue; }
-  static std::u16string_view value(const ui::Check& wanted, std::u16string_view v) {
-    return wanted.value() ? v : std::u16string_view(kNoText);
+  static double value(bool wanted, double v) { return wanted ? v : kNoValue; }
+  static std::u16string_view value(bool wanted, std::u16string_view v) {
+    return wanted ? v : std::u16string_view(kNoText);
   }
 
   // The middle of a link; false for a polyline without vertices. `straight` tells of two vertices.
@@ -82,7 +87,7 @@ class TableDrawer {
       DrawPipeDataTable(kTableStyle, name, value(asked_.length, length),
                         value(asked_.diameter, diameter), value(asked_.roughness, roughness),
                         value(asked_.minorLoss, minorLoss), value(asked_.pipeStatus, status),
-                        at(point, pipeLayer_));
+                        at(point, pipeLayer_), notices_);
     }
   }
 
@@ -103,7 +108,7 @@ class TableDrawer {
       makeStyle(kResultTitle);
       DrawLinkResultTable(kTableStyle, name, value(asked_.flow, flow),
                           value(asked_.velocity, velocity), value(asked_.headloss, headloss),
-                          value(asked_.linkStatus, status), at(point, linkLayer_));
+                          value(asked_.linkStatus, status), at(point, linkLayer_), notices_);
     }
   }
 
@@ -143,26 +148,39 @@ class TableDrawer {
       makeStyle(kResultTitle);
       DrawNodeResultTable(kTableStyle, name, value(asked_.demand, demand), value(asked_.head, head),
                           value(asked_.pressure, pressure), value(asked_.quality, quality),
-                          at(point, nodeLayer_));
+                          at(point, nodeLayer_), notices_);
     }
   }
 
-  const DlgTables& asked_;
+  const TableRequest& asked_;
+  Notices notices_;
   const NetworkLayers layers_;
   const std::u16string pipeLayer_, linkLayer_, nodeLayer_;
 };
 
 // Shows the dialog until its sizes can be used; false for "Annulla".
-bool askTables(DlgTables& dialog) {
-  while (dialog.doModal()) {
-    const char16_t* fault = dialog.fault();
-    if (!fault) return true;
-    showMessage(TraduciTesto(fault));
+bool askTables(TableRequest& request) {
+  DlgTables d;
+  while (d.doModal()) {
+    if (const char16_t* fault = d.fault()) {
+      showMessage(TraduciTesto(fault));
+      continue;
+    }
+    request = {d.rowHeight.value(), d.columnWidth.value(), d.pipes.value(),    d.nodes.value(),
+               d.links.value(),     d.length.value(),      d.diameter.value(), d.roughness.value(),
+               d.minorLoss.value(), d.pipeStatus.value(),  d.demand.value(),   d.head.value(),
+               d.pressure.value(),  d.quality.value(),     d.flow.value(),     d.velocity.value(),
+               d.headloss.value(),  d.linkStatus.value()};
+    return true;
   }
   return false;
 }
 
 }  // namespace
+
+Notices drawTables(std::u16string_view network, const TableRequest& request) {
+  return TableDrawer(network, request).draw();
+}
 
 int EpaCommands::epatables() {
   if (!readInstallPath(installPath)) return kAbandoned;
@@ -172,9 +190,9 @@ int EpaCommands::epatables() {
     return kAbandoned;
   }
   if (!chooseNetwork(AqueductNetworks::refused)) return kAbandoned;
-  DlgTables dialog;
-  const bool wanted = askTables(dialog);
-  if (wanted) TableDrawer(dialog).draw();
+  TableRequest request;
+  const bool wanted = askTables(request);
+  if (wanted) tell(drawTables(currentNetwork, request));
   networkNames.clear();
   return wanted ? kRan : kAbandoned;
 }

@@ -28,19 +28,20 @@ struct TablePlace {
 // in drawing units, colours as host indices.
 void makeTableStyle(std::u16string_view name, double textHeight, int titleColor);
 
-// Each draws one table; what goes wrong is told on the command line.
+// Each draws one table; what goes wrong becomes a notice.
 void DrawPipeDataTable(std::u16string_view styleName, std::u16string_view title, double length,
                        double diameter, double roughness, double minorLoss,
-                       std::u16string_view status, const TablePlace& place);
+                       std::u16string_view status, const TablePlace& place, Notices& notices);
 void DrawNodeResultTable(std::u16string_view styleName, std::u16string_view id, double demand,
                          double head, double pressure, std::u16string_view quality,
-                         const TablePlace& place);
+                         const TablePlace& place, Notices& notices);
 void DrawLinkResultTable(std::u16string_view styleName, std::u16string_view id, double flow,
                          double velocity, double headloss, std::u16string_view status,
-                         const TablePlace& place);
+                         const TablePlace& place, Notices& notices);
 
 // Texts row by row. The first row has one cell, which becomes the title.
 using TableGrid = std::vector<std::vector<std::u16string>>;
-void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& place);
+void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& place,
+               Notices& notices);
 
 }  // namespace vessora

@@ -4,6 +4,7 @@
 #include "module/network/element_data.h"
 #include "module/network/point_grid.h"
 #include "module/network/schema.h"
+#include "module/results/drawing_jobs.h"
 #include "platform/format.h"
 
 namespace vessora {
@@ -29,12 +30,12 @@ struct ListOfVertices {
 
 class GradeLine {
  public:
-  explicit GradeLine(double textHeight)
+  GradeLine(std::u16string_view network, double textHeight)
       : textHeight_(textHeight),
-        line_(schema::layerName(layer::kGradeLine, currentNetwork)),
-        construction_(schema::layerName(layer::kGradeConstruction, currentNetwork)),
-        heads_(schema::layerName(layer::kGradeHeads, currentNetwork)),
-        pressures_(schema::layerName(layer::kGradePressures, currentNetwork)) {
+        line_(schema::layerName(layer::kGradeLine, network)),
+        construction_(schema::layerName(layer::kGradeConstruction, network)),
+        heads_(schema::layerName(layer::kGradeHeads, network)),
+        pressures_(schema::layerName(layer::kGradePressures, network)) {
     makeLayer(line_, 4);
     makeLayer(construction_, 7);
     makeLayer(heads_, 140);
@@ -116,7 +117,18 @@ class GradeLine {
   PointGrid<NodeHead> nodes_{kSamePlace};
 };
 
+resbuf* elementFilter(std::u16string_view network) {
+  const NetworkLayers layers(network);
+  return acutBuildList(-4, u"<or", 8, layers.junc, 8, layers.resv, 8, layers.tank, 8, layers.pipe,
+                       8, layers.pump, 8, layers.valv, -4, u"or>", RTNONE);
+}
+
 }  // namespace
+
+void drawGradeLine(std::u16string_view network, double textHeight) {
+  GradeLine line(network, textHeight);
+  line.draw(SelectionSet(u"_X", elementFilter(network)));
+}
 
 int EpaCommands::epapiezo() {
   if (!readInstallPath(installPath)) return kAbandoned;
@@ -126,11 +138,9 @@ int EpaCommands::epapiezo() {
   if (acedGetReal(TraduciTesto(u"\nAltezza del testo [u.d.]: "), textHeight) != RTNORM) {
     return kAbandoned;
   }
-  GradeLine line(textHeight);
-  const NetworkLayers layers(currentNetwork);
-  const SelectionSet picked(
-      nullptr, acutBuildList(-4, u"<or", 8, layers.junc, 8, layers.resv, 8, layers.tank, 8,
-                             layers.pipe, 8, layers.pump, 8, layers.valv, -4, u"or>", RTNONE));
+  // The layers are there even when nothing is picked.
+  GradeLine line(currentNetwork, textHeight);
+  const SelectionSet picked(nullptr, elementFilter(currentNetwork));
   if (!picked.ok()) return kAbandoned;
   line.draw(picked);
   return kRan;

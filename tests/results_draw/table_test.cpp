@@ -1,5 +1,6 @@
 #include "cad/api/table.h"
 
+#include "module/results/drawing_jobs.h"
 #include "module/results/network_tables.h"
 #include "tests/results_draw/draw_testing.h"
 #include "tests/tools/check_drawing.h"
@@ -9,9 +10,10 @@ namespace {
 
 class Tables : public CalculatedNetwork {
  protected:
+  Notices notices_;
   AcDbObjectId drawn(const TableGrid& grid) {
     makeTableStyle(kTableStyle, 1.2, 1);
-    drawTable(kTableStyle, grid, {{100, 50, 3}, 2, 15, u"TAB"});
+    drawTable(kTableStyle, grid, {{100, 50, 3}, 2, 15, u"TAB"}, notices_);
     return onLayer(u"TAB").back();
   }
   // How many entities of each type show the table.
@@ -154,9 +156,11 @@ TEST_F(Tables, SizesThatAFileClaimsAreNotBelieved) {
 }
 
 TEST_F(Tables, HiddenRowsAndATableThatDoesNotFitItsGrid) {
-  DrawNodeResultTable(kTableStyle, u"N1", 1, 2, 3, u"4", {{}, 2, 15, u"NONE"});  // no style yet
+  DrawNodeResultTable(kTableStyle, u"N1", 1, 2, 3, u"4", {{}, 2, 15, u"NONE"},
+                      notices_);  // no style yet
   makeTableStyle(kTableStyle, 1.2, 3);
-  DrawNodeResultTable(kTableStyle, u"N1", kNoValue, 2, -99999.0, kNoText, {{}, 2, 15, u"NODI"});
+  DrawNodeResultTable(kTableStyle, u"N1", kNoValue, 2, -99999.0, kNoText, {{}, 2, 15, u"NODI"},
+                      notices_);
   EXPECT_EQ(onLayer(u"NONE").size(), 0u);
   {
     const Opened<AcDbTable> table(onLayer(u"NODI")[0]);
@@ -164,8 +168,45 @@ TEST_F(Tables, HiddenRowsAndATableThatDoesNotFitItsGrid) {
     EXPECT_EQ(table->textString(0, 0), u"Risultati Nodo: N1");
     EXPECT_EQ(table->textString(1, 0), u"Carico [m]");
   }
-  drawTable(kTableStyle, {{u"t"}, {u"a", u"b"}, {u"a", u"b", u"c"}}, {{}, 2, 15, u"STORTA"});
+  drawTable(kTableStyle, {{u"t"}, {u"a", u"b"}, {u"a", u"b", u"c"}}, {{}, 2, 15, u"STORTA"},
+            notices_);
   EXPECT_EQ(onLayer(u"STORTA").size(), 1u);  // the table stands, filled as far as it went
+  ASSERT_EQ(notices_.size(), 2U);
+  EXPECT_EQ(notices_[0].code, NoticeCode::tableStyleMissing);
+  EXPECT_EQ(notices_[1].code, NoticeCode::tableNotDrawn);
+}
+
+// The jobs draw over a whole network and ask nobody.
+TEST_F(Tables, JobsDrawWhatTheirRequestNames) {
+  junc(u"A", {0, 0, 10}, 1, 50);
+  junc(u"B", {10, 0, 20}, 2, 40);
+  const AcDbObjectId line = pipe(u"P", u"A", u"B", u"10", {{0, 0, 10}, {10, 0, 20}});
+  const AcDbObjectId other = addBlock(u"Junc", u"JUNC-Altra", {}, {});
+  script("");
+  TableRequest request;
+  request.diameter = request.roughness = request.minorLoss = false;
+  request.nodes = request.head = true;
+  EXPECT_TRUE(drawTables(u"Rete", request).empty());
+  EXPECT_EQ(onLayer(u"LINKS_RESULTS-Rete").size(), 0U);
+  ASSERT_EQ(onLayer(u"NODES_RESULTS-Rete").size(), 2U);
+  ASSERT_EQ(onLayer(u"PIPE_DATA-Rete").size(), 1U);
+  const AcDbObjectId pipeTable = onLayer(u"PIPE_DATA-Rete")[0];
+  {
+    const Opened<AcDbTable> table(pipeTable);
+    EXPECT_EQ(table->numRows(), 3);  // title, length, status
+    EXPECT_EQ(table->textString(1, 1), u"10.000");
+    EXPECT_EQ(Opened<AcDbTable>(onLayer(u"NODES_RESULTS-Rete")[1])->textString(1, 1), u"40.000");
+  }
+  drawGradeLine(u"Rete", 2);
+  EXPECT_EQ(heights(onLayer(u"PIEZOMETRICA_3D-Rete")[0]), (std::vector<double>{50, 40}));
+  const double width = Opened<AcDbTable>(pipeTable)->width();
+  scaleNetwork(u"Rete", {true, false, 3, 7});
+  EXPECT_EQ(Opened<AcDbTable>(pipeTable)->width(), width);
+  scaleNetwork(u"Rete", {false, true, 9, 2});
+  EXPECT_EQ(Opened<AcDbTable>(pipeTable)->width(), 2 * width);
+  EXPECT_EQ(Opened<AcDbBlockReference>(onLayer(u"JUNC-Rete")[1])->scaleFactors().sx, 3);
+  EXPECT_EQ(Opened<AcDbBlockReference>(other)->scaleFactors().sx, 1);
+  static_cast<void>(line);
 }
 
 }  // namespace
