@@ -22,8 +22,31 @@ std::string reasonOf(int error) {
   return text != nullptr ? text : "error " + std::to_string(error);
 }
 
-Error cannotRead(const std::string& path, const std::string& reason) {
-  return Error{"cannot read " + path + ": " + reason};
+// Opens an ordinary file; the error is the reason alone.
+Result<int> openOrdinary(const std::string& path, std::size_t& size) {
+  // Opening a pipe would wait for somebody to write to it.
+  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
+  if (file < 0) return Error{reasonOf(errno)};
+  struct stat info;
+  if (fstat(file, &info) != 0 || !S_ISREG(info.st_mode)) {
+    close(file);
+    return Error{S_ISDIR(info.st_mode) ? "it is a folder, not a file"
+                                       : "it is a pipe or device, not a file"};
+  }
+  size = static_cast<std::size_t>(info.st_size);
+  return file;
+}
+
+// Some bytes, none at the end of the file. A failure closes the file.
+Result<std::size_t> readSome(int file, char* to, std::size_t n) {
+  for (;;) {
+    const ssize_t got = read(file, to, n);
+    if (got >= 0) return static_cast<std::size_t>(got);
+    if (errno == EINTR) continue;
+    const int error = errno;
+    close(file);
+    return Error{reasonOf(error)};
+  }
 }
 
 std::size_t behindSeparator(std::u16string_view path) {
@@ -78,61 +101,60 @@ bool makeFolders(const std::string& path) {
   return folderExists(path);
 }
 
-Result<std::string> readFile(const std::string& path) {
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC);
-  if (file < 0) return cannotRead(path, reasonOf(errno));
+std::string canonicalPath(const std::string& path) {
+  std::error_code error;
+  const std::filesystem::path full = std::filesystem::weakly_canonical(path, error);
+  return error ? absolutePath(path) : full.string();
+}
+
+std::optional<FileStamp> stampOf(const std::string& path) {
   struct stat info;
-  if (fstat(file, &info) != 0 || S_ISDIR(info.st_mode)) {
-    close(file);
-    return cannotRead(path, "it is a folder, not a file");
-  }
-  // One byte more than the size: the read that meets the end needs no further call. Pipes and files
-  // that grow meanwhile are read to their end too.
-  std::string bytes(static_cast<std::size_t>(std::max<off_t>(info.st_size, 0)) + 1, '\0');
+  if (stat(path.c_str(), &info) != 0) return std::nullopt;
+  const auto nanoseconds = [](const timespec& t) {
+    return static_cast<std::int64_t>(t.tv_sec) * 1000000000 + t.tv_nsec;
+  };
+  return FileStamp{info.st_dev, info.st_ino, static_cast<std::uint64_t>(info.st_size),
+                   nanoseconds(info.st_mtim), nanoseconds(info.st_ctim)};
+}
+
+Result<std::string> readFile(const std::string& path) {
+  const auto fail = [&](const std::string& why) {
+    return Error{"cannot read " + path + ": " + why};
+  };
+  std::size_t size = 0;
+  const auto file = openOrdinary(path, size);
+  if (!file) return fail(file.error());
+  // One byte more than the size: the read that meets the end needs no further call. Files that grow
+  // meanwhile, and those of the system that report no size, are read to their end too.
+  std::string bytes(size + 1, '\0');
   std::size_t have = 0;
   while (true) {
     if (have == bytes.size()) bytes.resize(std::max<std::size_t>(bytes.size() * 2, 65536));
-    const ssize_t n = read(file, bytes.data() + have, bytes.size() - have);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      const int error = errno;
-      close(file);
-      return cannotRead(path, reasonOf(error));
-    }
-    if (n == 0) break;
-    have += static_cast<std::size_t>(n);
+    const auto n = readSome(*file, bytes.data() + have, bytes.size() - have);
+    if (!n) return fail(n.error());
+    if (*n == 0) break;
+    have += *n;
   }
-  close(file);
+  close(*file);
   bytes.resize(have);
   return bytes;
 }
 
 Result<FileBytes> readOrdinaryFile(const std::string& path) {
-  const auto fail = [&](const std::string& reason) {
-    return Error{path + ": cannot be read: " + reason};
+  const auto fail = [&](const std::string& why) {
+    return Error{path + ": cannot be read: " + why};
   };
-  // Opening a pipe would wait for somebody to write to it.
-  const int file = open(path.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK);
-  if (file < 0) return fail(reasonOf(errno));
-  struct stat info;
-  if (fstat(file, &info) != 0 || !S_ISREG(info.st_mode)) {
-    close(file);
-    return fail(S_ISDIR(info.st_mode) ? reasonOf(EISDIR) : "it is a pipe or device, no file");
-  }
-  const auto size = static_cast<std::size_t>(info.st_size);
+  std::size_t size = 0;
+  const auto file = openOrdinary(path, size);
+  if (!file) return fail(file.error());
   FileBytes bytes{Block(size + 1), 0};
   while (bytes.size < size) {
-    const ssize_t n = read(file, bytes.memory.data() + bytes.size, size - bytes.size);
-    if (n < 0 && errno == EINTR) continue;
-    if (n < 0) {
-      const int error = errno;
-      close(file);
-      return fail(reasonOf(error));
-    }
-    if (n == 0) break;
-    bytes.size += static_cast<std::size_t>(n);
+    const auto n = readSome(*file, bytes.memory.data() + bytes.size, size - bytes.size);
+    if (!n) return fail(n.error());
+    if (*n == 0) break;
+    bytes.size += *n;
   }
-  close(file);
+  close(*file);
   bytes.memory.data()[bytes.size] = '\0';
   return bytes;
 }

@@ -17,7 +17,7 @@ namespace {
   sigset_t none;
   sigemptyset(&none);
   sigprocmask(SIG_SETMASK, &none, nullptr);
-  signal(SIGPIPE, SIG_DFL);
+  for (const int ignored : {SIGPIPE, SIGXFSZ}) signal(ignored, SIG_DFL);
   // It must not take the keys that are meant for a prompt of ours.
   const int null = open("/dev/null", O_RDONLY);
   if (null >= 0) dup2(null, STDIN_FILENO);

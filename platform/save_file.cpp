@@ -2,13 +2,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <cstdio>
 #include <cstring>
 #include <utility>
 
+#include "platform/file_traits.h"
 #include "platform/files.h"
 
 namespace platform {
@@ -79,24 +79,14 @@ std::string followLinks(std::string path) {
   return {};
 }
 
-// A name beside `path` that nobody else uses: hidden, with the process id to tell whose it is when
-// a crash leaves it behind.
-std::string nameBeside(const std::string& path) {
-  static std::atomic<unsigned> counter{0};
-  const std::size_t slash = path.rfind('/');
-  const std::size_t begin = slash == path.npos ? 0 : slash + 1;
-  // Room for what is added, within the 255 bytes that file systems allow for a name.
-  const std::string name = path.substr(begin, 200);
-  return path.substr(0, begin) + "." + name + "." + std::to_string(getpid()) + "-" +
-         std::to_string(counter.fetch_add(1));
-}
-
 constexpr int kAttempts = 1000;
 
-// Makes a new file beside `path`; its descriptor, or -1 with errno set.
-int createBeside(const std::string& path, mode_t mode, std::string& name) {
+// Makes a new file beside `path`; its descriptor, or -1 with errno set. The guard stands before the
+// file does, so that no signal finds a file without one.
+int createBeside(const std::string& path, mode_t mode, std::string& name, SignalGuard& guard) {
   for (int attempt = 0; attempt < kAttempts; ++attempt) {
     name = nameBeside(path);
+    guard = SignalGuard(name);
     const int file = open(name.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
     if (file >= 0 || errno != EEXIST) return file;
   }
@@ -137,14 +127,14 @@ void flushFolderOf(const std::string& path) {
 int copyFile(const std::string& from, const std::string& to) {
   const int in = open(from.c_str(), O_RDONLY | O_CLOEXEC);
   if (in < 0) return errno;
-  struct stat info;
-  const mode_t mode = fstat(in, &info) == 0 ? info.st_mode & 07777 : 0600;
-  const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, mode);
+  const int out = open(to.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0600);
   if (out < 0) {
     const int error = errno;
     close(in);
     return error;
   }
+  struct stat info;
+  if (fstat(in, &info) == 0) takeOverTraits(in, info, out);
   std::string buffer(kBuffer, '\0');
   int error = 0;
   while (error == 0) {
@@ -164,9 +154,11 @@ int copyFile(const std::string& from, const std::string& to) {
 // nothing and leaves `path` where it is; disks without links get a copy.
 int keepAs(const std::string& path, const std::string& backup) {
   std::string second;
+  SignalGuard guard;
   int error = EEXIST;
   for (int attempt = 0; attempt < kAttempts && error == EEXIST; ++attempt) {
     second = nameBeside(path);
+    guard = SignalGuard(second);
     error = link(path.c_str(), second.c_str()) == 0 ? 0 : errno;
   }
   if (error != 0) error = copyFile(path, second);
@@ -192,17 +184,18 @@ Result<SaveFile> SaveFile::begin(const std::string& path) {
     if (save.file_ < 0) return cannotWrite(path, errno);
     return save;
   }
-  save.file_ = createBeside(save.path_, 0666, save.temporary_);
+  removeLitterOf(save.path_);
+  // Nobody else may read it before it has its permissions.
+  save.file_ = createBeside(save.path_, exists ? 0600 : 0666, save.temporary_, save.guard_);
   if (save.file_ < 0) {
     const int error = errno;
     save.temporary_.clear();
     return cannotWrite(path, error);
   }
   if (exists) {
-    // The owner may be somebody else whom only the superuser can restore; the permissions matter
-    // more.
-    if (fchown(save.file_, old.st_uid, old.st_gid) != 0) errno = 0;
-    if (fchmod(save.file_, old.st_mode & 07777) != 0) errno = 0;
+    const int from = open(save.path_.c_str(), O_RDONLY | O_CLOEXEC);
+    takeOverTraits(from, old, save.file_);
+    if (from >= 0) close(from);
   }
   return save;
 }
@@ -210,6 +203,7 @@ Result<SaveFile> SaveFile::begin(const std::string& path) {
 SaveFile::SaveFile(SaveFile&& other) noexcept
     : path_(std::move(other.path_)),
       temporary_(std::exchange(other.temporary_, {})),
+      guard_(std::move(other.guard_)),
       file_(std::exchange(other.file_, -1)),
       failure_(other.failure_),
       pending_(std::move(other.pending_)) {}
@@ -255,6 +249,7 @@ Result<void> SaveFile::commit(bool keepBackup) {
   }
   if (rename(temporary_.c_str(), path_.c_str()) != 0) return cannotWrite(path_, errno);
   temporary_.clear();
+  guard_ = SignalGuard();
   flushFolderOf(path_);
   return {};
 }

@@ -7,12 +7,10 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <chrono>
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <thread>
 
 #include "tests/cad/sample_drawings.h"
 #include "tests/tools/check_drawing.h"
@@ -238,52 +236,6 @@ TEST_F(SavingTest, AFullDiskLeavesTheOldFile) {
             0);
   EXPECT_EQ(read(path), "il vecchio");
   EXPECT_EQ(filesInFolder(), 1u);
-}
-
-// Killed at any moment, the file is the old one or the new one, never a part.
-TEST_F(SavingTest, AKilledSaveLeavesAWholeFile) {
-  constexpr int kPoints = 220000;
-  const auto version = [](const char* layer) {
-    std::string bytes =
-        tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1009\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n");
-    const std::string point =
-        tags("0 POINT\n8 " + std::string(layer) +
-             "\n10 123456.789012345678\n20 123456.789012345678\n30 123456.789012345678\n");
-    bytes.reserve(bytes.size() + kPoints * point.size() + 100);
-    for (int i = 0; i < kPoints; ++i) bytes += point;
-    return bytes + tags("0 ENDSEC\n0 EOF\n");
-  };
-  const std::string before = version("PRIMA_"), after = version("SECOND");
-  ASSERT_GT(before.size(), 15u << 20);
-  write(path, before);
-  auto db = load(after);
-  ASSERT_TRUE(db);
-  int wholeOld = 0, wholeNew = 0;
-  const auto start = std::chrono::steady_clock::now();
-  ASSERT_TRUE(db->drawing().save((folder / "altro.dxf").string()));
-  const auto once = std::chrono::duration_cast<std::chrono::microseconds>(
-      std::chrono::steady_clock::now() - start);
-  constexpr int kRounds = 12;
-  for (int round = 0; round < kRounds; ++round) {
-    const pid_t child = fork();
-    if (child == 0) {
-      for (;;) {
-        if (!db->drawing().save(path)) _exit(1);
-      }
-    }
-    std::this_thread::sleep_for(once * (round + 1) * 3 / kRounds);
-    kill(child, SIGKILL);
-    int status = 0;
-    waitpid(child, &status, 0);
-    ASSERT_TRUE(WIFSIGNALED(status));
-    const std::string now = read(path);
-    ASSERT_TRUE(now == before || now == after)
-        << "round " << round << ": " << now.size() << " bytes";
-    now == before ? ++wholeOld : ++wholeNew;
-    if (now == after) write(path, before);
-  }
-  EXPECT_GT(wholeOld, 0);
-  EXPECT_GT(wholeNew, 0);
 }
 
 }  // namespace

@@ -1,8 +1,12 @@
 #include "platform/files.h"
 
+#include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
+#include <sys/xattr.h>
 #include <unistd.h>
 
 #include <chrono>
@@ -13,40 +17,19 @@
 #include "platform/dynamic_library.h"
 #include "platform/ini.h"
 #include "platform/process.h"
+#include "tests/platform/scratch_folder.h"
 
 namespace platform {
 namespace {
 
 namespace fs = std::filesystem;
 
-class Files : public ::testing::Test {
- protected:
-  void SetUp() override {
-    std::string pattern = (fs::temp_directory_path() / "vessora-test-XXXXXX").string();
-    ASSERT_NE(mkdtemp(pattern.data()), nullptr);
-    folder_ = pattern;
-  }
-  void TearDown() override {
-    chmod(folder_.c_str(), 0700);
-    fs::remove_all(folder_);
-  }
-  std::string at(const std::string& name) const { return folder_ + "/" + name; }
-  // Names in the folder, hidden ones too: what a save leaves behind.
-  std::size_t entries() const {
-    return static_cast<std::size_t>(
-        std::distance(fs::directory_iterator(folder_), fs::directory_iterator()));
-  }
-  std::string content(const std::string& name) const {
-    const Result<std::string> bytes = readFile(at(name));
-    return bytes ? *bytes : "<" + bytes.error() + ">";
-  }
+class Files : public ScratchFolder {};
 
-  std::string folder_;
-};
-
-// Runs as a plain user, for whom permissions count; the superuser passes through all of them.
+// Runs as a plain user, for whom permissions count; the superuser passes through all of them. Only
+// the superuser can give him a second group.
 template <class Body>
-void asPlainUser(const std::string& folder, Body body) {
+void asPlainUser(const std::string& folder, Body body, std::vector<gid_t> groups = {}) {
   if (geteuid() != 0) {
     body();
     return;
@@ -57,7 +40,8 @@ void asPlainUser(const std::string& folder, Body body) {
   }
   const pid_t child = fork();
   if (child == 0) {
-    if (setgid(65534) != 0 || setuid(65534) != 0) _exit(2);
+    if (setgroups(groups.size(), groups.data()) != 0 || setgid(65534) != 0 || setuid(65534) != 0)
+      _exit(2);
     body();
     _exit(::testing::Test::HasFailure() ? 1 : 0);
   }
@@ -81,6 +65,116 @@ TEST_F(Files, ReadingTellsWhyItFails) {
   EXPECT_EQ(content("empty"), "");
   // Files of the system report no size.
   EXPECT_NE((*readFile("/proc/self/status")).size(), 0u);
+  // What may never end is refused without waiting for it.
+  ASSERT_EQ(mkfifo(at("pipe").c_str(), 0600), 0);
+  for (const std::string& path : {at("pipe"), std::string("/dev/null"), std::string("/dev/zero")}) {
+    EXPECT_EQ(readFile(path).error(),
+              "cannot read " + path + ": it is a pipe or device, not a file");
+    EXPECT_EQ(readOrdinaryFile(path).error(),
+              path + ": cannot be read: it is a pipe or device, not a file");
+  }
+}
+
+TEST_F(Files, StampsTellEveryKindOfChange) {
+  EXPECT_EQ(stampOf(at("none")), std::nullopt);
+  const std::string path = at("plan.dxf");
+  ASSERT_TRUE(writeFile(path, "one"));
+  const auto first = stampOf(path);
+  EXPECT_EQ(stampOf(path), first);
+  ASSERT_TRUE(writeFile(path, "two"));
+  const auto replaced = stampOf(path);
+  EXPECT_NE(replaced, first) << "another file of the same size";
+  // Written in place, and the time put back: the system's own time of change tells.
+  struct stat info;
+  ASSERT_EQ(stat(path.c_str(), &info), 0);
+  const int file = open(path.c_str(), O_WRONLY);
+  for (std::size_t tries = 0; tries < 100000 && stampOf(path) == replaced; ++tries) {
+    ASSERT_EQ(pwrite(file, "TWO", 3, 0), 3);
+    const timespec times[2] = {info.st_atim, info.st_mtim};
+    ASSERT_EQ(futimens(file, times), 0);
+  }
+  close(file);
+  EXPECT_NE(stampOf(path), replaced);
+  fs::create_symlink("plan.dxf", at("link.dxf"));
+  EXPECT_EQ(stampOf(at("link.dxf")), stampOf(path));
+  EXPECT_EQ(canonicalPath(at("link.dxf")), canonicalPath(folder_ + "/./plan.dxf"));
+  EXPECT_EQ(canonicalPath(at("x/../none")), canonicalPath(at("none")));
+}
+
+// A file shared by a group stays with it, whoever of the group saves it; where that cannot be, no
+// other group gets its rights.
+TEST_F(Files, ASharedFileKeepsItsGroupOrNarrowsItsRights) {
+  if (geteuid() != 0) GTEST_SKIP() << "only the superuser can set owners and groups";
+  const auto state = [&](const char* name) {
+    struct stat info;
+    EXPECT_EQ(stat(at(name).c_str(), &info), 0);
+    return info;
+  };
+  for (const char* name : {"shared", "others", "closed", "root"})
+    ASSERT_TRUE(writeFile(at(name), "old"));
+  asPlainUser(folder_, [] {});
+  const auto give = [&](const char* name, mode_t mode) {
+    ASSERT_EQ(chown(at(name).c_str(), 4001, 4002), 0);
+    ASSERT_EQ(chmod(at(name).c_str(), mode), 0);
+  };
+  give("shared", 04660);
+  give("others", 02676);
+  give("closed", 0606);
+  give("root", 06750);
+  ASSERT_TRUE(writeFile(at("root"), "new"));
+  EXPECT_EQ(state("root").st_uid, 4001u);
+  EXPECT_EQ(state("root").st_gid, 4002u);
+  EXPECT_EQ(state("root").st_mode & 07777, 06750u);
+  const auto saveAs = [&](const char* name, std::vector<gid_t> groups) {
+    const pid_t child = fork();
+    if (child == 0) {
+      if (setgroups(groups.size(), groups.data()) != 0 || setgid(65534) != 0 || setuid(65534) != 0)
+        _exit(2);
+      Result<SaveFile> save = SaveFile::begin(at(name));
+      if (!save) _exit(3);
+      save->write("new");
+      _exit(save->commit(true) ? 0 : 4);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_EQ(WEXITSTATUS(status), 0) << name;
+    EXPECT_EQ(content(name), "new");
+  };
+  saveAs("shared", {4002});
+  EXPECT_EQ(state("shared").st_gid, 4002u);
+  EXPECT_EQ(state("shared").st_mode & 07777, 0660u) << "its bit to run as the owner is gone";
+  saveAs("others", {});
+  EXPECT_EQ(state("others").st_gid, 65534u);
+  EXPECT_EQ(state("others").st_mode & 07777, 0666u);
+  saveAs("closed", {});
+  EXPECT_EQ(state("closed").st_mode & 07777, 0600u) << "the group had been kept out";
+  EXPECT_EQ(state("closed.bak").st_mode & 07777, 0606u);
+}
+
+TEST_F(Files, AttributesOfTheFileStayWithIt) {
+  ASSERT_TRUE(writeFile(at("plan.dxf"), "old"));
+  if (setxattr(at("plan.dxf").c_str(), "user.note", "by hand", 7, 0) != 0) {
+    GTEST_SKIP() << "this disk keeps no attributes";
+  }
+  ASSERT_TRUE(writeFile(at("plan.dxf"), "new"));
+  char value[16] = {};
+  EXPECT_EQ(getxattr(at("plan.dxf").c_str(), "user.note", value, sizeof value), 7);
+  EXPECT_STREQ(value, "by hand");
+}
+
+TEST_F(Files, AFileBeyondTheLimitIsTold) {
+  const pid_t child = fork();
+  if (child == 0) {
+    endTemporaryFilesOnSignals();
+    const rlimit limit{4096, 4096};
+    setrlimit(RLIMIT_FSIZE, &limit);
+    const Result<void> done = writeFile(at("plan.dxf"), std::string(10000, 'x'));
+    _exit(!done && done.error().find("larger than") != std::string::npos ? 0 : 1);
+  }
+  int status = 0;
+  waitpid(child, &status, 0);
+  EXPECT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0);
+  EXPECT_EQ(entries(), 0u);
 }
 
 TEST_F(Files, BytesArriveUnchangedInPiecesOfAnySize) {

@@ -1,6 +1,8 @@
 #include "platform/text.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+#include <unistd.h>
 
 #include <clocale>
 #include <cmath>
@@ -15,15 +17,12 @@
 namespace platform {
 namespace {
 
-// A locale with a decimal comma for the length of a test; not every machine has one.
+// A locale with a decimal comma for the length of a test, made by the build.
 class CommaLocale {
  public:
   CommaLocale() {
-    for (const char* name :
-         {"it_IT.UTF-8", "it_IT.utf8", "de_DE.UTF-8", "de_DE.utf8", "fr_FR.utf8"}) {
-      if (std::setlocale(LC_ALL, name) != nullptr) active_ = true;
-      if (active_) return;
-    }
+    setenv("LOCPATH", VESSORA_LOCALES, 1);
+    active_ = std::setlocale(LC_ALL, "it_IT.UTF-8") != nullptr;
   }
   ~CommaLocale() { std::setlocale(LC_ALL, "C"); }
   bool active() const { return active_; }
@@ -246,7 +245,7 @@ TEST(Numbers, DrawingRealsReadBackEqualAndLookLikeReals) {
 
 TEST(Numbers, TheLocaleChangesNothing) {
   const CommaLocale locale;
-  if (!locale.active()) GTEST_SKIP() << "no locale with a decimal comma on this machine";
+  ASSERT_TRUE(locale.active()) << "no locale in " VESSORA_LOCALES;
   char text[8];
   std::snprintf(text, sizeof text, "%.1f", 1.5);
   ASSERT_STREQ(text, "1,5");
@@ -327,12 +326,30 @@ TEST(Lines, LongLinesArriveInPieces) {
   }
 }
 
-TEST(Lines, AFileOfOneEndlessLineIsReadInLinearTime) {
-  const std::string text(30u << 20, 'x');
-  TextLines lines(text);
-  std::size_t n = 0;
-  while (auto line = lines.next()) n += line->size();
-  EXPECT_EQ(n, text.size());
+// A line without end is read piece by piece: were the rest of the file looked at for each of them,
+// the pages behind the first, which nobody may read, would end the program.
+TEST(Lines, APieceIsCutWithoutALookAtTheRest) {
+  const auto page = static_cast<std::size_t>(sysconf(_SC_PAGESIZE));
+  const std::size_t size = page * 64;
+  void* const memory =
+      mmap(nullptr, size, PROT_READ | PROT_WRITE, MAP_PRIVATE | MAP_ANONYMOUS, -1, 0);
+  ASSERT_NE(memory, MAP_FAILED);
+  std::memset(memory, 'x', size);
+  TextLines lines({static_cast<const char*>(memory), size}, 500);  // looks for the file's end once
+  ASSERT_EQ(mprotect(static_cast<char*>(memory) + page, size - page, PROT_NONE), 0);
+  EXPECT_EQ(lines.next()->size(), 500u);
+  EXPECT_EQ(lines.next()->size(), 500u);
+  munmap(memory, size);
+}
+
+TEST(Printable, NothingThatCommandsATerminalGetsThrough) {
+  EXPECT_EQ(printable(u"riga\tuna\r\ndue\n"), u"riga\tuna\ndue\n");
+  EXPECT_EQ(printable(u"\x1B[2J\a\r\x7F\x1F"), u"\x241B[2J\x2407\x240D\x2421\x241F");
+  EXPECT_EQ(printable(u"\x80\x9B\x9F\xA0"), u"<U+0080><U+009B><U+009F>\xA0");
+  EXPECT_EQ(printable(u"a\x202E\x2066\x2069\x2028\x200F\x061C\x2027\x202F"),
+            u"a<U+202E><U+2066><U+2069><U+2028><U+200F><U+061C>\x2027\x202F");
+  EXPECT_EQ(printable(u"città 水 \U0001F4A7"), u"città 水 \U0001F4A7");
+  EXPECT_EQ(printable(std::string_view("è\x1b]0;x\a")), "è␛]0;x␇");
 }
 
 }  // namespace
