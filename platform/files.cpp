@@ -107,6 +107,18 @@ std::string canonicalPath(const std::string& path) {
   return error ? absolutePath(path) : full.string();
 }
 
+std::vector<std::string> namesIn(const std::string& folder) {
+  std::vector<std::string> names;
+  std::error_code error;
+  for (std::filesystem::directory_iterator at(folder, error), end; !error && at != end;
+       at.increment(error)) {
+    std::error_code unknown;
+    names.push_back(at->path().filename().string() + (at->is_directory(unknown) ? "/" : ""));
+  }
+  std::sort(names.begin(), names.end());
+  return names;
+}
+
 std::optional<FileStamp> stampOf(const std::string& path) {
   struct stat info;
   if (stat(path.c_str(), &info) != 0) return std::nullopt;

@@ -33,6 +33,9 @@ bool makeFolders(const std::string& path);
 // The absolute path without links and detours, as far as its folders exist.
 std::string canonicalPath(const std::string& path);
 
+// What a folder holds, sorted; names of folders end in '/'. Empty for a folder that cannot be read.
+std::vector<std::string> namesIn(const std::string& folder);
+
 // The whole file as bytes. The error names the path and the reason ("No such file or
 // directory"...), and tells a folder from a file. Ordinary files alone are read: a pipe or device,
 // which may never end, is refused without waiting for it.

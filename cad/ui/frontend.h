@@ -72,6 +72,8 @@ class CAD_UI_API Frontend {
   Answer ask(const Prompt& prompt);
   // The asker could not use the last answer; Italian reason. The asker asks again.
   void invalid(std::u16string_view reason);
+  // No answer will come any more: whatever is asked, the same refusal comes back.
+  virtual bool ended() const { return false; }
   // Output of commands; line ends are in the text.
   virtual void print(std::u16string_view text) = 0;
   virtual void help(std::u16string_view topic);

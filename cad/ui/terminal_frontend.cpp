@@ -25,7 +25,8 @@ TerminalFrontend::TerminalFrontend(Reader reader, Output output, int width)
 void TerminalFrontend::write(u16string_view text) {
   if (text.empty()) return;
   atLineStart_ = text.back() == u'\n';
-  output_(platform::narrow(text));
+  // What is shown may come from a drawing, and the terminal obeys what it is shown.
+  output_(platform::narrow(platform::printable(text)));
 }
 
 void TerminalFrontend::freshLine() {
@@ -39,10 +40,14 @@ std::optional<u16string> TerminalFrontend::read(u16string_view prompt,
   if (!ended_) {
     std::vector<std::string> words;
     for (const auto& word : completions) words.push_back(platform::narrow(word));
-    auto line = reader_(platform::narrow(prompt), words);
+    auto line = reader_(platform::narrow(platform::printable(prompt)), words);
     atLineStart_ = true;  // the line's end was typed
-    if (line) return platform::widen(*line);
-    ended_ = true;
+    if (line) {
+      endsInRow_ = 0;
+      return platform::widen(*line);
+    }
+    constexpr int patience = 4;
+    ended_ = !person_ || ++endsInRow_ >= patience;
   }
   constexpr int limit = 10000;
   if (++afterEnd_ >= limit) {
@@ -127,7 +132,9 @@ std::optional<u16string> TerminalFrontend::showFileQuestion(const FileQuestion& 
   if (!filters.empty()) prompt += u" (" + filters.front().pattern + u")";
   bool proposed = !question.name.empty() && question.name.find(u'*') == u16string::npos;
   if (proposed) prompt += u" <" + question.name + u">";
+  asksFile_ = true;
   auto line = read(prompt + u": ", {});
+  asksFile_ = false;
   if (!line || isEscape(*line)) return std::nullopt;
   u16string_view path = trimmed(*line);
   if (!path.empty()) return u16string(path);

@@ -30,6 +30,12 @@ class CAD_UI_API TerminalFrontend : public Frontend {
   // that is stopped here. The default ends the process with status 1.
   void setRunaway(std::function<void()> handler) { runaway_ = std::move(handler); }
   bool atEnd() const { return ended_; }
+  bool ended() const override { return ended_; }
+  // A person sits at the terminal: where he ends his input he refuses one question, and is asked
+  // again what follows from it; only when he does so again and again is the input at its end.
+  void setPerson(bool person) { person_ = person; }
+  // The question that stands is for the name of a file.
+  bool asksFile() const { return asksFile_; }
 
  protected:
   void showDialog(Dialog& dialog) override;
@@ -50,6 +56,9 @@ class CAD_UI_API TerminalFrontend : public Frontend {
   Output output_;
   int width_;
   bool ended_ = false;
+  bool person_ = false;
+  bool asksFile_ = false;
+  int endsInRow_ = 0;
   bool atLineStart_ = true;
   int afterEnd_ = 0;
   int shown_ = 0;  // dialogs so far: tells whether one opened over another
