@@ -4,6 +4,8 @@
 
 #include <cstdio>
 
+#include "cad/editor/commands.h"
+#include "cad/family/family_commands.h"
 #include "cad/ui/dialog.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -13,6 +15,8 @@ namespace cli {
 platform::Result<void> startHost(cad::ui::Frontend& ui) {
   cad::Session& session = cad::Session::instance();
   session.setFrontend(&ui);
+  cad::addHostCommands(session);
+  cad::addFamilyCommands(session);
   const cad::Installation place = cad::findInstallation();
   if (!platform::folderExists(place.root)) {
     return platform::Error{place.root + ": " +
@@ -25,7 +29,8 @@ platform::Result<void> startHost(cad::ui::Frontend& ui) {
   std::u16string root = platform::widen(place.root);
   root.back() = u'\\';
   session.setSymbol(u"hn-cpath", root);
-  if (auto loaded = session.loadModule(place.module); !loaded) return loaded;
+  const auto module = session.loadModule(place.module);
+  if (!module) return platform::Error{module.error()};
   vessora::Jobs* const jobs = vessora::Jobs::find();
   if (!jobs) {
     return platform::Error{place.module + ": " +
@@ -33,7 +38,7 @@ platform::Result<void> startHost(cad::ui::Frontend& ui) {
                                  "the module is of another version; install again")};
   }
   for (const vessora::CommandRow& row : jobs->commands()) {
-    session.addExport(u"VESSORA", {row.name, row.symbol, row.help});
+    session.addExport(*module, u"VESSORA", {row.name, row.symbol, row.help});
   }
   return {};
 }

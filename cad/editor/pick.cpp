@@ -8,7 +8,9 @@
 namespace cad {
 namespace {
 
-bool layerShown(Drawing& d, std::uint32_t layerName, std::vector<signed char>& known) {
+constexpr int kFrozen = 1, kLocked = 4;  // marks of a layer's entry
+
+bool layerShown(const Drawing& d, std::uint32_t layerName, std::vector<signed char>& known) {
   if (layerName >= known.size()) known.resize(layerName + 64, -1);
   signed char& shown = known[layerName];
   if (shown < 0) {
@@ -16,10 +18,16 @@ bool layerShown(Drawing& d, std::uint32_t layerName, std::vector<signed char>& k
     if (const std::uint32_t i = d.structure().tableEntry(Type::layer, d.names().text(layerName))) {
       TagList t;
       d.parse(i, t);
-      if (t.integerOr(70, 0, t.body()) & 1 || t.integerOr(62, 7, t.body()) < 0) shown = 0;
+      if (t.integerOr(70, 0, t.body()) & kFrozen || t.integerOr(62, 7, t.body()) < 0) shown = 0;
     }
   }
   return shown == 1;
+}
+
+bool isHidden(const Drawing& d, std::uint32_t entity) {
+  const auto t = borrowTags();
+  d.parse(entity, *t);
+  return t->integerOr(60, 0, t->body()) != 0;
 }
 
 Pick byName(Drawing& d, std::u16string_view name) {
@@ -50,6 +58,28 @@ Pick byName(Drawing& d, std::u16string_view name) {
 }
 
 }  // namespace
+
+std::vector<std::uint32_t> seenEntities(Drawing& d) {
+  const bool layout = d.header().text("$TILEMODE") == u"0" && d.structure().paperSpace();
+  const std::uint32_t space = layout ? d.structure().paperSpace() : d.structure().modelSpace();
+  std::vector<std::uint32_t> seen;
+  std::vector<signed char> shown;
+  for (const std::uint32_t e : d.index().allInSpace()) {
+    if (d.record(e).owner == space && layerShown(d, d.record(e).layer, shown) && !isHidden(d, e)) {
+      seen.push_back(e);
+    }
+  }
+  return seen;
+}
+
+bool onLockedLayer(const Drawing& d, std::uint32_t entity) {
+  const std::uint32_t layer =
+      d.structure().tableEntry(Type::layer, d.names().text(d.record(entity).layer));
+  if (!layer) return false;
+  TagList t;
+  d.parse(layer, t);
+  return t.integerOr(70, 0, t.body()) & kLocked;
+}
 
 std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3d* base) {
   const bool relative = !text.empty() && text[0] == u'@';
@@ -87,9 +117,7 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
   } else if (const auto p = parsePoint(text)) {
     pick.point = *p;
     double best = aperture;
-    std::vector<signed char> shown;
-    for (const std::uint32_t e : d.index().allInSpace()) {
-      if (!layerShown(d, d.record(e).layer, shown)) continue;
+    for (const std::uint32_t e : seenEntities(d)) {
       const double distance = shape::planDistance(d, e, *p);
       if (distance < best) {
         best = distance;

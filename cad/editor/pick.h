@@ -3,6 +3,7 @@
 
 #include <optional>
 #include <string_view>
+#include <vector>
 
 #include "cad/api/database.h"
 
@@ -13,6 +14,12 @@ namespace cad {
 // '@'. Empty when the text is no point.
 std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3d* base = nullptr);
 
+// What a user sees and may point at, in drawing order: the entities of the current space whose
+// layer is neither frozen nor switched off and that are not hidden themselves.
+std::vector<std::uint32_t> seenEntities(Drawing& drawing);
+// The entity lies on a locked layer: it can be picked, and the host's commands leave it as it is.
+bool onLockedLayer(const Drawing& drawing, std::uint32_t entity);
+
 struct Pick {
   std::uint32_t record = 0;  // 0: nothing was hit
   AcGePoint3d point;
@@ -21,7 +28,7 @@ struct Pick {
 
 // "#1A2B" the entity of a handle, "=P12" the entity whose extended data or attribute ID name it so
 // (block references before polylines), "x,y" the entity nearest to a point within the aperture.
-// Entities on frozen or switched-off layers cannot be hit by a point.
+// A point hits only what is seen; a handle or name finds what is not seen too.
 Pick pickEntity(Drawing& drawing, std::u16string_view text, double aperture);
 
 }  // namespace cad

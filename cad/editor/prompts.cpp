@@ -105,7 +105,7 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
   const auto first = tokens.next();
   const std::u16string word = first ? platform::upper(*first) : u"";
   if (word == u"TUTTO" || word == u"ALL" || word == u"*") {
-    for (const std::uint32_t e : d.index().allInSpace()) addUnique(picked, have, e);
+    for (const std::uint32_t e : cad::seenEntities(d)) addUnique(picked, have, e);
     return true;
   }
   if (word == u"F" || word == u"W" || word == u"I" || word == u"C") {
@@ -118,7 +118,7 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
     }
     const cad::shape::PlanWindow window(*p, *q);
     const bool crossing = word == u"I" || word == u"C";
-    for (const std::uint32_t e : d.index().allInSpace()) {
+    for (const std::uint32_t e : cad::seenEntities(d)) {
       if (crossing ? cad::shape::touches(d, e, window) : cad::shape::liesInside(d, e, window)) {
         addUnique(picked, have, e);
       }

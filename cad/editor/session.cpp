@@ -2,71 +2,13 @@
 
 #include <algorithm>
 #include <cstdlib>
-#include <filesystem>
 
 #include "cad/drawing/drawing.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
-ACRX_DEFINE(AcRxDictionary, AcRxObject)
-ACRX_DEFINE(AcRxDynamicLinker, AcRxObject)
-ACRX_DEFINE(AcEdCommandStack, AcRxObject)
-ACRX_DEFINE(OdRxModule, AcRxObject)
-ACRX_DEFINE(OdRxWin32Module, OdRxModule)
-
 namespace cad {
 namespace {
-
-class Linker : public AcRxDynamicLinker {
- public:
-  bool unlockApplication(void* packet) override { return packet != nullptr; }
-  bool registerAppMDIAware(void* packet) override { return packet != nullptr; }
-};
-
-class Stack : public AcEdCommandStack {
- public:
-  bool addCommand(std::u16string_view group, std::u16string_view globalName,
-                  std::u16string_view localName, int flags, AcRxFunctionPtr function) override {
-    return Session::instance().addCommand({std::u16string(group), std::u16string(globalName),
-                                           std::u16string(localName), flags, function, u""});
-  }
-  bool removeGroup(std::u16string_view group) override {
-    return Session::instance().removeGroup(group);
-  }
-};
-
-class Registry : public AcRxDictionary {
- public:
-  Registry() {
-    objects_.emplace(u"DynamicLinker", &linker_);
-    objects_.emplace(u"ACAD_REGISTERED_COMMANDS", &stack_);
-  }
-  AcRxObject* at(std::u16string_view name) const override {
-    const auto it = objects_.find(name);
-    return it == objects_.end() ? nullptr : it->second;
-  }
-  bool atPut(std::u16string_view name, AcRxObject* object) override {
-    return object && !name.empty() && objects_.emplace(name, object).second;
-  }
-  AcRxObject* remove(std::u16string_view name) override {
-    const auto it = objects_.find(name);
-    if (it == objects_.end() || it->second == &linker_ || it->second == &stack_) return nullptr;
-    AcRxObject* const object = it->second;
-    objects_.erase(it);
-    return object;
-  }
-
- private:
-  Linker linker_;
-  Stack stack_;
-  std::map<std::u16string, AcRxObject*, std::less<>> objects_;
-};
-
-void* g_resources = nullptr;
-std::vector<void*>& extensions() {
-  static std::vector<void*> modules;
-  return modules;
-}
 
 std::u16string commandKey(std::u16string_view name) {
   while (!name.empty() && (name[0] == u'_' || name[0] == u'-' || name[0] == u'.'))
@@ -95,7 +37,7 @@ Session& Session::instance() {
   return *session;
 }
 
-Session::Session() { registerHostCommands(); }
+Session::Session() = default;
 Session::~Session() = default;
 
 ui::Frontend& Session::frontend() const {
@@ -109,6 +51,7 @@ void Session::setDrawing(std::unique_ptr<AcDbDatabase> database, const std::stri
   closeDrawing();
   database_ = std::move(database);
   path_ = path;
+  cleanRevision_ = database_->drawing().revision();
   view = View();
   acdbHostApplicationServices()->setWorkingDatabase(database_.get());
   sendToModules(AcRx::kLoadDwgMsg);
@@ -117,9 +60,12 @@ void Session::setDrawing(std::unique_ptr<AcDbDatabase> database, const std::stri
 platform::Result<void> Session::openDrawing(const std::string& path,
                                             std::vector<std::string>& warnings) {
   auto database = std::make_unique<AcDbDatabase>(false);
+  // Taken before reading: what is written meanwhile counts as changed.
+  const auto stamp = platform::stampOf(path);
   auto loaded = database->drawing().load(path, warnings);
   if (!loaded) return loaded;
   setDrawing(std::move(database), path);
+  stamp_ = stamp;
   return {};
 }
 
@@ -131,6 +77,7 @@ void Session::closeDrawing() {
   acdbHostApplicationServices()->setWorkingDatabase(nullptr);
   database_.reset();
   path_.clear();
+  stamp_.reset();
 }
 
 std::string Session::versionProblem() const {
@@ -152,83 +99,43 @@ std::string Session::versionProblem() const {
   return {};
 }
 
-platform::Result<void> Session::saveDrawing(const std::string& path) {
+bool Session::isOwnFile(const std::string& path) const {
+  return path.empty() || path == path_ ||
+         (!path_.empty() && platform::canonicalPath(path) == platform::canonicalPath(path_));
+}
+
+bool Session::changedOnDisk(const std::string& path) const {
+  if (!stamp_ || !isOwnFile(path)) return false;
+  const auto now = platform::stampOf(path_);
+  return now && now != stamp_;
+}
+
+bool Session::isModified() const {
+  return database_ && database_->drawing().isChanged() &&
+         database_->drawing().revision() != cleanRevision_;
+}
+
+platform::Result<void> Session::saveDrawing(const std::string& path, Overwrite overwrite) {
   if (!database_) return platform::Error{"no drawing is open"};
-  const std::string& target = path.empty() ? path_ : path;
+  const std::string target = path.empty() ? path_ : path;
   if (target.empty()) return platform::Error{"the drawing has no name yet; give a path to save it"};
   if (const std::string problem = versionProblem(); !problem.empty()) {
     return platform::Error{target + ": not saved: " + problem};
+  }
+  if (overwrite == Overwrite::unlessChanged && changedOnDisk(target)) {
+    return platform::Error{target +
+                           ": not saved: another program has changed the file since it was "
+                           "opened; save under another name, or open it again"};
   }
   sendToModules(AcRx::kSaveMsg);
   // A drawing that gets its first file opens on what is in it.
   if (path_.empty()) database_->drawing().fitView();
   auto saved = database_->drawing().save(target);
-  if (saved) path_ = target;
+  if (saved) {
+    path_ = target;
+    stamp_ = platform::stampOf(target);
+  }
   return saved;
-}
-
-// --- modules -------------------------------------------------------------------------------------
-
-platform::Result<void> Session::loadModule(const std::string& path) {
-  auto library = platform::DynamicLibrary::load(path);
-  if (!library) return platform::Error{path + ": cannot be loaded: " + library.error()};
-  Module module;
-  module.path = platform::widen(platform::absolutePath(path));
-  module.library = *library;
-  module.entry = library->function<AcRx::AppRetCode(AcRx::AppMsgCode, void*)>("acrxEntryPoint");
-  if (!module.entry) {
-    library->free();
-    return platform::Error{path + ": is no module of this host (it has no acrxEntryPoint)"};
-  }
-  runningModule_ = module.path;
-  const AcRx::AppRetCode answer = module.entry(AcRx::kInitAppMsg, &modules_);
-  if (answer != AcRx::kRetOK) {
-    module.entry(AcRx::kUnloadAppMsg, &modules_);
-    runningModule_.clear();
-    library->free();
-    return platform::Error{path + ": the module refused to start"};
-  }
-  modules_.push_back(module);
-  if (database_) module.entry(AcRx::kLoadDwgMsg, &modules_);
-  return {};
-}
-
-bool Session::addExport(std::u16string_view group, const ExportedCommand& command) {
-  if (modules_.empty()) return false;
-  const Module& module = modules_.back();
-  auto* function = module.library.function<void()>(command.symbol.c_str());
-  if (!function) return false;
-  return addCommand({std::u16string(group), command.name, command.name, 0,
-                     [this, function, path = module.path] {
-                       runningModule_ = path;
-                       function();
-                     },
-                     command.help});
-}
-
-void Session::unloadModules() {
-  for (Module& m : modules_) {
-    runningModule_ = m.path;
-    m.entry(AcRx::kQuitMsg, &modules_);
-    std::erase_if(commands_, [](const auto& c) { return c.second.group != u"HOST"; });
-    m.library.free();
-  }
-  modules_.clear();
-  runningModule_.clear();
-}
-
-void* Session::moduleSymbol(const char* name) const {
-  for (const Module& m : modules_) {
-    if (void* s = m.library.symbol(name)) return s;
-  }
-  return nullptr;
-}
-
-void Session::sendToModules(AcRx::AppMsgCode message) {
-  for (Module& m : modules_) {
-    runningModule_ = m.path;
-    m.entry(message, &modules_);
-  }
 }
 
 // --- commands ------------------------------------------------------------------------------------
@@ -242,9 +149,9 @@ bool Session::addCommand(Command command) {
   return true;
 }
 
-bool Session::removeGroup(std::u16string_view group) {
+bool Session::removeGroup(std::u16string_view group, ModuleHandle module) {
   return std::erase_if(commands_, [&](const auto& c) {
-           return platform::equalNoCase(c.second.group, group);
+           return c.second.module == module && platform::equalNoCase(c.second.group, group);
          }) > 0;
 }
 
@@ -253,13 +160,16 @@ RunResult Session::run(std::u16string_view name) {
   if (it == commands_.end()) return RunResult::unknown;
   const Command command = it->second;
   ++depth_;
-  const bool own = command.group == u"HOST";
-  if (database_ && depth_ == 1 && !(own && (command.flags & 1))) {
+  const bool keepsNone = command.module == 0 && (command.flags & Command::outsideUndo);
+  if (database_ && depth_ == 1 && !keepsNone) {
     database_->drawing().beginCommand(command.globalName);
   }
   initBits = 0;
   initKeywords.clear();
-  command.function();
+  {
+    const Inside inside(*this, command.module);
+    command.function();
+  }
   --depth_;
   if (depth_ == 0) {
     if (database_) database_->drawing().endCommand();
@@ -284,13 +194,20 @@ void Session::checkLeaks(std::u16string_view command) {
     what += " " + std::to_string(database_->drawing().openCount()) + " object(s) open";
   }
   if (liveSelections_) what += " " + std::to_string(liveSelections_) + " selection set(s)";
-  if (acutLiveNodes()) what += " " + std::to_string(acutLiveNodes()) + " result node(s)";
+  // A chain may still be held by whoever forgot it, so it is lost rather than released; the next
+  // command is not blamed for it.
+  if (const int lost = acutLiveNodes() - lostNodes_; lost > 0) {
+    what += " " + std::to_string(lost) + " result node(s)";
+  }
+  lostNodes_ = acutLiveNodes();
+  selections_.clear();
+  liveSelections_ = 0;
   if (!what.empty()) leaks_ += platform::narrow(command) + " left:" + what + "\n";
 }
 
 std::string Session::takeLeaks() { return std::exchange(leaks_, {}); }
 
-void Session::commandLoop(const std::function<bool()>& more) {
+bool Session::commandLoop(const std::function<bool()>& more) {
   std::u16string last;
   quit_ = false;
   while (!quit_ && (!more || more())) {
@@ -299,7 +216,11 @@ void Session::commandLoop(const std::function<bool()>& more) {
     prompt.text = u"\nComando: ";
     for (const auto& [key, command] : commands_) prompt.keywords.push_back(key);
     const ui::Answer answer = frontend().ask(prompt);
-    if (answer.status == ui::Answer::Status::end) return;
+    if (answer.status == ui::Answer::Status::end) {
+      // A person who ends his input means to leave, which may need an answer of his.
+      if (frontend().ended() || run(u"QUIT") == RunResult::unknown) return !isModified();
+      continue;
+    }
     if (answer.status == ui::Answer::Status::cancel) continue;
     std::u16string name = answer.text;
     if (answer.status == ui::Answer::Status::none || name.empty()) name = last;
@@ -310,6 +231,7 @@ void Session::commandLoop(const std::function<bool()>& more) {
       last = name;
     }
   }
+  return true;
 }
 
 // --- selections, symbols -------------------------------------------------------------------------
@@ -352,30 +274,10 @@ Installation findInstallation() {
   if (found.root.back() != '/') found.root += '/';
   found.module = module && *module ? std::string(module) : bin + "../lib/vessora/vessora.arx";
   // Shown to users as a proposed path, so without the detours of the program's own place.
-  std::error_code unknown;
-  found.root = std::filesystem::weakly_canonical(found.root, unknown).string();
-  found.module = std::filesystem::weakly_canonical(found.module, unknown).string();
+  found.root = platform::canonicalPath(found.root);
+  found.module = platform::canonicalPath(found.module);
   if (!found.root.empty() && found.root.back() != '/') found.root += '/';
   return found;
 }
 
 }  // namespace cad
-
-// --- services ------------------------------------------------------------------------------------
-
-AcRxDictionary* acrxSysRegistry() {
-  static cad::Registry registry;
-  return &registry;
-}
-
-void* odrxAlloc(std::size_t size) { return std::malloc(size); }
-void odrxFree(void* memory) { std::free(memory); }
-
-void* afxResourceHandle() { return cad::g_resources; }
-void afxSetResourceHandle(void* handle) { cad::g_resources = handle; }
-bool afxAddExtensionModule(void* instance) {
-  if (!instance) return false;
-  cad::extensions().push_back(instance);
-  return true;
-}
-void afxRemoveExtensionModule(void* instance) { std::erase(cad::extensions(), instance); }

@@ -7,6 +7,7 @@
 #include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
+#include "cad/family/family_commands.h"
 #include "cad/family/profile.h"
 #include "platform/format.h"
 #include "platform/text.h"
@@ -426,10 +427,12 @@ void commandManholes() {
   acutPrintf(count == 1 ? u"\n%d pozzetto inserito." : u"\n%d pozzetti inseriti.", count);
 }
 
-const bool g_registered = cad::Session::instance().addCommand(
-    {u"HOST", u"PZZPROFILO", u"PZZPROFILO", 0, commandManholes, u"pozzetti su un profilo"});
-
 }  // namespace
+
+void cad::addFamilyCommands(Session& session) {
+  session.addCommand(
+      {u"HOST", u"PZZPROFILO", u"PZZPROFILO", 0, commandManholes, u"pozzetti su un profilo"});
+}
 
 // --- polylines as lists --------------------------------------------------------------------------
 

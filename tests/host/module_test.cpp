@@ -71,7 +71,7 @@ class ModuleTest : public ::testing::Test {
     auto loaded = session.loadModule(folder.module());
     error = loaded ? "" : loaded.error();
     for (const char* name : {"expinp", "impinp", "netvis"}) {
-      if (loaded) session.addExport(u"VESSORA", {platform::widen(name), name, u""});
+      if (loaded) session.addExport(*loaded, u"VESSORA", {platform::widen(name), name, u""});
     }
     return static_cast<bool>(loaded);
   }

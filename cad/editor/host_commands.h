@@ -1,0 +1,47 @@
+// The bodies of the host's commands, by what they are about; the table in commands.cpp names them.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+#include "cad/api/editor.h"
+#include "cad/drawing/drawing.h"
+#include "cad/editor/session.h"
+
+namespace cad::host {
+
+inline Session& session() { return Session::instance(); }
+inline Drawing& drawing() { return session().database()->drawing(); }
+inline void say(std::u16string_view text) { acedPrintText(text); }
+// Tells the user when there is no drawing.
+bool haveDrawing();
+void reportError(const std::string& error);
+
+// --- files: drawings and modules (file_commands.cpp)
+void commandNew();
+void commandOpen();
+void commandSave();
+void commandSaveAs();
+void commandQuit();
+void commandLoadModule();
+void commandUnloadModule();
+
+// --- changes (edit_commands.cpp)
+void commandUndo();
+void commandRedo();
+void commandErase();
+
+// --- layers (layer_commands.cpp)
+void commandLayer();
+
+// --- the view (view_commands.cpp)
+void commandZoom();
+void commandRegenAll();
+// The arguments that a module gives the zoom command: an option and two corners.
+int zoomWindow(const resbuf* arguments);
+
+// --- what there is (inquiry_commands.cpp)
+void commandList();
+void commandHelp();
+
+}  // namespace cad::host

@@ -1,0 +1,111 @@
+// What the drawing holds and what the host can do, told to the user.
+#include "cad/api/owners.h"
+#include "cad/api/table.h"
+#include "cad/drawing/block_geometry.h"
+#include "cad/editor/host_commands.h"
+#include "platform/text.h"
+
+namespace cad::host {
+namespace {
+
+void listChain(const resbuf* chain) {
+  for (const resbuf* n = chain; n; n = n->rbnext) {
+    const int code = n->restype;
+    switch (acutKindOf(code)) {
+      case RbKind::text:
+        acutPrintf(u"\n    %4d  %s", code, n->resval.rstring);
+        break;
+      case RbKind::real:
+        acutPrintf(u"\n    %4d  %.15g", code, n->resval.rreal);
+        break;
+      case RbKind::int16:
+        acutPrintf(u"\n    %4d  %d", code, static_cast<int>(n->resval.rint));
+        break;
+      case RbKind::int32:
+        acutPrintf(u"\n    %4d  %d", code, n->resval.rlong);
+        break;
+      case RbKind::point:
+        acutPrintf(u"\n    %4d  %.15g,%.15g,%.15g", code, n->resval.rpoint[0], n->resval.rpoint[1],
+                   n->resval.rpoint[2]);
+        break;
+      case RbKind::none:
+        break;
+    }
+  }
+}
+
+void listTable(const AcDbTable& table) {
+  const AcGePoint3d p = table.position();
+  acutPrintf(u"\n  tabella in %.3f,%.3f,%.3f  larga %.3f alta %.3f  testo %.3f", p.x, p.y, p.z,
+             table.width(), table.height(), table.textHeight(0, 0));
+  for (int row = 0; row < table.numRows(); ++row) {
+    std::u16string line;
+    for (int column = 0; column < table.numColumns(); ++column) {
+      if (column > 0) line += u" | ";
+      line += table.textString(row, column);
+    }
+    acutPrintf(u"\n  %s", line);
+  }
+}
+
+// What kind of thing it is and where it lies.
+void listGeometry(const Opened<AcDbEntity>& entity) {
+  if (auto* block = entity.as<AcDbBlockReference>()) {
+    const AcGePoint3d p = block->position();
+    acutPrintf(u"\n  blocco \"%s\" in %.3f,%.3f,%.3f", block->blockName(), p.x, p.y, p.z);
+    AcDbObjectIterator* it = block->attributeIterator();
+    for (; !it->done(); it->step()) {
+      const Opened<AcDbAttribute> a(it->objectId());
+      if (a) acutPrintf(u"\n  %s = %s", a->tag(), a->textString());
+    }
+    delete it;
+  } else if (entity.as<AcDb3dPolyline>()) {
+    for (const AcGePoint3d& p : vertexPositions(drawing(), entity->objectId().index())) {
+      acutPrintf(u"\n  vertice %.3f,%.3f,%.3f", p.x, p.y, p.z);
+    }
+  } else if (auto* flat = entity.as<AcDbPolyline>()) {
+    for (const AcDbPolyline::Vertex& v : flat->vertices()) {
+      acutPrintf(u"\n  vertice %.3f,%.3f", v.point.x, v.point.y);
+    }
+  } else if (auto* line = entity.as<AcDbLine>()) {
+    const AcGePoint3d a = line->startPoint(), b = line->endPoint();
+    acutPrintf(u"\n  da %.3f,%.3f,%.3f a %.3f,%.3f,%.3f  linea %s", a.x, a.y, a.z, b.x, b.y, b.z,
+               line->linetype());
+  } else if (auto* text = entity.as<AcDbText>()) {
+    const AcGePoint3d p = text->position();
+    acutPrintf(u"\n  \"%s\" in %.3f,%.3f,%.3f  altezza %.3f", text->textString(), p.x, p.y, p.z,
+               text->height());
+  } else if (auto* table = entity.as<AcDbTable>()) {
+    listTable(*table);
+  }
+}
+
+void listEntity(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id);
+  if (!entity) return;
+  acutPrintf(u"\n%s  handle %s  layer \"%s\"  colore %s", entity->dxfName(),
+             platform::format(u"%x", static_cast<std::int64_t>(entity->handle())), entity->layer(),
+             entity->colorIndex() == 256 ? std::u16string(u"dal layer")
+                                         : platform::format(u"%d", entity->colorIndex()));
+  listGeometry(entity);
+  const Chain data(entity->xData());
+  listChain(data.get());
+}
+
+}  // namespace
+
+void commandList() {
+  if (!haveDrawing()) return;
+  for (const AcDbObjectId id : SelectionSet(nullptr, nullptr)) listEntity(id);
+}
+
+void commandHelp() {
+  say(u"\nComandi:");
+  std::u16string last;
+  for (const auto& [key, c] : session().commands()) {
+    if (platform::upper(c.globalName) != key && c.group == u"HOST") continue;
+    acutPrintf(u"\n  %-12s %s", platform::upper(c.localName), c.help);
+  }
+}
+
+}  // namespace cad::host
