@@ -3,9 +3,11 @@
 
 #include "apps/cli/host.h"
 #include "apps/cli/jobs.h"
+#include "platform/files.h"
 
 int main(int argc, char** argv) {
   using cli::words;
+  platform::endTemporaryFilesOnSignals();
   CLI::App app{words("Reti di distribuzione idrica nei disegni CAD.",
                      "Water-distribution networks in CAD drawings.")};
   app.require_subcommand(1);

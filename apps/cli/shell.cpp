@@ -1,76 +1,60 @@
-// The interactive command line: line editing, history and completion by readline.
-#include <readline/history.h>
-#include <readline/readline.h>
+// The interactive command line.
 #include <unistd.h>
 
 #include <cstdio>
 #include <cstdlib>
-#include <cstring>
+#include <optional>
 
 #include "apps/cli/host.h"
 #include "apps/cli/jobs.h"
+#include "apps/cli/line_editor.h"
 #include "cad/ui/terminal_frontend.h"
 #include "platform/text.h"
 
 namespace cli {
 namespace {
 
-std::vector<std::string> g_completions;
-
-char* nextCompletion(const char* text, int state) {
-  static std::size_t at;
-  if (state == 0) at = 0;
-  const std::size_t n = std::strlen(text);
-  while (at < g_completions.size()) {
-    const std::string& word = g_completions[at++];
-    if (word.size() >= n && strncasecmp(word.c_str(), text, n) == 0) return strdup(word.c_str());
-  }
-  return nullptr;
-}
-
-char** complete(const char* text, int, int) {
-  if (g_completions.empty()) return nullptr;  // file names, as readline does by itself
-  rl_attempted_completion_over = 1;
-  return rl_completion_matches(text, nextCompletion);
-}
-
 std::string historyFile() {
   const char* home = std::getenv("HOME");
-  return home ? std::string(home) + "/.vessora_history" : "";
+  return home && *home ? std::string(home) + "/.vessora_history" : "";
 }
 
-std::optional<std::string> readLine(const std::string& prompt,
-                                    const std::vector<std::string>& words) {
-  g_completions = words;
-  if (!isatty(0)) {
-    // Piped input: no editing, no echo of our own.
-    std::fputs(prompt.c_str(), stdout);
-    std::fflush(stdout);
-    std::string line;
-    int c;
-    while ((c = std::getchar()) != EOF && c != '\n') line += static_cast<char>(c);
-    if (c == EOF && line.empty()) return std::nullopt;
-    return line;
-  }
-  char* line = readline(prompt.c_str());
-  if (!line) return std::nullopt;
-  std::string text = line;
-  std::free(line);
-  if (!text.empty()) add_history(text.c_str());
-  return text;
+// Piped input: no editing, no echo of our own.
+std::optional<std::string> readPiped(const std::string& prompt) {
+  std::fputs(prompt.c_str(), stdout);
+  std::fflush(stdout);
+  std::string line;
+  int c;
+  while ((c = std::getchar()) != EOF && c != '\n') line += static_cast<char>(c);
+  if (c == EOF && line.empty()) return std::nullopt;
+  return line;
+}
+
+void printOut(std::string_view text) {
+  std::fwrite(text.data(), 1, text.size(), stdout);
+  std::fflush(stdout);
+}
+
+// What the last command left open or never gave back: its fault, and no reason to stop.
+bool tellLeaks() {
+  const std::string left = cad::Session::instance().takeLeaks();
+  if (!left.empty()) std::fprintf(stderr, "vessora: %s", platform::printable(left).c_str());
+  return true;
 }
 
 }  // namespace
 
 int shell(const std::string& drawing) {
-  rl_readline_name = "vessora";
-  rl_attempted_completion_function = complete;
-  const std::string history = historyFile();
-  if (!history.empty()) read_history(history.c_str());
-  cad::ui::TerminalFrontend ui(readLine, [](std::string_view text) {
-    std::fwrite(text.data(), 1, text.size(), stdout);
-    std::fflush(stdout);
-  });
+  std::optional<LineEditor> editor;
+  if (isatty(STDIN_FILENO) && isatty(STDOUT_FILENO)) editor.emplace(historyFile());
+  cad::ui::TerminalFrontend* asking = nullptr;
+  cad::ui::TerminalFrontend ui(
+      [&](const std::string& prompt, const std::vector<std::string>& completions) {
+        return editor ? editor->read(prompt, completions, asking->asksFile()) : readPiped(prompt);
+      },
+      printOut);
+  asking = &ui;
+  ui.setPerson(editor.has_value());
   if (auto started = startHost(ui); !started) return fail(started.error());
   if (auto opened = openDrawing(drawing); !opened) {
     stopHost();
@@ -79,11 +63,12 @@ int shell(const std::string& drawing) {
   std::puts(words("vessora: digitare GUIDA per i comandi, ESCI per uscire, TAB per completare.",
                   "vessora: type GUIDA for the commands, ESCI to leave, TAB to complete.")
                 .c_str());
-  cad::Session::instance().commandLoop();
+  const bool nothingLost = cad::Session::instance().commandLoop(tellLeaks);
   stopHost();
-  if (!history.empty()) write_history(history.c_str());
   std::puts("");
-  return 0;
+  if (nothingLost) return 0;
+  return fail(words("fine dell'ingresso: le modifiche al disegno non sono state salvate",
+                    "end of input: the changes to the drawing were not saved"));
 }
 
 }  // namespace cli
