@@ -37,10 +37,13 @@ class FormatArg {
   double real = 0;
 };
 
+// The host's library offers these: templates of its interface call them in modules.
+#define VESSORA_FORMAT_API __attribute__((visibility("default")))
 namespace detail {
-void formatTo(std::u16string& out, std::u16string_view pattern, const FormatArg* args,
-              std::size_t n);
-void formatTo(std::string& out, std::u16string_view pattern, const FormatArg* args, std::size_t n);
+VESSORA_FORMAT_API void formatTo(std::u16string& out, std::u16string_view pattern,
+                                 const FormatArg* args, std::size_t n);
+VESSORA_FORMAT_API void formatTo(std::string& out, std::u16string_view pattern,
+                                 const FormatArg* args, std::size_t n);
 }  // namespace detail
 
 // The formatted text.

@@ -3,10 +3,9 @@
 //   run_case CASE_FOLDER BIN_FOLDER [--update]
 //
 // A case is a folder with
-//   cmd        shell lines, run by sh in a scratch copy of the folder with the programs on the path
-//   console    expected standard output           (missing: must be empty)
-//   errors     expected standard error            (missing: must be empty)
-//   status     expected exit status               (missing: 0)
+//   cmd        shell lines, run by bash in a scratch copy of the folder with the programs on the
+//   path console    expected standard output           (missing: must be empty) errors     expected
+//   standard error            (missing: must be empty) status     expected exit status (missing: 0)
 //   expected/  files that must come out byte for byte under the same names
 // The scratch folder's own path reads "$DIR" in what is compared. --update rewrites the
 // expectations from what came out; the diff is then reviewed like code.
@@ -71,9 +70,9 @@ class Case {
       const bool expectation = name == "console" || name == "errors" || name == "status";
       if (entry.is_regular_file() && !expectation) fs::copy(entry.path(), scratch_ / name);
     }
-    const std::string command = "cd '" + scratch_.string() + "' && PATH='" + bin +
-                                "':\"$PATH\" TOP='" + top() +
-                                "' LANG=C LC_MESSAGES=C sh -e ./cmd >.console 2>.errors </dev/null";
+    const std::string command =
+        "cd '" + scratch_.string() + "' && PATH='" + bin + "':\"$PATH\" TOP='" + top() +
+        "' LANG=C LC_MESSAGES=C bash -e -o pipefail ./cmd >.console 2>.errors </dev/null";
     const int raw = std::system(command.c_str());
     const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
     compare("console", normal(readAll(scratch_ / ".console")));
