@@ -42,7 +42,7 @@ struct InputRules {
   // The keyword that the text is, in full or as an unambiguous beginning.
   std::optional<std::u16string> keyword(std::u16string_view text) const {
     for (const std::u16string& k : keywords) {
-      if (k == text) return k;
+      if (platform::equalNoCase(k, text)) return k;
     }
     const std::u16string* found = nullptr;
     for (const std::u16string& k : keywords) {

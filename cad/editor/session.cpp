@@ -164,6 +164,12 @@ RunResult Session::run(std::u16string_view name) {
   if (database_ && depth_ == 1 && !keepsNone) {
     database_->drawing().beginCommand(command.globalName);
   }
+  if (depth_ == 1) {
+    // What the caller holds is his own affair.
+    nodesBefore_ = acutLiveNodes();
+    heldBefore_.clear();
+    for (const auto& set : selections_) heldBefore_.push_back(set != nullptr);
+  }
   initBits = 0;
   initKeywords.clear();
   {
@@ -193,15 +199,17 @@ void Session::checkLeaks(std::u16string_view command) {
   if (database_ && database_->drawing().openCount()) {
     what += " " + std::to_string(database_->drawing().openCount()) + " object(s) open";
   }
-  if (liveSelections_) what += " " + std::to_string(liveSelections_) + " selection set(s)";
-  // A chain may still be held by whoever forgot it, so it is lost rather than released; the next
-  // command is not blamed for it.
-  if (const int lost = acutLiveNodes() - lostNodes_; lost > 0) {
-    what += " " + std::to_string(lost) + " result node(s)";
+  int sets = 0;
+  for (std::size_t i = 0; i < selections_.size(); ++i) {
+    if (!selections_[i] || (i < heldBefore_.size() && heldBefore_[i])) continue;
+    freeSelection(i + 1);
+    ++sets;
   }
-  lostNodes_ = acutLiveNodes();
-  selections_.clear();
-  liveSelections_ = 0;
+  if (sets) what += " " + std::to_string(sets) + " selection set(s)";
+  // A chain may still be held by whoever forgot it, so it is lost rather than released.
+  if (const int nodes = acutLiveNodes() - nodesBefore_; nodes > 0) {
+    what += " " + std::to_string(nodes) + " result node(s)";
+  }
   if (!what.empty()) leaks_ += platform::narrow(command) + " left:" + what + "\n";
 }
 

@@ -196,7 +196,8 @@ class CAD_API Session {
   int liveSelections_ = 0;
   bool quit_ = false;
   std::string leaks_;
-  int lostNodes_ = 0;  // result nodes that commands never gave back
+  int nodesBefore_ = 0;  // result nodes and selection sets that were there before the command
+  std::vector<bool> heldBefore_;
   int depth_ = 0;
 };
 

@@ -4,8 +4,8 @@
 #include "cad/drawing/drawing.h"
 #include "cad/editor/commands.h"
 #include "platform/text.h"
+#include "tests/editor/answering.h"
 #include "tests/module2/second.h"
-#include "tests/modules/answering.h"
 
 namespace {
 

@@ -1,0 +1,113 @@
+// Questions on the command line: keywords and their beginnings, numbers, points, texts, refusals.
+#include "tests/editor/editor_testing.h"
+
+namespace {
+
+class PromptTest : public EditorTest {
+ protected:
+  // The keyword that an answer is taken for, or "?" when it was refused and Esc followed.
+  std::u16string keyword(const char16_t* answer, const char16_t* keywords) {
+    ui.answers = {answer, u"<esc>"};
+    acedInitGet(0, keywords);
+    std::u16string out;
+    const int result = acedGetKword(u"\nOpzione: ", out);
+    return result == RTNORM ? out : result == RTNONE ? u"<none>" : u"?";
+  }
+};
+
+TEST_F(PromptTest, KeywordsAreTakenByTheirBeginnings) {
+  const char16_t* const words = u"Nodo NodoVecchio Serbatoio sTazione Città";
+  EXPECT_EQ(keyword(u"Serbatoio", words), u"Serbatoio");
+  EXPECT_EQ(keyword(u"SERB", words), u"Serbatoio");
+  EXPECT_EQ(keyword(u"s", words), u"?") << "begins two of them";
+  EXPECT_EQ(keyword(u"st", words), u"sTazione");
+  EXPECT_EQ(keyword(u"Nodo", words), u"Nodo") << "the whole word goes before a longer one";
+  EXPECT_EQ(keyword(u"nodo", words), u"Nodo");
+  EXPECT_EQ(keyword(u"nodov", words), u"NodoVecchio");
+  EXPECT_EQ(keyword(u"CITTÀ", words), u"Città");
+  EXPECT_EQ(keyword(u"Serbatoi o", words), u"?");
+  EXPECT_EQ(keyword(u"Serbatoioo", words), u"?");
+  EXPECT_EQ(keyword(u"<invio>", words), u"<none>");
+  EXPECT_EQ(keyword(u"qualsiasi", u""), u"qualsiasi") << "without keywords any text is one";
+  EXPECT_EQ(keyword(u"qualsiasi", nullptr), u"qualsiasi");
+}
+
+TEST_F(PromptTest, RulesHoldForOneQuestion) {
+  std::u16string text;
+  double number = 0;
+  acedInitGet(1, u"Fine");
+  ui.answers = {u"<invio>", u"2,5"};
+  EXPECT_EQ(acedGetReal(u"\nNumero: ", number), RTNORM);
+  EXPECT_EQ(number, 2.5);
+  EXPECT_EQ(ui.complaints, (std::vector<std::u16string>{u"È richiesta una risposta."}));
+  ui.answers = {u"<invio>"};
+  EXPECT_EQ(acedGetReal(u"\nNumero: ", number), RTNONE);
+  ui.complaints.clear();
+  ui.answers = {u"fine", u"<esc>"};
+  EXPECT_EQ(acedGetReal(u"\nNumero: ", number), RTCAN) << "the keyword was of the question before";
+  EXPECT_EQ(ui.complaints.size(), 1u);
+  acedInitGet(0, u"Fine");
+  ui.answers = {u"f"};
+  EXPECT_EQ(acedGetReal(u"\nNumero: ", number), RTKWORD);
+  acedInitGet(1, u"Fine");
+  addCommand(u"DOMANDA", [&] { EXPECT_EQ(acedGetKword(u"", text), RTNONE); });
+  run(u"DOMANDA", {u"<invio>"});
+  acedInitGet(0, u"Fine");
+  AcGePoint3d point;
+  ui.answers = {u"fi"};
+  EXPECT_EQ(acedGetPoint(nullptr, u"", point), RTKWORD);
+  EXPECT_EQ(number, 2.5) << "what was not answered stays";
+}
+
+TEST_F(PromptTest, PointsNumbersAndTexts) {
+  AcGePoint3d point, base(10, 20, 30);
+  const auto ask = [&](const char16_t* answer, const AcGePoint3d* from) {
+    ui.answers = {answer, u"<esc>"};
+    return acedGetPoint(from, u"\nPunto: ", point) == RTNORM
+               ? platform::narrow(platform::format(u"%g %g %g", point.x, point.y, point.z))
+               : std::string("?");
+  };
+  EXPECT_EQ(ask(u"1,2", nullptr), "1 2 0");
+  EXPECT_EQ(ask(u"-1.5,2e3,.25", nullptr), "-1.5 2000 0.25");
+  EXPECT_EQ(ask(u"@1,2,3", &base), "11 22 33");
+  EXPECT_EQ(ask(u"@1,2", nullptr), "1 2 0");
+  EXPECT_EQ(ask(u"1,2", &base), "1 2 0");
+  for (const char16_t* wrong : {u"1", u"1,", u",2", u"1,2,3,4", u"1;2", u"a,b", u"1,2,", u"@"}) {
+    EXPECT_EQ(ask(wrong, &base), "?");
+  }
+  std::u16string text = u"prima";
+  ui.answers = {u"con blanks"};
+  EXPECT_EQ(acedGetString(true, u"\nNome: ", text), RTNORM);
+  EXPECT_EQ(text, u"con blanks");
+  ui.answers = {u"<invio>"};
+  EXPECT_EQ(acedGetString(true, u"\nNome: ", text), RTNORM);
+  EXPECT_EQ(text, u"");
+  text = u"prima";
+  ui.answers = {u"<esc>"};
+  EXPECT_EQ(acedGetString(true, u"\nNome: ", text), RTCAN);
+  ui.answers = {};
+  EXPECT_EQ(acedGetString(true, u"\nNome: ", text), RTCAN) << "the end of input cancels";
+  EXPECT_EQ(text, u"prima");
+}
+
+TEST_F(PromptTest, CommandsGivenAsData) {
+  const auto cmd = [](resbuf* chain) {
+    const cad::Chain owner(chain);
+    return acedCmd(chain);
+  };
+  const AcGePoint3d a(5, 9, 0), b(1, 2, 0);
+  EXPECT_EQ(cmd(acutBuildList(RTSTR, u"_.zoom", RTSTR, u"_w", RTPOINT, a, RTPOINT, b, RTNONE)),
+            RTNORM);
+  EXPECT_EQ(session.view.low.x, 1);
+  EXPECT_EQ(session.view.high.y, 9);
+  EXPECT_EQ(cmd(acutBuildList(RTSTR, u"ZOOM", RTSTR, u"_e", RTNONE)), RTERROR);
+  EXPECT_EQ(cmd(acutBuildList(RTSTR, u"_REGENALL", RTNONE)), RTNORM);
+  EXPECT_EQ(cmd(acutBuildList(RTSTR, u"NESSUNO", RTNONE)), RTERROR);
+  EXPECT_EQ(cmd(acutBuildList(RTREAL, 1.0, RTNONE)), RTERROR);
+  EXPECT_EQ(cmd(nullptr), RTERROR);
+  ui.answers = {u"n", u"Dal comando"};
+  EXPECT_EQ(cmd(acutBuildList(RTSTR, u"LAYER", RTNONE)), RTNORM);
+  EXPECT_NE(drawing().structure().layerNamed(u"DAL COMANDO", false), 0u);
+}
+
+}  // namespace
