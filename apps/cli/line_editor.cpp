@@ -209,6 +209,8 @@ std::optional<std::string> LineEditor::read(const std::string& prompt,
   s.files = files;
   s.cancelled = false;
   el_resize(s.line);
+  // Before the prompt stands there: a Ctrl-D that comes at once would be lost to the terminal.
+  el_set(s.line, EL_PREP_TERM, 1);
   int n = 0;
   const char* typed = el_gets(s.line, &n);
   if (s.cancelled || !typed || n <= 0) {
