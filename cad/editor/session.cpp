@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <new>
 
 #include "cad/drawing/drawing.h"
 #include "platform/files.h"
@@ -172,9 +173,12 @@ RunResult Session::run(std::u16string_view name) {
   }
   initBits = 0;
   initKeywords.clear();
-  {
+  try {
     const Inside inside(*this, command.module);
     command.function();
+  } catch (const std::bad_alloc&) {
+    // The drawing is whole, and what the command has done so far can be taken back.
+    frontend().invalid(u"Memoria esaurita: comando interrotto.");
   }
   --depth_;
   if (depth_ == 0) {

@@ -158,6 +158,19 @@ TEST_F(EditorTest, ACommandIsOneStepOfUndo) {
   EXPECT_EQ(entities(), 3u);
 }
 
+TEST_F(EditorTest, ACommandThatRunsOutOfMemoryEndsAloneAndCanBeTakenBack) {
+  addCommand(u"TROPPO", [&] {
+    drawLine({0, 0, 0}, {1, 1, 0});
+    throw std::bad_alloc();
+  });
+  run(u"TROPPO");
+  ASSERT_EQ(ui.complaints.size(), 1u);
+  EXPECT_EQ(ui.complaints[0], u"Memoria esaurita: comando interrotto.");
+  EXPECT_EQ(session.runningHandle(), 0);
+  EXPECT_EQ(run(u"U"), u"\nAnnullato: TROPPO");
+  EXPECT_TRUE(drawing().index().allInSpace().empty());
+}
+
 TEST_F(EditorTest, VariablesAndSymbolsOfTheSession) {
   const auto get = [](std::u16string_view name, int kind) {
     resbuf value{};
