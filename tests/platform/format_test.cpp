@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstdio>
 #include <random>
@@ -113,6 +114,20 @@ TEST(Format, AnyTemplateIsSafe) {
     for (int i = 0; i < 12; ++i) pattern.push_back(letters[random() % letters.size()]);
     both(pattern, u"tèxt", -1, 1e300, "\xFF", u'\xD800');
   }
+}
+
+TEST(Wide, HoldsOneUnitLessThanItsCapacityAndNoHalfCharacter) {
+  for (const std::size_t n : {0u, 48u, 49u, 50u, 51u, 300u}) {
+    const wide50 text(std::u16string(n, u'x'));
+    EXPECT_EQ(text.size(), std::min<std::size_t>(n, 49)) << n;
+  }
+  EXPECT_EQ(wide256(std::u16string(256, u'x')).size(), 255u);
+  using Small = Wide<5>;
+  EXPECT_EQ(Small(u"abcd").view(), u"abcd");
+  EXPECT_EQ(Small(u"ab\U0001F4A7").view(), u"ab\U0001F4A7");
+  EXPECT_EQ(Small(u"abc\U0001F4A7").view(), u"abc") << "half of it would be none";
+  EXPECT_EQ(Small(u"abcd\U0001F4A7").view(), u"abcd");
+  EXPECT_EQ(Small(std::u16string_view(u"a\0b", 3)), u"a");
 }
 
 }  // namespace

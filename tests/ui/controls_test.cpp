@@ -52,6 +52,13 @@ TEST(Lists, SelectionFollowsItsItem) {
   d.placed.insert(0, u"first");
   EXPECT_EQ(d.placed.text(), u"p1");
   d.placed.remove(0);
+  d.placed.insert(2, u"before it");
+  EXPECT_EQ(d.placed.selected(), 3) << "inserted at the selected row it pushes that on";
+  EXPECT_EQ(d.placed.text(), u"p1");
+  d.placed.remove(2);
+  d.placed.insert(3, u"behind it");
+  EXPECT_EQ(d.placed.selected(), 2);
+  d.placed.remove(3);
   EXPECT_EQ(d.placed.selected(), 2);
   EXPECT_TRUE(d.placed.remove(2));
   EXPECT_EQ(d.placed.selected(), -1);
@@ -152,6 +159,30 @@ TEST(Fields, TimesAreReadSpunAndRefused) {
     EXPECT_FALSE(d.start.enter(bad));
   EXPECT_FALSE(d.start.set({24, 0}));
   EXPECT_EQ(d.start.shown(), u"00:59");
+}
+
+TEST(Reports, RowsAndCellsEndWhereTheyEnd) {
+  struct Reports : Dialog {
+    Reports() : Dialog(u"Righe") {}
+    ReportList list{this, u"Quota [m]", {.columns = {{u"A"}, {u"B"}}}};
+    Button ok{this, u"OK", {.role = Role::ok}};
+    void onInit() override { list.setRows({{u"a1", u"b1"}, {u"a2", u"b2"}}); }
+  } d;
+  d.onInit();
+  EXPECT_EQ(d.list.cell(1, 1), u"b2");
+  for (const auto& [row, column] : {std::pair(2, 0), {-1, 0}, {0, 2}, {0, -1}}) {
+    EXPECT_EQ(d.list.cell(row, column), u"") << row << ' ' << column;
+  }
+  for (const auto& [row, selected] : {std::pair(1, 1), {2, -1}, {0, 0}, {-1, -1}}) {
+    d.list.select(row);
+    EXPECT_EQ(d.list.selected(), selected) << row;
+  }
+  EXPECT_FALSE(d.list.choose(2));
+  EXPECT_FALSE(d.list.choose(-1));
+  EXPECT_TRUE(d.list.choose(1));
+  // A label with brackets of its own takes an index behind them.
+  EXPECT_EQ(play(d, "[Righe]\nQuota [m][1]\nQuota [m][2] ? a2 | b2\nOK\n").error, "");
+  EXPECT_NE(play(d, "[Righe]\nQuota [m][3]\n").error, "");
 }
 
 TEST(Grids, EditWithinTheirFixedParts) {

@@ -136,4 +136,49 @@ TEST(Terminal, AsksMessagesFilesAndPrompts) {
   EXPECT_TRUE(s.says("Elemento\n[Nodo/Serbatoio]: s\n")) << s.text;
 }
 
+TEST(Terminal, EscPressesTheButtonThatRefuses) {
+  const std::pair<Buttons, Pressed> cases[] = {{Buttons::ok, Pressed::ok},
+                                               {Buttons::okCancel, Pressed::cancel},
+                                               {Buttons::yesNo, Pressed::no},
+                                               {Buttons::yesNoCancel, Pressed::cancel}};
+  for (const auto& [buttons, refusal] : cases) {
+    for (const char* key : {"\x1B", " <esc> "}) {
+      Typist s({key});
+      EXPECT_EQ(s.ui.messageBox({u"", u"Come?", Icon::question, buttons}), refusal);
+    }
+    Typist enter({""});
+    EXPECT_EQ(enter.ui.messageBox({u"", u"Come?", Icon::question, buttons}), answersOf(buttons)[0]);
+  }
+}
+
+TEST(Terminal, APersonsEndOfInputEndsOneQuestion) {
+  Typist s({});
+  s.ui.setPerson(true);
+  const Prompt prompt{Prompt::Kind::command, u"Comando: ", {}};
+  for (int i = 0; i < 3; ++i) {
+    EXPECT_EQ(s.ui.ask(prompt).status, Answer::Status::end);
+    EXPECT_FALSE(s.ui.ended()) << i;
+  }
+  s.typed = {"LINEA"};
+  EXPECT_EQ(s.ui.ask(prompt).text, u"LINEA");
+  for (int i = 0; i < 3; ++i) s.ui.ask(prompt);
+  EXPECT_FALSE(s.ui.ended()) << "those before the answer do not count";
+  s.ui.ask(prompt);
+  EXPECT_TRUE(s.ui.ended());
+  Typist piped({});
+  piped.ui.ask(prompt);
+  EXPECT_TRUE(piped.ui.ended());
+}
+
+TEST(Terminal, ShowsControlCharactersAndObeysNone) {
+  Typist s({"", ""});
+  s.ui.print(u"uno\x1B[2J\n");
+  s.ui.messageBox({u"", u"due\x9B"});
+  s.ui.ask({Prompt::Kind::string, u"\ntre\x1B]0;x\a: ", {}});
+  EXPECT_TRUE(s.says("uno␛[2J\n")) << s.text;
+  EXPECT_TRUE(s.says("due<U+009B>")) << s.text;
+  EXPECT_TRUE(s.says("tre␛]0;x␇: ")) << s.text;
+  EXPECT_EQ(s.text.find('\x1B'), s.text.npos);
+}
+
 }  // namespace
