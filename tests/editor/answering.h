@@ -15,7 +15,8 @@ class Answering : public cad::ui::Frontend {
   std::deque<cad::ui::Pressed> presses;  // one for each message box; none left is Esc
   std::u16string path;                   // for every question for a file; empty refuses
   std::u16string printed;
-  std::vector<std::u16string> prompts, messages, complaints;
+  std::vector<cad::ui::Prompt> prompts;
+  std::vector<std::u16string> messages, complaints;
 
   void print(std::u16string_view text) override { printed += text; }
   bool ended() const override { return answers.empty() && presses.empty(); }
@@ -35,7 +36,7 @@ class Answering : public cad::ui::Frontend {
   }
   cad::ui::Answer showPrompt(const cad::ui::Prompt& prompt) override {
     using Status = cad::ui::Answer::Status;
-    prompts.push_back(prompt.text);
+    prompts.push_back(prompt);
     if (answers.empty()) return {Status::end, u""};
     const std::u16string text = answers.front();
     answers.pop_front();

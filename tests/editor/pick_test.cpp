@@ -38,8 +38,8 @@ std::string drawingBytes(const char* tileMode) {
       "0 INSERT\n5 39\n8 0\n2 SEGNO\n10 50.0\n20 50.0\n" +
       "0 POLYLINE\n5 3A\n8 0\n66 1\n10 0.0\n20 0.0\n30 0.0\n"
       "0 VERTEX\n5 3B\n8 0\n10 70.0\n20 0.0\n0 VERTEX\n5 3C\n8 0\n10 80.0\n20 0.0\n"
-      "0 VERTEX\n5 3D\n8 0\n10 80.0\n20 10.0\n0 SEQEND\n5 3E\n8 0\n"
-      "0 ENDSEC\n0 EOF\n");
+      "0 VERTEX\n5 3D\n8 0\n10 80.0\n20 10.0\n0 SEQEND\n5 3E\n8 0\n" +
+      line("3F", "0", "900,900", "950,950", "67 1\n") + "0 ENDSEC\n0 EOF\n");
 }
 
 class PickTest : public EditorTest {
@@ -125,10 +125,10 @@ TEST_F(PickTest, OnlyWhatIsSeenInTheCurrentSpaceIsPicked) {
   ASSERT_EQ(acedSSGet(u"_X", nullptr, nullptr, nullptr, set), RTNORM);
   std::int32_t n = 0;
   acedSSLength(set, &n);
-  EXPECT_EQ(n, 10);
+  EXPECT_EQ(n, 11);
   acedSSFree(set);
   openBytes(drawingBytes("0"));
-  EXPECT_EQ(window(u"tutto"), "35");
+  EXPECT_EQ(window(u"tutto"), "35 3f");
   EXPECT_EQ(hit(u"5,3.9"), "35");
   EXPECT_EQ(hit(u"5,-1"), "");
 }
@@ -180,6 +180,14 @@ TEST_F(PickTest, ErasingLeavesLockedLayersAlone) {
   run(u"U");
   EXPECT_EQ(window(u"tutto"), "31 34 37 38 39 3a");
   EXPECT_EQ(run(u"CANCELLA", {u"<esc>"}), u"\n0 oggetti cancellati.");
+}
+
+TEST_F(PickTest, TheWholePlanIsTheModelsAlone) {
+  run(u"ZOOM", {u"<invio>"});
+  EXPECT_EQ(session.view.low.x, 0);
+  EXPECT_EQ(session.view.low.y, 0);
+  EXPECT_EQ(session.view.high.x, 80);
+  EXPECT_EQ(session.view.high.y, 51) << "a reference with its block, no line of the layout";
 }
 
 TEST_F(PickTest, PointsGoBetweenTheUsersSystemAndTheWorld) {

@@ -1,4 +1,6 @@
 // The session: commands by name, the loop, what becomes of changes, undo marks, variables.
+#include <algorithm>
+
 #include "tests/editor/editor_testing.h"
 
 namespace {
@@ -40,6 +42,9 @@ TEST_F(EditorTest, TheLoopRepeatsComplainsAndStops) {
   ui.answers = {u"<invio>", u"a", u"<invio>", u"<esc>", u"nulla", u"<invio>", u"B", u"<invio>"};
   EXPECT_TRUE(session.commandLoop());
   EXPECT_EQ(ran, u"aaabacbac") << "posted commands run after the one that posts them";
+  ASSERT_EQ(ui.prompts.size(), 9u);
+  EXPECT_EQ(ui.prompts[0].kind, cad::ui::Prompt::Kind::command);
+  EXPECT_EQ(std::count(ui.prompts[0].keywords.begin(), ui.prompts[0].keywords.end(), u"ESCI"), 1);
   ASSERT_EQ(ui.complaints.size(), 1u);
   EXPECT_EQ(ui.complaints[0], u"Comando sconosciuto \"nulla\". Digitare GUIDA per l'elenco.");
   ran.clear();
@@ -65,8 +70,11 @@ TEST_F(EditorTest, NoWayOutLosesChangesUnasked) {
   EXPECT_TRUE(session.isModified());
   for (const char16_t* way : {u"NUOVO", u"APRI", u"ESCI"}) {
     ui.presses = {Pressed::cancel};
+    ui.path = platform::widen(at("mai.dxf"));
     run(way);
     EXPECT_EQ(ui.messages.size(), 1u);
+    EXPECT_FALSE(platform::fileExists(at("mai.dxf")));
+    ui.path.clear();
     // Yes, but no file is named: then the drawing stays too.
     ui.presses = {Pressed::yes};
     run(way);
