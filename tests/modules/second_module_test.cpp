@@ -7,6 +7,8 @@
 #include "tests/editor/answering.h"
 #include "tests/module2/second.h"
 
+ACRX_DEFINE(SecondService, AcRxObject)  // as whoever uses a service by its header does
+
 namespace {
 
 using cad::RunResult;
