@@ -51,6 +51,10 @@ Acad::ErrorStatus AcDbDatabase::getTableStyleDictionary(AcDbDictionary*& diction
   if (const auto s = getNamedObjectsDictionary(root, AcDb::kForRead); s != Acad::eOk) return s;
   AcDbObjectId id;
   if (root->getAt(u"ACAD_TABLESTYLE", id) != Acad::eOk) {
+    if (drawing_->format().version < 1018) {
+      root->close();
+      return Acad::eInvalidDwgVersion;
+    }
     root->upgradeOpen();
     auto* fresh = new AcDbDictionary;
     const auto s = root->setAt(u"ACAD_TABLESTYLE", fresh, id);

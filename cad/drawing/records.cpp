@@ -50,15 +50,6 @@ std::uint32_t Records::standIn(Record stand, const TagList& tags) {
   return count() - 1;
 }
 
-void Records::checkOrder() const {
-  std::uint32_t before = 0;
-  for (std::uint32_t i = first_; i; i = list_[i].next) {
-    VESSORA_CHECK(list_[i].previous == before && list_[i].bytes, "the order of records is broken");
-    before = i;
-  }
-  VESSORA_CHECK(before == last_, "the order of records does not reach its end");
-}
-
 void Records::registerHandle(std::uint64_t handle, std::uint32_t record) {
   if (handle == 0) return;
   if (handle < 8 * static_cast<std::uint64_t>(list_.size()) + 65536) {

@@ -44,8 +44,6 @@ class CAD_API Records {
   std::string_view preamble() const { return preamble_; }
   std::string_view trailer() const { return trailer_; }
   void dropTrailer() { trailer_ = {}; }
-  // Ends the process when the order is broken; asked before a file is written.
-  void checkOrder() const;
 
   // --- names: symbols of the drawing, and apart from them the words of the format (types of
   // records, sections and tables)

@@ -3,6 +3,7 @@
 #include <ctime>
 
 #include "cad/drawing/drawing.h"
+#include "platform/check.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -124,14 +125,16 @@ bool Drawing::prune(std::uint32_t record, TagList& kept) const {
 // been erased is left out of the file and stays in the drawing: the erasing may be taken back.
 template <class Sink>
 void Drawing::writeTo(Sink&& sink) const {
-  records_.checkOrder();
   const std::uint32_t objects = structure_.section(u"OBJECTS").begin;
   bool inObjects = false;
   TagList kept;
   std::string own;
   std::string_view pending = records_.preamble();
+  std::uint32_t before = 0;
   for (std::uint32_t i = records_.first(); i; i = records_[i].next) {
     const Record& r = records_[i];
+    VESSORA_CHECK(r.previous == before && r.bytes, "the order of records is broken");
+    before = i;
     if (i == objects) inObjects = erasedMembers_;
     if (r.type == Type::endsec) inObjects = false;
     if (r.is(Record::erased) || r.is(Record::synthetic)) continue;
@@ -158,6 +161,7 @@ void Drawing::writeTo(Sink&& sink) const {
       pending = {};
     }
   }
+  VESSORA_CHECK(before == records_.last(), "the order of records does not reach its end");
   if (!pending.empty()) sink(pending);
   if (!records_.trailer().empty()) sink(records_.trailer());
 }

@@ -81,25 +81,6 @@ void Session::closeDrawing() {
   stamp_.reset();
 }
 
-std::string Session::versionProblem() const {
-  const Drawing& d = database_->drawing();
-  const int version = d.format().version;
-  if (version >= 1018) return {};
-  for (std::uint32_t i = d.records().first(); i; i = d.record(i).next) {
-    const Record& r = d.record(i);
-    if (!r.is(Record::changed) || r.is(Record::erased)) continue;
-    const char* what = r.type == Type::acadTable                      ? "tables"
-                       : r.type == Type::lwpolyline && version < 1014 ? "light polylines"
-                                                                      : nullptr;
-    if (what) {
-      return std::string("a drawing of release ") + releaseName(version) + " cannot hold the " +
-             what + " that were drawn; use a drawing of release " +
-             (r.type == Type::acadTable ? "R2004" : "R14") + " or newer";
-    }
-  }
-  return {};
-}
-
 bool Session::isOwnFile(const std::string& path) const {
   return path.empty() || path == path_ ||
          (!path_.empty() && platform::canonicalPath(path) == platform::canonicalPath(path_));
@@ -120,9 +101,6 @@ platform::Result<void> Session::saveDrawing(const std::string& path, Overwrite o
   if (!database_) return platform::Error{"no drawing is open"};
   const std::string target = path.empty() ? path_ : path;
   if (target.empty()) return platform::Error{"the drawing has no name yet; give a path to save it"};
-  if (const std::string problem = versionProblem(); !problem.empty()) {
-    return platform::Error{target + ": not saved: " + problem};
-  }
   if (overwrite == Overwrite::unlessChanged && changedOnDisk(target)) {
     return platform::Error{target +
                            ": not saved: another program has changed the file since it was "
@@ -182,8 +160,8 @@ RunResult Session::run(std::u16string_view name) {
   }
   --depth_;
   if (depth_ == 0) {
-    if (database_) database_->drawing().endCommand();
     checkLeaks(command.globalName);
+    if (database_) database_->drawing().endCommand();
     runPosted();
   }
   return quit_ ? RunResult::quit : RunResult::done;
@@ -200,8 +178,11 @@ void Session::runPosted() {
 
 void Session::checkLeaks(std::u16string_view command) {
   std::string what;
-  if (database_ && database_->drawing().openCount()) {
-    what += " " + std::to_string(database_->drawing().openCount()) + " object(s) open";
+  // Undo and saving would be refused for as long as one is open.
+  if (const int open = database_ ? database_->drawing().closeAll() : 0) {
+    what += " " + std::to_string(open) + " object(s) open";
+    frontend().print(u"\nIl comando " + std::u16string(command) +
+                     u" ha lasciato aperti degli oggetti: sono stati chiusi.");
   }
   int sets = 0;
   for (std::size_t i = 0; i < selections_.size(); ++i) {

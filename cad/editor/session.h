@@ -75,9 +75,6 @@ class CAD_API Session {
   bool isModified() const;
   AcDbDatabase* database() const { return database_.get(); }
   const std::string& drawingPath() const { return path_; }
-  // Why this drawing cannot be saved in its version as it is, and which version can; empty if it
-  // can.
-  std::string versionProblem() const;
 
   // --- modules
   // Loads a module and sends it the initialisation message. The error says why it is not there;
