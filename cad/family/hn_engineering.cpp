@@ -4,6 +4,7 @@
 #include <cmath>
 #include <optional>
 
+#include "cad/api/owners.h"
 #include "cad/drawing/block_geometry.h"
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
@@ -14,6 +15,7 @@
 
 using cad::BlockInfo;
 using cad::Drawing;
+using cad::Opened;
 using cad::ProfileChainData;
 using cad::ProfileLayout;
 using cad::ProfileStation;
@@ -87,31 +89,28 @@ struct AttributeText {
   std::u16string text;
 };
 
-// A reference to a block in model space with its attributes, open for write; null on failure.
-AcDbBlockReference* place(Drawing& d, const BlockInfo& block, const AcGePoint3d& at, double scale,
-                          std::u16string_view layer, const std::vector<AttributeText>& texts) {
-  AcDbBlockTableRecord* space = nullptr;
-  if (acdbOpenObject(space, d.idOf(d.structure().modelSpace()), AcDb::kForWrite) != Acad::eOk)
-    return nullptr;
+// A reference to a block in model space with its attributes, open for write; empty on failure.
+Opened<AcDbBlockReference> place(Drawing& d, const BlockInfo& block, const AcGePoint3d& at,
+                                 double scale, std::u16string_view layer,
+                                 const std::vector<AttributeText>& texts) {
+  const Opened<AcDbBlockTableRecord> space(d.idOf(d.structure().modelSpace()), AcDb::kForWrite);
+  if (!space) return {};
   auto* reference = new AcDbBlockReference(at, d.idOf(block.id));
   reference->setLayer(layer);
   if (scale != 1) reference->setScaleFactors({scale, scale, scale});
-  const Acad::ErrorStatus placed = space->appendAcDbEntity(reference);
-  space->close();
-  if (placed != Acad::eOk) {
+  if (space->appendAcDbEntity(reference) != Acad::eOk) {
     delete reference;
-    return nullptr;
+    return {};
   }
   for (std::uint32_t e = d.structure().firstEntity(block.id); e;
        e = d.structure().nextEntity(block.id, e)) {
-    AcDbAttributeDefinition* definition = nullptr;
-    if (acdbOpenObject(definition, d.idOf(e)) != Acad::eOk) continue;
+    const Opened<AcDbAttributeDefinition> definition(d.idOf(e));
+    if (!definition) continue;
     auto* attribute = new AcDbAttribute;
-    attribute->setAttributeFromBlock(definition, reference->blockTransform());
+    attribute->setAttributeFromBlock(definition.get(), reference->blockTransform());
     for (const AttributeText& t : texts) {
       if (definition->tag() == t.tag) attribute->setTextString(t.text);
     }
-    definition->close();
     AcDbObjectId id;
     if (reference->appendAttribute(id, attribute) == Acad::eOk) {
       attribute->close();
@@ -119,7 +118,7 @@ AcDbBlockReference* place(Drawing& d, const BlockInfo& block, const AcGePoint3d&
       delete attribute;
     }
   }
-  return reference;
+  return Opened<AcDbBlockReference>(reference);
 }
 
 std::vector<std::u16string> namesOf(const resbuf* chain) {
@@ -182,10 +181,7 @@ void GestioneOggetto::State::read(AcDbBlockReference& reference) {
 GestioneOggetto::GestioneOggetto(int) : state_(std::make_unique<State>()) {}
 
 GestioneOggetto::GestioneOggetto(AcDbObjectId titleBlock) : state_(std::make_unique<State>()) {
-  AcDbBlockReference* reference = nullptr;
-  if (acdbOpenObject(reference, titleBlock) != Acad::eOk) return;
-  state_->read(*reference);
-  reference->close();
+  if (Opened<AcDbBlockReference> reference{titleBlock}) state_->read(*reference);
 }
 GestioneOggetto::~GestioneOggetto() = default;
 
@@ -224,10 +220,11 @@ bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
   const AcGeVector3d besideTitle(layout.titleWidth, 0, 0);
   const BlockInfo frameBlock = newBlock(d, u"HN-PROFILO_", AcGePoint3d() + besideTitle);
   drawProfileFrame(d, frameBlock, layout, {});
-  AcDbBlockReference* frame = place(d, frameBlock, s.insertion + besideTitle, 1, kLayer, {});
-  if (!frame) return false;
-  s.frame = frame->handle();
-  frame->close();
+  {
+    const auto frame = place(d, frameBlock, s.insertion + besideTitle, 1, kLayer, {});
+    if (!frame) return false;
+    s.frame = frame->handle();
+  }
 
   const BlockInfo titleBlock = newBlock(d, u"HN-CARTIGLIO_", {});
   drawProfileTitle(d, titleBlock, layout);
@@ -236,17 +233,16 @@ bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
   const auto meters = [](std::u16string_view text) {
     return platform::format(u"%.3lf", platform::wtof(text));
   };
-  AcDbBlockReference* reference = place(d, titleBlock, s.insertion, 1, kLayer,
-                                        {{tag::kNetwork, title.network},
-                                         {tag::kName, title.name},
-                                         {tag::kStart, meters(title.start)},
-                                         {tag::kDatum, meters(title.datum)},
-                                         {tag::kScaleX, title.scaleX},
-                                         {tag::kScaleY, title.scaleY}});
+  const auto reference = place(d, titleBlock, s.insertion, 1, kLayer,
+                               {{tag::kNetwork, title.network},
+                                {tag::kName, title.name},
+                                {tag::kStart, meters(title.start)},
+                                {tag::kDatum, meters(title.datum)},
+                                {tag::kScaleX, title.scaleX},
+                                {tag::kScaleY, title.scaleY}});
   if (!reference) return false;
   setData(*reference, s.data());
   s.titleBlock = reference->objectId();
-  reference->close();
   return true;
 }
 
@@ -254,11 +250,10 @@ void GestioneOggetto::SetXdataProfSewer(const resbuf* names) { state_->links = n
 
 bool GestioneOggetto::UpdateXdata() {
   State& s = *state_;
-  AcDbBlockReference* reference = nullptr;
-  if (acdbOpenObject(reference, s.titleBlock, AcDb::kForWrite) != Acad::eOk) return false;
-  const Acad::ErrorStatus kept = setData(*reference, chainOf(kLinkNames, s.links));
-  reference->close();
-  if (kept != Acad::eOk) return false;
+  {
+    const Opened<AcDbBlockReference> reference(s.titleBlock, AcDb::kForWrite);
+    if (!reference || setData(*reference, chainOf(kLinkNames, s.links)) != Acad::eOk) return false;
+  }
 
   Drawing& d = *s.drawing();
   const std::uint32_t frame = d.byHandle(s.frame);
@@ -301,8 +296,8 @@ void GestioneOggetto::State::readManholes() {
   Drawing& d = *drawing();
   const std::uint64_t own = d.record(titleBlock.index()).handle;
   for (const std::uint32_t e : d.index().withApplication(d.names().find(kManholeData))) {
-    AcDbBlockReference* block = nullptr;
-    if (acdbOpenObject(block, d.idOf(e)) != Acad::eOk) continue;
+    const Opened<AcDbBlockReference> block(d.idOf(e));
+    if (!block) continue;
     Data data(*block, kManholeData);
     if (data.code() == 1005 &&
         std::strtoull(platform::narrow(data.text()).c_str(), nullptr, 16) == own) {
@@ -314,7 +309,6 @@ void GestioneOggetto::State::readManholes() {
       p.codice = data.text();
       manholes.push_back(std::move(p));
     }
-    block->close();
   }
   for (std::size_t i = 0; i + 1 < manholes.size(); ++i) manholes[i].next = &manholes[i + 1];
 }
@@ -339,16 +333,15 @@ bool GestioneOggetto::AddPozzetto(const pozzetto& manhole) {
     id = fresh.id;
   }
   const AcGePoint3d at = GetOrigin() + AcGeVector3d(layout.start + manhole.prog, manhole.quota, 0);
-  AcDbBlockReference* block = place(d, *d.structure().block(id), at, layout.unit, kManholeLayer,
-                                    {{u"NOME", manhole.nome},
-                                     {u"CODICE", manhole.codice},
-                                     {u"DESCRIZIONE", manhole.descrizione}});
+  const auto block = place(d, *d.structure().block(id), at, layout.unit, kManholeLayer,
+                           {{u"NOME", manhole.nome},
+                            {u"CODICE", manhole.codice},
+                            {u"DESCRIZIONE", manhole.descrizione}});
   if (!block) return false;
   setData(*block,
           acutBuildList(1001, kManholeData, 1005, hex(d.record(s.titleBlock.index()).handle), 1040,
                         manhole.prog, 1000, manhole.nome, 1040, manhole.quota, 1000,
                         manhole.descrizione, 1000, manhole.codice, RTNONE));
-  block->close();
   return true;
 }
 
@@ -364,13 +357,8 @@ AcDbObjectId pickTitleBlock() {
     AcDbObjectId id;
     if (acedEntSel(u"\nSelezionare un cartiglio profilo...", name, point) != RTNORM) return {};
     if (acdbGetObjectId(id, name) != RTNORM) continue;
-    AcDbBlockReference* block = nullptr;
-    bool good = false;
-    if (acdbOpenObject(block, id) == Acad::eOk) {
-      good = Data(*block, kTitleData).code() == 1005;
-      block->close();
-    }
-    if (good) return id;
+    const Opened<AcDbBlockReference> block(id);
+    if (block && Data(*block, kTitleData).code() == 1005) return id;
     acutPrintf(u"\nEntità non valida!");
   }
 }
@@ -441,13 +429,15 @@ namespace {
 // The vertices of a 3D or light polyline in the world; a closed one comes back to its first. False
 // for anything else.
 bool verticesOf(AcDbObjectId id, std::vector<AcGePoint3d>& points, std::vector<double>& bulges) {
-  AcDbEntity* entity = nullptr;
-  if (acdbOpenObject(entity, id) != Acad::eOk) return false;
+  const Opened<AcDbEntity> entity(id);
+  if (!entity) return false;
   bool closed = false, known = true;
-  if (const auto* line = AcDb3dPolyline::cast(entity, static_cast<AcDb3dPolyline*>(nullptr))) {
+  if (const auto* line =
+          AcDb3dPolyline::cast(entity.get(), static_cast<AcDb3dPolyline*>(nullptr))) {
     points = cad::vertexPositions(id.database()->drawing(), id.index());
     closed = line->isClosed();
-  } else if (const auto* light = AcDbPolyline::cast(entity, static_cast<AcDbPolyline*>(nullptr))) {
+  } else if (const auto* light =
+                 AcDbPolyline::cast(entity.get(), static_cast<AcDbPolyline*>(nullptr))) {
     for (const AcDbPolyline::Vertex& v : light->vertices()) {
       points.push_back({v.point.x, v.point.y, light->elevation()});
       bulges.push_back(v.bulge);
@@ -456,7 +446,6 @@ bool verticesOf(AcDbObjectId id, std::vector<AcGePoint3d>& points, std::vector<d
   } else {
     known = false;
   }
-  entity->close();
   if (closed && !points.empty()) points.push_back(points.front());
   bulges.resize(points.size(), 0);
   return known && !points.empty();

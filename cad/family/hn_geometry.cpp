@@ -2,9 +2,12 @@
 
 #include <cmath>
 
+#include "cad/api/owners.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/fields.h"
 #include "platform/text.h"
+
+using cad::Opened;
 
 namespace {
 
@@ -12,26 +15,24 @@ AcDbDatabase* currentOr(AcDbDatabase* database) {
   return database ? database : acdbHostApplicationServices()->workingDatabase();
 }
 
-// Puts a new entity into the block given or else the model space; the entity is deleted on failure.
-AcDbObjectId append(AcDbEntity* entity, AcDbDatabase* database, AcDbBlockTableRecord* block) {
-  AcDbObjectId id;
-  if (block) {
-    if (block->appendAcDbEntity(id, entity) != Acad::eOk) delete entity;
-    return id;
+// Puts a new entity into the block given or else the model space, where it stays open; on failure
+// it is deleted, and the owner is empty.
+template <class T>
+Opened<T> append(T* entity, AcDbDatabase* database, AcDbBlockTableRecord* block) {
+  Opened<AcDbBlockTableRecord> space;
+  if (!block) {
+    cad::Drawing& d = database->drawing();
+    space = Opened<AcDbBlockTableRecord>(d.idOf(d.structure().modelSpace()), AcDb::kForWrite);
+    block = space.get();
   }
-  AcDbBlockTableRecord* space = nullptr;
-  cad::Drawing& d = database->drawing();
-  if (acdbOpenObject(space, d.idOf(d.structure().modelSpace()), AcDb::kForWrite) != Acad::eOk) {
-    delete entity;
-    return id;
-  }
-  const Acad::ErrorStatus s = space->appendAcDbEntity(id, entity);
-  space->close();
-  if (s != Acad::eOk) {
-    delete entity;
-    return {};
-  }
-  return id;
+  if (block && block->appendAcDbEntity(entity) == Acad::eOk) return Opened<T>(entity);
+  delete entity;
+  return Opened<T>();
+}
+
+template <class T>
+AcDbObjectId idOf(const Opened<T>& object) {
+  return object ? object->objectId() : AcDbObjectId();
 }
 
 void dress(AcDbEntity& entity, std::u16string_view layer, int color, const resbuf* xdata) {
@@ -52,13 +53,10 @@ AcDbObjectId createNewLayer(std::u16string_view name, bool* isNew, AcDbDatabase*
   cad::Drawing& d = db->drawing();
   if (const std::uint32_t known = d.structure().layerNamed(name, false)) return d.idOf(known);
   const AcDbObjectId id = d.idOf(d.structure().layerNamed(name, true));
+  if (id.isNull()) return id;  // no layer can have the name
   if (isNew) *isNew = true;
   if (color >= 1 && color <= 255) {
-    AcDbLayerTableRecord* layer = nullptr;
-    if (acdbOpenObject(layer, id, AcDb::kForWrite) == Acad::eOk) {
-      layer->setColorIndex(color);
-      layer->close();
-    }
+    if (Opened<AcDbLayerTableRecord> layer{id, AcDb::kForWrite}) layer->setColorIndex(color);
   }
   return id;
 }
@@ -67,11 +65,9 @@ bool setColorLtypeLayer(std::u16string_view name, int color, std::u16string_view
   AcDbDatabase* db = currentOr(nullptr);
   if (!db) return false;
   cad::Drawing& d = db->drawing();
-  AcDbLayerTableRecord* layer = nullptr;
-  if (acdbOpenObject(layer, d.idOf(d.structure().layerNamed(name, false)), AcDb::kForWrite) !=
-      Acad::eOk) {
-    return false;
-  }
+  const Opened<AcDbLayerTableRecord> layer(d.idOf(d.structure().layerNamed(name, false)),
+                                           AcDb::kForWrite);
+  if (!layer) return false;
   if (color >= 1 && color <= 255 && layer->colorIndex() != color) layer->setColorIndex(color);
   // A layer cannot be "by layer" itself; only a real line type of the drawing is taken.
   if (!platform::equalNoCase(linetype, u"ByLayer") &&
@@ -79,7 +75,6 @@ bool setColorLtypeLayer(std::u16string_view name, int color, std::u16string_view
       d.structure().tableEntry(cad::Type::ltype, linetype)) {
     layer->setLinetype(linetype);
   }
-  layer->close();
   return true;
 }
 
@@ -88,12 +83,14 @@ AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color, std::u16str
                           AcDbBlockTableRecord* block, const ResbufArray* vertexData) {
   AcDbDatabase* db = currentOr(database);
   if (!db || points.empty()) return {};
-  auto* polyline = new AcDb3dPolyline;
-  dress(*polyline, layer, color, xdata);
-  if (flag & 1)
-    cad::Inside::tagsForWrite(*polyline).putInteger(70, 9, cad::Inside::tags(*polyline).body());
-  const AcDbObjectId id = append(polyline, db, block);
-  if (id.isNull()) return id;
+  auto* fresh = new AcDb3dPolyline;
+  dress(*fresh, layer, color, xdata);
+  if (flag & 1) {
+    cad::TagList& tags = cad::Inside::tagsForWrite(*fresh);
+    tags.putInteger(70, 9, tags.body());
+  }
+  const Opened<AcDb3dPolyline> polyline = append(fresh, db, block);
+  if (!polyline) return {};
   for (std::size_t i = 0; i < points.size(); ++i) {
     auto* vertex = new AcDb3dPolylineVertex(points[i]);
     if (vertexData && i < vertexData->size() && (*vertexData)[i])
@@ -105,8 +102,7 @@ AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color, std::u16str
       delete vertex;
     }
   }
-  polyline->close();
-  return id;
+  return idOf(polyline);
 }
 
 AcDbObjectId Create2Dpoly(const AcGePoint3dArray& points, const std::vector<double>* bulges,
@@ -123,9 +119,7 @@ AcDbObjectId Create2Dpoly(const AcGePoint3dArray& points, const std::vector<doub
   auto* polyline = new AcDbPolyline(vertices, (kind & 1) != 0, points.front().z,
                                     startWidth == endWidth ? startWidth : 0);
   dress(*polyline, layer, color, xdata);
-  const AcDbObjectId id = append(polyline, db, nullptr);
-  if (!id.isNull()) polyline->close();
-  return id;
+  return idOf(append(polyline, db, nullptr));
 }
 
 AcDbObjectId Create3Dpoly_da_DATIPOLI3D(int count, const datipoli3d* list, const resbuf* xdata,
@@ -135,11 +129,8 @@ AcDbObjectId Create3Dpoly_da_DATIPOLI3D(int count, const datipoli3d* list, const
   AcGePoint3dArray points;
   for (const datipoli3d* v = list; v && count-- > 0; v = v->next) points.push_back(v->point);
   const AcDbObjectId id = Create3Dpoly(points, color, layer, flag, xdata, database, block);
-  AcDb3dPolyline* polyline = nullptr;
-  if (!linetype.empty() && acdbOpenObject(polyline, id, AcDb::kForWrite) == Acad::eOk) {
-    polyline->setLinetype(linetype);
-    polyline->close();
-  }
+  if (linetype.empty()) return id;
+  if (Opened<AcDb3dPolyline> polyline{id, AcDb::kForWrite}) polyline->setLinetype(linetype);
   return id;
 }
 
@@ -150,13 +141,12 @@ AcDbObjectId addPOINT(const AcGePoint3d& point, std::u16string_view layer, int c
   if (!db) return {};
   auto* entity = new AcDbPoint(point);
   dress(*entity, layer, color, xdata);
-  const AcDbObjectId id = append(entity, db, block);
+  const AcDbObjectId id = idOf(append(entity, db, block));
   if (id.isNull()) return id;
-  entity->close();
   if (!text.empty()) {
     auto* label = new AcDbText(point, text, 2.5);
     dress(*label, layer, color, nullptr);
-    if (!append(label, db, block).isNull()) label->close();
+    append(label, db, block);
   }
   return id;
 }
@@ -169,9 +159,7 @@ AcDbObjectId createLine(const AcGePoint3d& from, const AcGePoint3d& to, std::u16
   auto* line = new AcDbLine(from, to);
   dress(*line, layer, color, xdata);
   if (!linetype.empty()) line->setLinetype(linetype);
-  const AcDbObjectId id = append(line, db, block);
-  if (!id.isNull()) line->close();
-  return id;
+  return idOf(append(line, db, block));
 }
 
 AcDbObjectId HNTextCommandTesto(std::u16string_view layer, std::u16string_view style,
@@ -186,16 +174,15 @@ AcDbObjectId HNTextCommandTesto(std::u16string_view layer, std::u16string_view s
   if (alignment == u"Center") entity->setJustification(1, 0, position);
   if (alignment == u"Right") entity->setJustification(2, 0, position);
   if (alignment == u"Middle") entity->setJustification(4, 0, position);
-  const AcDbObjectId id = append(entity, db, nullptr);
-  if (!id.isNull()) entity->close();
-  return id;
+  return idOf(append(entity, db, nullptr));
 }
 
 AcDbObjectId addLineType(std::u16string_view name, std::u16string_view description,
                          const std::vector<double>& dashes) {
   AcDbDatabase* db = currentOr(nullptr);
-  AcDbLinetypeTable* table = nullptr;
-  if (!db || db->getLinetypeTable(table, AcDb::kForWrite) != Acad::eOk) return {};
+  AcDbLinetypeTable* opened = nullptr;
+  if (!db || db->getLinetypeTable(opened, AcDb::kForWrite) != Acad::eOk) return {};
+  const Opened<AcDbLinetypeTable> table(opened);
   auto* record = new AcDbLinetypeTableRecord;
   record->setName(name);
   record->setPattern(description, dashes);
@@ -205,7 +192,6 @@ AcDbObjectId addLineType(std::u16string_view name, std::u16string_view descripti
   } else {
     delete record;
   }
-  table->close();
   return id;
 }
 

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cad/api/owners.h"
 #include "cad/drawing/drawing.h"
 
 void KsrDatoArray::Add(int code, std::u16string_view text) {
@@ -51,10 +52,9 @@ int KsrEntityUtils::SsGet(const char16_t* mode, const KsrDatoArray& filter,
 void KsrEntityUtils::GetXData(const KsrEntityID& entity, std::u16string_view application,
                               KsrDatoArray& rows) const {
   rows.RemoveAll();
-  AcDbObject* object = nullptr;
-  if (acdbOpenObject(object, entity.id) != Acad::eOk) return;
+  const cad::Opened<AcDbObject> object(entity.id);
+  if (!object) return;
   resbuf* chain = object->xData(std::u16string(application).c_str());
-  object->close();
   for (const resbuf* n = chain; n; n = n->rbnext) {
     switch (acutKindOf(n->restype)) {
       case RbKind::text:
