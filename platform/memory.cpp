@@ -20,21 +20,31 @@ constexpr std::size_t roundedUp(std::size_t bytes) {
 
 }  // namespace
 
-void* allocateLarge(std::size_t bytes) {
-  if (bytes < kLarge) return ::operator new(bytes);
-  // Only whole aligned extents become large pages, and older kernels do not align the mapping: one
-  // page more is mapped and what stands out on either side is given back.
-  const std::size_t size = roundedUp(bytes);
-  if (size < bytes) throw std::bad_alloc();
-  void* mapped = mmap(nullptr, size + kHugePage, PROT_READ | PROT_WRITE,
+// One alignment more is mapped, and what stands out on either side is given back.
+void* allocateAligned(std::size_t bytes, std::size_t alignment) {
+  if (bytes + alignment < bytes) throw std::bad_alloc();
+  void* mapped = mmap(nullptr, bytes + alignment, PROT_READ | PROT_WRITE,
                       MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
   if (mapped == MAP_FAILED) throw std::bad_alloc();
   char* const begin = static_cast<char*>(mapped);
-  const std::size_t before =
-      roundedUp(reinterpret_cast<std::uintptr_t>(begin)) - reinterpret_cast<std::uintptr_t>(begin);
+  const std::size_t over = reinterpret_cast<std::uintptr_t>(begin) & (alignment - 1);
+  const std::size_t before = over ? alignment - over : 0;
   char* const block = begin + before;
   if (before > 0) munmap(begin, before);
-  munmap(block + size, kHugePage - before);
+  munmap(block + bytes, alignment - before);
+  return block;
+}
+
+void releaseAligned(void* memory, std::size_t bytes) noexcept {
+  if (memory) munmap(memory, bytes);
+}
+
+void* allocateLarge(std::size_t bytes) {
+  if (bytes < kLarge) return ::operator new(bytes);
+  const std::size_t size = roundedUp(bytes);
+  if (size < bytes) throw std::bad_alloc();
+  // Only whole aligned extents become large pages, and older kernels do not align the mapping.
+  void* const block = allocateAligned(size, kHugePage);
   madvise(block, size, MADV_HUGEPAGE);  // a wish: small pages serve as well
   return block;
 }

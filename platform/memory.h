@@ -12,6 +12,11 @@ namespace platform {
 void* allocateLarge(std::size_t bytes);
 void releaseLarge(void* memory, std::size_t bytes) noexcept;
 
+// Whole pages at a multiple of `alignment` (a power of two, a page at least), which go back to the
+// system when they are released. Throws std::bad_alloc.
+void* allocateAligned(std::size_t bytes, std::size_t alignment);
+void releaseAligned(void* memory, std::size_t bytes) noexcept;
+
 // An owned block of such memory.
 class Block {
  public:

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <initializer_list>
 #include <unordered_map>
+#include <unordered_set>
+#include <utility>
 
 #include "platform/text.h"
 
@@ -444,8 +446,38 @@ class BlockCopier {
 
 }  // namespace
 
+namespace {
+
+// Blocks may lie in blocks to this depth; the copying takes them one inside the other.
+constexpr std::size_t kDeepest = 200;
+
+// Walks as the copying does, with a list of its own in place of calls.
+bool isDeeper(const Drawing& from, std::size_t limit) {
+  const Structure& s = from.structure();
+  std::vector<std::pair<std::uint32_t, std::uint32_t>> path;  // block and the entity looked at
+  std::unordered_set<std::uint32_t> seen;
+  path.emplace_back(s.modelSpace(), s.firstEntity(s.modelSpace()));
+  while (!path.empty()) {
+    auto& [block, entity] = path.back();
+    if (!entity) {
+      path.pop_back();
+      continue;
+    }
+    const Record& r = from.record(entity);
+    entity = s.nextEntity(block, entity);
+    const bool nests = r.type == Type::insert || r.type == Type::dimension;
+    const std::uint32_t inner = nests ? s.blockByName(r.name) : 0;
+    if (!inner || !seen.insert(inner).second) continue;
+    if (path.size() >= limit) return true;
+    path.emplace_back(inner, s.firstEntity(inner));
+  }
+  return false;
+}
+
+}  // namespace
+
 std::uint32_t insertBlock(Drawing& to, std::u16string_view name, const Drawing& from) {
-  if (!usableName(name, to.format().version, true)) return 0;
+  if (!usableName(name, to.format().version, true) || isDeeper(from, kDeepest)) return 0;
   TagList tags;
   TagRange range;
   AcGePoint3d base;

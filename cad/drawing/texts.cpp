@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <cstdint>
-#include <new>
 
 #include "platform/check.h"
+#include "platform/memory.h"
 
 namespace cad {
 namespace {
@@ -30,8 +30,7 @@ TextStore::Block* TextStore::blockOf(const char* text) {
 void TextStore::grow(std::size_t room) {
   const std::size_t size =
       (std::max(room + sizeof(Block), kAlignment) + kAlignment - 1) & ~(kAlignment - 1);
-  auto* block =
-      static_cast<Block*>(::operator new(size, static_cast<std::align_val_t>(kAlignment)));
+  auto* block = static_cast<Block*>(platform::allocateAligned(size, kAlignment));
   *block = {all_, nullptr, size, 0};
   if (all_) all_->previous = block;
   all_ = block;
@@ -49,7 +48,7 @@ void TextStore::free(Block* block) {
   if (block->next) block->next->previous = block->previous;
   bytes_ -= block->size;
   ++generation_;
-  ::operator delete(block, static_cast<std::align_val_t>(kAlignment));
+  platform::releaseAligned(block, block->size);
 }
 
 std::string_view TextStore::store(const TagList& tags) {

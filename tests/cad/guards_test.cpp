@@ -372,6 +372,33 @@ TEST_F(GuardsTest, ManyByteOrderMarks) {
   EXPECT_EQ(d->drawing().toBytes(), marks + oldDrawing("AC1015"));
 }
 
+TEST_F(GuardsTest, BlocksThatLieTooDeepInOneAnotherAreNotInserted) {
+  for (const int depth : {150, 20000}) {
+    std::string blocks, top;
+    for (int i = depth; i > 0; --i) {
+      blocks += "0 BLOCK\n8 0\n2 B" + std::to_string(i) + "\n70 0\n10 0.0\n20 0.0\n";
+      if (i < depth) blocks += "0 INSERT\n8 0\n2 B" + std::to_string(i + 1) + "\n10 0.0\n20 0.0\n";
+      blocks += "0 ENDBLK\n8 0\n";
+      top = "0 INSERT\n8 0\n2 B" + std::to_string(i) + "\n10 0.0\n20 0.0\n" + top;
+    }
+    auto symbol =
+        load(tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC1009\n0 ENDSEC\n0 SECTION\n2 "
+                  "BLOCKS\n" +
+                  blocks + "0 ENDSEC\n0 SECTION\n2 ENTITIES\n" + top + "0 ENDSEC\n0 EOF\n"));
+    ASSERT_TRUE(symbol);
+    AcDbObjectId id;
+    const std::uint32_t records = drawing().records().count();
+    EXPECT_EQ(db->insert(id, u"TORRE", symbol.get()) == Acad::eOk, depth == 150);
+    if (depth != 150) {
+      EXPECT_EQ(drawing().records().count(), records);
+      continue;
+    }
+    for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
+    EXPECT_EQ(drawing().record(drawing().structure().block(id.index())->end).owner, id.index());
+    ASSERT_EQ(erase(id), Acad::eOk);
+  }
+}
+
 // An image with its reactor and definition, and an entity whose extension dictionary lists, besides
 // what it owns, an object of somebody else and the dictionary of all others.
 TEST_F(GuardsTest, ErasingFollowsOwnersAndNothingElse) {
