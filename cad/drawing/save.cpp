@@ -139,11 +139,17 @@ void Drawing::writeTo(Sink&& sink) const {
     if (r.type == Type::endsec) inObjects = false;
     if (r.is(Record::erased) || r.is(Record::synthetic)) continue;
     std::string_view text = r.text();
+    const bool pruned = inObjects && i != objects && prune(i, kept);
+    const bool adjoins = !pruned && pending.data() + pending.size() == text.data();
+    // Neighbours in the file: the common case, decided without a look at the text.
+    if (adjoins && !r.is(Record::stored)) {
+      pending = {pending.data(), pending.size() + text.size()};
+      continue;
+    }
     // A text that ends without a line end (the last one of a file) must not run into the next.
     const bool ended =
         format().binary || i == records_.first() || pending.empty() || pending.back() == '\n';
-    const bool pruned = inObjects && i != objects && prune(i, kept);
-    if (!pruned && ended && pending.data() + pending.size() == text.data()) {
+    if (adjoins && ended) {
       pending = {pending.data(), pending.size() + text.size()};
       continue;
     }
