@@ -3,7 +3,7 @@
 # ./test:  prepare build | test | fuzz
 prepare() {
   local build=(g++ cmake ninja-build pkg-config libcli11-dev libedit-dev libcairo2-dev fonts-dejavu-core)
-  local test=(libgtest-dev libbenchmark-dev locales clang-format)
+  local test=(libgtest-dev locales clang-format)
   local fuzz=(clang libclang-rt-dev)
   local wanted=("${build[@]}")
   [ "$1" = test ] && wanted+=("${test[@]}")

@@ -51,6 +51,40 @@ class Opened {
   T* object_ = nullptr;
 };
 
+// A new object until a drawing has it: deleted when none takes it, closed at the end of the scope
+// when one has.
+//   Fresh<AcDbPoint> point(position);
+//   if (point.taken(space->appendAcDbEntity(point.get()))) ...
+template <class T>
+class Fresh {
+ public:
+  template <class... Args>
+  explicit Fresh(Args&&... args) : object_(new T(std::forward<Args>(args)...)) {}
+  Fresh(const Fresh&) = delete;
+  Fresh& operator=(const Fresh&) = delete;
+  ~Fresh() {
+    if (taken_) {
+      object_->close();
+    } else {
+      delete object_;
+    }
+  }
+  T* get() const { return object_; }
+  T* operator->() const { return object_; }
+  // Notes what a drawing said to the object; true when it has it now.
+  bool taken(Acad::ErrorStatus answer) { return taken_ = answer == Acad::eOk; }
+  // The object, open in the drawing that has taken it; empty when none has.
+  Opened<T> release() {
+    if (!taken_) return Opened<T>();
+    taken_ = false;
+    return Opened<T>(std::exchange(object_, nullptr));
+  }
+
+ private:
+  T* object_;
+  bool taken_ = false;
+};
+
 // A result chain that releases itself, and its reading by position.
 class Chain {
  public:

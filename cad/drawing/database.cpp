@@ -1,5 +1,6 @@
 #include "cad/api/database.h"
 
+#include "cad/api/owners.h"
 #include "cad/api/table.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/insert_block.h"
@@ -47,33 +48,22 @@ Acad::ErrorStatus AcDbDatabase::getNamedObjectsDictionary(AcDbDictionary*& dicti
 Acad::ErrorStatus AcDbDatabase::getTableStyleDictionary(AcDbDictionary*& dictionary,
                                                         AcDb::OpenMode mode) {
   dictionary = nullptr;
-  AcDbDictionary* root = nullptr;
-  if (const auto s = getNamedObjectsDictionary(root, AcDb::kForRead); s != Acad::eOk) return s;
+  AcDbDictionary* opened = nullptr;
+  if (const auto s = getNamedObjectsDictionary(opened, AcDb::kForRead); s != Acad::eOk) return s;
+  cad::Opened<AcDbDictionary> root(opened);
   AcDbObjectId id;
   if (root->getAt(u"ACAD_TABLESTYLE", id) != Acad::eOk) {
-    if (drawing_->format().version < 1018) {
-      root->close();
-      return Acad::eInvalidDwgVersion;
-    }
+    if (drawing_->format().version < 1018) return Acad::eInvalidDwgVersion;
     root->upgradeOpen();
-    auto* fresh = new AcDbDictionary;
-    const auto s = root->setAt(u"ACAD_TABLESTYLE", fresh, id);
-    if (s != Acad::eOk) {
-      delete fresh;
-      root->close();
-      return s;
-    }
+    cad::Fresh<AcDbDictionary> styles;
+    const auto s = root->setAt(u"ACAD_TABLESTYLE", styles.get(), id);
+    if (!styles.taken(s)) return s;
     // Programs count on the style that every table falls back to.
-    auto* standard = new AcDbTableStyle;
+    cad::Fresh<AcDbTableStyle> standard;
     AcDbObjectId standardId;
-    if (fresh->setAt(u"Standard", standard, standardId) == Acad::eOk) {
-      standard->close();
-    } else {
-      delete standard;
-    }
-    fresh->close();
+    standard.taken(styles->setAt(u"Standard", standard.get(), standardId));
   }
-  root->close();
+  root.close();
   return acdbOpenObject(dictionary, id, mode);
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "cad/api/database.h"
+#include "cad/api/owners.h"
 #include "cad/api/tables.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/fields.h"
@@ -76,11 +77,11 @@ void dropProxyPicture(TagList& t) {
 
 // What tables of no style of their own fall back to; null where the drawing cannot hold styles.
 AcDbObjectId standardStyle(Drawing& d) {
-  AcDbDictionary* styles = nullptr;
+  AcDbDictionary* opened = nullptr;
   AcDbObjectId id;
-  if (d.database()->getTableStyleDictionary(styles, AcDb::kForRead) != Acad::eOk) return id;
+  if (d.database()->getTableStyleDictionary(opened, AcDb::kForRead) != Acad::eOk) return id;
+  const cad::Opened<AcDbDictionary> styles(opened);
   styles->getAt(u"Standard", id);
-  styles->close();
   return id;
 }
 

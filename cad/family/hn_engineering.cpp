@@ -15,6 +15,7 @@
 
 using cad::BlockInfo;
 using cad::Drawing;
+using cad::Fresh;
 using cad::Opened;
 using cad::ProfileChainData;
 using cad::ProfileLayout;
@@ -95,30 +96,23 @@ Opened<AcDbBlockReference> place(Drawing& d, const BlockInfo& block, const AcGeP
                                  const std::vector<AttributeText>& texts) {
   const Opened<AcDbBlockTableRecord> space(d.idOf(d.structure().modelSpace()), AcDb::kForWrite);
   if (!space) return {};
-  auto* reference = new AcDbBlockReference(at, d.idOf(block.id));
+  Fresh<AcDbBlockReference> reference(at, d.idOf(block.id));
   reference->setLayer(layer);
   if (scale != 1) reference->setScaleFactors({scale, scale, scale});
-  if (space->appendAcDbEntity(reference) != Acad::eOk) {
-    delete reference;
-    return {};
-  }
+  if (!reference.taken(space->appendAcDbEntity(reference.get()))) return {};
   for (std::uint32_t e = d.structure().firstEntity(block.id); e;
        e = d.structure().nextEntity(block.id, e)) {
     const Opened<AcDbAttributeDefinition> definition(d.idOf(e));
     if (!definition) continue;
-    auto* attribute = new AcDbAttribute;
+    Fresh<AcDbAttribute> attribute;
     attribute->setAttributeFromBlock(definition.get(), reference->blockTransform());
     for (const AttributeText& t : texts) {
       if (definition->tag() == t.tag) attribute->setTextString(t.text);
     }
     AcDbObjectId id;
-    if (reference->appendAttribute(id, attribute) == Acad::eOk) {
-      attribute->close();
-    } else {
-      delete attribute;
-    }
+    attribute.taken(reference->appendAttribute(id, attribute.get()));
   }
-  return Opened<AcDbBlockReference>(reference);
+  return reference.release();
 }
 
 std::vector<std::u16string> namesOf(const resbuf* chain) {

@@ -7,6 +7,7 @@
 #include "cad/drawing/fields.h"
 #include "platform/text.h"
 
+using cad::Fresh;
 using cad::Opened;
 
 namespace {
@@ -15,19 +16,18 @@ AcDbDatabase* currentOr(AcDbDatabase* database) {
   return database ? database : acdbHostApplicationServices()->workingDatabase();
 }
 
-// Puts a new entity into the block given or else the model space, where it stays open; on failure
-// it is deleted, and the owner is empty.
+// Puts a new entity into the block given or else the model space, where it stays open; empty when
+// that fails.
 template <class T>
-Opened<T> append(T* entity, AcDbDatabase* database, AcDbBlockTableRecord* block) {
+Opened<T> append(Fresh<T>& entity, AcDbDatabase* database, AcDbBlockTableRecord* block) {
   Opened<AcDbBlockTableRecord> space;
   if (!block) {
     cad::Drawing& d = database->drawing();
     space = Opened<AcDbBlockTableRecord>(d.idOf(d.structure().modelSpace()), AcDb::kForWrite);
     block = space.get();
   }
-  if (block && block->appendAcDbEntity(entity) == Acad::eOk) return Opened<T>(entity);
-  delete entity;
-  return Opened<T>();
+  if (block) entity.taken(block->appendAcDbEntity(entity.get()));
+  return entity.release();
 }
 
 template <class T>
@@ -83,24 +83,20 @@ AcDbObjectId Create3Dpoly(const AcGePoint3dArray& points, int color, std::u16str
                           AcDbBlockTableRecord* block, const ResbufArray* vertexData) {
   AcDbDatabase* db = currentOr(database);
   if (!db || points.empty()) return {};
-  auto* fresh = new AcDb3dPolyline;
-  dress(*fresh, layer, color, xdata);
+  Fresh<AcDb3dPolyline> fresh;
+  dress(*fresh.get(), layer, color, xdata);
   if (flag & 1) {
-    cad::TagList& tags = cad::Inside::tagsForWrite(*fresh);
+    cad::TagList& tags = cad::Inside::tagsForWrite(*fresh.get());
     tags.putInteger(70, 9, tags.body());
   }
   const Opened<AcDb3dPolyline> polyline = append(fresh, db, block);
   if (!polyline) return {};
   for (std::size_t i = 0; i < points.size(); ++i) {
-    auto* vertex = new AcDb3dPolylineVertex(points[i]);
+    Fresh<AcDb3dPolylineVertex> vertex(points[i]);
     if (vertexData && i < vertexData->size() && (*vertexData)[i])
       vertex->setXData((*vertexData)[i]);
     AcDbObjectId vertexId;
-    if (polyline->appendVertex(vertexId, vertex) == Acad::eOk) {
-      vertex->close();
-    } else {
-      delete vertex;
-    }
+    vertex.taken(polyline->appendVertex(vertexId, vertex.get()));
   }
   return idOf(polyline);
 }
@@ -116,9 +112,9 @@ AcDbObjectId Create2Dpoly(const AcGePoint3dArray& points, const std::vector<doub
     vertices.push_back(
         {{points[i].x, points[i].y}, bulges && i < bulges->size() ? (*bulges)[i] : 0.0});
   }
-  auto* polyline = new AcDbPolyline(vertices, (kind & 1) != 0, points.front().z,
-                                    startWidth == endWidth ? startWidth : 0);
-  dress(*polyline, layer, color, xdata);
+  Fresh<AcDbPolyline> polyline(vertices, (kind & 1) != 0, points.front().z,
+                               startWidth == endWidth ? startWidth : 0);
+  dress(*polyline.get(), layer, color, xdata);
   return idOf(append(polyline, db, nullptr));
 }
 
@@ -139,13 +135,13 @@ AcDbObjectId addPOINT(const AcGePoint3d& point, std::u16string_view layer, int c
                       AcDbBlockTableRecord* block) {
   AcDbDatabase* db = currentOr(database);
   if (!db) return {};
-  auto* entity = new AcDbPoint(point);
-  dress(*entity, layer, color, xdata);
+  Fresh<AcDbPoint> entity(point);
+  dress(*entity.get(), layer, color, xdata);
   const AcDbObjectId id = idOf(append(entity, db, block));
   if (id.isNull()) return id;
   if (!text.empty()) {
-    auto* label = new AcDbText(point, text, 2.5);
-    dress(*label, layer, color, nullptr);
+    Fresh<AcDbText> label(point, text, 2.5);
+    dress(*label.get(), layer, color, nullptr);
     append(label, db, block);
   }
   return id;
@@ -156,8 +152,8 @@ AcDbObjectId createLine(const AcGePoint3d& from, const AcGePoint3d& to, std::u16
                         AcDbDatabase* database, AcDbBlockTableRecord* block) {
   AcDbDatabase* db = currentOr(database);
   if (!db) return {};
-  auto* line = new AcDbLine(from, to);
-  dress(*line, layer, color, xdata);
+  Fresh<AcDbLine> line(from, to);
+  dress(*line.get(), layer, color, xdata);
   if (!linetype.empty()) line->setLinetype(linetype);
   return idOf(append(line, db, block));
 }
@@ -168,8 +164,8 @@ AcDbObjectId HNTextCommandTesto(std::u16string_view layer, std::u16string_view s
                                 int color) {
   AcDbDatabase* db = currentOr(nullptr);
   if (!db) return {};
-  auto* entity = new AcDbText(position, text, height, rotation);
-  dress(*entity, layer, color, nullptr);
+  Fresh<AcDbText> entity(position, text, height, rotation);
+  dress(*entity.get(), layer, color, nullptr);
   if (!style.empty() && !platform::equalNoCase(style, u"Standard")) entity->setTextStyleName(style);
   if (alignment == u"Center") entity->setJustification(1, 0, position);
   if (alignment == u"Right") entity->setJustification(2, 0, position);
@@ -183,15 +179,11 @@ AcDbObjectId addLineType(std::u16string_view name, std::u16string_view descripti
   AcDbLinetypeTable* opened = nullptr;
   if (!db || db->getLinetypeTable(opened, AcDb::kForWrite) != Acad::eOk) return {};
   const Opened<AcDbLinetypeTable> table(opened);
-  auto* record = new AcDbLinetypeTableRecord;
+  Fresh<AcDbLinetypeTableRecord> record;
   record->setName(name);
   record->setPattern(description, dashes);
   AcDbObjectId id;
-  if (table->add(id, record) == Acad::eOk) {
-    record->close();
-  } else {
-    delete record;
-  }
+  record.taken(table->add(id, record.get()));
   return id;
 }
 

@@ -26,6 +26,7 @@
 namespace vessora {
 
 using cad::Chain;
+using cad::Fresh;
 using cad::Opened;
 using cad::SelectionSet;
 

@@ -144,7 +144,7 @@ struct Placement {
 // A new reference in model space, open for write; null when it could not be made.
 Opened<AcDbBlockReference> place(const Memory& known, const Symbol& symbol, const Placement& at,
                                  const resbuf* xdata = nullptr) {
-  auto reference = std::make_unique<AcDbBlockReference>(at.point, symbol.block);
+  Fresh<AcDbBlockReference> reference(at.point, symbol.block);
   if (xdata) reference->setXData(xdata);
   if (at.rotation != 0) reference->setRotation(at.rotation);
   if (at.scale != 1) reference->setScaleFactors({at.scale, at.scale, at.scale});
@@ -154,21 +154,19 @@ Opened<AcDbBlockReference> place(const Memory& known, const Symbol& symbol, cons
   }
   if (!at.layer.empty()) reference->setLayer(at.layer);
   const Opened<AcDbBlockTableRecord> space(known.modelSpace, AcDb::kForWrite);
-  if (!space || space->appendAcDbEntity(reference.get()) != Acad::eOk) return {};
-  return Opened<AcDbBlockReference>(reference.release());
+  if (space) reference.taken(space->appendAcDbEntity(reference.get()));
+  return reference.release();
 }
 
 bool appendAttribute(AcDbBlockReference& reference, AcDbObjectId definitionId,
                      const AcGeMatrix3d& transform, std::u16string_view text) {
   const Opened<AcDbAttributeDefinition> definition(definitionId);
   if (!definition) return false;
-  auto attribute = std::make_unique<AcDbAttribute>();
+  Fresh<AcDbAttribute> attribute;
   attribute->setAttributeFromBlock(definition.get(), transform);
   attribute->setTextString(text);
   AcDbObjectId id;
-  if (reference.appendAttribute(id, attribute.get()) != Acad::eOk) return false;
-  attribute.release()->close();
-  return true;
+  return attribute.taken(reference.appendAttribute(id, attribute.get()));
 }
 
 // One attribute for each definition whose tag has a value; false, with a notice, when one failed.

@@ -18,15 +18,10 @@ AcDbObjectId textStyle(AcDbDatabase* database) {
   AcDbTextStyleTable* opened = nullptr;
   if (database->getTextStyleTable(opened, AcDb::kForWrite) != Acad::eOk) return {};
   const Opened<AcDbTextStyleTable> table(opened);
-  auto* style = new AcDbTextStyleTableRecord;
+  Fresh<AcDbTextStyleTableRecord> style;
   style->setName(kTableStyle);
   style->setFileName(u"romans.shx");
-  if (table->add(id, style) != Acad::eOk) {
-    delete style;
-    return {};
-  }
-  style->close();
-  return id;
+  return style.taken(table->add(id, style.get())) ? id : AcDbObjectId();
 }
 
 AcDbObjectId styleNamed(AcDbDatabase* database, std::u16string_view name) {
@@ -52,14 +47,13 @@ void complain(std::u16string_view reason, Notices& notices) {
   notices.push_back({NoticeCode::tableNotDrawn, std::u16string(reason)});
 }
 
-// Puts a new table into the model space, where it stays open for write; deletes it on failure.
-Opened<AcDbTable> place(AcDbDatabase* database, AcDbTable* table, Notices& notices) {
+// Puts a new table into the model space, where it stays open for write; empty when that fails.
+Opened<AcDbTable> place(AcDbDatabase* database, Fresh<AcDbTable>& table, Notices& notices) {
   const Opened<AcDbBlockTableRecord> space(modelSpace(database), AcDb::kForWrite);
-  const Acad::ErrorStatus status = space ? space->appendAcDbEntity(table) : Acad::eNotOpenForWrite;
-  if (status == Acad::eOk) return Opened<AcDbTable>(table);
-  delete table;
-  complain(acadErrorStatusText(status), notices);
-  return Opened<AcDbTable>();
+  const Acad::ErrorStatus status =
+      space ? space->appendAcDbEntity(table.get()) : Acad::eNotOpenForWrite;
+  if (!table.taken(status)) complain(acadErrorStatusText(status), notices);
+  return table.release();
 }
 
 void fill(AcDbTable& table, const TableGrid& grid, Notices& notices) {
@@ -113,7 +107,7 @@ void makeTableStyle(std::u16string_view name, double textHeight, int titleColor)
   AcCmColor all, title;
   all.setColorIndex(kTextColor);
   title.setColorIndex(titleColor);
-  auto* style = new AcDbTableStyle;
+  Fresh<AcDbTableStyle> style;
   style->setName(name);
   style->setColor(all);
   style->setColor(title, AcDb::kTitleRow);
@@ -123,11 +117,7 @@ void makeTableStyle(std::u16string_view name, double textHeight, int titleColor)
   style->setVertCellMargin(kMargin * textHeight);
   style->setTextStyle(text);
   AcDbObjectId id;
-  if (styles->setAt(name, style, id) == Acad::eOk) {
-    style->close();
-  } else {
-    delete style;
-  }
+  style.taken(styles->setAt(name, style.get(), id));
 }
 
 void drawTable(std::u16string_view styleName, const TableGrid& grid, const TablePlace& at,
@@ -138,7 +128,7 @@ void drawTable(std::u16string_view styleName, const TableGrid& grid, const Table
     notices.push_back({NoticeCode::tableStyleMissing});
     return;
   }
-  auto* table = new AcDbTable;
+  Fresh<AcDbTable> table;
   table->setTableStyle(style);
   table->setNumColumns(static_cast<int>(grid.size() > 1 ? grid[1].size() : grid[0].size()));
   table->setNumRows(static_cast<int>(grid.size()));
