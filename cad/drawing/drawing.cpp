@@ -48,8 +48,9 @@ platform::Result<void> Drawing::loadBytes(Block bytes, std::size_t size, const s
   records_.addSource(std::move(bytes));
   auto scanned = scanDxf(text, name, {records_.names(), records_.types(), records_.sets()});
   if (!scanned) return platform::Error{scanned.error()};
-  auto loaded =
-      Loader(records_, structure_, writer_, name, warnings).run(std::move(*scanned), header_);
+  Loader loader(records_, structure_, writer_, name, warnings);
+  auto loaded = loader.run(std::move(*scanned), header_);
+  renumbered_ = loader.renumbered();
   history_.setChanged(false);
   return loaded;
 }

@@ -163,6 +163,7 @@ class CAD_API Drawing {
   Header header_{records_, structure_, writer_};
 
   std::vector<AcDbObject*> open_;
+  bool renumbered_ = false;     // opening gave objects handles that the file does not have
   bool erasedMembers_ = false;  // an entity was erased that groups or drawing orders may list
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
   std::unordered_map<std::uint32_t, bool> highlighted_;

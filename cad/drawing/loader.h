@@ -18,6 +18,8 @@ class Loader {
          std::vector<std::string>& warnings)
       : records_(records), s_(structure), writer_(writer), name_(name), warnings_(warnings) {}
   platform::Result<void> run(ScannedFile file, const Header& header);
+  // Objects got handles that the file does not have.
+  bool renumbered() const { return !broken_.empty(); }
 
  private:
   // What the file does not close, and before which record that shows (0: at its end).

@@ -28,17 +28,16 @@ double julianNow(bool local) {
 
 }  // namespace
 
-// What a changed drawing must say of itself: which handles are free, and when it was changed. No
-// part of what commands do and undo.
+// What a changed drawing must say of itself: which handles are free, and when it was changed; one
+// whose handles were repaired too. No part of what commands do and undo.
 void Drawing::updateHeader() {
-  if (!isChanged()) return;
+  if (!isChanged() && !renumbered_) return;
   structure_.writeMarks();
   records_.dropTrailer();
   const std::uint32_t header = structure_.section(u"HEADER").begin;
   if (!header) return;
   const History::Pause pause(history_);
   const auto tags = borrowTags();
-  TagRange range;
   const auto find = [&](std::string_view name) {
     for (int i = 1; i + 1 < tags->size(); ++i) {
       if ((*tags)[i].code == 9 && (*tags)[i].bytes() == name) return i + 1;
