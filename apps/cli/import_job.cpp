@@ -52,8 +52,11 @@ std::string faultOfName(const vessora::InpFindings& found) {
 // What the file lacks; empty when there is something to draw.
 std::string faultOfContent(const vessora::InpFindings& found) {
   if (found.counts.nodes() + found.counts.links() == 0) {
-    return words("non è un file INP di EPANET: non ha sezioni come [JUNCTIONS] o [PIPES]",
-                 "this is no EPANET INP file: it has no sections such as [JUNCTIONS] or [PIPES]");
+    return words(
+        "non è un file INP di EPANET: non ha righe in sezioni come [JUNCTIONS] o [PIPES] (sotto la "
+        "riga dei titoli)",
+        "this is no EPANET INP file: no rows in sections such as [JUNCTIONS] or [PIPES] (under the "
+        "line of titles)");
   }
   if (found.coordinates == 0) {
     return words("il file non ha coordinate ([COORDINATES]): non c'è nulla da disegnare",
