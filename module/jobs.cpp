@@ -55,6 +55,20 @@ class ModuleJobs : public Jobs {
     return vessora::writeResults(rows, network);
   }
 
+  QueryResult queryNetwork(std::u16string_view network, const QueryRequest& request) override {
+    return vessora::queryNetwork(network, request);
+  }
+  ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) override {
+    const CommandSpan span;
+    return vessora::colorNetwork(network, request);
+  }
+  Notices highlightElements(std::u16string_view network, const QueryRows& rows) override {
+    return vessora::highlightElements(network, rows);
+  }
+  Notices resetColors(std::u16string_view network, const QueryRows& rows) override {
+    return vessora::resetColors(network, rows);
+  }
+
   void scaleNetwork(std::u16string_view network, const ScaleRequest& request) override {
     vessora::scaleNetwork(network, request);
   }
@@ -63,6 +77,9 @@ class ModuleJobs : public Jobs {
   }
   void drawGradeLine(std::u16string_view network, double textHeight) override {
     vessora::drawGradeLine(network, textHeight);
+  }
+  ProfileResult drawProfile(std::u16string_view network, const ProfileRequest& request) override {
+    return vessora::drawProfile(network, request);
   }
 };
 

@@ -35,7 +35,7 @@ class Jobs : public AcRxObject {
   static constexpr char16_t kService[] = u"VESSORA_JOBS";
   // Goes up with every change of this interface, so that a program never calls a module that was
   // built for another one.
-  static constexpr char16_t kClass[] = u"VessoraJobs1";
+  static constexpr char16_t kClass[] = u"VessoraJobs2";
 
   // The jobs of the loaded module, which stay the module's; null when there are none of this
   // interface. Libraries do not share addresses of classes, so the class is known by its name.
@@ -67,9 +67,15 @@ class Jobs : public AcRxObject {
   virtual ReportFindings examineResults(const ReportRows& rows, std::u16string_view network) = 0;
   virtual ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) = 0;
 
+  virtual QueryResult queryNetwork(std::u16string_view network, const QueryRequest& request) = 0;
+  virtual ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) = 0;
+  virtual Notices highlightElements(std::u16string_view network, const QueryRows& rows) = 0;
+  virtual Notices resetColors(std::u16string_view network, const QueryRows& rows) = 0;
+
   virtual void scaleNetwork(std::u16string_view network, const ScaleRequest& request) = 0;
   virtual Notices drawTables(std::u16string_view network, const TableRequest& request) = 0;
   virtual void drawGradeLine(std::u16string_view network, double textHeight) = 0;
+  virtual ProfileResult drawProfile(std::u16string_view network, const ProfileRequest& request) = 0;
 };
 
 }  // namespace vessora

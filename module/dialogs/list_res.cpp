@@ -14,9 +14,6 @@ namespace {
 
 constexpr ui::Colour kYellow{255, 255, 0}, kWhite{255, 255, 255};
 
-// Places in QueryRow::values.
-constexpr std::size_t kDemand = 0, kPressure = 2, kFlow = 0, kVelocity = 1;
-
 ui::ReportList::Row shownRow(const QueryRow& row) {
   return {row.id, row.values[0], row.values[1], row.values[2], row.values[3]};
 }
@@ -45,15 +42,12 @@ void fillList(ui::ReportList& list, const std::vector<QueryRow>& rows, const Que
   }
 }
 
-// Both bounds excluded; two zeros are no filter. What is shown changes only when a row passes.
+// Two zeros are no filter. What is shown changes only when a row passes.
 void filterRange(ui::ReportList& list, const std::vector<QueryRow>& rows, QueryFilter& filter,
-                 std::size_t value, double above, double below) {
+                 Quantity quantity, double above, double below) {
   filter.clear();
   if (above == 0 && below == 0) return;
-  for (std::size_t i = 0; i < rows.size(); ++i) {
-    const double number = platform::wtof(rows[i].values[value]);
-    if (number > above && number < below) filter.push_back(static_cast<std::uint32_t>(i));
-  }
+  filter = rowsBetween(rows, quantity, above, below);
   if (!filter.empty()) show(list, rows, filter);
 }
 
@@ -121,25 +115,25 @@ void DlgListRes::zoomToLink() {
 
 void DlgListRes::onFilterPressure() {
   if (!takeFields()) return;
-  filterRange(nodes, query_.nodes, query_.filteredNodes, kPressure, pressureAbove.value(),
+  filterRange(nodes, query_.nodes, query_.filteredNodes, Quantity::pressure, pressureAbove.value(),
               pressureBelow.value());
 }
 
 void DlgListRes::onFilterDemand() {
   if (!takeFields()) return;
-  filterRange(nodes, query_.nodes, query_.filteredNodes, kDemand, demandAbove.value(),
+  filterRange(nodes, query_.nodes, query_.filteredNodes, Quantity::demand, demandAbove.value(),
               demandBelow.value());
 }
 
 void DlgListRes::onFilterFlow() {
   if (!takeFields()) return;
-  filterRange(links, query_.links, query_.filteredLinks, kFlow, flowAbove.value(),
+  filterRange(links, query_.links, query_.filteredLinks, Quantity::flow, flowAbove.value(),
               flowBelow.value());
 }
 
 void DlgListRes::onFilterVelocity() {
   if (!takeFields()) return;
-  filterRange(links, query_.links, query_.filteredLinks, kVelocity, velocityAbove.value(),
+  filterRange(links, query_.links, query_.filteredLinks, Quantity::velocity, velocityAbove.value(),
               velocityBelow.value());
 }
 

@@ -1,26 +1,12 @@
 // The list of results of a query, its filters, and what the user wants done with the drawing.
 #pragma once
 
-#include <array>
-#include <cstdint>
 #include <string>
-#include <string_view>
-#include <vector>
 
 #include "module/dialogs/toolkit.h"
+#include "module/network/result_rows.h"
 
 namespace vessora {
-
-// One listed element: its name and its four results, as shown.
-struct QueryRow {
-  std::u16string id;
-  std::array<std::u16string, 4> values;
-};
-
-struct EpaPipeMaterial {
-  wide256 id;
-  wide256 material;
-};
 
 enum class QueryAction {
   showDrawing = 0,
@@ -29,16 +15,9 @@ enum class QueryAction {
   zoomLink = 3,
 };
 
-// Which rows of the picked ones passed the last filter, in their order.
-using QueryFilter = std::vector<std::uint32_t>;
-
 // What the query command and its dialog share for the length of the command.
-struct NetworkQuery {
-  std::vector<QueryRow> nodes;  // demand, head, pressure, quality
-  std::vector<QueryRow> links;  // flow, velocity, headloss, status
+struct NetworkQuery : QueryRows {
   QueryFilter filteredNodes, filteredLinks;
-  std::vector<EpaPipeMaterial> pipeMaterials;
-
   QueryAction action = QueryAction::showDrawing;
   std::u16string nodeId, linkId;  // of the double-clicked row
   int classCount = 5;

@@ -1,7 +1,6 @@
 #include "module/host/host_drawing.h"
 
 #include "module/host/module.h"
-#include "module/host/tell.h"
 #include "module/host/translate.h"
 #include "platform/text.h"
 
@@ -65,13 +64,6 @@ bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::
     checkName(Chain(block->xData(app::kImport)), text, notices);
   }
   return !text.empty();
-}
-
-bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text) {
-  Notices notices;
-  const bool some = ReadNameAttribute(block, tag, text, notices);
-  tell(notices);
-  return some;
 }
 
 // --- extended data -------------------------------------------------------------------------------

@@ -93,10 +93,8 @@ class XDataBuilder {
 bool ReadAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
 // Sets the text of every attribute with exactly this tag; the block must be open.
 void WriteAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string_view text);
-// ReadAttribute with a check: where the text differs from the id in the block's extended data, the
-// user is told and the extended data win.
-bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text);
-// The same for jobs: the difference becomes a notice.
+// ReadAttribute with a check: where the text differs from the id in the block's extended data, this
+// becomes a notice and the extended data win.
 bool ReadNameAttribute(AcDbBlockReference* block, std::u16string_view tag, std::u16string& text,
                        Notices& notices);
 // Several attributes in one walk: texts[i] gets the text of the last attribute with tags[i]. Bit i

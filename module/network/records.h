@@ -14,7 +14,7 @@
 #include <type_traits>
 #include <vector>
 
-#include "module/host/object_id.h"
+#include "module/host/host_values.h"
 #include "module/network/record_list.h"
 #include "platform/wide.h"
 

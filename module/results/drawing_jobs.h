@@ -1,10 +1,16 @@
-// What can be drawn from the data and results of a network, as plain values: what the jobs are
-// given.
+// What can be listed and drawn of the data and results of a network, as plain values: what the jobs
+// are given and answer.
 #pragma once
 
+#include <cstddef>
+#include <optional>
+#include <string>
 #include <string_view>
+#include <vector>
 
+#include "module/host/host_values.h"
 #include "module/host/notices.h"
+#include "module/network/result_rows.h"
 
 namespace vessora {
 
@@ -23,6 +29,65 @@ struct TableRequest {
   bool flow = false, velocity = false, headloss = false, linkStatus = false;
 };
 
+// Which rows are listed: all, or those whose quantity lies between two bounds, both excluded. A
+// quantity of nodes filters nodes, one of links filters links.
+struct QueryRequest {
+  Quantity quantity = Quantity::none;
+  double above = 0, below = 0;
+};
+struct QueryResult {
+  QueryRows rows;
+  Notices notices;
+};
+
+// Colours by 5 or 10 classes of a quantity, with their legend at a point in place of the drawing's
+// older ones of its kind.
+struct ColorRequest {
+  Quantity quantity = Quantity::pressure;
+  int classCount = 5;
+  AcGePoint3d legend;
+};
+// How many elements fell into a class. A course that goes with the block of its valve or pump is
+// not counted.
+struct ColorResult {
+  int painted = 0;
+  Notices notices;
+};
+
+// A profile along links. Without a place it has no frame and stands about the drawing's origin.
+struct ProfileRequest {
+  std::vector<std::u16string> links;    // names, in the order in which they join
+  std::u16string name;                  // of the profile
+  double start = 0;                     // chainage of the first node
+  std::optional<double> terrainOffset;  // of the terrain above the design line
+  std::optional<AcGePoint3d> place;     // of the title block
+};
+// Why a link cannot go on with a profile.
+enum class LinkVerdict {
+  valid = 1,
+  notOfNetwork = 2,
+  notImported = 3,
+  noResults = 4,
+  nodesNotFound,
+  misplaced,  // its ends do not lie on its nodes
+  notConsecutive,
+};
+// When a link is refused, nothing is drawn.
+struct ProfileResult {
+  LinkVerdict verdict = LinkVerdict::valid;
+  std::size_t refused = 0;  // place of the first such link in the request
+  Notices notices;
+};
+
+QueryResult queryNetwork(std::u16string_view network, const QueryRequest& request);
+// Bounds come from the network's rows; colours go to every element with results, of whatever
+// network. Nothing remembers the colour that an element had before.
+ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request);
+// The elements of these rows in orange, or back in the colours in which symbols and links are
+// drawn.
+Notices highlightElements(std::u16string_view network, const QueryRows& rows);
+Notices resetColors(std::u16string_view network, const QueryRows& rows);
+ProfileResult drawProfile(std::u16string_view network, const ProfileRequest& request);
 // All symbols and tables of a network.
 void scaleNetwork(std::u16string_view network, const ScaleRequest& request);
 // Tables that cannot be made become notices.

@@ -113,7 +113,7 @@ void runDialog(NetworkQuery& query, Zoom zoom) {
   }
 }
 
-bool queryNetwork(std::u16string_view network, NetworkQuery& query) {
+bool runQuery(std::u16string_view network, NetworkQuery& query) {
   const NetworkLayers layers(network);
   if (!CollectQueryRows(layers, query)) return false;
   runDialog(query, [&] {
@@ -123,11 +123,11 @@ bool queryNetwork(std::u16string_view network, NetworkQuery& query) {
       zoomToLink(layers, query.linkId);
     }
   });
-  applyQueryColors(layers, query);
+  applyQueryColors(network, query);
   return true;
 }
 
-bool queryAqueductNetwork(std::u16string_view network, NetworkQuery& query) {
+bool runAqueductQuery(std::u16string_view network, NetworkQuery& query) {
   query.legacyNetwork = true;
   if (!collectAqueductRows(network, query)) return false;
   runDialog(query, [&] {
@@ -149,8 +149,8 @@ int EpaCommands::netvis() {
 
   NetworkQuery query;
   const bool queried = schema::isAqueductName(currentNetwork)
-                           ? queryAqueductNetwork(currentNetwork, query)
-                           : queryNetwork(currentNetwork, query);
+                           ? runAqueductQuery(currentNetwork, query)
+                           : runQuery(currentNetwork, query);
   networkNames.clear();
   if (!queried) return kAbandoned;
   KsrAcadMgr::ksr_acedCommand(RTSTR, u"_regenall", RTNONE);

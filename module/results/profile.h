@@ -20,6 +20,12 @@ struct ProfileRow {
   bool isPipe = false;  // the link that begins here; for the last node, the last link
 };
 
+// The application whose data on a profile's title block name its links.
+inline constexpr char16_t kProfileData[] = u"HN-RR_PROFILO_EPA";
+
+// Draws the profile of a finished chain: its frame, where the request has a place, and its lines.
+void drawProfile(const ProfileChain& chain, const ProfileRequest& request);
+
 // Height that the frame has to hold, m: the range of elevations, the terrain's when there is an
 // offset, and of heads, with 5 percent more. `lowest` gets the lowest elevation.
 double ComputeUsefulHeight(const ProfileChain& chain, double offset, double& lowest);

@@ -120,6 +120,14 @@ void collectProfileNetwork(std::u16string_view network, ProfileChain& chain, Not
   collectResults(chain);
 }
 
+AcDbObjectId findLink(const ProfileChain& chain, std::u16string_view id) {
+  const auto at = [](int index) { return static_cast<std::size_t>(index); };
+  if (const int i = placeOf(chain.pipes, id); i >= 0) return chain.network.pipes[at(i)].objectId;
+  if (const int i = placeOf(chain.pumps, id); i >= 0) return chain.network.pumps[at(i)].objectId;
+  if (const int i = placeOf(chain.valves, id); i >= 0) return chain.network.valves[at(i)].objectId;
+  return {};
+}
+
 LinkVerdict ClassifyLink(const ProfileChain& chain, ProfileLink& link) {
   const Opened<AcDbEntity> entity(link.objectId);
   if (!entity || !recognise(chain, entity, link)) return LinkVerdict::notOfNetwork;
@@ -162,6 +170,17 @@ bool CheckLinkCoordinates(const ProfileLink& link, const ProfileNode& nodeA,
   if (link.kind != LinkKind::pipe) return true;
   return (samePoint(link.first, nodeA.point) && samePoint(link.last, nodeB.point)) ||
          (samePoint(link.first, nodeB.point) && samePoint(link.last, nodeA.point));
+}
+
+LinkVerdict ChainBuilder::take(AcDbObjectId id) {
+  ProfileLink link;
+  link.objectId = id;
+  const LinkVerdict verdict = ClassifyLink(chain_, link);
+  if (verdict != LinkVerdict::valid) return verdict;
+  ProfileNode nodeA, nodeB;
+  if (!FindLinkNodes(chain_, link, nodeA, nodeB)) return LinkVerdict::nodesNotFound;
+  if (!CheckLinkCoordinates(link, nodeA, nodeB)) return LinkVerdict::misplaced;
+  return add(link, nodeA, nodeB) ? verdict : LinkVerdict::notConsecutive;
 }
 
 bool ChainBuilder::add(const ProfileLink& link, const ProfileNode& nodeA,

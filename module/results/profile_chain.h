@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "module/network/schema.h"
+#include "module/results/drawing_jobs.h"
 
 namespace vessora {
 
@@ -56,8 +57,9 @@ struct ProfileChain {
 
 // Reads the network and its results out of the drawing.
 void collectProfileNetwork(std::u16string_view network, ProfileChain& chain, Notices& notices);
+// The first pipe, or else pump, or else valve of the name; null when there is none.
+AcDbObjectId findLink(const ProfileChain& chain, std::u16string_view id);
 
-enum class LinkVerdict { valid = 1, notOfNetwork = 2, notImported = 3, noResults = 4 };
 // Fills the link from its `objectId`; what it holds counts only when the answer is valid.
 LinkVerdict ClassifyLink(const ProfileChain& chain, ProfileLink& link);
 // The nodes in the order in which the link names them; false when one is missing.
@@ -71,13 +73,13 @@ bool CheckLinkCoordinates(const ProfileLink& link, const ProfileNode& nodeA,
 class ChainBuilder {
  public:
   explicit ChainBuilder(ProfileChain& chain) : chain_(chain) {}
-  // Adds the link with its nodes at the free end; false, with nothing changed, when it does not
-  // join.
-  bool add(const ProfileLink& link, const ProfileNode& nodeA, const ProfileNode& nodeB);
+  // Takes a link in at the free end; refused, it changes nothing.
+  LinkVerdict take(AcDbObjectId id);
   // With a single link, its nodes stand in the order in which they were found.
   void finish();
 
  private:
+  bool add(const ProfileLink& link, const ProfileNode& nodeA, const ProfileNode& nodeB);
   bool addSecond(const ProfileNode& nodeA, const ProfileNode& nodeB);
   bool addLater(const ProfileNode& nodeA, const ProfileNode& nodeB);
   ProfileChain& chain_;

@@ -15,7 +15,9 @@ constexpr char16_t kPipelineName[] = u"HN-ACQ-TUBAZIONE";
 
 // The layer of a line, by its key in the settings file, made with its colour.
 std::u16string lineLayer(std::u16string_view key, int color) {
-  const std::string file = platform::nativePath(installPath + u"DEFAULTSETTINGS.INI");
+  std::u16string root;
+  readInstallPath(root);
+  const std::string file = platform::nativePath(root + u"DEFAULTSETTINGS.INI");
   std::u16string name = platform::iniValue(file, u"LAYER", key, key, 255);
   HNGeometry::createNewLayer(name, nullptr, nullptr, color);
   return name;

@@ -12,6 +12,7 @@
 #include "module/host/translate.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
+#include "module/results/drawing_jobs.h"
 #include "module/results/query_rows.h"
 #include "platform/format.h"
 #include "platform/text.h"
@@ -32,64 +33,58 @@ void paint(AcDbEntity& entity, int color) {
 
 using Names = std::unordered_set<std::u16string_view>;
 
-Names namesOf(const std::vector<QueryRow>& rows, const QueryFilter& filter, bool all) {
+Names namesOf(const std::vector<QueryRow>& rows) {
   Names names;
-  names.reserve(all ? rows.size() : filter.size());
-  if (all) {
-    for (const QueryRow& row : rows) names.insert(row.id);
-  } else {
-    for (const std::uint32_t i : filter) names.insert(rows[i].id);
-  }
+  names.reserve(rows.size());
+  for (const QueryRow& row : rows) names.insert(row.id);
   return names;
 }
 
 class Marker {
  public:
-  Marker(const NetworkLayers& layers, const NetworkQuery& query)
-      : layers_(layers),
-        reset_(query.resetColors),
-        nodes_(namesOf(query.nodes, query.filteredNodes, reset_)),
-        links_(namesOf(query.links, query.filteredLinks, reset_)) {}
+  Marker(std::u16string_view network, const QueryRows& rows, bool reset)
+      : layers_(network), reset_(reset), nodes_(namesOf(rows.nodes)), links_(namesOf(rows.links)) {}
 
+  Notices markAll() {
+    for (const AcDbObjectId id : SelectionSet(u"_X", everyElement())) {
+      const Opened<AcDbEntity> entity(id);
+      if (auto* polyline = entity.as<AcDb3dPolyline>()) mark(*polyline);
+      if (auto* block = entity.as<AcDbBlockReference>()) mark(*block);
+    }
+    return std::move(notices_);
+  }
+
+ private:
   void mark(AcDb3dPolyline& polyline) const {
     EpaLinkResult record;
     ReadPolylineLinkResult(record, &polyline);
     if (links_.count(record.id)) paint(polyline, reset_ ? kByLayer : kOrange);
   }
 
-  void mark(AcDbBlockReference& block) const {
+  void mark(AcDbBlockReference& block) {
     const std::u16string layer = block.layer();
     if (layer == layers_.junc || layer == layers_.resv || layer == layers_.tank) {
       EpaNodeResult record;
-      ReadNodeResult(record, &block);
+      ReadNodeResult(record, &block, notices_);
       if (nodes_.count(record.id)) paint(block, reset_ ? nodeColor(block) : kOrange);
     } else if (layer == layers_.valv || layer == layers_.pump) {
       EpaLinkResult record;
-      ReadBlockLinkResult(record, &block);
+      ReadBlockLinkResult(record, &block, notices_);
       if (links_.count(record.id)) paint(block, reset_ ? kByLayer : kOrange);
     }
   }
 
- private:
   // A junction with an emitter is red; a reservoir has a 0 in that place and a tank no number.
   static int nodeColor(const AcDbBlockReference& block) {
     const Chain data(block.xData(app::kImport));
     return realAt(data, schema::kJunc.data, schema::Field::emitter) == 0 ? kByLayer : kRed;
   }
 
-  const NetworkLayers& layers_;
-  bool reset_;
-  Names nodes_, links_;
+  const NetworkLayers layers_;
+  const bool reset_;
+  const Names nodes_, links_;
+  Notices notices_;
 };
-
-void markElements(const NetworkLayers& layers, const NetworkQuery& query) {
-  const Marker marker(layers, query);
-  for (const AcDbObjectId id : SelectionSet(u"_X", everyElement())) {
-    const Opened<AcDbEntity> entity(id);
-    if (auto* polyline = entity.as<AcDb3dPolyline>()) marker.mark(*polyline);
-    if (auto* block = entity.as<AcDbBlockReference>()) marker.mark(*block);
-  }
-}
 
 // --- classes -------------------------------------------------------------------------------------
 
@@ -123,20 +118,48 @@ class Companions {
   std::map<std::u16string, Layer> layers_;
 };
 
-ColorClasses classesOf(const std::vector<QueryRow>& rows, std::size_t value, int count) {
+// What elements can be coloured by: the field of a node's or of a link's results.
+struct Colored {
+  Quantity quantity;
+  wide50 EpaNodeResult::*ofNode;
+  wide50 EpaLinkResult::*ofLink;
+  const char16_t* title;  // of the legend
+  int legend() const { return ofNode ? kNodeLegend : kLinkLegend; }
+};
+constexpr Colored kColored[] = {
+    {Quantity::pressure, &EpaNodeResult::pressure, nullptr, u"Pressione dei nodi [m]"},
+    {Quantity::demand, &EpaNodeResult::demand, nullptr, u"Portata ai nodi [l/s]"},
+    {Quantity::flow, nullptr, &EpaLinkResult::flow, u"Portata dei rami [l/s]"},
+    {Quantity::velocity, nullptr, &EpaLinkResult::velocity, u"Velocità nei rami [m/s]"},
+};
+const Colored* coloredBy(Quantity quantity) {
+  for (const Colored& row : kColored) {
+    if (row.quantity == quantity) return &row;
+  }
+  return nullptr;
+}
+
+ColorClasses classesOf(const QueryRows& rows, Quantity quantity, int count) {
   std::vector<double> values;
-  values.reserve(rows.size());
-  for (const QueryRow& row : rows) values.push_back(platform::wtof(row.values[value]));
+  for (const QueryRow& row : isOfNodes(quantity) ? rows.nodes : rows.links) {
+    values.push_back(platform::wtof(row.values[placeOf(quantity)]));
+  }
   return ColorClasses::of(values, count);
 }
 
-void colorNodes(const ColorClasses& classes, const wide50 EpaNodeResult::*field) {
+// Paints an element by its value; the class, or -1.
+int paintByClass(AcDbEntity& entity, const ColorClasses& classes, const wide50& value) {
+  const int index = classes.find(platform::wtof(value));
+  if (index >= 0) paint(entity, classes.color(index));
+  return index;
+}
+
+void colorNodes(const ColorClasses& classes, wide50 EpaNodeResult::*field, ColorResult& result) {
   for (const AcDbObjectId id : SelectionSet(u"_X", everyElement())) {
     const Opened<AcDbBlockReference> block(id);
     EpaNodeResult record;
-    if (!block || !ReadNodeResult(record, block.get())) continue;
-    const int index = classes.find(platform::wtof(record.*field));
-    if (index >= 0) paint(*block, classes.color(index));
+    if (!block || !ReadNodeResult(record, block.get(), result.notices)) continue;
+    if (paintByClass(*block, classes, record.*field) >= 0) ++result.painted;
   }
 }
 
@@ -151,25 +174,34 @@ void colorCompanion(Opened<AcDbBlockReference> block, int color, Companions& com
   }
 }
 
-void colorLinks(const ColorClasses& classes, const wide50 EpaLinkResult::*field) {
+void colorLinks(const ColorClasses& classes, wide50 EpaLinkResult::*field, ColorResult& result) {
   Companions companions;
   for (const AcDbObjectId id : SelectionSet(u"_X", everyElement())) {
     EpaLinkResult record;
     if (const Opened<AcDb3dPolyline> polyline(id); polyline) {
       if (!ReadPolylineLinkResult(record, polyline.get())) continue;
-      const int index = classes.find(platform::wtof(record.*field));
-      if (index >= 0) paint(*polyline, classes.color(index));
+      if (paintByClass(*polyline, classes, record.*field) >= 0) ++result.painted;
     } else if (Opened<AcDbBlockReference> block(id); block) {
-      if (!ReadBlockLinkResult(record, block.get())) continue;
-      const int index = classes.find(platform::wtof(record.*field));
+      if (!ReadBlockLinkResult(record, block.get(), result.notices)) continue;
+      const int index = paintByClass(*block, classes, record.*field);
       if (index < 0) continue;
-      paint(*block, classes.color(index));
+      ++result.painted;
       colorCompanion(std::move(block), classes.color(index), companions);
     }
   }
 }
 
-// --- legends -------------------------------------------------------------------------------------
+ColorResult colorElements(const ColorClasses& classes, const Colored& by) {
+  ColorResult result;
+  if (by.ofNode) {
+    colorNodes(classes, by.ofNode, result);
+  } else {
+    colorLinks(classes, by.ofLink, result);
+  }
+  return result;
+}
+
+// --- the user's wish -----------------------------------------------------------------------------
 
 // Where the legend of this kind and title goes; false when the user refuses to say.
 bool placeOfLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
@@ -181,10 +213,17 @@ bool placeOfLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
   return acdbUcs2Wcs(picked, point, false);
 }
 
-void placeLegend(const ColorClasses& classes, const char16_t* words, int kind) {
-  const std::u16string title = TraduciTesto(words);
+void colorPicked(const NetworkQuery& query, Quantity quantity) {
+  const Colored* const by = coloredBy(quantity);
+  if (!by) return;
+  const ColorClasses classes = classesOf(query, quantity, query.classCount);
+  tell(colorElements(classes, *by).notices);
+  const std::u16string title = TraduciTesto(by->title);
   AcGePoint3d point;
-  if (placeOfLegend(title, point, kind)) InsertClassLegend(classes, title, point, kind);
+  if (!placeOfLegend(title, point, by->legend())) return;
+  Notices notices;
+  InsertClassLegend(classes, title, point, by->legend(), notices);
+  tell(notices);
 }
 
 }  // namespace
@@ -206,35 +245,51 @@ bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
 }
 
 void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
-                       const AcGePoint3d& point, int kind) {
+                       const AcGePoint3d& point, int kind, Notices& notices) {
   if (classes.count != 5 && classes.count != 10) return;
   std::array<std::u16string, 10> labels;
   std::size_t i = 0;
   classes.forEach([&](double lower, double upper) {
     labels[i++] = platform::format(u"%.3lf ÷ %.3lf", lower, upper);
   });
-  Notices notices;
   InsertLegend(point, title, labels, kind, notices);
-  tell(notices);
 }
 
-void applyQueryColors(const NetworkLayers& layers, const NetworkQuery& query) {
-  if (query.colorFiltered || query.resetColors) markElements(layers, query);
-  if (query.resetColors) return;
-  if (query.nodeColorBy == 1 || query.nodeColorBy == 2) {
-    const bool pressure = query.nodeColorBy == 1;
-    const ColorClasses classes = classesOf(query.nodes, pressure ? 2 : 0, query.classCount);
-    colorNodes(classes, pressure ? &EpaNodeResult::pressure : &EpaNodeResult::demand);
-    placeLegend(classes, pressure ? u"Pressione dei nodi [m]" : u"Portata ai nodi [l/s]",
-                kNodeLegend);
+Notices highlightElements(std::u16string_view network, const QueryRows& rows) {
+  return Marker(network, rows, false).markAll();
+}
+
+Notices resetColors(std::u16string_view network, const QueryRows& rows) {
+  return Marker(network, rows, true).markAll();
+}
+
+ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) {
+  const Colored* const by = coloredBy(request.quantity);
+  if (!by || (request.classCount != 5 && request.classCount != 10)) return {};
+  acdbRegApp(app::kColor);
+  Notices again;  // what is found here is found once more when elements are painted
+  const QueryRows rows = rowsOfNetwork(NetworkLayers(network), again);
+  const ColorClasses classes = classesOf(rows, request.quantity, request.classCount);
+  ColorResult result = colorElements(classes, *by);
+  const std::u16string title = TraduciTesto(by->title);
+  AcGePoint3d older;
+  TakeColorLegend(title, older, by->legend());
+  InsertClassLegend(classes, title, request.legend, by->legend(), result.notices);
+  return result;
+}
+
+void applyQueryColors(std::u16string_view network, const NetworkQuery& query) {
+  if (query.resetColors) return tell(resetColors(network, query));
+  if (query.colorFiltered) {
+    tell(highlightElements(
+        network,
+        {rowsAt(query.nodes, query.filteredNodes), rowsAt(query.links, query.filteredLinks), {}}));
   }
-  if (query.linkColorBy == 1 || query.linkColorBy == 2) {
-    const bool flow = query.linkColorBy == 1;
-    const ColorClasses classes = classesOf(query.links, flow ? 0 : 1, query.classCount);
-    colorLinks(classes, flow ? &EpaLinkResult::flow : &EpaLinkResult::velocity);
-    placeLegend(classes, flow ? u"Portata dei rami [l/s]" : u"Velocità nei rami [m/s]",
-                kLinkLegend);
-  }
+  const auto chosen = [](int choice, Quantity first, Quantity second) {
+    return choice == 1 ? first : choice == 2 ? second : Quantity::none;
+  };
+  colorPicked(query, chosen(query.nodeColorBy, Quantity::pressure, Quantity::demand));
+  colorPicked(query, chosen(query.linkColorBy, Quantity::flow, Quantity::velocity));
 }
 
 }  // namespace vessora

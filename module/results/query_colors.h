@@ -4,17 +4,16 @@
 #include <string_view>
 
 #include "module/dialogs/list_res.h"
+#include "module/host/notices.h"
 #include "module/network/schema.h"
 #include "module/results/color_classes.h"
 
 namespace vessora {
 
 // Does what the user has asked for in the dialog: marks filtered elements or takes colours off,
-// then colours nodes and links by the classes of a result and places the legends.
-//
-// Class bounds come from the picked rows, colours go to every element with results, of whatever
-// network. Nothing remembers the colour that an element had before.
-void applyQueryColors(const NetworkLayers& layers, const NetworkQuery& query);
+// then colours nodes and links by the classes of a result in the picked rows and places the
+// legends, whose places it asks for.
+void applyQueryColors(std::u16string_view network, const NetworkQuery& query);
 
 // Kinds of legends; the drawing has at most one of each.
 inline constexpr int kNodeLegend = 1, kLinkLegend = 2;
@@ -24,6 +23,6 @@ inline constexpr int kNodeLegend = 1, kLinkLegend = 2;
 bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind);
 // Puts a legend of 5 or 10 classes at a point; of another number of classes, none.
 void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
-                       const AcGePoint3d& point, int kind);
+                       const AcGePoint3d& point, int kind, Notices& notices);
 
 }  // namespace vessora

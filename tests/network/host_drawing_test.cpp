@@ -1,3 +1,4 @@
+#include "module/host/tell.h"
 #include "tests/network/network_testing.h"
 
 namespace vessora {
@@ -36,7 +37,9 @@ TEST_F(HostDrawing, TheImportedNameWinsOverAnEditedAttributeAndTheUserIsTold) {
     const AcDbObjectId id = addBlock(u"Junc", u"JUNC-Rete", {}, attributes, stored);
     const Opened<AcDbBlockReference> block(id);
     std::u16string text = u"old";
-    const bool some = ReadNameAttribute(block.get(), u"ID", text);
+    Notices notices;
+    const bool some = ReadNameAttribute(block.get(), u"ID", text, notices);
+    tell(notices);
     EXPECT_EQ(some, !text.empty());
     return text;
   };

@@ -202,7 +202,7 @@ TEST_F(ResultsOnDrawing, RowsHaveThreeDecimalsAndDashesWithoutResults) {
   companion(u"V1");
   write("  N1 1.0005 2 1e3 0.30\n", "  P1 1 2 3 Open\n", u"3:00");
   EpaNodeResult record;
-  ASSERT_TRUE(ReadNodeResult(record, Opened<AcDbBlockReference>(n1).get()));
+  ASSERT_TRUE(ReadNodeResult(record, Opened<AcDbBlockReference>(n1).get(), notices_));
   EXPECT_EQ(record.head, u"2.000");
   EXPECT_EQ(record.pressure, u"1000.000");
   EXPECT_EQ(record.quality, u"0.30");
@@ -264,7 +264,7 @@ TEST_F(QueryColors, ClassesOfThePickedRowsColourEveryElementWithResults) {
   query_.nodeColorBy = 1;
   query_.linkColorBy = 1;
   script("<esc>\n<esc>\n: Selezionare un punto...\n: Selezionare un punto...\n");
-  applyQueryColors(layers_, query_);
+  applyQueryColors(u"Rete", query_);
   EXPECT_EQ(color(low_), 5);
   EXPECT_EQ(color(high_), 1);
   EXPECT_EQ(color(tank_), 3);  // 30 was not picked, yet has a class
@@ -281,7 +281,7 @@ TEST_F(QueryColors, FilteredElementsTurnOrangeAndAResetTakesEverythingPicked) {
   query_.colorFiltered = true;
   query_.filteredNodes = {1};
   query_.filteredLinks = {1};
-  applyQueryColors(layers_, query_);
+  applyQueryColors(u"Rete", query_);
   EXPECT_EQ(color(high_), 40);
   EXPECT_EQ(color(low_), 256);
   EXPECT_EQ(color(valve_), 40);
@@ -294,7 +294,7 @@ TEST_F(QueryColors, FilteredElementsTurnOrangeAndAResetTakesEverythingPicked) {
   setColor(pipe_, 5);
   query_.resetColors = true;
   query_.nodeColorBy = query_.linkColorBy = 1;
-  applyQueryColors(layers_, query_);
+  applyQueryColors(u"Rete", query_);
   EXPECT_EQ(color(high_), 1);  // it has an emitter
   for (const AcDbObjectId id : {low_, pipe_, valve_, companion_}) EXPECT_EQ(color(id), 256);
   EXPECT_EQ(color(tank_), 40);  // was not picked
@@ -311,7 +311,7 @@ TEST_F(QueryColors, ALegendKeepsItsPlaceAndReplacesTheOtherOfItsKind) {
   EXPECT_TRUE(TakeColorLegend(u"Portata dei rami [l/s]", at, 2));
   EXPECT_EQ(at.x, 7);
   EXPECT_TRUE(legends().empty());
-  InsertClassLegend({0, 1, 7}, u"Sette", at, 2);
+  InsertClassLegend({0, 1, 7}, u"Sette", at, 2, notices_);
   EXPECT_TRUE(legends().empty());
 }
 

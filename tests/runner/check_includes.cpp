@@ -18,7 +18,8 @@ namespace {
 // the host in one header and the dialog kit in another.
 const std::map<std::string, std::set<std::string>> kSeams = {
     {"module|cad/ui", {"module/dialogs/toolkit.h"}},
-    {"module|cad/api", {"module/host/host_drawing.h", "module/host/object_id.h", "module/jobs.h"}},
+    {"module|cad/api",
+     {"module/host/host_drawing.h", "module/host/host_values.h", "module/jobs.h"}},
     {"module|cad/family", {"module/host/host_drawing.h"}},
 };
 

@@ -1,0 +1,164 @@
+// The jobs as programs find them: what they draw is what the commands draw, and they ask nobody.
+#include <gtest/gtest.h>
+
+#include <functional>
+
+#include "cad/drawing/drawing.h"
+#include "cad/editor/session.h"
+#include "cad/ui/script_frontend.h"
+#include "module/jobs.h"
+#include "platform/text.h"
+
+namespace {
+
+using vessora::Jobs;
+using vessora::Quantity;
+
+class JobsTest : public ::testing::Test {
+ protected:
+  void SetUp() override {
+    script("");
+    const cad::Installation place = cad::findInstallation();
+    const auto module = session.loadModule(place.module);
+    ASSERT_TRUE(module) << module.error();
+    session.setSymbol(u"hn-cpath",
+                      platform::widen(place.root.substr(0, place.root.size() - 1)) + u"\\");
+    jobs = Jobs::find();
+    ASSERT_NE(jobs, nullptr);
+    for (const vessora::CommandRow& row : jobs->commands()) {
+      session.addExport(*module, u"VESSORA", {row.name, row.symbol, row.help});
+    }
+    newNetwork();
+  }
+  void TearDown() override {
+    session.closeDrawing();
+    session.unloadModules();
+    session.setFrontend(nullptr);
+    session.symbols.clear();
+  }
+  // The network that all start from: a drawing of its own, with results perhaps in
+  // orange. The  // command registers what it may need before it asks.
+  void newNetwork() {
+    session.newDrawing();
+    acdbRegApp(u"HN-C_EPA_COLOR");
+    const std::u16string folder = platform::widen(VESSORA_TESTS_DIR "/cases/draw/profile/");
+    jobs->importInp(jobs->openInp(folder + u"rete.inp"), u"rete");
+    const vessora::Report report = jobs->openReport(folder + u"rete.rpt");
+    jobs->writeResults(jobs->rowsOf(report, u"", jobs->periodsOf(report).lowerCaseHrs), u"rete");
+    if (orange) jobs->highlightElements(u"rete", jobs->queryNetwork(u"rete", {}).rows);
+  }
+  void script(const std::string& answers) {
+    frontend_ = std::make_unique<cad::ui::ScriptFrontend>(answers, "test");
+    session.setFrontend(frontend_.get());
+  }
+  // The drawing, after all that was to be asked has been asked.
+  std::string drawn() {
+    const auto done = frontend_->finish();
+    EXPECT_TRUE(done) << done.error();
+    EXPECT_EQ(session.takeLeaks(), "");
+    return session.database()->drawing().toBytes();
+  }
+
+  cad::Session& session = cad::Session::instance();
+  Jobs* jobs = nullptr;
+  bool orange = false;
+
+ private:
+  std::unique_ptr<cad::ui::ScriptFrontend> frontend_;
+};
+
+TEST_F(JobsTest, DrawWhatTheCommandsDraw) {
+  const std::u16string_view net = u"rete";
+  const std::string query = "tutto\n<invio>\n[Interroga Rete]\n", point = "\n500,300\n";
+  const struct {
+    const char16_t* command;
+    std::string answers;
+    std::function<void()> job;
+    bool orange = false;
+  } rows[] = {
+      {u"netvis", query + "Nodi/Colore = Pressione\nOK" + point,
+       [&] {
+         EXPECT_EQ(jobs->colorNetwork(net, {Quantity::pressure, 5, {500, 300, 0}}).painted, 6);
+       }},
+      {u"netvis", query + "Nodi/Colore = Portata\nN° colori filtro = 10\nOK" + point,
+       [&] {
+         jobs->colorNetwork(net, {Quantity::demand, 10, {500, 300, 0}});
+       }},
+      {u"netvis", query + "Rami/Colore = Portata\nN° colori filtro = 10\nOK" + point,
+       [&] {
+         jobs->colorNetwork(net, {Quantity::flow, 10, {500, 300, 0}});
+       }},
+      {u"netvis", query + "Rami/Colore = Velocità\nOK" + point,
+       [&] {
+         jobs->colorNetwork(net, {Quantity::velocity, 5, {500, 300, 0}});
+       }},
+      {u"netvis",
+       query + "Pressione/> di = 10\nPressione/< di = 40\nPressione/Filtra Nodi\n"
+               "Velocità/> di = 0.1\nVelocità/< di = 9\nVelocità/Filtra Rami\n"
+               "Colora in arancione elementi filtrati = sì\nOK\n",
+       [&] {
+         vessora::QueryRows found = jobs->queryNetwork(net, {Quantity::pressure, 10, 40}).rows;
+         found.links = jobs->queryNetwork(net, {Quantity::velocity, 0.1, 9}).rows.links;
+         EXPECT_EQ(found.nodes.size() * 10 + found.links.size(), 44U);
+         jobs->highlightElements(net, found);
+       }},
+      {u"netvis", query + "Resetta colori rete = sì\nOK\n",
+       [&] { jobs->resetColors(net, jobs->queryNetwork(net, {}).rows); }, true},
+      {u"epaProf", "=P1\n=V1\n=P2\n<invio>\nprova\n250\nS\n1.25\n0,-200\n",
+       [&] {
+         jobs->drawProfile(net, {{u"P1", u"V1", u"P2"}, u"prova", 250, 1.25, {{0, -200, 0}}});
+       }},
+      {u"epaProf", "=PU1\n=P1\n<invio>\nprova\n0\nN\n<esc>\n",
+       [&] {
+         jobs->drawProfile(net, {{u"PU1", u"P1"}, u"prova", 0, {}, {}});
+       }},
+      {u"epatables", "[Disegna Tabelle]\nOK\n", [&] { jobs->drawTables(net, {}); }},
+      {u"epapiezo", "1.5\ntutto\n<invio>\n", [&] { jobs->drawGradeLine(net, 1.5); }},
+      {u"epascale",
+       "tutto\n<invio>\n[Scala Tabelle/Simboli]\nFattore di scala Simboli = 3\n"
+       "Fattore di scala Tabelle = 2\nOK\n",
+       [&] {
+         jobs->scaleNetwork(net, {true, true, 3, 2});
+       }},
+  };
+  for (const auto& row : rows) {
+    SCOPED_TRACE(platform::narrow(row.command) + "\n" + row.answers);
+    orange = row.orange;
+    newNetwork();
+    const std::string before = drawn();
+    script(row.answers);
+    session.run(row.command);
+    const std::string expected = drawn();
+    EXPECT_FALSE(expected == before);
+    newNetwork();
+    script("");
+    row.job();
+    EXPECT_TRUE(drawn() == expected);
+  }
+}
+
+TEST_F(JobsTest, AProfileThatCannotBeNamesTheLinkAndDrawsNothing) {
+  using Verdict = vessora::LinkVerdict;
+  const std::string before = drawn();
+  const struct {
+    std::vector<std::u16string> links;
+    Verdict verdict;
+    std::size_t refused;
+  } rows[] = {
+      {{u"P1", u"nessuno"}, Verdict::notOfNetwork, 1},
+      {{u"P1", u"V1", u"P3"}, Verdict::notConsecutive, 2},
+      {{u"P1", u"P2"}, Verdict::notConsecutive, 1},
+  };
+  for (const auto& row : rows) {
+    const auto result = jobs->drawProfile(u"rete", {row.links, u"prova", 0, {}, {{0, 0, 0}}});
+    EXPECT_EQ(result.verdict, row.verdict);
+    EXPECT_EQ(result.refused, row.refused);
+  }
+  EXPECT_TRUE(drawn() == before);
+  jobs->writeResults(nullptr, u"rete");
+  EXPECT_EQ(jobs->drawProfile(u"rete", {{u"P1"}, u"prova", 0, {}, {}}).verdict, Verdict::noResults);
+  newNetwork();
+  EXPECT_TRUE(drawn() == before);
+}
+
+}  // namespace
