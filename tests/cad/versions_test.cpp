@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "cad/api/table.h"
 #include "platform/text.h"
 #include "tests/cad/drawing_testing.h"
 
@@ -54,6 +55,25 @@ TEST(Versions, NewTagsStayOutOfReleasesThatStumbleOverThem) {
       "AcDbAttributeDefinition\n280 0\n3 p\n2 T\n70 0\n280 1";
   EXPECT_EQ(codesIn(1018, attribute, "AcDbAttributeDefinition"), "3 2 70 ");
   EXPECT_EQ(codesIn(1021, attribute, "AcDbAttributeDefinition"), "280 3 2 70 280 ");
+}
+
+TEST(Versions, KindsOfObjectsNeedTheReleaseThatBroughtThem) {
+  const auto taken = [](int version, AcDbEntity* entity) {
+    auto db = load(tags("0 SECTION\n2 HEADER\n9 $ACADVER\n1 AC" + std::to_string(version) +
+                        "\n9 $HANDSEED\n5 FF\n0 ENDSEC\n0 SECTION\n2 ENTITIES\n0 ENDSEC\n0 EOF"));
+    const Working current(db.get());
+    const AcDbObjectId id = append(*db, entity);
+    if (id.isNull()) return false;
+    entity->close();
+    return true;
+  };
+  for (const int version : {1009, 1012, 1014, 1015, 1018, 1021, 1027, 1032}) {
+    EXPECT_TRUE(taken(version, new AcDbLine({0, 0, 0}, {1, 1, 1}))) << version;
+    EXPECT_EQ(taken(version, new AcDbPolyline({{{0, 0}, 0}, {{1, 1}, 0}}, false, 0, 0)),
+              version >= 1014)
+        << version;
+    EXPECT_EQ(taken(version, new AcDbTable), version >= 1018) << version;
+  }
 }
 
 TEST(Versions, BinaryValuesOfEveryLengthAndCode) {

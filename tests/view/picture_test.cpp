@@ -110,6 +110,56 @@ TEST(Picture, NestedMirroredScaledReferencesAndTheirColours) {
   EXPECT_EQ(s.picture.items[1].pen.index, 1);  // and from there by layer
 }
 
+// What an entity leaves open its layer decides, and within a block the reference and its layer.
+TEST(Picture, PensComeFromTheEntityItsLayerOrTheReference) {
+  const char tables[] =
+      "0 TABLE|2 LTYPE|70 1|0 LTYPE|2 TRATTI|70 0|3 x|72 65|73 2|40 3|49 2|49 -1|0 LTYPE|2 "
+      "PUNTI|70 0|3 x|72 65|73 2|40 2|49 0|49 -2|0 ENDTAB|"
+      "0 TABLE|2 LAYER|70 3|0 LAYER|2 0|70 0|62 7|6 CONTINUOUS|0 LAYER|2 VERO|70 0|62 1|6 "
+      "TRATTI|370 "
+      "50|420 255|0 LAYER|2 ROSSO|70 0|62 1|6 CONTINUOUS|0 ENDTAB";
+  const char blocks[] =
+      "0 BLOCK|8 0|2 B|70 0|10 0|20 0|3 B|0 POINT|8 0|62 0|370 -2|6 BYBLOCK|10 0|20 0|0 POINT|8 "
+      "0|10 0|20 0|0 POINT|8 ROSSO|10 0|20 0|0 POINT|8 ROSSO|62 0|370 -2|10 0|20 0|0 ENDBLK|8 0";
+  const Sample s(tables, blocks,
+                 "0 POINT|8 VERO|10 0|20 0|0 POINT|8 VERO|62 3|370 30|6 PUNTI|48 2|10 0|20 0|0 "
+                 "POINT|8 0|62 0|370 -2|10 0|20 0|0 INSERT|8 VERO|2 B|10 0|20 0|62 4|370 20|6 "
+                 "PUNTI|0 INSERT|8 VERO|2 B|10 0|20 0");
+  struct Expected {
+    int index;
+    double weight;
+    int dashes;  // of the line type; 0 continuous
+    bool exact;
+  };
+  const Expected wanted[] = {
+      {-1, 0.5, 2, true},  // all by layer, which has a true colour
+      {3, 0.3, 2, false},  // all its own
+      {7, 0, 0, false},    // by block, and in none
+      {4, 0.2, 2, false},  // in the first reference: by block
+      {-1, 0.5, 2, true},  // by layer, on 0: the reference's layer
+      {1, 0, 0, false},    // by its own layer
+      {4, 0.2, 0, false},  // by block, on a layer of its own
+      {-1, 0.5, 2, true},  // in the second: by block, and that by layer
+      {-1, 0.5, 2, true}, {1, 0, 0, false}, {-1, 0, 0, true},
+  };
+  ASSERT_EQ(s.picture.items.size(), std::size(wanted));
+  for (std::size_t i = 0; i < std::size(wanted); ++i) {
+    const Pen& pen = s.picture.items[i].pen;
+    EXPECT_EQ(pen.index, wanted[i].index) << i;
+    EXPECT_NEAR(pen.weight, wanted[i].weight, 1e-9) << i;
+    EXPECT_EQ(
+        pen.linetype < 0
+            ? 0
+            : static_cast<int>(s.picture.linetypes[static_cast<std::size_t>(pen.linetype)].size()),
+        wanted[i].dashes)
+        << i;
+    if (wanted[i].exact) {
+      EXPECT_EQ(pen.exact, (Color{0, 0, 255})) << i;
+    }
+  }
+  EXPECT_EQ(s.picture.items[1].pen.linetypeScale, 2);
+}
+
 TEST(Picture, TextsHaveTheirAnchorAndInvisibleAttributesAreHidden) {
   const Sample s(
       kLayers,
