@@ -42,15 +42,6 @@ void fillList(ui::ReportList& list, const std::vector<QueryRow>& rows, const Que
   }
 }
 
-// Two zeros are no filter. What is shown changes only when a row passes.
-void filterRange(ui::ReportList& list, const std::vector<QueryRow>& rows, QueryFilter& filter,
-                 Quantity quantity, double above, double below) {
-  filter.clear();
-  if (above == 0 && below == 0) return;
-  filter = rowsBetween(rows, quantity, above, below);
-  if (!filter.empty()) show(list, rows, filter);
-}
-
 void appendCsv(std::string& out, const ui::ReportList& list) {
   for (int row = 0; row < list.count(); ++row) {
     for (int column = 0; column < 5; ++column) {
@@ -113,28 +104,16 @@ void DlgListRes::zoomToLink() {
 
 // --- filters -------------------------------------------------------------------------------------
 
-void DlgListRes::onFilterPressure() {
+// Two zeros are no filter. What is shown changes only when a row passes.
+void DlgListRes::filter(Quantity quantity, const ui::Real& above, const ui::Real& below) {
   if (!takeFields()) return;
-  filterRange(nodes, query_.nodes, query_.filteredNodes, Quantity::pressure, pressureAbove.value(),
-              pressureBelow.value());
-}
-
-void DlgListRes::onFilterDemand() {
-  if (!takeFields()) return;
-  filterRange(nodes, query_.nodes, query_.filteredNodes, Quantity::demand, demandAbove.value(),
-              demandBelow.value());
-}
-
-void DlgListRes::onFilterFlow() {
-  if (!takeFields()) return;
-  filterRange(links, query_.links, query_.filteredLinks, Quantity::flow, flowAbove.value(),
-              flowBelow.value());
-}
-
-void DlgListRes::onFilterVelocity() {
-  if (!takeFields()) return;
-  filterRange(links, query_.links, query_.filteredLinks, Quantity::velocity, velocityAbove.value(),
-              velocityBelow.value());
+  const bool ofNodes = isOfNodes(quantity);
+  const std::vector<QueryRow>& rows = ofNodes ? query_.nodes : query_.links;
+  QueryFilter& passed = ofNodes ? query_.filteredNodes : query_.filteredLinks;
+  passed.clear();
+  if (above.value() == 0 && below.value() == 0) return;
+  passed = rowsBetween(rows, quantity, above.value(), below.value());
+  if (!passed.empty()) show(ofNodes ? nodes : links, rows, passed);
 }
 
 // A view of its own: what the range filters have left is not touched.

@@ -96,10 +96,11 @@ class DlgListRes : public ModuleDialog {
  private:
   bool takeFields();
   void finish(QueryAction action);
-  void onFilterPressure();
-  void onFilterDemand();
-  void onFilterFlow();
-  void onFilterVelocity();
+  void filter(Quantity quantity, const ui::Real& above, const ui::Real& below);
+  void onFilterPressure() { filter(Quantity::pressure, pressureAbove, pressureBelow); }
+  void onFilterDemand() { filter(Quantity::demand, demandAbove, demandBelow); }
+  void onFilterFlow() { filter(Quantity::flow, flowAbove, flowBelow); }
+  void onFilterVelocity() { filter(Quantity::velocity, velocityAbove, velocityBelow); }
   void onFilterMaterial();
   void onShowDrawing() { finish(QueryAction::showDrawing); }
   void onReset();

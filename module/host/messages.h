@@ -3,12 +3,14 @@
 
 #include <string_view>
 
+#include "module/host/host_drawing.h"
+
 namespace vessora {
 
-enum class MessageIcon { none, stop, warning, information };
-
 // A message box with the OK button. Both texts have passed through TraduciTesto already.
-void showMessage(std::u16string_view text, std::u16string_view title = u"",
-                 MessageIcon icon = MessageIcon::none);
+inline void showMessage(std::u16string_view text, std::u16string_view title = u"",
+                        AcEdIcon icon = AcEdIcon::none) {
+  acedMessageBox(text, title, icon);
+}
 
 }  // namespace vessora

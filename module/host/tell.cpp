@@ -58,7 +58,7 @@ void tell(const Notice& notice, const Words& words) {
     case Form::warning:
       return showMessage(text, TraduciTesto(u"Attenzione!"));
     case Form::stop:
-      return showMessage(text + notice.subject, u"", MessageIcon::stop);
+      return showMessage(text + notice.subject, u"", AcEdIcon::stop);
   }
 }
 

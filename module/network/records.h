@@ -171,7 +171,7 @@ struct EpaNetwork {
 };
 
 // Sets every field to its default; `name` becomes empty.
-void ResetSettings(EpaSettings& settings);
+inline void ResetSettings(EpaSettings& settings) { settings = EpaSettings(); }
 
 static_assert(std::is_trivially_copyable_v<EpaJunc> && std::is_trivially_copyable_v<EpaResv> &&
               std::is_trivially_copyable_v<EpaTank> && std::is_trivially_copyable_v<EpaPipe> &&

@@ -97,18 +97,17 @@ int waitForEnter() {
       TraduciTesto(u"\nPremere INVIO per rivisualizzare il dialogo..."), answer);
 }
 
-// Runs the dialog until the user has done with it; calls `zoom` when he wants to see an element.
-template <class Zoom>
-void runDialog(NetworkQuery& query, Zoom zoom) {
+// Runs the dialog until the user has done with it; toNode(id) and toLink(id) frame what he wants to
+// see.
+template <class ToNode, class ToLink>
+void runDialog(NetworkQuery& query, ToNode toNode, ToLink toLink) {
   DlgListRes dialog(query);
   while (dialog.doModal() && query.action != QueryAction::finish) {
-    if (query.action != QueryAction::showDrawing) {
-      zoom();
-      waitForEnter();
-      continue;
-    }
+    if (query.action == QueryAction::zoomNode) toNode(query.nodeId);
+    if (query.action == QueryAction::zoomLink) toLink(query.linkId);
+    const bool looksAround = query.action == QueryAction::showDrawing;
     // In a network of the aqueduct module only Enter or Esc brings the dialog back.
-    while (waitForEnter() == RTNORM && query.legacyNetwork) {
+    while (waitForEnter() == RTNORM && looksAround && query.legacyNetwork) {
     }
   }
 }
@@ -116,13 +115,9 @@ void runDialog(NetworkQuery& query, Zoom zoom) {
 bool runQuery(std::u16string_view network, NetworkQuery& query) {
   const NetworkLayers layers(network);
   if (!CollectQueryRows(layers, query)) return false;
-  runDialog(query, [&] {
-    if (query.action == QueryAction::zoomNode) {
-      zoomToNode(layers, query.nodeId);
-    } else {
-      zoomToLink(layers, query.linkId);
-    }
-  });
+  runDialog(
+      query, [&](const auto& id) { zoomToNode(layers, id); },
+      [&](const auto& id) { zoomToLink(layers, id); });
   applyQueryColors(network, query);
   return true;
 }
@@ -130,13 +125,9 @@ bool runQuery(std::u16string_view network, NetworkQuery& query) {
 bool runAqueductQuery(std::u16string_view network, NetworkQuery& query) {
   query.legacyNetwork = true;
   if (!collectAqueductRows(network, query)) return false;
-  runDialog(query, [&] {
-    if (query.action == QueryAction::zoomNode) {
-      zoomToAqueductNode(network, query.nodeId);
-    } else {
-      zoomToAqueductPipe(network, query.linkId);
-    }
-  });
+  runDialog(
+      query, [&](const auto& id) { zoomToAqueductNode(network, id); },
+      [&](const auto& id) { zoomToAqueductPipe(network, id); });
   return true;
 }
 

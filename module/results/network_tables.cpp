@@ -79,15 +79,14 @@ class TableDrawer {
       const Chain data(polyline->xData(app::kImport));
       if (!data) continue;
       const auto real = [&data](Field field) { return realAt(data, schema::kPipe.data, field); };
-      const std::u16string_view name = textAt(data, schema::kPipe.data, Field::id);
-      const double length = real(Field::length), diameter = real(Field::diameter);
-      const double roughness = real(Field::roughness), minorLoss = real(Field::minorLoss);
-      const std::u16string_view status = textAt(data, schema::kPipe.data, Field::status);
+      const auto text = [&data](Field field) { return textAt(data, schema::kPipe.data, field); };
       makeStyle(kDataTitle);
-      DrawPipeDataTable(kTableStyle, name, value(asked_.length, length),
-                        value(asked_.diameter, diameter), value(asked_.roughness, roughness),
-                        value(asked_.minorLoss, minorLoss), value(asked_.pipeStatus, status),
-                        at(point, pipeLayer_), notices_);
+      DrawPipeDataTable(kTableStyle, text(Field::id), value(asked_.length, real(Field::length)),
+                        value(asked_.diameter, real(Field::diameter)),
+                        value(asked_.roughness, real(Field::roughness)),
+                        value(asked_.minorLoss, real(Field::minorLoss)),
+                        value(asked_.pipeStatus, text(Field::status)), at(point, pipeLayer_),
+                        notices_);
     }
   }
 
@@ -102,12 +101,11 @@ class TableDrawer {
       if (!linkPlace(entity, point, name)) continue;
       const Chain results(entity->xData(app::kLinkResult));
       const auto real = [&results](Field f) { return realAt(results, schema::kLinkResult, f); };
-      const double flow = real(Field::flow), velocity = real(Field::velocity);
-      const double headloss = real(Field::headloss);
       const std::u16string_view status = textAt(results, schema::kLinkResult, Field::status);
       makeStyle(kResultTitle);
-      DrawLinkResultTable(kTableStyle, name, value(asked_.flow, flow),
-                          value(asked_.velocity, velocity), value(asked_.headloss, headloss),
+      DrawLinkResultTable(kTableStyle, name, value(asked_.flow, real(Field::flow)),
+                          value(asked_.velocity, real(Field::velocity)),
+                          value(asked_.headloss, real(Field::headloss)),
                           value(asked_.linkStatus, status), at(point, linkLayer_), notices_);
     }
   }
@@ -142,13 +140,12 @@ class TableDrawer {
       ReadAttribute(block, schema::kIdTag, name);
       const Chain results(block->xData(app::kNodeResult));
       const auto real = [&results](Field f) { return realAt(results, schema::kNodeResult, f); };
-      const double demand = real(Field::demand), head = real(Field::head);
-      const double pressure = real(Field::pressure);
       const std::u16string_view quality = textAt(results, schema::kNodeResult, Field::quality);
       makeStyle(kResultTitle);
-      DrawNodeResultTable(kTableStyle, name, value(asked_.demand, demand), value(asked_.head, head),
-                          value(asked_.pressure, pressure), value(asked_.quality, quality),
-                          at(point, nodeLayer_), notices_);
+      DrawNodeResultTable(kTableStyle, name, value(asked_.demand, real(Field::demand)),
+                          value(asked_.head, real(Field::head)),
+                          value(asked_.pressure, real(Field::pressure)),
+                          value(asked_.quality, quality), at(point, nodeLayer_), notices_);
     }
   }
 

@@ -62,30 +62,18 @@ void collectResults(ProfileChain& chain) {
   chain.hasResults = !chain.nodeResults.empty() || !chain.linkResults.empty();
 }
 
-bool blockPoint(AcDbObjectId id, AcGePoint3d& point) {
-  const Opened<AcDbBlockReference> block(id);
-  if (block) point = block->position();
-  return static_cast<bool>(block);
-}
-
 bool findNode(const ProfileChain& chain, std::u16string_view id, ProfileNode& node) {
-  const auto found = [&](NodeKind kind, int index, AcDbObjectId block) {
-    node.kind = kind;
-    node.index = index;
-    node.id = id;
-    return blockPoint(block, node.point);
+  const auto isOne = [&](NodeKind kind, const ProfileChain::Places& places, const auto& list) {
+    const int index = placeOf(places, id);
+    if (index < 0) return false;
+    node = {kind, index, {}, std::u16string(id)};
+    const Opened<AcDbBlockReference> block(list[static_cast<std::size_t>(index)].objectId);
+    if (block) node.point = block->position();
+    return static_cast<bool>(block);
   };
-  const auto at = [](int index) { return static_cast<std::size_t>(index); };
-  if (const int i = placeOf(chain.juncs, id); i >= 0) {
-    return found(NodeKind::junction, i, chain.network.juncs[at(i)].objectId);
-  }
-  if (const int i = placeOf(chain.resvs, id); i >= 0) {
-    return found(NodeKind::reservoir, i, chain.network.resvs[at(i)].objectId);
-  }
-  if (const int i = placeOf(chain.tanks, id); i >= 0) {
-    return found(NodeKind::tank, i, chain.network.tanks[at(i)].objectId);
-  }
-  return false;
+  return isOne(NodeKind::junction, chain.juncs, chain.network.juncs) ||
+         isOne(NodeKind::reservoir, chain.resvs, chain.network.resvs) ||
+         isOne(NodeKind::tank, chain.tanks, chain.network.tanks);
 }
 
 // Kind, network layer and place in the lists; the entity is open.
@@ -121,11 +109,13 @@ void collectProfileNetwork(std::u16string_view network, ProfileChain& chain, Not
 }
 
 AcDbObjectId findLink(const ProfileChain& chain, std::u16string_view id) {
-  const auto at = [](int index) { return static_cast<std::size_t>(index); };
-  if (const int i = placeOf(chain.pipes, id); i >= 0) return chain.network.pipes[at(i)].objectId;
-  if (const int i = placeOf(chain.pumps, id); i >= 0) return chain.network.pumps[at(i)].objectId;
-  if (const int i = placeOf(chain.valves, id); i >= 0) return chain.network.valves[at(i)].objectId;
-  return {};
+  const auto in = [id](const ProfileChain::Places& places, const auto& list) {
+    const int index = placeOf(places, id);
+    return index < 0 ? AcDbObjectId() : list[static_cast<std::size_t>(index)].objectId;
+  };
+  if (const auto pipe = in(chain.pipes, chain.network.pipes); pipe.isValid()) return pipe;
+  if (const auto pump = in(chain.pumps, chain.network.pumps); pump.isValid()) return pump;
+  return in(chain.valves, chain.network.valves);
 }
 
 LinkVerdict ClassifyLink(const ProfileChain& chain, ProfileLink& link) {

@@ -295,7 +295,7 @@ ReportRows askForRows(const std::u16string& path) {
   if (periods.several) {
     DlgRptMult dialog(periods.times);
     if (!dialog.doModal()) {
-      showMessage(TraduciTesto(u"Importazione interrotta!"), u"", MessageIcon::stop);
+      showMessage(TraduciTesto(u"Importazione interrotta!"), u"", AcEdIcon::stop);
       return nullptr;
     }
     time = dialog.period();
