@@ -106,6 +106,13 @@ TEST_F(DrawNetwork, TheLastOfEqualNamesCounts) {
   EXPECT_EQ(drawn_[0] * 100 + drawn_[1] * 10 + drawn_[2], 532);
   EXPECT_EQ(size_, 11);
   EXPECT_EQ(data(onLayer(u"PIPE-Rete")[0]), "L|1.0|1.0|1.0|0.0|Open|A|B");
+  for (const auto& [section, rest] :
+       {std::pair("JUNCTIONS", " 0 ;\n"), std::pair("RESERVOIRS", " ;\n"),
+        std::pair("TANKS", " 1 0 2 1 0 ;\n")}) {
+    draw(std::string("[") + section + "]\n;\n A 1" + rest + " B 5" + rest + " A 2" + rest +
+         "\n[PIPES]\n;\n L A B 1 1 1 0 Open ;\n\n[COORDINATES]\n;\n A 0 0\n B 9 0\n");
+    EXPECT_EQ(on(u"PIPE-Rete"), "0,0,2 9,0,5") << section;
+  }
 }
 
 // Ends without a place take those of the link before; without one before there is no link.

@@ -1,4 +1,5 @@
 #include "module/network/network_list.h"
+#include "module/results/drawing_jobs.h"
 #include "module/results/query_colors.h"
 #include "module/results/query_rows.h"
 #include "module/results/result_import.h"
@@ -236,6 +237,7 @@ class QueryColors : public ResultsOnDrawing {
     pipe_ = pipe(u"P1");
     valve_ = valve(u"V1");
     companion_ = companion(u"V1");
+    twin_ = companion(u"V1");
     lone_ = valve(u"V2");
     last_ = companion(u"V3");
     write("  N1 0 0 10\n  N2 0 0 57.2\n  T1 0 0 30\n", "  P1 1 0 0\n  V1 9.5 0 0\n  V2 5 0 0\n");
@@ -256,7 +258,7 @@ class QueryColors : public ResultsOnDrawing {
     }
     return ids;
   }
-  AcDbObjectId low_, high_, tank_, pipe_, valve_, companion_, lone_, last_;
+  AcDbObjectId low_, high_, tank_, pipe_, valve_, companion_, twin_, lone_, last_;
   NetworkQuery query_;
 };
 
@@ -271,10 +273,30 @@ TEST_F(QueryColors, ClassesOfThePickedRowsColourEveryElementWithResults) {
   EXPECT_EQ(color(pipe_), 5);
   EXPECT_EQ(color(valve_), 1);
   EXPECT_EQ(color(companion_), 1);
+  EXPECT_EQ(color(twin_), 256);  // of courses of one name the first is the block's
   // A block without a course colours the one at which the search for it ends.
   EXPECT_EQ(color(lone_), 3);
   EXPECT_EQ(color(last_), 3);
   EXPECT_TRUE(legends().empty());
+}
+
+TEST_F(QueryColors, EachQuantityColoursByItsOwnValues) {
+  write("  N1 1 50 10\n  N2 8.5 50 10.5\n  T1 5 50 11.9\n",
+        "  P1 1 8.5 0\n  V1 8.5 5 0\n  V2 5 1 0\n");
+  const struct {
+    Quantity quantity;
+    std::array<AcDbObjectId, 3> ids;
+    const char* colors;
+  } rows[] = {{Quantity::demand, {low_, high_, tank_}, "5 1 3 "},
+              {Quantity::pressure, {low_, high_, tank_}, "5 4 1 "},
+              {Quantity::flow, {pipe_, valve_, lone_}, "5 1 3 "},
+              {Quantity::velocity, {pipe_, valve_, lone_}, "1 3 5 "}};
+  for (const auto& row : rows) {
+    EXPECT_EQ(colorNetwork(u"Rete", {row.quantity, 5, {}}).painted, 3);
+    std::string colors;
+    for (const AcDbObjectId id : row.ids) colors += std::to_string(color(id)) + " ";
+    EXPECT_EQ(colors, row.colors) << static_cast<int>(row.quantity);
+  }
 }
 
 TEST_F(QueryColors, FilteredElementsTurnOrangeAndAResetTakesEverythingPicked) {

@@ -270,6 +270,9 @@ TEST(RptReader, RowsInTheTablesAreToldFromTheTail) {
   const Read two = readPeriod(kTwoPeriods, u"0:00:00", true);
   EXPECT_TRUE(two.links.inTable(two.links.find(u"P1")));
   EXPECT_FALSE(two.links.inTable(two.links.find(u"N2")));  // a row of the other period
+  const std::size_t last = two.links.find(u"Node");  // the line that ends the table is a row too
+  ASSERT_NE(last, RptRowList::kNone);
+  EXPECT_FALSE(two.links.inTable(last));
   EXPECT_FALSE(two.links.tableIsOpen());
   EXPECT_TRUE(readPeriod(kTwoPeriods, u"1:00:00", true).links.tableIsOpen());
   for (const auto& [head, lower] : {std::pair("hrs", true), std::pair("Hrs", false)}) {

@@ -95,6 +95,26 @@ TEST_F(Profile, AChainThatEndsInAPumpLosesItsEnd) {
   EXPECT_EQ(heights(lines[0]).size(), 2u);
 }
 
+TEST_F(Profile, OfEqualNamesTheFirstCountsAndAPipeMayRunAgainstItsNodes) {
+  junc(u"A", {0, 0, 77}, 9, 99);
+  pipe(u"P1", u"A", u"B", u"999", {{0, 0, 10}, {100, 0, 20}});
+  Opened<AcDbEntity>(onLayer(u"PIPE-Rete").back(), AcDb::kForWrite)
+      ->setXData(linkResult(1, 1, 1).get());
+  pipe(u"P3", u"A", u"B", u"70", {{100, 0, 20}, {50, 50, 0}, {0, 0, 10}});
+  pipe(u"P4", u"A", u"B", u"70", {{100, 0, 20}, {0, 0, 10.5}});
+  for (const auto& [name, segment] :
+       {std::pair(u"P1", "-12.5|2.5|110.0|150.0|130.0|0.0|12.5|0.7|0.0|4.0|0.0|P1|A"),
+        std::pair(u"P3", "-12.5|2.5|70.0|150.0|130.0|0.0|12.5|0.7|0.0|4.0|0.0|P3|A")}) {
+    EXPECT_EQ(drawProfile(u"Rete", {{name}, u"prova", 0, {}, {}}).verdict, LinkVerdict::valid);
+    const AcDbObjectId line = onLayer(u"PROGETTO").back();
+    EXPECT_EQ(vertexData(line)[0], std::string("230|HN-ACQ-TUBAZIONE|") + segment);
+    AcGePoint3dArray points;
+    ReadVertices(Opened<AcDb3dPolyline>(line).get(), points);
+    EXPECT_EQ(points[0].y, 10);
+  }
+  EXPECT_EQ(drawProfile(u"Rete", {{u"P4"}, u"prova", 0, {}, {}}).verdict, LinkVerdict::misplaced);
+}
+
 TEST_F(Profile, LayersComeFromTheSettingsFile) {
   std::ofstream(root_ / "DEFAULTSETTINGS.INI") << "[LAYER]\nTERRENO=Campagna\nPROGETTO=Asse\n";
   draw("=P1\n<invio>\nprova\n0\nS\n1\n0,0\n");
