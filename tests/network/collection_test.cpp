@@ -175,5 +175,20 @@ TEST_F(Collection, EditedNamesAreReportedOnceEachAndFieldsAreCutAtTheirCapacity)
   EXPECT_EQ(links, (std::vector<std::u16string>{u"U1", u"P1"}));
 }
 
+// A list that ends early, as other programs leave it: what it lacks has its default.
+TEST_F(Collection, AValveWithoutAStatusHasNone) {
+  addBlock(u"Valv", u"VALV-Rete", {}, {}, idData(u"V1"));
+  addBlock(u"Valv", u"VALV-Rete", {}, {}, [] {
+    EpaValv v;
+    v.id = u"V2";
+    v.status = u"Closed";
+    return valvData(v, 80, 0);
+  }());
+  const EpaNetwork n = collect();
+  ASSERT_EQ(n.valves.size(), 2U);
+  EXPECT_EQ(n.valves[0].status, u"None");
+  EXPECT_EQ(n.valves[1].status, u"Closed");
+}
+
 }  // namespace
 }  // namespace vessora

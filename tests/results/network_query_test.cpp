@@ -96,6 +96,20 @@ TEST_F(NetworkQueryCommand, WithoutANetworkOrAPickNothingHappens) {
   EXPECT_EQ(run(), kAbandoned);
 }
 
+// Exactly the pipes of the chosen material, without their results, whatever was filtered before.
+TEST_F(NetworkQueryCommand, AMaterialListsItsPipes) {
+  cad::Session::instance().setSymbol(u"hn-cpath", platform::widen(VESSORA_TESTS_DIR "/../assets"));
+  NetworkQuery query;
+  query.links = {{u"P1", {u"1", u"2", u"3", u"Open"}}, {u"P2", {u"1", u"2", u"3", u"Open"}}};
+  query.pipeMaterials = {{u"P1", u"PEBD"}, {u"P2", u"pebd"}, {u"P3", u"PEBD"}};
+  DlgListRes dialog(query);
+  script(
+      "[Interroga Rete]\nFiltra per Materiale\n[Filtra per Materiale]\nMateriale = PEBD\nFiltra\n"
+      "[Interroga Rete]\nElenco rami ? (righe) 2\nElenco rami[2] ? P3 | - | - | - | PEBD\nOK\n");
+  EXPECT_TRUE(dialog.doModal());
+  EXPECT_TRUE(query.filteredLinks.empty());
+}
+
 // A hundred thousand rows, filtered and shown again and again.
 TEST_F(NetworkQueryCommand, LongListsFilterOnTheirOwn) {
   NetworkQuery query;
