@@ -1,6 +1,7 @@
 #include "platform/temporary_files.h"
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <signal.h>
 #include <unistd.h>
 
@@ -14,8 +15,6 @@
 
 namespace platform {
 
-namespace {
-
 // What a handler may read at any moment: a fixed place for each file being written, and a mark that
 // is set when its name stands there in full. A process that saves more files at once than there are
 // places has the others removed as litter.
@@ -25,15 +24,29 @@ struct Slot {
   std::atomic<int> state{kFree};
   char path[PATH_MAX];
 };
-Slot g_slots[kSlots];
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler reads it");
+extern "C" __attribute__((visibility("default"))) Slot vessora_unfinished_files[kSlots];
+Slot vessora_unfinished_files[kSlots];
+
+namespace {
+
+// One table for the whole process: the program, the host's library and the module have a copy of
+// this file each, and the program's handler must know what all of them write. The one that the
+// loader shows counts; a copy that nobody shows (a module in another host) has its own.
+Slot* slots() {
+  static Slot* const all = [] {
+    void* const shown = dlsym(RTLD_DEFAULT, "vessora_unfinished_files");
+    return shown ? static_cast<Slot*>(shown) : vessora_unfinished_files;
+  }();
+  return all;
+}
 
 // Runs at any moment: only calls that are safe in a handler. The signal's own work is done by its
 // second coming, with the default action back in place.
 void removeAndEnd(int signal) {
   const int error = errno;
-  for (Slot& slot : g_slots) {
-    if (slot.state.load() == kReady) unlink(slot.path);
+  for (int i = 0; i < kSlots; ++i) {
+    if (slots()[i].state.load() == kReady) unlink(slots()[i].path);
   }
   errno = error;
   raise(signal);
@@ -107,10 +120,11 @@ SignalGuard::SignalGuard(const std::string& path) {
   if (path.size() >= PATH_MAX) return;
   for (int i = 0; i < kSlots && slot_ < 0; ++i) {
     int expected = kFree;
-    if (!g_slots[i].state.compare_exchange_strong(expected, kTaken)) continue;
-    path.copy(g_slots[i].path, path.size());
-    g_slots[i].path[path.size()] = '\0';
-    g_slots[i].state.store(kReady);
+    Slot& slot = slots()[i];
+    if (!slot.state.compare_exchange_strong(expected, kTaken)) continue;
+    path.copy(slot.path, path.size());
+    slot.path[path.size()] = '\0';
+    slot.state.store(kReady);
     slot_ = i;
   }
 }
@@ -123,10 +137,11 @@ SignalGuard& SignalGuard::operator=(SignalGuard&& other) noexcept {
 }
 
 SignalGuard::~SignalGuard() {
-  if (slot_ >= 0) g_slots[slot_].state.store(kFree);
+  if (slot_ >= 0) slots()[slot_].state.store(kFree);
 }
 
 void endTemporaryFilesOnSignals() {
+  slots();  // found before a handler asks for it
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT, SIGPIPE, SIGXCPU}) {
     struct sigaction action = {};
     if (sigaction(signal, nullptr, &action) != 0 || action.sa_handler != SIG_DFL) continue;

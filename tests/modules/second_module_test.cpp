@@ -1,8 +1,16 @@
 // A module of others beside the plug-in: both at work, one that goes, one that fails to start.
 #include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <filesystem>
 
 #include "cad/drawing/drawing.h"
 #include "cad/editor/commands.h"
+#include "module/jobs.h"
+#include "platform/files.h"
 #include "platform/text.h"
 #include "tests/editor/answering.h"
 #include "tests/module2/second.h"
@@ -73,6 +81,38 @@ TEST_F(Modules, ASecondOneWorksBesideThePlugIn) {
   EXPECT_NE(*again, *second);
   ui.answers = {u"1,1"};
   EXPECT_EQ(session.run(u"MARK"), RunResult::done);
+}
+
+// The program, the host and the plug-in have the code that saves a copy each. A signal in the
+// middle of any save (here the one that crosses the limit of the user) finds the file all the same.
+TEST_F(Modules, SignalsTakeTheUnfinishedFilesOfAllAway) {
+  const std::string folder = ::testing::TempDir() + "unfinished-" + std::to_string(getpid()) + "/";
+  std::filesystem::create_directory(folder);
+  ASSERT_TRUE(session.loadModule(VESSORA_ARX));
+  auto* const jobs = vessora::Jobs::find();
+  ASSERT_NE(jobs, nullptr);
+  const vessora::InpFile borgo = jobs->openInp(platform::widen(VESSORA_EXAMPLES "borgo.inp"));
+  ASSERT_GT(jobs->importInp(borgo, u"borgo").drawn(), 0u);
+  for (const bool module : {false, true}) {
+    const pid_t child = fork();
+    if (child == 0) {
+      platform::endTemporaryFilesOnSignals();
+      std::signal(SIGXFSZ, [](int) { raise(SIGTERM); });
+      const rlimit limit{4096, 4096};
+      setrlimit(RLIMIT_FSIZE, &limit);
+      if (module) {
+        jobs->exportNetwork({u"borgo", platform::widen(folder + "borgo.inp"), u"", 0});
+      } else {
+        (void)session.database()->drawing().save(folder + "borgo.dxf");
+      }
+      _exit(0);
+    }
+    int status = 0;
+    waitpid(child, &status, 0);
+    EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGTERM) << status;
+    EXPECT_TRUE(std::filesystem::is_empty(folder)) << (module ? "plug-in" : "host");
+  }
+  std::filesystem::remove_all(folder);
 }
 
 TEST_F(Modules, OneThatFailsToStartLeavesNothingBehind) {
