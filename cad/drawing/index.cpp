@@ -43,7 +43,7 @@ void Index::note(std::uint32_t record, const Record& before) {
   if (fresh || before.layer != r.layer) layers_.add(r.layer, record);
   if (r.type == Type::insert && (fresh || before.name != r.name)) references_.add(r.name, record);
   if (!fresh && before.apps == r.apps) return;
-  for (const std::uint32_t app : records_.sets().members(r.apps)) applications_.add(app, record);
+  records_.sets().forEach(r.apps, [&](std::uint32_t app) { applications_.add(app, record); });
 }
 
 std::vector<std::uint32_t> Index::allInSpace() const {

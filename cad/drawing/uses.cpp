@@ -58,8 +58,8 @@ bool isEntity(const Record& r) {
 }
 
 // Where a record can name an entry of the kind, by what is known without reading it.
-bool mayName(const Records& records, const Record& r, Type kind, std::uint32_t name) {
-  if (records.sets().members(r.apps).size() > 0 && (kind == Type::layer || kind == Type::appid)) {
+bool mayName(const Record& r, Type kind, std::uint32_t name) {
+  if (r.apps != 0 && (kind == Type::layer || kind == Type::appid)) {
     return true;  // extended data name layers and applications
   }
   if (kind == Type::layer) return isEntity(r) && r.layer == name;
@@ -111,7 +111,7 @@ bool eachUse(const Records& records, Type kind, std::uint32_t name, const VisitU
   const auto tags = borrowTags();
   for (std::uint32_t i = 1; i < records.count(); ++i) {
     const Record& r = records[i];
-    if (r.is(Record::erased) || !mayName(records, r, kind, name)) continue;
+    if (r.is(Record::erased) || !mayName(r, kind, name)) continue;
     records.parse(i, *tags);
     const std::vector<int>& places = finder.in(i, *tags);
     if (!places.empty() && !visit(i, *tags, places)) return false;

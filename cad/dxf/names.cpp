@@ -30,17 +30,28 @@ std::uint32_t NameTable::find(std::u16string_view name) const {
   return it == byFold_.end() ? 0 : it->second;
 }
 
+// Of a large set the members are looked up, not walked: it grows by one after the other.
+bool NameSets::has(std::uint32_t set, std::uint32_t name) {
+  constexpr std::uint32_t kLarge = 64;
+  if (sets_[set].count < kLarge) return contains(set, name);
+  if (large_ != set) {
+    largeMembers_.clear();
+    forEach(set, [&](std::uint32_t n) { largeMembers_.insert(n); });
+    large_ = set;
+  }
+  return largeMembers_.count(name) != 0;
+}
+
 std::uint32_t NameSets::with(std::uint32_t set, std::uint32_t name) {
-  if (contains(set, name)) return set;
+  if (has(set, name)) return set;
   const std::uint64_t key = (static_cast<std::uint64_t>(set) << 32) | name;
-  if (const auto it = steps_.find(key); it != steps_.end()) return it->second;
-  std::vector<std::uint32_t> members = sets_[set];
-  members.insert(std::upper_bound(members.begin(), members.end(), name), name);
-  auto same = std::find(sets_.begin(), sets_.end(), members);
-  const auto result = static_cast<std::uint32_t>(same - sets_.begin());
-  if (same == sets_.end()) sets_.push_back(std::move(members));
-  steps_.emplace(key, result);
-  return result;
+  const auto [step, fresh] = steps_.try_emplace(key, static_cast<std::uint32_t>(sets_.size()));
+  if (fresh) sets_.push_back({set, name, sets_[set].count + 1});
+  if (large_ == set && set != 0) {
+    largeMembers_.insert(name);
+    large_ = step->second;
+  }
+  return step->second;
 }
 
 }  // namespace cad

@@ -6,6 +6,7 @@
 #include <string>
 #include <string_view>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include "cad/dxf/arena.h"
@@ -38,23 +39,34 @@ class NameTable {
   Arena keys_;
 };
 
-// Sets of applications, as numbers: most objects of a drawing share a handful of them.
+// Sets of applications, as numbers: most objects of a drawing share a handful of them. A set is
+// another one with one more member, so that a set of thousands takes no more than its members do.
 class NameSets {
  public:
   NameSets() { sets_.emplace_back(); }
   // The set with one more member.
   std::uint32_t with(std::uint32_t set, std::uint32_t name);
   bool contains(std::uint32_t set, std::uint32_t name) const {
-    for (const std::uint32_t n : sets_[set]) {
-      if (n == name) return true;
+    for (; set != 0; set = sets_[set].smaller) {
+      if (sets_[set].name == name) return true;
     }
     return false;
   }
-  const std::vector<std::uint32_t>& members(std::uint32_t set) const { return sets_[set]; }
+  template <class Sink>
+  void forEach(std::uint32_t set, Sink&& sink) const {
+    for (; set != 0; set = sets_[set].smaller) sink(sets_[set].name);
+  }
 
  private:
-  std::vector<std::vector<std::uint32_t>> sets_;
+  struct Set {
+    std::uint32_t smaller = 0, name = 0, count = 0;
+  };
+  bool has(std::uint32_t set, std::uint32_t name);
+
+  std::vector<Set> sets_;
   std::unordered_map<std::uint64_t, std::uint32_t> steps_;  // (set, name) -> set
+  std::uint32_t large_ = 0;                                 // whose members are in largeMembers_
+  std::unordered_set<std::uint32_t> largeMembers_;
 };
 
 }  // namespace cad

@@ -15,6 +15,7 @@ namespace {
 
 constexpr double kMargin = 0.03;       // of the larger side
 constexpr double kCapHeight = 0.73;    // of the em, in the fonts at hand
+constexpr double kLargestText = 1e12;  // square pixels of an em
 constexpr double kSmallestText = 1.6;  // pixels: below that letters are dust
 constexpr double kPixelsPerMillimetre = 4;
 
@@ -94,6 +95,21 @@ class Projection {
   bool iso_;
   double left_ = 0, top_ = 0;
 };
+
+// The text without halves of characters, which a file may hold and no font has: one of them would
+// end the whole picture.
+std::u16string wholeCharacters(std::u16string text) {
+  for (std::size_t i = 0; i < text.size(); ++i) {
+    if ((text[i] & 0xF800) != 0xD800) continue;
+    const bool pair = text[i] < 0xDC00 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
+    if (pair) {
+      ++i;
+    } else {
+      text[i] = u'\uFFFD';
+    }
+  }
+  return text;
+}
 
 cairo_status_t append(void* closure, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
@@ -238,9 +254,11 @@ class Painter {
     cairo_matrix_t m;
     cairo_matrix_init(&m, x.x / kCapHeight, x.y / kCapHeight, -(y.x + x.x * lean) / kCapHeight,
                       -(y.y + x.y * lean) / kCapHeight, 0, 0);
-    if (std::fabs(m.xx * m.yy - m.xy * m.yx) < 1e-6) return;  // seen from its edge
+    // Seen from its edge, or of a size that no number holds.
+    const double area = std::fabs(m.xx * m.yy - m.xy * m.yx);
+    if (!(area >= 1e-6 && area < kLargestText)) return;
     cairo_set_font_matrix(cr_, &m);
-    const std::string utf8 = platform::narrow(t.text);
+    const std::string utf8 = platform::narrow(wholeCharacters(t.text));
     cairo_text_extents_t extents;
     cairo_text_extents(cr_, utf8.c_str(), &extents);
     const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;

@@ -447,4 +447,18 @@ TEST_F(GuardsTest, ErasingFollowsOwnersAndNothingElse) {
   EXPECT_EQ(bytes.find("foto"), bytes.npos) << "a dictionary lists a definition that is gone";
 }
 
+// Every set of applications that a file needs takes no more memory and time than its names do.
+TEST(Guards, ManyApplicationsOnOneObjectOrOnMany) {
+  std::string one, many;
+  for (int i = 0; i < 50000; ++i) {
+    const std::string data = "1001\nA" + std::to_string(i) + "\n1000\nx\n";
+    one += data;
+    if (i % 5 == 0) many += "  0\nPOINT\n  8\n0\n" + data;
+  }
+  auto db = load("  0\nSECTION\n  2\nENTITIES\n  0\nPOINT\n  8\n0\n" + one + many +
+                 "  0\nENDSEC\n  0\nEOF\n");
+  ASSERT_TRUE(db);
+  EXPECT_EQ(db->drawing().index().allInSpace().size(), 10001u);
+}
+
 }  // namespace

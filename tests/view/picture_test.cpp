@@ -203,6 +203,19 @@ TEST(Painter, EachFormatBeginsAsItShouldAndAnEmptyPictureIsAPage) {
   EXPECT_TRUE(paint(Picture(), o));
 }
 
+// One odd text must not cost the whole picture: halves of characters, and heights beyond numbers.
+TEST(Painter, TextsThatNoFontCanShowAreLeftOut) {
+  const Sample d("", "",
+                 "0 TEXT|8 0|10 0|20 0|40 1|1 a\\U+D800b\\U+DC00|0 TEXT|8 0|10 0|20 0|40 1e200|1 x|"
+                 "0 TEXT|8 0|10 0|20 0|40 1|41 1e300|1 x|0 LINE|8 0|10 0|20 0|11 9|21 9");
+  for (const Format format : {Format::png, Format::svg, Format::pdf}) {
+    PaintOptions options;
+    options.format = format;
+    const auto bytes = paint(d.picture, options);
+    EXPECT_TRUE(bytes) << bytes.error();
+  }
+}
+
 TEST(Palette, NamedColoursHuesAndTheOppositeOfTheGround) {
   EXPECT_EQ(indexedColor(1, false), (Color{255, 0, 0}));
   EXPECT_EQ(indexedColor(140, false), (Color{0, 191, 255}));
