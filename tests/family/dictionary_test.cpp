@@ -83,6 +83,16 @@ TEST(Dictionary, RefusesAFaultyFileWithItsLine) {
       {"domain \"x\"", "en.po:1: msgctxt, msgid, msgstr, a quoted text or a comment is expected"},
       {"\n\nmsgid \"a\"\n", "en.po:3: an entry without msgid or msgstr"},
       {"msgid \"a\xE0\"", "en.po:1: the text is not UTF-8"},
+      {"msgctxt \"c\"\nmsgctxt \"d\"", "en.po:2: msgctxt in the wrong place"},
+      {"msgid \"a\"\nmsgctxt \"d\"", "en.po:2: msgctxt in the wrong place"},
+      {"\nmsgctxt \"c\"\nmsgid \"a\"\n\n", "en.po:2: an entry without msgid or msgstr"},
+      {"msgid \"a\\\"", "en.po:1: the closing quotation mark is missing"},
+      {"msgid \"a\001\"", "en.po:1: a control character in the text"},
+      {"# x\n\"a\"", "en.po:2: a text without msgid or msgstr in front of it"},
+      {"msgid \"a\"\nmsgstr \"b\"\n#\n\"c\"",
+       "en.po:4: a text without msgid or msgstr in front of it"},
+      {"msgctxt \"c\"\nmsgid \"a\"\nmsgstr \"b\"\nmsgctxt \"c\"\nmsgid \"a\"\nmsgstr \"b\"",
+       "en.po:4: a second translation of one text"},
       {"msgid \"a\"\nmsgstr \"b\"\nmsgid \"a\"\nmsgstr \"c\"",
        "en.po:3: a second translation of one text"},
   };
@@ -91,17 +101,35 @@ TEST(Dictionary, RefusesAFaultyFileWithItsLine) {
 
 // A conversion that is lost or of another kind would print a number or a path wrongly.
 TEST(Dictionary, ComparesConversions) {
-  const char* const bad[] = {"msgid \"file %s\"\nmsgstr \"file\"",
-                             "msgid \"%s di %d\"\nmsgstr \"%d of %s\"",
-                             "msgid \"%.3lf\"\nmsgstr \"%d\""};
+  const char* const bad[] = {
+      "msgid \"file %s\"\nmsgstr \"file\"", "msgid \"%s di %d\"\nmsgstr \"%d of %s\"",
+      "msgid \"%.3lf\"\nmsgstr \"%d\"",     "msgid \"a\"\nmsgstr \"a %s\"",
+      "msgid \"%5d%s\"\nmsgstr \"%5d%c\"",  "msgid \"%%s\"\nmsgstr \"%s\"",
+      "msgid \"%x %s\"\nmsgstr \"%s\""};
   for (const char* po : bad) {
     EXPECT_NE(errorOf(po).find("en.po:1: the conversions"), std::string::npos) << po;
   }
   const char* const good[] = {"msgid \"%.3lf m\"\nmsgstr \"%.1f m\"",
                               "msgid \"Efficienza [%]\"\nmsgstr \"Efficiency, percent\"",
+                              "msgid \"%-+0#12.3lf%hd\"\nmsgstr \"%f %d\"",
+                              "msgid \"%q %\"\nmsgstr \"%q %\"",
                               "msgid \"100% di\"\nmsgstr \"all of\"",
                               "msgid \"50%% %s\"\nmsgstr \"half of %s\""};
   for (const char* po : good) EXPECT_EQ(errorOf(po), "") << po;
+}
+
+TEST(Dictionary, EntriesEndWhereTheNextBegins) {
+  const auto dictionary = Dictionary::parse(
+      "#, fuzzy\nmsgid \"a\"\nmsgstr \"A\"\nmsgid \"b\"\nmsgstr \"\"\n\"B\"\n# fuzzy\nmsgid \"c\"\n"
+      "msgstr \"C\"\n\nmsgctxt \"\"\nmsgid \"d\"\nmsgstr \"D\\r\"",
+      "en.po");
+  ASSERT_TRUE(dictionary) << dictionary.error();
+  EXPECT_EQ(translated(*dictionary, "a"), "");
+  EXPECT_EQ(translated(*dictionary, "b"), "B");
+  EXPECT_EQ(translated(*dictionary, "c"), "C") << "a plain comment marks nothing";
+  EXPECT_EQ(translated(*dictionary, "d"), "D\r");
+  EXPECT_FALSE(dictionary->hasContexts()) << "an empty context is none";
+  EXPECT_EQ(Dictionary::parse("", "en.po")->size(), 0u);
 }
 
 }  // namespace
