@@ -17,10 +17,10 @@ class ProfileFrame : public FamilyTest {
   static ProfileTitle title(double height, double width, const char16_t* scale = u"500") {
     return {u"Rete", u"uno", u"100", u"3.2", scale, u"100", height, width};
   }
-  // What a block holds: "L colour x1,y1 x2,y2" and "T colour text@x,y height h (angle) across
-  // down".
+  // What a block holds, one behind the other: "colour x1,y1 x2,y2;" for a line and "colour text@x,y
+  // height angle across condensed;" for a text, with tag, prompt and flags for an attribute.
   std::string contents(const cad::BlockInfo& block) {
-    std::string all = "\n";
+    std::string all;
     cad::TagList t;
     for (std::uint32_t e = drawing().structure().firstEntity(block.id); e;
          e = drawing().structure().nextEntity(block.id, e)) {
@@ -40,7 +40,7 @@ class ProfileFrame : public FamilyTest {
           line += platform::format(u" %s %s %d", t.textOr(2, u"", t.body()),
                                    t.textOr(3, u"", t.body()), static_cast<int>(number(70)));
       }
-      all += platform::narrow(line) + "\n";
+      all += platform::narrow(line) + ";";
     }
     return all;
   }
@@ -58,120 +58,50 @@ TEST_F(ProfileFrame, TheFrameStandsLineByLine) {
   chain.reaches = {{u"P1", 1, 110}, {u"P2", 19, 0}};
   const auto b = block();
   cad::drawProfileFrame(drawing(), b, ProfileLayout(title(12, 24)), chain);
-  EXPECT_EQ(contents(b), R"(
-0 35,61 36,61
-0 3.200@34.5,61 h1 r0 a2 w1
-8 36,62.8 60,62.8
-0 35,62.8 36,62.8
-0 5.000@34.5,62.8 h1 r0 a2 w1
-8 36,67.8 60,67.8
-0 35,67.8 36,67.8
-0 10.000@34.5,67.8 h1 r0 a2 w1
-8 36,72.8 60,72.8
-0 35,72.8 36,72.8
-0 15.000@34.5,72.8 h1 r0 a2 w1
-8 37,61 37,62.8
-8 37,61 37,60
-8 37,60 37,57
-8 38,61 38,60
-8 38,60 38.6,57
-8 57,61 57,73
-8 57,61 57,60
-8 57,60 57,57
-0 26,57 60,57
-0 26,48 60,48
-0 26,40 60,40
-0 26,32 60,32
-0 26,24 60,24
-0 26,16 60,16
-0 26,8 60,8
-0 26,0 60,0
-0 60,0 60,57
-0 A@37,52.5 h1 r90 a1 w1
-0 5.000@37,44 h1 r90 a1 w1
-0 12.000@37,36 h1 r90 a1 w1
-0 7.000@37,28 h1 r90 a1 w1
-0 100.000@37,12 h1 r90 a1 w1
-0 B@38.6,52.5 h1 r90 a1 w1
-0 1.000@38.6,44 h1 r90 a1 w1
-0 101.000@38.6,12 h1 r90 a1 w1
-0 C@57,52.5 h1 r90 a1 w1
-0 99.000@57,44 h1 r90 a1 w1
-0 -1.000@57,36 h1 r90 a1 w1
-0 -2.000@57,28 h1 r90 a1 w1
-0 120.000@57,12 h1 r90 a1 w1
-0 37,24 37,16
-0 37,8 37,0
-0 38.6,24 38.6,16
-0 38.6,8 38.6,0
-0 57,24 57,16
-0 57,8 57,0
-0 1.000@37.8,20 h1 r90 a1 w1
-0 P1 DN 110@37.8,4 h1 r90 a1 w0.914
-0 19.000@47.8,20 h1 r0 a1 w1
-0 P2@47.8,4 h1 r0 a1 w1
-0 36,61 60,61
-0 60,61 60,73
-0 60,73 36,73
-0 36,73 36,61
-)");
+  EXPECT_EQ(
+      contents(b),
+      "0 35,61 36,61;0 3.200@34.5,61 h1 r0 a2 w1;8 36,62.8 60,62.8;0 35,62.8 36,62.8;"
+      "0 5.000@34.5,62.8 h1 r0 a2 w1;8 36,67.8 60,67.8;0 35,67.8 36,67.8;"
+      "0 10.000@34.5,67.8 h1 r0 a2 w1;8 36,72.8 60,72.8;0 35,72.8 36,72.8;"
+      "0 15.000@34.5,72.8 h1 r0 a2 w1;8 37,61 37,62.8;8 37,61 37,60;8 37,60 37,57;8 38,61 38,60;"
+      "8 38,60 38.6,57;8 57,61 57,73;8 57,61 57,60;8 57,60 57,57;0 26,57 60,57;0 26,48 60,48;"
+      "0 26,40 60,40;0 26,32 60,32;0 26,24 60,24;0 26,16 60,16;0 26,8 60,8;0 26,0 60,0;"
+      "0 60,0 60,57;0 A@37,52.5 h1 r90 a1 w1;0 5.000@37,44 h1 r90 a1 w1;"
+      "0 12.000@37,36 h1 r90 a1 w1;0 7.000@37,28 h1 r90 a1 w1;0 100.000@37,12 h1 r90 a1 w1;"
+      "0 B@38.6,52.5 h1 r90 a1 w1;0 1.000@38.6,44 h1 r90 a1 w1;0 101.000@38.6,12 h1 r90 a1 w1;"
+      "0 C@57,52.5 h1 r90 a1 w1;0 99.000@57,44 h1 r90 a1 w1;0 -1.000@57,36 h1 r90 a1 w1;"
+      "0 -2.000@57,28 h1 r90 a1 w1;0 120.000@57,12 h1 r90 a1 w1;0 37,24 37,16;0 37,8 37,0;"
+      "0 38.6,24 38.6,16;0 38.6,8 38.6,0;0 57,24 57,16;0 57,8 57,0;0 1.000@37.8,20 h1 r90 a1 w1;"
+      "0 P1 DN 110@37.8,4 h1 r90 a1 w0.914;0 19.000@47.8,20 h1 r0 a1 w1;0 P2@47.8,4 h1 r0 a1 w1;"
+      "0 36,61 60,61;0 60,61 60,73;0 60,73 36,73;0 36,73 36,61;");
 }
 
 TEST_F(ProfileFrame, TitleBlockAndManhole) {
   const auto b = block(), m = block();
   cad::drawProfileTitle(drawing(), b, ProfileLayout(title(12, 24)));
-  EXPECT_EQ(contents(b), R"(
-0 0,57 26,57
-0 NODI@1,52.5 h1 r0 a0 w1
-0 0,48 26,48
-0 QUOTE NODI [m]@1,44 h1 r0 a0 w1
-0 0,40 26,40
-0 CARICHI PIEZOMETRICI [m]@1,36 h1 r0 a0 w1
-0 0,32 26,32
-0 PRESSIONI [m]@1,28 h1 r0 a0 w1
-0 0,24 26,24
-0 DISTANZE PARZIALI [m]@1,20 h1 r0 a0 w1
-0 0,16 26,16
-0 DISTANZE PROGRESSIVE [m]@1,12 h1 r0 a0 w1
-0 0,8 26,8
-0 RAMI - DIAMETRI [mm]@1,4 h1 r0 a0 w1
-0 SCALA ALTEZZE 1:@1,58.2 h0.9 r0 a0 w1
-0 @18.5,58.2 h1 r0 a0 w1 SCY Scala delle altezze 0
-0 0,59.4 26,59.4
-0 SCALA LUNGHEZZE 1:@1,60.6 h0.9 r0 a0 w1
-0 @18.5,60.6 h1 r0 a0 w1 SCX Scala delle lunghezze 0
-0 0,61.8 26,61.8
-0 QUOTA DI RIFERIMENTO [m]@1,63 h0.9 r0 a0 w0.874
-0 @18.5,63 h1 r0 a0 w1 QRIF Quota di riferimento 0
-0 0,64.2 26,64.2
-0 PROGRESSIVA INIZIALE [m]@1,65.4 h0.9 r0 a0 w0.874
-0 @18.5,65.4 h1 r0 a0 w1 PROG Progressiva iniziale 0
-0 0,66.6 26,66.6
-0 PROFILO@1,67.8 h0.9 r0 a0 w1
-0 @9.5,67.8 h1 r0 a0 w1 NOME2 Nome del profilo 0
-0 0,69 26,69
-0 RETE@1,70.2 h0.9 r0 a0 w1
-0 @9.5,70.2 h1 r0 a0 w1 NOME1 Nome della rete 0
-0 0,71.4 26,71.4
-0 PROFILO LONGITUDINALE@1,73.32 h1.4 r0 a0 w0.907
-0 0,0 26,0
-0 26,0 26,75.24
-0 26,75.24 0,75.24
-0 0,75.24 0,0
-)");
+  EXPECT_EQ(
+      contents(b),
+      "0 0,57 26,57;0 NODI@1,52.5 h1 r0 a0 w1;0 0,48 26,48;0 QUOTE NODI [m]@1,44 h1 r0 a0 w1;"
+      "0 0,40 26,40;0 CARICHI PIEZOMETRICI [m]@1,36 h1 r0 a0 w1;0 0,32 26,32;"
+      "0 PRESSIONI [m]@1,28 h1 r0 a0 w1;0 0,24 26,24;0 DISTANZE PARZIALI [m]@1,20 h1 r0 a0 w1;"
+      "0 0,16 26,16;0 DISTANZE PROGRESSIVE [m]@1,12 h1 r0 a0 w1;0 0,8 26,8;"
+      "0 RAMI - DIAMETRI [mm]@1,4 h1 r0 a0 w1;0 SCALA ALTEZZE 1:@1,58.2 h0.9 r0 a0 w1;"
+      "0 @18.5,58.2 h1 r0 a0 w1 SCY Scala delle altezze 0;0 0,59.4 26,59.4;"
+      "0 SCALA LUNGHEZZE 1:@1,60.6 h0.9 r0 a0 w1;"
+      "0 @18.5,60.6 h1 r0 a0 w1 SCX Scala delle lunghezze 0;0 0,61.8 26,61.8;"
+      "0 QUOTA DI RIFERIMENTO [m]@1,63 h0.9 r0 a0 w0.874;"
+      "0 @18.5,63 h1 r0 a0 w1 QRIF Quota di riferimento 0;0 0,64.2 26,64.2;"
+      "0 PROGRESSIVA INIZIALE [m]@1,65.4 h0.9 r0 a0 w0.874;"
+      "0 @18.5,65.4 h1 r0 a0 w1 PROG Progressiva iniziale 0;0 0,66.6 26,66.6;"
+      "0 PROFILO@1,67.8 h0.9 r0 a0 w1;0 @9.5,67.8 h1 r0 a0 w1 NOME2 Nome del profilo 0;"
+      "0 0,69 26,69;0 RETE@1,70.2 h0.9 r0 a0 w1;0 @9.5,70.2 h1 r0 a0 w1 NOME1 Nome della rete 0;"
+      "0 0,71.4 26,71.4;0 PROFILO LONGITUDINALE@1,73.32 h1.4 r0 a0 w0.907;0 0,0 26,0;"
+      "0 26,0 26,75.24;0 26,75.24 0,75.24;0 0,75.24 0,0;");
   cad::drawManhole(drawing(), m);
-  EXPECT_EQ(contents(m), R"(
-0 -0.6,-1.2 0.6,-1.2
-0 0.6,-1.2 0.6,0
-0 0.6,0 -0.6,0
-0 -0.6,0 -0.6,-1.2
-0 -1,0 1,0
-0 -0.6,-1.2 0.6,0
-0 -0.6,0 0.6,-1.2
-0 @0,0.6 h1 r90 a0 w1 NOME Nome 0
-0 @0,0 h1 r90 a0 w1 CODICE Codice 1
-0 @0,0 h1 r90 a0 w1 DESCRIZIONE Descrizione 1
-)");
+  EXPECT_EQ(contents(m),
+            "0 -0.6,-1.2 0.6,-1.2;0 0.6,-1.2 0.6,0;0 0.6,0 -0.6,0;0 -0.6,0 -0.6,-1.2;0 -1,0 1,0;"
+            "0 -0.6,-1.2 0.6,0;0 -0.6,0 0.6,-1.2;0 @0,0.6 h1 r90 a0 w1 NOME Nome 0;"
+            "0 @0,0 h1 r90 a0 w1 CODICE Codice 1;0 @0,0 h1 r90 a0 w1 DESCRIZIONE Descrizione 1;");
 }
 
 TEST_F(ProfileFrame, TextsAreAsLargeAsTheScaleAsksAndTheFrameAllows) {
@@ -255,17 +185,17 @@ TEST_F(ProfileFrame, TextsBetweenStationsLieOrStandAsThereIsRoom) {
     cad::drawProfileFrame(drawing(), b, ProfileLayout(title(12, 24)), chain);
     const std::string all = contents(b), end = "0 36,61 60,61";
     // The last texts before the frame's own rectangle, behind the length.
-    const std::size_t from = all.find('\n', all.find(",20 h1")) + 1;
+    const std::size_t from = all.find(';', all.find(",20 h1")) + 1;
     return all.substr(from, all.find(end) - from);
   };
   EXPECT_EQ(between(6, u"ABCDEFGHIJ", 110),
-            "0 ABCDEFGHIJ@50,4.75 h1 r0 a1 w0.6\n0 DN 110@50,3.25 h1 r0 a1 w1\n");
+            "0 ABCDEFGHIJ@50,4.75 h1 r0 a1 w0.6;0 DN 110@50,3.25 h1 r0 a1 w1;");
   EXPECT_EQ(between(5.9, u"ABCDEFGHIJ", 110),
-            "0 ABCDEFGHIJ@49.2,4 h1 r90 a1 w0.822\n0 DN 110@50.7,4 h1 r90 a1 w1\n");
-  EXPECT_EQ(between(2.9, u"P", 110), "0 P@47.7,4 h1 r90 a1 w1\n0 DN 110@49.2,4 h1 r90 a1 w1\n");
-  EXPECT_EQ(between(2.7, u"P", 110.5), "0 P DN 110.5@48.35,4 h1 r90 a1 w0.822\n");
-  EXPECT_EQ(between(6, u"ABCDEFGHIJ", 0), "0 ABCDEFGHIJ@50,4 h1 r0 a1 w0.6\n");
-  EXPECT_EQ(between(2, u"ABCD", 0), "0 ABCD@48,4 h1 r90 a1 w1\n");
+            "0 ABCDEFGHIJ@49.2,4 h1 r90 a1 w0.822;0 DN 110@50.7,4 h1 r90 a1 w1;");
+  EXPECT_EQ(between(2.9, u"P", 110), "0 P@47.7,4 h1 r90 a1 w1;0 DN 110@49.2,4 h1 r90 a1 w1;");
+  EXPECT_EQ(between(2.7, u"P", 110.5), "0 P DN 110.5@48.35,4 h1 r90 a1 w0.822;");
+  EXPECT_EQ(between(6, u"ABCDEFGHIJ", 0), "0 ABCDEFGHIJ@50,4 h1 r0 a1 w0.6;");
+  EXPECT_EQ(between(2, u"ABCD", 0), "0 ABCD@48,4 h1 r90 a1 w1;");
 }
 
 }  // namespace

@@ -12,183 +12,110 @@ namespace {
 using namespace sample;
 using Texts = std::vector<std::u16string>;
 
-struct BoundsDialog : Dialog {
-  BoundsDialog() : Dialog(u"Limiti") {}
-  Real low{this, u"r1", {.min = -1.5}};
-  Real high{this, u"r2", {.max = 2.5}};
-  Real both{this, u"r3", {.min = -1.0, .max = 1.0}};
-  Real any{this,
-           u"r4",
-           {.min = -std::numeric_limits<double>::max(), .max = std::numeric_limits<double>::max()}};
-  Integer least{this, u"i1", {.min = -5}};
-  Integer most{this, u"i2", {.max = 7}};
-  Integer within{this, u"i3", {.initial = 2, .min = 2, .max = 4}};
-  Integer free{this, u"i4"};
-};
-
-// What the exchange says of a text in a field, "" when it is taken, and the value afterwards.
-template <class F>
-std::pair<std::string, double> exchanged(F BoundsDialog::*field, const char16_t* text) {
-  struct Said : Frontend {
-    std::u16string text;
-    Control* focus = nullptr;
-    void print(std::u16string_view) override {}
-    std::function<void()> act;
-    void showDialog(Dialog& d) override {
-      act();
-      focus = d.focus();
-      d.end(Outcome::cancel);
-    }
-    Pressed showMessage(const Message& m) override {
-      EXPECT_EQ(m.icon, Icon::warning);
-      EXPECT_EQ(m.title, u"Limiti");
-      text = m.text;
-      return Pressed::ok;
-    }
-    std::optional<std::u16string> showFileQuestion(const FileQuestion&) override { return {}; }
-    Answer showPrompt(const Prompt&) override { return {}; }
-    void showInvalid(std::u16string_view) override {}
-  } ui;
-  BoundsDialog d;
-  bool taken = false;
-  ui.act = [&] {
-    EXPECT_TRUE((d.*field).enter(text));
-    taken = d.updateData();
-  };
-  d.run(ui);
-  EXPECT_EQ(taken, ui.text.empty());
-  EXPECT_EQ(ui.focus, taken ? nullptr : &(d.*field));
-  return {platform::narrow(ui.text), static_cast<double>((d.*field).value())};
-}
-
 TEST(FieldRules, BoundsAreInAndTheirComplaintsNameThem) {
-  using B = BoundsDialog;
-  const auto real = [](Real B::*f, const char16_t* text, const std::string& said, double value) {
-    EXPECT_EQ(exchanged(f, text), std::pair(said, value)) << platform::narrow(text);
-  };
-  const std::string low = "Immettere un numero maggiore o uguale a -1.5.",
-                    high = "Immettere un numero minore o uguale a 2.5.",
-                    both = "Immettere un numero compreso tra -1 e 1.",
-                    none = "Immettere un numero.";
-  real(&B::low, u"-1.5", "", -1.5);
-  real(&B::low, u"-1.5000001", low, 0);
-  real(&B::low, u"1e12", "", 1e12);
-  real(&B::high, u"2,5", "", 2.5);
-  real(&B::high, u"2.5000001", high, 0);
-  real(&B::high, u"-9", "", -9);
-  real(&B::both, u"-1", "", -1);
-  real(&B::both, u"1", "", 1);
-  real(&B::both, u"1.01", both, 0);
-  real(&B::both, u"-1.01", both, 0);
-  real(&B::any, u"-1e308", "", -1e308);
-  real(&B::any, u"", none, 0);
-  real(&B::any, u"1e999", none, 0);
-  real(&B::any, u"1 2", none, 0);
-  const auto whole = [](Integer B::*f, const char16_t* text, const std::string& said, int value) {
-    EXPECT_EQ(exchanged(f, text), std::pair(said, static_cast<double>(value)));
-  };
-  const std::string least = "Immettere un numero intero maggiore o uguale a -5.",
-                    most = "Immettere un numero intero minore o uguale a 7.",
-                    within = "Immettere un numero intero compreso tra 2 e 4.",
-                    noWhole = "Immettere un numero intero.";
-  whole(&B::least, u"-5", "", -5);
-  whole(&B::least, u"-6", least, 0);
-  whole(&B::most, u"7", "", 7);
-  whole(&B::most, u"8", most, 0);
-  whole(&B::within, u"4", "", 4);
-  whole(&B::within, u"1", within, 2);
-  whole(&B::within, u"5", within, 2);
-  whole(&B::free, u"2147483647", "", 2147483647);
-  whole(&B::free, u"-2147483648", "", std::numeric_limits<std::int32_t>::min());
-  whole(&B::free, u"2147483648", noWhole, 0);
-  whole(&B::free, u"-2147483649", noWhole, 0);
-  whole(&B::free, u"3,0", noWhole, 0);
+  constexpr double huge = std::numeric_limits<double>::max();
+  struct : Dialog {
+    using Dialog::Dialog;
+    Real low{this, u"r1", {.min = -1.5}};
+    Real high{this, u"r2", {.max = 2.5}};
+    Real both{this, u"r3", {.min = -1.0, .max = 1.0}};
+    Real any{this, u"r4", {.min = -huge, .max = huge}};
+    Integer least{this, u"i1", {.min = -5}};
+    Integer most{this, u"i2", {.max = 7}};
+    Integer within{this, u"i3", {.initial = 2, .min = 2, .max = 4}};
+    Integer free{this, u"i4"};
+  } d(u"Limiti");
+  // Each text that is refused, with the words; then one that is taken.
+  const char* const refused[][3] = {
+      {"r1 = -1.5000001", "numero maggiore o uguale a -1.5.", "r1 = -1.5"},
+      {"r2 = 2.5000001", "numero minore o uguale a 2.5.", "r2 = 2,5"},
+      {"r3 = 1.01", "numero compreso tra -1 e 1.", "r3 = 1"},
+      {"r3 = -1.01", "numero compreso tra -1 e 1.", "r3 = -1"},
+      {"r4 = ", "numero.", "r4 = 1e12"},
+      {"r4 = 1e999", "numero.", "r4 = 0"},
+      {"r4 = 1 2", "numero.", "r4 = -1e308"},
+      {"i1 = -6", "numero intero maggiore o uguale a -5.", "i1 = -5"},
+      {"i2 = 8", "numero intero minore o uguale a 7.", "i2 = 7"},
+      {"i3 = 1", "numero intero compreso tra 2 e 4.", "i3 = 2"},
+      {"i3 = 5", "numero intero compreso tra 2 e 4.", "i3 = 4"},
+      {"i4 = 2147483648", "numero intero.", "i4 = 2147483647"},
+      {"i4 = 3,0", "numero intero.", "i4 = 0"},
+      {"i4 = -2147483649", "numero intero.", "i4 = -2147483648"}};
+  std::string script = "[Limiti]\n";
+  for (const auto& r : refused)
+    script += std::string(r[0]) + "\n<invio>\n![Limiti] Immettere un " + r[1] + "\n" + r[2] + "\n";
+  const auto played = play(d, script + "<invio>");
+  EXPECT_EQ(played.error, "");
+  EXPECT_EQ(played.outcome, Outcome::ok);
+  for (const auto& [is, value] : {std::pair(d.low.value(), -1.5),
+                                  {d.high.value(), 2.5},
+                                  {d.both.value(), -1.0},
+                                  {d.any.value(), -1e308}})
+    EXPECT_EQ(is, value);
+  EXPECT_EQ(std::vector<int>({d.least.value(), d.most.value(), d.within.value(), d.free.value()}),
+            (std::vector<int>{-5, 7, 4, std::numeric_limits<int>::min()}));
 }
 
 TEST(FieldRules, NumbersAreShownAtEveryMagnitude) {
-  const std::pair<double, const char*> cases[] = {{-1e15, "-1e+15"},
-                                                  {999999999999999, "999999999999999"},
-                                                  {-999999999999999.5, "-1000000000000000"},
-                                                  {9.9e-11, "9.9e-11"},
-                                                  {-1e-10, "-0.0000000001"},
-                                                  {1.00000000000001, "1.00000000000001"},
-                                                  {1.000000000000001, "1"},
-                                                  {0.333333333333333333, "0.333333333333333"},
-                                                  {12345678.9012345678, "12345678.9012346"},
-                                                  {100, "100"},
-                                                  {-1000.10, "-1000.1"},
-                                                  {1.5e20, "1.5e+20"},
-                                                  {INFINITY, "inf"}};
-  for (const auto& [value, text] : cases) EXPECT_EQ(platform::narrow(showReal(value)), text);
-  PipeDialog d;
-  d.days = -12;
-  EXPECT_EQ(d.days.shown(), u"-12");
-  d.diameter = 0.5;
-  EXPECT_EQ(d.diameter.shown(), u"0.5");
-  EXPECT_EQ(d.diameter.capacity(), 64u);
-  EXPECT_EQ(d.name.capacity(), 8u);
+  std::string shown;
+  for (const double v :
+       {-1e15, 999999999999999.0, -999999999999999.5, 9.9e-11, -1e-10, 1.00000000000001,
+        1.000000000000001, 1.0 / 3, 12345678.9012345678, 100.0, -1000.10, 1.5e20})
+    shown += platform::narrow(showReal(v)) + ' ';
+  EXPECT_EQ(shown,
+            "-1e+15 999999999999999 -1000000000000000 9.9e-11 -0.0000000001 1.00000000000001 1 "
+            "0.333333333333333 12345678.9012346 100 -1000.1 1.5e+20 ");
   struct : Dialog {
     using Dialog::Dialog;
-    Text plain{this, u"t"};
     Text given{this, u"u", {.capacity = 3, .initial = u"abcd"}};
     Text tiny{this, u"v", {.capacity = 0}};
     TimePicker bad{this, u"w", {.initial = {24, 0}}}, late{this, u"x", {.initial = {23, 59}}};
-  } fields(u"F");
-  EXPECT_EQ(fields.plain.capacity(), 255u);
-  EXPECT_EQ(fields.given.value(), u"abc");
-  fields.given = u"xyzw";
-  EXPECT_EQ(fields.given.value(), u"xyz");
-  fields.given.setShown(u"12345");
-  EXPECT_EQ(fields.given.shown(), u"123");
-  EXPECT_EQ(fields.given.value(), u"xyz") << "the value waits for the exchange";
-  fields.tiny = u"a";
-  EXPECT_EQ(fields.tiny.value(), u"");
-  EXPECT_EQ(fields.bad.shown(), u"00:00");
-  EXPECT_EQ(fields.late.shown(), u"23:59");
+  } d(u"F");
+  EXPECT_EQ(d.given.value(), u"abc");
+  d.given = u"xyzw";
+  d.given.setShown(u"12345");
+  EXPECT_EQ(d.given.shown(), u"123");
+  EXPECT_EQ(d.given.value(), u"xyz") << "the value waits for the exchange";
+  d.tiny = u"a";
+  EXPECT_EQ(d.tiny.value(), u"");
+  EXPECT_EQ(d.bad.shown() + d.late.shown(), u"00:0023:59");
 }
 
 TEST(FieldRules, TimesAndChecksGoRound) {
   PipeDialog d;
-  const struct {
-    const char16_t* text;
-    TimeOfDay time;
-  } times[] = {{u"0:0", {0, 0}}, {u"23:59", {23, 59}}, {u"7", {7, 0}}, {u" 6 : 05 ", {6, 5}}};
-  for (const auto& t : times) {
-    EXPECT_TRUE(d.start.enter(t.text));
-    EXPECT_EQ(d.start.time(), t.time);
+  for (const auto& [typed, shown] : {std::pair(u"0:0", u"00:00"),
+                                     {u"23:59", u"23:59"},
+                                     {u"7", u"07:00"},
+                                     {u" 6 : 05 ", u"06:05"}}) {
+    EXPECT_TRUE(d.start.enter(typed));
+    for (const char16_t* bad : {u"23:-1", u"23:60", u"24", u":5", u"1.5:0"})
+      EXPECT_FALSE(d.start.enter(bad));
+    EXPECT_EQ(d.start.shown(), shown);
   }
-  for (const char16_t* bad : {u"23:-1", u"23:60", u"24", u":5", u"1.5:0"})
-    EXPECT_FALSE(d.start.enter(bad)) << platform::narrow(bad);
-  const struct {
-    TimePicker::Part part;
-    int steps;
-    TimeOfDay after;
-  } spins[] = {{TimePicker::Part::hour, -7, {23, 5}},    {TimePicker::Part::hour, 1, {0, 5}},
-               {TimePicker::Part::minute, -6, {0, 59}},  {TimePicker::Part::minute, 1, {0, 0}},
-               {TimePicker::Part::minute, -61, {0, 59}}, {TimePicker::Part::hour, -24, {0, 59}}};
-  for (const auto& s : spins) {
-    EXPECT_TRUE(d.start.spin(s.part, s.steps));
-    EXPECT_EQ(d.start.time(), s.after) << s.steps;
+  using Part = TimePicker::Part;
+  std::u16string turns;
+  for (const auto& [part, steps] : {std::pair(Part::hour, -7),
+                                    {Part::hour, 1},
+                                    {Part::minute, -6},
+                                    {Part::minute, 1},
+                                    {Part::minute, -61},
+                                    {Part::hour, -24}}) {
+    EXPECT_TRUE(d.start.spin(part, steps));
+    turns += d.start.shown() + u' ';
   }
+  EXPECT_EQ(turns, u"23:05 00:05 00:59 00:00 00:59 00:59 ");
   EXPECT_EQ(d.start.value(), (TimeOfDay{12, 0}));
-  EXPECT_TRUE(d.start.set({23, 59}));
-  EXPECT_EQ(d.start.value(), (TimeOfDay{23, 59}));
+  EXPECT_TRUE(d.start.set({23, 59}) && d.start.value() == (TimeOfDay{23, 59}));
   for (const TimeOfDay bad : {TimeOfDay{-1, 0}, {0, 60}, {0, -1}, {24, 0}})
     EXPECT_FALSE(d.start.set(bad));
-  const struct {
-    const char16_t* text;
-    bool accepted, checked;
-  } checks[] = {{u"Sì", true, true}, {u"si", true, true},     {u"NO", true, false},
-                {u"SÌ", true, true}, {u"forse", false, true}, {u"", false, true},
-                {u"no", true, false}};
-  for (const auto& c : checks) {
-    EXPECT_EQ(static_cast<bool>(d.custom.enter(c.text)), c.accepted) << platform::narrow(c.text);
-    EXPECT_EQ(d.custom.checked(), c.checked);
+  std::u16string checks;
+  for (const char16_t* typed : {u"Sì", u"si", u"NO", u"SÌ", u"forse", u"", u"no"}) {
+    checks += d.custom.enter(typed) ? u"" : u"!";
+    checks += d.custom.shown() + u' ';
   }
-  EXPECT_FALSE(d.custom.value());
+  EXPECT_EQ(checks, u"sì sì no sì !sì !sì no ");
   d.custom.setChecked(true);
   EXPECT_FALSE(d.custom.value());
-  EXPECT_EQ(d.custom.shown(), u"sì");
 }
 
 // --- buttons and keys --------------------------------------------------------------------------
@@ -272,23 +199,14 @@ TEST(DialogRules, HelpIsAnEventAndGesturesOfOtherKindsAreRefused) {
 }
 
 TEST(DialogRules, QuestionsHaveTheirButtonsInOrder) {
-  const struct {
-    Buttons buttons;
-    std::vector<Pressed> answers;
-    const char16_t* words;
-  } cases[] = {
-      {Buttons::ok, {Pressed::ok}, u"OK "},
-      {Buttons::okCancel, {Pressed::ok, Pressed::cancel}, u"OK Annulla "},
-      {Buttons::yesNo, {Pressed::yes, Pressed::no}, u"Sì No "},
-      {Buttons::yesNoCancel, {Pressed::yes, Pressed::no, Pressed::cancel}, u"Sì No Annulla "}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(answersOf(c.buttons), c.answers);
-    std::u16string words;
-    for (const Pressed p : answersOf(c.buttons)) (words += wordOf(p)) += u' ';
-    EXPECT_EQ(words, c.words);
-    EXPECT_EQ(defaultAnswer(c.buttons), c.answers.front());
-    EXPECT_EQ(escapeAnswer(c.buttons), c.answers.back());
+  std::u16string words;
+  for (const auto kind : {Buttons::ok, Buttons::okCancel, Buttons::yesNo, Buttons::yesNoCancel}) {
+    for (const Pressed p : answersOf(kind)) (words += wordOf(p)) += u' ';
+    ((((words += u"< ") += wordOf(defaultAnswer(kind))) += u' ') += wordOf(escapeAnswer(kind))) +=
+        u"; ";
   }
+  EXPECT_EQ(words,
+            u"OK < OK OK; OK Annulla < OK Annulla; Sì No < Sì No; Sì No Annulla < Sì Annulla; ");
   const auto filters = [](std::u16string_view text) {
     std::u16string out;
     for (const FileFilter& f : filtersOf(text)) out += f.words + u'=' + f.pattern + u';';

@@ -82,51 +82,18 @@ struct LinesDialog : Dialog {
 
 TEST(LineRules, SignsBracketsAndPlaces) {
   LinesDialog d;
-  const char16_t* const fine[] = {u"Testo = ? =",
-                                  u"Testo ? ? =",
-                                  u"Testo =",
-                                  u"Testo ?",
-                                  u"Testo ? \"\"",
-                                  u"  testo  =  \" x\"  ",
-                                  u"Testo ? \" x\"",
-                                  u"Tipo = #2",
-                                  u"Tipo ? #2",
-                                  u"Tipo = \"x\"",
-                                  u"Tipo = \"#2\"",
-                                  u"Tipo ? (voci) x | #2 | z",
-                                  u"Tipo ? (righe) 3",
-                                  u"Uno = #2",
-                                  u"Uno ? &10",
-                                  u"20",
-                                  u"Due ? 20",
-                                  u"10",
-                                  u"Uno ? (voci) 5 | &10",
-                                  u"Reti[2]",
-                                  u"Reti ? r2",
-                                  u"Reti[=r1]",
-                                  u"Reti[1] ? r1",
-                                  u"Nodi [m][=\"a, b\"]",
-                                  u"Nodi [m] ? a, b",
-                                  u"Nodi [m][=a, b,Q [l/s]] ? 1",
-                                  u"Nodi [m][2,Q [l/s]] ? 2",
-                                  u"Nodi [m][2] **",
-                                  u"Nodi [m] ? c",
-                                  u"Griglia[2,#2] = w",
-                                  u"Griglia[=w,#3] = k",
-                                  u"Griglia[2,#3] ? k",
-                                  u"Griglia ? (righe) 3",
-                                  u"Griglia ? (colonne) N | V, m | #1",
-                                  u"Griglia[0] ? N | V, m | #1",
-                                  u"Griglia[2..3]",
-                                  u"Griglia[0] > inserisci riga",
-                                  u"Griglia[1] > Elimina Riga",
-                                  u"Griglia ? (righe) 2",
-                                  u"Casella = si",
-                                  u"Casella",
-                                  u"Casella ? no",
-                                  u"Casella ? (attivo)",
-                                  u"Casella ? (visibile)"};
-  for (const char16_t* line : fine) EXPECT_EQ(did(d, line), "") << platform::narrow(line);
+  platform::Tokens lines(
+      u"Testo = ? =;Testo ? ? =;Testo =;Testo ?;Testo ? \"\";  testo  =  \" x\"  ;Testo ? \" x\";"
+      u"Tipo = #2;Tipo ? #2;Tipo = \"x\";Tipo = \"#2\";Tipo ? (voci) x | #2 | z;Tipo ? (righe) 3;"
+      u"Uno = #2;Uno ? &10;20;Due ? 20;10;Uno ? (voci) 5 | &10;Reti[2];Reti ? r2;Reti[=r1];"
+      u"Reti[1] ? r1;Nodi [m][=\"a, b\"];Nodi [m] ? a, b;Nodi [m][=a, b,Q [l/s]] ? 1;"
+      u"Nodi [m][2,Q [l/s]] ? 2;Nodi [m][2] **;Nodi [m] ? c;Griglia[2,#2] = w;"
+      u"Griglia[=w,#3] = k;Griglia[2,#3] ? k;Griglia ? (righe) 3;"
+      u"Griglia ? (colonne) N | V, m | #1;Griglia[0] ? N | V, m | #1;Griglia[2..3];"
+      u"Griglia[0] > inserisci riga;Griglia[1] > Elimina Riga;Griglia ? (righe) 2;"
+      u"Casella = si;Casella;Casella ? no;Casella ? (attivo);Casella ? (visibile);",
+      u";");
+  while (const auto line = lines.next()) EXPECT_EQ(did(d, *line), "") << platform::narrow(*line);
   EXPECT_EQ(d.grid.cell(1, 1), u"w");
   EXPECT_EQ(d.grid.selectionFrom().column, 1) << "the menu over a row stands at its first cell";
 }
