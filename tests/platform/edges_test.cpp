@@ -34,32 +34,31 @@ TEST(Edges, UpperCaseOfEveryRange) {
 }
 
 TEST(Edges, BytesOfEveryLength) {
-  const struct {
-    const char* bytes;
-    bool valid;
-    std::u16string text;
-  } cases[] = {{"\x7F", true, u"\x7F"},
-               {"\xC2\x80", true, u"\x80"},
-               {"\xC1\xBF", false, u"\xFFFD\xFFFD"},
-               {"\xDF\xBF", true, u"\x7FF"},
-               {"\xE0\xA0\x80", true, u"\x800"},
-               {"\xE0\x9F\xBF", false, u"\xFFFD\xFFFD\xFFFD"},
-               {"\xED\x9F\xBF", true, u"\xD7FF"},
-               {"\xED\xBF\xBF", false, u"\xFFFD\xFFFD\xFFFD"},
-               {"\xEE\x80\x80", true, u"\xE000"},
-               {"\xEF\xBF\xBF", true, u"\xFFFF"},
-               {"\xF0\x90\x80\x80", true, u"\U00010000"},
-               {"\xF0\x8F\xBF\xBF", false, u"\xFFFD\xFFFD\xFFFD\xFFFD"},
-               {"\xF4\x8F\xBF\xBF", true, u"\U0010FFFF"},
-               {"\xF5\x80\x80\x80", false, u"\xFFFD\xFFFD\xFFFD\xFFFD"},
-               {"\xC3\xC3\xA8", false, u"\xFFFDè"},
-               {"\xE2\x82z", false, u"\xFFFD\xFFFDz"}};
-  for (const auto& c : cases) {
-    EXPECT_EQ(isValidUtf8(c.bytes), c.valid) << c.bytes;
-    EXPECT_EQ(widen(c.bytes), c.text) << c.bytes;
-    EXPECT_EQ(isValidUtf8("12345678" + std::string(c.bytes)), c.valid) << "behind whole words";
-    if (c.valid) {
-      EXPECT_EQ(narrow(c.text), c.bytes);
+  const std::pair<const char*, std::u16string> cases[] = {
+      {"\x7F", u"\x7F"},
+      {"\xC2\x80", u"\x80"},
+      {"\xDF\xBF", u"\x7FF"},
+      {"\xE0\xA0\x80", u"\x800"},
+      {"\xED\x9F\xBF", u"\xD7FF"},
+      {"\xEE\x80\x80", u"\xE000"},
+      {"\xEF\xBF\xBF", u"\xFFFF"},
+      {"\xF0\x90\x80\x80", u"\U00010000"},
+      {"\xF4\x8F\xBF\xBF", u"\U0010FFFF"},
+      // Not valid: too long, a surrogate, too high, cut off.
+      {"\xC1\xBF", u"\xFFFD\xFFFD"},
+      {"\xE0\x9F\xBF", u"\xFFFD\xFFFD\xFFFD"},
+      {"\xED\xBF\xBF", u"\xFFFD\xFFFD\xFFFD"},
+      {"\xF0\x8F\xBF\xBF", u"\xFFFD\xFFFD\xFFFD\xFFFD"},
+      {"\xF5\x80\x80\x80", u"\xFFFD\xFFFD\xFFFD\xFFFD"},
+      {"\xC3\xC3\xA8", u"\xFFFDè"},
+      {"\xE2\x82z", u"\xFFFD\xFFFDz"}};
+  for (const auto& [bytes, text] : cases) {
+    const bool valid = text.find(u'\xFFFD') == text.npos;
+    EXPECT_EQ(widen(bytes), text) << bytes;
+    EXPECT_EQ(isValidUtf8(bytes), valid) << bytes;
+    EXPECT_EQ(isValidUtf8("12345678" + std::string(bytes)), valid) << "behind whole words";
+    if (valid) {
+      EXPECT_EQ(narrow(text), bytes);
     }
   }
   EXPECT_EQ(narrow(u"\xDBFF\xDFFF\xDC00\xD800\xDC00"),
@@ -189,19 +188,15 @@ TEST(Edges, EveryPageHasItsOwnLetters) {
 }
 
 TEST(Edges, TokensAndPrintableSigns) {
-  const auto tokens = [](std::u16string_view text) {
-    std::u16string out;
+  std::u16string tokens;
+  for (const char16_t* text : {u"", u"a", u"a,", u",a b"}) {
     Tokens t(text, u" ,");
-    while (const auto token = t.next()) (out += *token) += u'|';
-    return out;
-  };
-  EXPECT_EQ(tokens(u""), u"");
-  EXPECT_EQ(tokens(u"a"), u"a|");
-  EXPECT_EQ(tokens(u"a,"), u"a|");
-  EXPECT_EQ(tokens(u",a b"), u"a|b|");
-  EXPECT_EQ(printable(u"\x200D\x200E\x2029\x202A\x2065\x2066\x206A"),
-            u"\x200D<U+200E><U+2029><U+202A>\x2065<U+2066>\x206A");
-  EXPECT_EQ(printable(u"\r"), u"\x240D");
+    while (const auto token = t.next()) (tokens += *token) += u'|';
+    tokens += u';';
+  }
+  EXPECT_EQ(tokens, u";a|;a|;a|b|;");
+  EXPECT_EQ(printable(u"\x200D\x200E\x2029\x202A\x2065\x2066\x206A\r"),
+            u"\x200D<U+200E><U+2029><U+202A>\x2065<U+2066>\x206A\x240D");
   EXPECT_EQ(printable(std::u16string_view(u"\0 ", 2)), u"\x2400 ");
 }
 
@@ -214,15 +209,11 @@ TEST_F(IniEdges, QuotesSectionsAndCuts) {
   const auto value = [&](const char16_t* section, const char16_t* key, std::size_t limit = 99) {
     return iniValue(at("s.ini"), section, key, u"-", limit);
   };
-  EXPECT_EQ(value(u"a", u"q"), u"'it\"") << "two kinds of quotes are no pair";
-  EXPECT_EQ(value(u"a", u"r"), u"\"");
-  EXPECT_EQ(value(u"a", u"t"), u"");
-  EXPECT_EQ(value(u"a", u"u"), u"\"x\"");
-  EXPECT_EQ(value(u"a", u"v"), u"a;b");
-  EXPECT_EQ(value(u"a", u""), u"empty");
-  EXPECT_EQ(value(u"a", u"x"), u"-") << "the section's second part does not count";
-  EXPECT_EQ(value(u"b", u"w"), u"2");
-  EXPECT_EQ(value(u" C ", u" z "), u"\xD83D\xDEB0!");
+  std::u16string all;
+  for (const char16_t* key : {u"q", u"r", u"t", u"u", u"v", u"", u"x"})
+    all += value(u"a", key) + u'|';
+  EXPECT_EQ(all, u"'it\"|\"||\"x\"|a;b|empty|-|") << "only a pair of quotes of one kind goes";
+  EXPECT_EQ(value(u"b", u"w") + value(u" C ", u" z "), u"2\xD83D\xDEB0!");
   EXPECT_EQ(value(u"c", u"z", 2), u"\xD83D\xDEB0");
   EXPECT_EQ(value(u"c", u"z", 1), u"") << "half a character is none";
   EXPECT_EQ(value(u"c", u"z", 0), u"");
@@ -235,8 +226,7 @@ TEST_F(IniEdges, QuotesSectionsAndCuts) {
   EXPECT_FALSE(fileExists(at("x/y")));
   EXPECT_FALSE(folderExists(at("x/b")));
   EXPECT_TRUE(sameFile(at("x/b"), at("x/y/../b")));
-  EXPECT_FALSE(sameFile(at("none"), at("none")));
-  EXPECT_FALSE(sameFile(at("x/b"), at("s.ini")));
+  EXPECT_FALSE(sameFile(at("none"), at("none")) || sameFile(at("x/b"), at("s.ini")));
   ASSERT_TRUE(writeFile(at("h.ini"), "[a]\r\rk\t=\t v \r"));
   EXPECT_EQ(iniValue(at("h.ini"), u"a", u"k", u"-"), u"v") << "old line ends and tabs";
   const auto bytes = readOrdinaryFile(at("h.ini"));

@@ -104,31 +104,32 @@ TEST_F(Course, ManholesTakeTheCoursesLevelUnlessTheUserGivesOne) {
       u"#%x", static_cast<std::int64_t>(Opened<AcDbEntity>(profile.titleBlock())->handle()));
   const std::u16string other = platform::format(
       u"#%x", static_cast<std::int64_t>(Opened<AcDbEntity>(onLayer(u"JUNC-Rete")[0])->handle()));
-  ui.answers = {other,    pick,                                         //
-                u"1000",  u"Z1", u"c1", u"d1",      u"<invio>",         // at the first node
-                u"1055",  u"Z2", u"",   u"<invio>", u"<invio>",         // half way up
-                u"1110",  u"Z3", u"",   u"",        u"<invio>",         // at the second one
-                u"1117",  u"Z4", u"",   u"",        u"1,5",             // a level of the user's own
-                u"1118",  u"Z5", u"",   u"",        u"<invio>", u"-3",  // beyond: it must be given
-                u"999.9", u"Z6", u"",   u"",        u"<invio>", u"8",  u"1010", u"Z7", u"<esc>"};
+  ui.answers = {other, pick, u"1000", u"Z1", u"c1", u"d1", u"<invio>"};  // at the first node
+  const auto more = [&](std::vector<std::u16string> answers) {
+    ui.answers.insert(ui.answers.end(), answers.begin(), answers.end());
+  };
+  more({u"1055", u"Z2", u"", u"<invio>", u"<invio>"});    // half way up
+  more({u"1110", u"Z3", u"", u"", u"<invio>"});           // at the second one
+  more({u"1116", u"Z4", u"", u"", u"1,5"});               // a level of the user's own
+  more({u"1117", u"Z5", u"", u"", u"<invio>"});           // at the last one
+  more({u"1117.5", u"Z6", u"", u"", u"<invio>", u"-3"});  // beyond: it must be given
+  more({u"999.5", u"Z7", u"", u"", u"<invio>", u"8", u"1010", u"Z8", u"<esc>"});
   EXPECT_EQ(cad::Session::instance().run(u"PZZPROFILO"), cad::RunResult::done);
-  EXPECT_EQ(ui.printed, u"\nEntità non valida!\n6 pozzetti inseriti.");
+  EXPECT_EQ(ui.printed, u"\nEntità non valida!\n7 pozzetti inseriti.");
   std::u16string list;
   for (const pozzetto* p = profile.GetListaPozzetti(); p; p = p->next)
     list +=
         platform::format(u"%s %g %g %s %s;", p->nome, p->prog, p->quota, p->codice, p->descrizione);
-  EXPECT_EQ(platform::narrow(list),
-            "Z1 0 10 c1 d1;Z2 55 15  ;Z3 110 20  ;Z4 117 1.5  ;Z5 118 -3  ;Z6 -0.1 8  ;");
+  EXPECT_EQ(
+      platform::narrow(list),
+      "Z1 0 10 c1 d1;Z2 55 15  ;Z3 110 20  ;Z4 116 1.5  ;Z5 117 0  ;Z6 117.5 -3  ;Z7 -0.5 8  ;");
   const auto symbols = onLayer(u"HN-PROFILO-POZZETTI");
-  ASSERT_EQ(symbols.size(), 6u);
+  ASSERT_EQ(symbols.size(), 7u);
   EXPECT_NEAR(position(symbols[1]).x, 10 + 73 + 55, 1e-9);
   EXPECT_NEAR(position(symbols[1]).y, 20 + 114 + 8 + 15 - 5, 1e-9);
   EXPECT_EQ(attribute(symbols[0], u"NOME"), u"Z1");
   EXPECT_EQ(attribute(symbols[0], u"CODICE"), u"c1");
   EXPECT_EQ(attribute(symbols[0], u"DESCRIZIONE"), u"d1");
-  for (const auto& prompt : ui.prompts)
-    if (prompt.text.starts_with(u"\nQuota")) list = prompt.text;
-  EXPECT_EQ(list, u"\nQuota: ");
   ui.answers = {pick, u"1000", u"Z", u"", u"", u"<esc>"};
   ui.printed.clear();
   cad::Session::instance().run(u"PZZPROFILO");

@@ -145,9 +145,11 @@ TEST(ListRules, RadioButtonsHaveOneOrNone) {
 TEST(ListRules, TheJournalTellsTwinsByTheirPlace) {
   ListsDialog d;
   EXPECT_EQ(journalled(d,
-                       "[Elenchi]\nC = #3\nC = p1\nC = DN 1000\nB = #4\nB[2]\nB[3] **\nR = #2\nR = "
+                       "[Elenchi]\nC = P1\nB = a\nC = #3\nC = p1\nC = DN 1000\nB = #4\nB[2]\nB[3] "
+                       "**\nR = #2\nR = "
                        "10\n5 classi\nL = \"# \"\n<esc>"),
-            "[Elenchi]\nC = #3\nC = #2\nC = DN 1000\nB = #4\nB = #2\nB[3] **\nR = #2\nR = 10\nR = "
+            "[Elenchi]\nC = #1\nB = #3\nC = #3\nC = #2\nC = DN 1000\nB = #4\nB = #2\nB[3] **\nR = "
+            "#2\nR = 10\nR = "
             "&5 classi\nL = \"# \"\n<esc>\n");
   // Columns of one title, or of none, are told by their number.
   struct Twins : Dialog {
