@@ -106,6 +106,7 @@ TEST_F(Profile, OfEqualNamesTheFirstCountsAndAPipeMayRunAgainstItsNodes) {
        {std::pair(u"P1", "-12.5|2.5|110.0|150.0|130.0|0.0|12.5|0.7|0.0|4.0|0.0|P1|A"),
         std::pair(u"P3", "-12.5|2.5|70.0|150.0|130.0|0.0|12.5|0.7|0.0|4.0|0.0|P3|A")}) {
     EXPECT_EQ(drawProfile(u"Rete", {{name}, u"prova", 0, {}, {}}).verdict, LinkVerdict::valid);
+    ASSERT_FALSE(onLayer(u"PROGETTO").empty());
     const AcDbObjectId line = onLayer(u"PROGETTO").back();
     EXPECT_EQ(vertexData(line)[0], std::string("230|HN-ACQ-TUBAZIONE|") + segment);
     AcGePoint3dArray points;
