@@ -66,13 +66,17 @@ Acad::ErrorStatus Drawing::placeOf(std::uint32_t owner, const TagList& tags, Pla
 }
 
 // What the new object is called and what it names must be possible in this drawing.
-Acad::ErrorStatus Drawing::checkNames(const TagList& tags, const Place& place) const {
+Acad::ErrorStatus Drawing::checkNames(const TagList& tags, const Place& place) {
   const TagRange body = tags.body();
   const int version = format().version;
   if (place.entity) {
     const int layer = tags.find(8, body);
-    const std::u16string name = layer < 0 ? u"0" : tags.text(layer);
-    if (!structure_.tableEntry(Type::layer, name) && !usableName(name, version)) {
+    // By its bytes, as nearly every object finds its layer; one without a layer lies on "0".
+    const auto isThere = [&] {
+      return structure_.tableEntry(Type::layer,
+                                   names().ofBytes(tags.format(), tags[layer].bytes()));
+    };
+    if (layer >= 0 && !isThere() && !usableName(tags.text(layer), version)) {
       return Acad::eInvalidInput;
     }
     if (!tags.is(0, "INSERT")) return Acad::eOk;

@@ -142,7 +142,7 @@ class CAD_API Drawing {
   Acad::ErrorStatus placeOf(std::uint32_t owner, const TagList& tags, Place& place);
   std::uint32_t endOfParts(std::uint32_t owner, const Place& place);
   std::uint32_t addSequenceEnd(std::uint32_t owner, std::uint32_t before, const Place& like);
-  Acad::ErrorStatus checkNames(const TagList& tags, const Place& place) const;
+  Acad::ErrorStatus checkNames(const TagList& tags, const Place& place);
   void settleReferences(TagList& tags, const Place& place);
   Acad::ErrorStatus mayErase(std::uint32_t record) const;
   void dropInsertCache(std::uint32_t blockName);

@@ -104,7 +104,7 @@ std::uint32_t Structure::nextTableEntry(std::uint32_t table, std::uint32_t entry
 }
 
 SectionInfo Structure::section(std::u16string_view name) const {
-  const auto it = sections_.find(std::u16string(name));
+  const auto it = sections_.find(name);
   return it == sections_.end() ? SectionInfo() : it->second;
 }
 
