@@ -117,13 +117,11 @@ TEST_F(Geometry, LayersAndLineTypes) {
     return (isNew ? "new" : "old") +
            (at == tags.npos ? "" : tags.substr(at, tags.find(' ', at + 1) - at));
   };
-  EXPECT_EQ(made(u"A", 1), "new 62=1");
-  EXPECT_EQ(made(u"a", 3), "old 62=1") << "one that is there keeps its colour";
-  EXPECT_EQ(made(u"B", 255), "new 62=255");
-  EXPECT_EQ(made(u"C", 256), "new 62=7");
-  EXPECT_EQ(made(u"D", 0), "new 62=7");
-  EXPECT_EQ(made(u"E", -3), "new 62=7");
-  EXPECT_EQ(made(u"", 3), "old");
+  std::string layers;
+  for (const auto& [name, color] :
+       {std::pair(u"A", 1), {u"a", 3}, {u"B", 255}, {u"C", 256}, {u"D", 0}, {u"E", -3}, {u"", 3}})
+    layers += made(name, color) + ';';
+  EXPECT_EQ(layers, "new 62=1;old 62=1;new 62=255;new 62=7;new 62=7;new 62=7;old;");
   AcDbObjectId type = addLineType(u"TRATTO", u"__ .", {5, -2.5, 0});
   EXPECT_EQ(tagsOf(type),
             "LTYPE 2=TRATTO 70=0 3=__ . 72=65 73=3 40=7.5 49=5.0 74=0 49=-2.5 74=0 49=0.0 74=0");
@@ -133,47 +131,43 @@ TEST_F(Geometry, LayersAndLineTypes) {
   EXPECT_EQ(found, type);
   EXPECT_FALSE(iterateLinetypeTable(u"manca", found));
   EXPECT_EQ(found, type) << "what is not found changes nothing";
-  const auto layer = [&](int color, const char16_t* linetype) {
+  std::string layer;
+  for (const auto& [color, linetype] : {std::pair(2, u"TRATTO"),
+                                        {256, u"ByLayer"},
+                                        {0, u"BYBLOCK"},
+                                        {255, u"manca"},
+                                        {1, u"Continuous"}}) {
     EXPECT_TRUE(setColorLtypeLayer(u"a", color, linetype));
     const std::string tags = tagsOf(drawing().structure().layerNamed(u"A", false));
-    return tags.substr(0, tags.find(" 370="));
-  };
-  EXPECT_EQ(layer(2, u"TRATTO"), "LAYER 2=A 70=0 62=2 6=TRATTO");
-  EXPECT_EQ(layer(256, u"ByLayer"), "LAYER 2=A 70=0 62=2 6=TRATTO");
-  EXPECT_EQ(layer(0, u"BYBLOCK"), "LAYER 2=A 70=0 62=2 6=TRATTO");
-  EXPECT_EQ(layer(255, u"manca"), "LAYER 2=A 70=0 62=255 6=TRATTO");
-  EXPECT_EQ(layer(1, u"Continuous"), "LAYER 2=A 70=0 62=1 6=Continuous");
+    layer += tags.substr(15, tags.find(" 370=") - 15) + ';';
+  }
+  EXPECT_EQ(layer, "62=2 6=TRATTO;62=2 6=TRATTO;62=2 6=TRATTO;62=255 6=TRATTO;62=1 6=Continuous;");
   EXPECT_FALSE(setColorLtypeLayer(u"MANCA", 1, u"TRATTO"));
   EXPECT_TRUE(RegApplicazione(u"MIA", nullptr));
   EXPECT_TRUE(RegApplicazione(u"MIA", &database));
   EXPECT_FALSE(RegApplicazione(u"", nullptr));
   acdbHostApplicationServices()->setWorkingDatabase(nullptr);
-  EXPECT_TRUE(createNewLayer(u"F").isNull());
-  EXPECT_TRUE(addPOINT(two[0], u"", 1, nullptr).isNull());
-  EXPECT_TRUE(addLineType(u"X", u"", {1}).isNull());
-  EXPECT_FALSE(setColorLtypeLayer(u"A", 1, u""));
-  EXPECT_FALSE(iterateLinetypeTable(u"TRATTO", found));
-  EXPECT_FALSE(RegApplicazione(u"MIA", nullptr));
+  EXPECT_TRUE(createNewLayer(u"F").isNull() && addPOINT(two[0], u"", 1, nullptr).isNull());
+  EXPECT_TRUE(addLineType(u"X", u"", {1}).isNull() &&
+              createLine(two[0], two[1], u"", u"", 1).isNull());
+  EXPECT_FALSE(setColorLtypeLayer(u"A", 1, u"") || iterateLinetypeTable(u"TRATTO", found) ||
+               RegApplicazione(u"MIA", nullptr));
 }
 
 TEST_F(Geometry, PlacesAlongAPath) {
   // East 10, a doubled vertex, north 10, west 5; elevations are of no matter.
   datipoli e{{5, 10, 9}, 0, 25, nullptr}, d{{10, 10, 0}, 0, 20, &e}, c{{10, 0, 5}, 0, 10, &d},
       b{{10, 0, 0}, 0, 10, &c}, a{{0, 0, 0}, 0, 0, &b};
-  const double north = std::acos(0.0), west = std::acos(-1.0);
-  const struct {
-    double chainage, x, y, direction;
-  } cases[] = {{-1, 0, 0, 0},         {0, 0, 0, 0},           {4, 4, 0, 0},
-               {10, 10, 0, 0},        {10.5, 10, 0.5, north}, {20, 10, 10, north},
-               {20.5, 9.5, 10, west}, {25, 5, 10, west},      {99, 5, 10, west}};
-  for (const auto& k : cases) {
+  std::u16string places;
+  for (const double chainage : {-1.0, 0.0, 4.0, 10.0, 10.5, 20.0, 20.5, 25.0, 99.0}) {
     AcGePoint2d point;
     double direction = -9;
-    EXPECT_EQ(XYdaProgsuDatiPoli(&a, k.chainage, point, direction), 1);
-    EXPECT_DOUBLE_EQ(point.x, k.x) << k.chainage;
-    EXPECT_DOUBLE_EQ(point.y, k.y) << k.chainage;
-    EXPECT_DOUBLE_EQ(direction, k.direction) << k.chainage;
+    EXPECT_EQ(XYdaProgsuDatiPoli(&a, chainage, point, direction), 1);
+    places += platform::format(u"%g,%g %.3f;", point.x, point.y, direction);
   }
+  EXPECT_EQ(places,
+            u"0,0 0.000;0,0 0.000;4,0 0.000;10,0 0.000;10,0.5 1.571;10,10 1.571;9.5,10 3.142;5,10 "
+            u"3.142;5,10 3.142;");
   AcGePoint2d point(7, 7);
   double direction = 3;
   EXPECT_EQ(XYdaProgsuDatiPoli(&e, 30, point, direction), 1) << "one vertex is a path too";
@@ -275,11 +269,10 @@ TEST_F(Geometry, RowsOfTheFamilysOwnAbstraction) {
   utils->GetXData({}, u"PROVA", rows);
   EXPECT_EQ(rows.GetCount(), 0);
   KsrGeneralUtils* general = KsrFactory::GetGeneralUtils();
-  EXPECT_FALSE(general->ExternalMode());
-  general->SetExternalMode(true);
-  EXPECT_TRUE(KsrFactory::GetGeneralUtils()->ExternalMode());
-  general->SetExternalMode(false);
-  EXPECT_FALSE(general->ExternalMode());
+  for (const bool on : {true, false}) {
+    general->SetExternalMode(on);
+    EXPECT_EQ(KsrFactory::GetGeneralUtils()->ExternalMode(), on);
+  }
 }
 
 }  // namespace
