@@ -226,6 +226,7 @@ TEST_F(SaveCalls, SignalsTakeTheUnfinishedFileAway) {
   for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGPIPE}) {
     const pid_t child = fork();
     if (child == 0) {
+      std::signal(signal, SIG_DFL);  // programs run in the background ignore some of them
       endTemporaryFilesOnSignals();
       Result<SaveFile> first = SaveFile::begin(at("plan.dxf"));
       Result<SaveFile> second = SaveFile::begin(at("second.dxf"));
