@@ -68,14 +68,6 @@ std::string faultOfRows(const vessora::ReportFindings& found, const std::u16stri
                                : words("; elementi senza riga: ", "; elements without a row: ") +
                                      std::to_string(found.missing));
   }
-  // Elements without a row get the values of some other one: of most of a network that is no
-  // result.
-  if (found.missing > found.elements / 2) {
-    return std::to_string(found.missing) + words(" elementi su ", " elements of ") +
-           std::to_string(found.elements) +
-           words(" non vi compaiono: è il report di un'altra rete, o di una sua parte",
-                 " are not in it: it is the report of another network, or of a part of it");
-  }
   return {};
 }
 
