@@ -65,20 +65,28 @@ Acad::ErrorStatus Drawing::placeOf(std::uint32_t owner, const TagList& tags, Pla
   return place.before ? Acad::eOk : Acad::eKeyNotFound;
 }
 
+// Whether the layer that a tag names is in the table. Objects come by the thousand on one layer, so
+// the latest answer is kept.
+bool Drawing::hasLayer(const TagList& tags, int at) {
+  const std::string_view name = tags[at].bytes();
+  if (lastLayer_ && name == lastLayerBytes_ && !records_[lastLayer_].is(Record::erased) &&
+      records_[lastLayer_].name == lastLayerName_) {
+    return true;
+  }
+  lastLayerName_ = names().ofBytes(tags.format(), name);
+  lastLayer_ = structure_.tableEntry(Type::layer, lastLayerName_);
+  lastLayerBytes_ = name;
+  return lastLayer_ != 0;
+}
+
 // What the new object is called and what it names must be possible in this drawing.
-Acad::ErrorStatus Drawing::checkNames(const TagList& tags, const Place& place) {
+Acad::ErrorStatus Drawing::checkNames(const TagList& tags, Place& place) {
   const TagRange body = tags.body();
   const int version = format().version;
   if (place.entity) {
-    const int layer = tags.find(8, body);
-    // By its bytes, as nearly every object finds its layer; one without a layer lies on "0".
-    const auto isThere = [&] {
-      return structure_.tableEntry(Type::layer,
-                                   names().ofBytes(tags.format(), tags[layer].bytes()));
-    };
-    if (layer >= 0 && !isThere() && !usableName(tags.text(layer), version)) {
-      return Acad::eInvalidInput;
-    }
+    const int layer = tags.find(8, body);  // an object without a layer lies on "0"
+    place.newLayer = layer >= 0 && !hasLayer(tags, layer);
+    if (place.newLayer && !usableName(tags.text(layer), version)) return Acad::eInvalidInput;
     if (!tags.is(0, "INSERT")) return Acad::eOk;
     const int block = tags.find(2, body);
     return block >= 0 && structure_.blockNamed(tags.text(block)) ? Acad::eOk : Acad::eKeyNotFound;
@@ -101,16 +109,15 @@ void Drawing::settleReferences(TagList& tags, const Place& place) {
     }
   }
   if (!place.entity) return;
-  const TagRange common = tags.subclass("AcDbEntity");
-  if (const int i = tags.find(8, common);
-      i >= 0 && !structure_.tableEntry(Type::layer, nameAt(i))) {
-    structure_.layerNamed(tags.text(i), true);
-  }
+  if (place.newLayer) structure_.layerNamed(tags.text(tags.find(8, tags.body())), true);
   const auto settle = [&](int code, TagRange range, auto&& has) {
     const int i = tags.find(code, range);
     if (i >= 0 && !has(i)) tags.erase(i, i + 1);
   };
-  settle(6, common, [&](int i) { return structure_.hasLinetype(tags.text(i)); });
+  if (tags.find(6, 1, end) >= 0) {
+    settle(6, tags.subclass("AcDbEntity"),
+           [&](int i) { return structure_.hasLinetype(tags.text(i)); });
+  }
   if (tags.find(7, 1, end) < 0) return;
   settle(7, tags.subclass("AcDbText"),
          [&](int i) { return structure_.tableEntry(Type::style, nameAt(i)) != 0; });

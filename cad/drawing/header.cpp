@@ -111,8 +111,8 @@ bool Header::setText(std::string_view name, std::u16string_view text) {
 }
 
 const Header::Values& Header::values() const {
-  const std::uint32_t header = structure_.section(u"HEADER").begin;
-  const TextKey key = header ? records_.textKey(header) : TextKey{};
+  if (!record_) record_ = structure_.section(u"HEADER").begin;
+  const TextKey key = record_ ? records_.textKey(record_) : TextKey{};
   if (values_.of == key) return values_;
   values_ = Values();
   values_.of = key;

@@ -46,6 +46,7 @@ class CAD_API Header {
   Structure& structure_;
   Writer& writer_;
   mutable Values values_;
+  mutable std::uint32_t record_ = 0;  // the section's record, which never moves once it is there
 };
 
 }  // namespace cad

@@ -16,10 +16,11 @@ namespace cad {
 // Where a new record goes: right before `before`, as a member of `owner`.
 struct Place {
   std::uint32_t before = 0, owner = 0;
-  bool space = false;   // in model space or a layout
-  bool child = false;   // a vertex, an attribute or the mark behind them
-  bool paper = false;   // in a layout
-  bool entity = false;  // and no entry of a table or other object
+  bool space = false;     // in model space or a layout
+  bool child = false;     // a vertex, an attribute or the mark behind them
+  bool paper = false;     // in a layout
+  bool entity = false;    // and no entry of a table or other object
+  bool newLayer = false;  // it names a layer that is still to be made
 };
 
 class CAD_API Writer {
