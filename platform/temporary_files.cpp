@@ -25,8 +25,14 @@ struct Slot {
   char path[PATH_MAX];
 };
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler reads it");
-extern "C" __attribute__((visibility("default"))) Slot vessora_unfinished_files[kSlots];
-Slot vessora_unfinished_files[kSlots];
+
+namespace {
+Slot g_slots[kSlots];  // this copy's own
+}  // namespace
+
+// Shown to the loader: see slots().
+extern "C" __attribute__((visibility("default"))) Slot* vessora_unfinished_files();
+Slot* vessora_unfinished_files() { return g_slots; }
 
 namespace {
 
@@ -36,7 +42,7 @@ namespace {
 Slot* slots() {
   static Slot* const all = [] {
     void* const shown = dlsym(RTLD_DEFAULT, "vessora_unfinished_files");
-    return shown ? static_cast<Slot*>(shown) : vessora_unfinished_files;
+    return shown ? reinterpret_cast<Slot* (*)()>(shown)() : g_slots;
   }();
   return all;
 }
