@@ -352,7 +352,7 @@ TEST_F(ObjectsTest, ErasingTakesAlongWhatHangsOnTheObject) {
   Open<AcDbEntity>(d.idOf(d.byHandle(0x50)), AcDb::kForWrite)->erase();
   d.endCommand();
   const std::string after = d.toBytes();
-  for (const char* gone : {"segreto", "{ACAD_XDICTIONARY", "340\n50", "331\n50"}) {
+  for (const char* gone : {"segreto", "{ACAD_XDICTIONARY", "340\n50", "331\n50", "  5\n50\n"}) {
     EXPECT_EQ(after.find(gone), after.npos) << gone;
   }
   for (const char* kept : {"insieme", "340\n51", "331\n51\n  5\n51"}) {
