@@ -22,6 +22,14 @@ struct InpContents {
   EpaNetwork network;
   EpaSettings settings;
   Notices notices;
+  // What would be drawn, counted once: whoever examines a file goes on to draw it.
+  std::int64_t size(NetworkDrawing& drawing) {
+    if (size_ < 0) size_ = drawing.size();
+    return size_;
+  }
+
+ private:
+  std::int64_t size_ = -1;
 };
 
 namespace {
@@ -88,7 +96,8 @@ InpFindings examineInp(const InpFile& file) {
   found.counts = {count(n.juncs), count(n.resvs), count(n.tanks),
                   count(n.pipes), count(n.pumps), count(n.valves)};
   found.coordinates = count(n.coords);
-  found.drawn = NetworkDrawing(n).size();
+  NetworkDrawing drawing(n);
+  found.drawn = file->size(drawing);
   found.outOfProportion = isOutOfProportion(found.drawn, n);
   found.unusable = schema::unusableCharacter(found.name);
   found.longestLayer = schema::longestLayerName(found.name);
@@ -100,6 +109,11 @@ InpFindings examineInp(const InpFile& file) {
 ImportResult importInp(const InpFile& file, std::u16string_view name) {
   ImportResult result;
   result.reading = std::move(file->notices);
+  NetworkDrawing drawing(file->network);
+  if (isOutOfProportion(file->size(drawing), file->network)) {
+    result.reading.push_back({NoticeCode::inpTooLarge, file->path});
+    return result;
+  }
   for (const char16_t* application : {app::kImport, app::kSettings, app::kPattern, app::kCurve}) {
     acdbRegApp(application);
   }
@@ -111,11 +125,6 @@ ImportResult importInp(const InpFile& file, std::u16string_view name) {
   // The first network of a drawing is its default one.
   if (names.empty()) file->settings.isDefault = 1;
   SaveSettings(file->settings, true);
-  NetworkDrawing drawing(file->network);
-  if (isOutOfProportion(drawing.size(), file->network)) {
-    result.reading.push_back({NoticeCode::inpTooLarge, file->path});
-    return result;
-  }
   drawNetwork(drawing, file->network, result);
   return result;
 }
