@@ -9,9 +9,10 @@
 namespace cli {
 namespace {
 
-// Releases before R2000 have room for 31 characters in a name.
+// Characters that a name may have in the open drawing, as the host rules it.
 std::size_t longestName() {
-  return cad::Session::instance().database()->drawing().format().version < 1015 ? 31 : 255;
+  const cad::Drawing& drawing = cad::Session::instance().database()->drawing();
+  return static_cast<std::size_t>(cad::faultOfName(u"", drawing.format().version).limit);
 }
 
 std::string shown(char16_t c) {

@@ -65,27 +65,13 @@ Acad::ErrorStatus Drawing::placeOf(std::uint32_t owner, const TagList& tags, Pla
   return place.before ? Acad::eOk : Acad::eKeyNotFound;
 }
 
-// Whether the layer that a tag names is in the table. Objects come by the thousand on one layer, so
-// the latest answer is kept.
-bool Drawing::hasLayer(const TagList& tags, int at) {
-  const std::string_view name = tags[at].bytes();
-  if (lastLayer_ && name == lastLayerBytes_ && !records_[lastLayer_].is(Record::erased) &&
-      records_[lastLayer_].name == lastLayerName_) {
-    return true;
-  }
-  lastLayerName_ = names().ofBytes(tags.format(), name);
-  lastLayer_ = structure_.tableEntry(Type::layer, lastLayerName_);
-  lastLayerBytes_ = name;
-  return lastLayer_ != 0;
-}
-
 // What the new object is called and what it names must be possible in this drawing.
 Acad::ErrorStatus Drawing::checkNames(const TagList& tags, Place& place) {
   const TagRange body = tags.body();
   const int version = format().version;
   if (place.entity) {
     const int layer = tags.find(8, body);  // an object without a layer lies on "0"
-    place.newLayer = layer >= 0 && !hasLayer(tags, layer);
+    place.newLayer = layer >= 0 && !structure_.hasLayer(tags, layer);
     if (place.newLayer && !usableName(tags.text(layer), version)) return Acad::eInvalidInput;
     if (!tags.is(0, "INSERT")) return Acad::eOk;
     const int block = tags.find(2, body);

@@ -142,7 +142,6 @@ class CAD_API Drawing {
   Acad::ErrorStatus placeOf(std::uint32_t owner, const TagList& tags, Place& place);
   std::uint32_t endOfParts(std::uint32_t owner, const Place& place);
   std::uint32_t addSequenceEnd(std::uint32_t owner, std::uint32_t before, const Place& like);
-  bool hasLayer(const TagList& tags, int at);
   Acad::ErrorStatus checkNames(const TagList& tags, Place& place);
   void settleReferences(TagList& tags, const Place& place);
   Acad::ErrorStatus mayErase(std::uint32_t record) const;
@@ -167,8 +166,6 @@ class CAD_API Drawing {
   bool renumbered_ = false;     // opening gave objects handles that the file does not have
   bool erasedMembers_ = false;  // an entity was erased that groups or drawing orders may list
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
-  std::string lastLayerBytes_;                 // the layer that a new object named last
-  std::uint32_t lastLayer_ = 0, lastLayerName_ = 0;
   std::unordered_map<std::uint32_t, bool> highlighted_;
 };
 

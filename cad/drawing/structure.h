@@ -80,6 +80,8 @@ class CAD_API Structure {
   void enterName(std::uint32_t record, std::uint32_t name);
   // The layer, made on demand; 0 when there is none and none may be made of such a name.
   std::uint32_t layerNamed(std::u16string_view name, bool make);
+  // Whether the layer that a tag names, in the drawing's own encoding, is there.
+  bool hasLayer(const TagList& tags, int at);
   std::uint32_t registerApplication(std::u16string_view name);
   // The line type may stand in an entity: it is in the table, or one of the two that are always
   // there.
@@ -118,6 +120,7 @@ class CAD_API Structure {
   std::uint32_t namedObjects_ = 0;
   std::vector<std::uint32_t> marks_;
   std::u16string lastLayerName_;  // the layer asked for last, its record and that one's name
+  std::string lastLayerBytes_;    // the same name as files write it, once an object came with it
   std::uint32_t lastLayer_ = 0, lastLayerNumber_ = 0;
   std::uint32_t lastTable_ = 0;  // number of the latest table's block, 0 not counted yet
 };

@@ -136,6 +136,7 @@ std::uint32_t Structure::layerNamed(std::u16string_view name, bool make) {
   }
   if (const std::uint32_t i = tableEntry(Type::layer, name); i || !make) {
     lastLayerName_ = name;
+    lastLayerBytes_.clear();
     lastLayer_ = i;
     lastLayerNumber_ = records_[i].name;
     return i;
@@ -157,6 +158,17 @@ std::uint32_t Structure::layerNamed(std::u16string_view name, bool make) {
     }
   }
   return addEntry(Type::layer, *tags);
+}
+
+bool Structure::hasLayer(const TagList& tags, int at) {
+  const std::string_view bytes = tags[at].bytes();
+  if (lastLayer_ && bytes == lastLayerBytes_ && !records_[lastLayer_].is(Record::erased) &&
+      records_[lastLayer_].name == lastLayerNumber_) {
+    return true;
+  }
+  if (!layerNamed(tags.text(at), false)) return false;
+  lastLayerBytes_ = bytes;
+  return true;
 }
 
 std::uint32_t Structure::registerApplication(std::u16string_view name) {
