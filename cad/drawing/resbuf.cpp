@@ -33,9 +33,19 @@ resbuf* takeNode(int type) {
 
 bool within(int v, int low, int high) { return v >= low && v <= high; }
 
+// Extended data, which chains hold most.
+RbKind kindOfExtended(int type) {
+  if (type <= 1005) return RbKind::text;
+  if (type <= 1009) return RbKind::none;
+  if (type <= 1013) return RbKind::point;
+  if (type <= 1059) return RbKind::real;
+  return type <= 1070 ? RbKind::int16 : RbKind::int32;
+}
+
 }  // namespace
 
 RbKind acutKindOf(int type) {
+  if (within(type, 1000, 1071)) return kindOfExtended(type);
   switch (type) {
     case RTREAL:
       return RbKind::real;
@@ -55,24 +65,24 @@ RbKind acutKindOf(int type) {
     default:
       break;
   }
-  if (within(type, 10, 18) || within(type, 110, 112) || type == 210 || within(type, 1010, 1013)) {
+  if (within(type, 10, 18) || within(type, 110, 112) || type == 210) {
     return RbKind::point;
   }
   if (within(type, 0, 9) || within(type, 100, 102) || within(type, 300, 369) ||
       within(type, 390, 399) || within(type, 410, 419) || within(type, 430, 439) ||
-      within(type, 470, 481) || within(type, 1000, 1005) || type == 105 || type == 999) {
+      within(type, 470, 481) || type == 105 || type == 999) {
     return RbKind::text;
   }
   if (within(type, 19, 59) || within(type, 113, 149) || within(type, 211, 239) ||
-      within(type, 460, 469) || within(type, 1014, 1059)) {
+      within(type, 460, 469)) {
     return RbKind::real;
   }
   if (within(type, 60, 79) || within(type, 170, 179) || within(type, 270, 299) ||
-      within(type, 370, 389) || within(type, 400, 409) || within(type, 1060, 1070)) {
+      within(type, 370, 389) || within(type, 400, 409)) {
     return RbKind::int16;
   }
   if (within(type, 90, 99) || within(type, 160, 169) || within(type, 420, 429) ||
-      within(type, 440, 459) || type == 1071) {
+      within(type, 440, 459)) {
     return RbKind::int32;
   }
   return RbKind::none;

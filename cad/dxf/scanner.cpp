@@ -139,6 +139,10 @@ class Indexer {
           record_->layer = cached(value, lastLayer_, lastLayerBytes_);
         }
         break;
+      case 60:
+        if (!(seen_ & kHidden)) record_->set(Record::hidden, number(value) != 0);
+        seen_ |= kHidden;
+        break;
       case 67:
         if (number(value) == 1) record_->set(Record::paper);
         break;
@@ -158,7 +162,7 @@ class Indexer {
       case 1001: {
         const std::uint32_t app = cached(value, lastApp_, lastAppBytes_);
         if (record_->type != Type::section) record_->apps = names_.sets.with(record_->apps, app);
-        seen_ |= kName | kLayer | kHandle | kFlags;
+        seen_ |= kName | kLayer | kHandle | kFlags | kHidden;
         break;
       }
       default:
@@ -167,7 +171,7 @@ class Indexer {
   }
 
  private:
-  static constexpr unsigned kHandle = 1, kName = 2, kLayer = 4, kFlags = 8;
+  static constexpr unsigned kHandle = 1, kName = 2, kLayer = 4, kFlags = 8, kHidden = 16;
 
   void setHandle(std::string_view value) {
     seen_ |= kHandle;
@@ -297,7 +301,7 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
     std::size_t valueEnd = lines.next();
     at = valueEnd < bytes.size() ? valueEnd + 1 : valueEnd;
     // Only a handful of codes matter here; points, numbers and texts pass by.
-    if (code != 0 && code != 2 && code != 5 && code != 8 && code != 105 &&
+    if (code != 0 && code != 2 && code != 5 && code != 8 && code != 60 && code != 105 &&
         !(code >= 66 && code <= 70) && code != 1001) {
       if (!any && code != 999) break;
       continue;

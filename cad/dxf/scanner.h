@@ -86,6 +86,7 @@ struct Record {
     polyMesh = 512,  // POLYLINE that is a mesh
     hasParts = 1024,  // INSERT followed by attributes
     stored = 2048,    // its text lies in the drawing's own memory, not in the file's
+    hidden = 4096,    // entity that is drawn nowhere, whatever its layer says
   };
   const char* bytes = nullptr;
   std::uint64_t handle = 0;

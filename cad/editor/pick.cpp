@@ -24,12 +24,6 @@ bool layerShown(const Drawing& d, std::uint32_t layerName, std::vector<signed ch
   return shown == 1;
 }
 
-bool isHidden(const Drawing& d, std::uint32_t entity) {
-  const auto t = borrowTags();
-  d.parse(entity, *t);
-  return t->integerOr(60, 0, t->body()) != 0;
-}
-
 Pick byName(Drawing& d, std::u16string_view name) {
   Pick pick;
   const auto t = borrowTags();
@@ -65,7 +59,8 @@ std::vector<std::uint32_t> seenEntities(Drawing& d) {
   std::vector<std::uint32_t> seen;
   std::vector<signed char> shown;
   for (const std::uint32_t e : d.index().allInSpace()) {
-    if (d.record(e).owner == space && layerShown(d, d.record(e).layer, shown) && !isHidden(d, e)) {
+    const Record& r = d.record(e);
+    if (r.owner == space && !r.is(Record::hidden) && layerShown(d, r.layer, shown)) {
       seen.push_back(e);
     }
   }

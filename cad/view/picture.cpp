@@ -193,9 +193,9 @@ class Taker {
   using Sink = std::function<void(Styled&&)>;
 
   void entity(std::uint32_t e, const Sink& sink, int depth) {
+    if (d_.record(e).is(Record::hidden)) return;
     TagList t;
     d_.parse(e, t);
-    if (t.integerOr(60, 0, t.body()) == 1) return;
     const Style style = styleOf(e, t);
     shapes(e, t, style, sink);
     if (const auto reference = shape::referenceOf(d_, e, t)) copies(*reference, style, sink, depth);
@@ -212,10 +212,10 @@ class Taker {
   }
 
   void attribute(std::uint32_t a, const Style& reference, const Sink& sink) {
-    if (!look(d_.record(a).layer).shown) return;
+    const Record& r = d_.record(a);
+    if (r.is(Record::hidden) || !look(r.layer).shown) return;
     TagList t;
     d_.parse(a, t);
-    if (t.integerOr(60, 0, t.body()) == 1) return;
     Style own = styleOf(a, t);
     inherit(own, reference);
     shapes(a, t, own, sink);
