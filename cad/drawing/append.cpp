@@ -11,7 +11,7 @@ namespace {
 int sinceOf(const TagList& tags) {
   if (tags.is(0, "ACAD_TABLE") || tags.is(0, "TABLESTYLE")) return 1018;
   if (tags.is(0, "LWPOLYLINE")) return 1014;
-  if (tags.is(0, "DICTIONARY") || tags.is(0, "XRECORD") || tags.is(0, "MTEXT")) return 1012;
+  if (tags.is(0, "DICTIONARY") || tags.is(0, "XRECORD")) return 1012;
   return 0;
 }
 

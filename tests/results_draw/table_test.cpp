@@ -142,6 +142,25 @@ TEST_F(Tables, AnEditRedrawsAndDropsWhatWouldContradictIt) {
   EXPECT_EQ(faults(), std::vector<std::string>());
 }
 
+TEST_F(Tables, CellsOfASavedTableAreMerged) {
+  drawn({{u"Titolo"}, {u"a", u"1"}, {u"b", u"2"}, {u"c", u"3"}});
+  saveAndReload();
+  {
+    const Opened<AcDbTable> table(onLayer(u"TAB")[0], AcDb::kForWrite);
+    ASSERT_EQ(table->mergeCells(1, 3, 0, 0), Acad::eOk);
+  }
+  saveAndReload();
+  const Opened<AcDbTable> table(onLayer(u"TAB")[0]);
+  std::string merged;
+  for (int row = 0; row < 4; ++row) {
+    for (int column = 0; column < 2; ++column)
+      merged += table->isMergedCell(row, column) ? 'm' : '.';
+  }
+  EXPECT_EQ(merged, "mmm.m.m.");
+  EXPECT_EQ(picture(onLayer(u"TAB")[0]), "8 lines, 5 texts, 0 others");
+  EXPECT_EQ(faults(), std::vector<std::string>());
+}
+
 TEST_F(Tables, SizesThatAFileClaimsAreNotBelieved) {
   drawn({{u"Titolo"}, {u"a", u"1"}});
   {
