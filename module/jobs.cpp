@@ -5,6 +5,7 @@
 #include "module/host/command_span.h"
 #include "module/host/host_drawing.h"
 #include "module/host/translate.h"
+#include "module/host/warnings.h"
 #include "module/network/network_list.h"
 
 namespace vessora {
@@ -26,6 +27,8 @@ class ModuleJobs : public Jobs {
 #include "module/host/commands.def"
     return rows;
   }
+
+  Notices takeWarnings() override { return vessora::takeWarnings(); }
 
   std::vector<NetworkInfo> networks() override { return networksOfDrawing(); }
   NetworkInfo network(std::u16string_view name) override { return networkInfo(name); }

@@ -35,7 +35,7 @@ class Jobs : public AcRxObject {
   static constexpr char16_t kService[] = u"VESSORA_JOBS";
   // Goes up with every change of this interface, so that a program never calls a module that was
   // built for another one.
-  static constexpr char16_t kClass[] = u"VessoraJobs2";
+  static constexpr char16_t kClass[] = u"VessoraJobs3";
 
   // The jobs of the loaded module, which stay the module's; null when there are none of this
   // interface. Libraries do not share addresses of classes, so the class is known by its name.
@@ -48,6 +48,9 @@ class Jobs : public AcRxObject {
 
   // All commands, in the order in which they are shown.
   virtual std::vector<CommandRow> commands() = 0;
+  // What the commands that have run since the last call left inconsistent, which their own texts do
+  // not tell: for the program to print after each.
+  virtual Notices takeWarnings() = 0;
 
   // --- on the open drawing. Jobs show, ask and print nothing, and are told apart from commands by
   // nothing else: what they draw is what the commands draw. They throw std::bad_alloc alone.

@@ -12,6 +12,20 @@
 
 namespace cli {
 
+namespace {
+
+// What the last command left inconsistent, on the command line below its own words.
+void tellWarnings() {
+  vessora::Jobs* const jobs = vessora::Jobs::find();
+  if (!jobs) return;
+  for (const std::string& line : described(jobs->takeWarnings())) {
+    cad::Session::instance().frontend().print(
+        platform::widen("\n" + words("Attenzione: ", "Warning: ") + line));
+  }
+}
+
+}  // namespace
+
 platform::Result<void> startHost(cad::ui::Frontend& ui) {
   cad::Session& session = cad::Session::instance();
   session.setFrontend(&ui);
@@ -40,12 +54,14 @@ platform::Result<void> startHost(cad::ui::Frontend& ui) {
   for (const vessora::CommandRow& row : jobs->commands()) {
     session.addExport(*module, u"VESSORA", {row.name, row.symbol, row.help});
   }
+  session.afterCommand = tellWarnings;
   return {};
 }
 
 void stopHost() {
   cad::Session& session = cad::Session::instance();
   session.closeDrawing();
+  session.afterCommand = nullptr;
   session.unloadModules();
   session.setFrontend(nullptr);
 }

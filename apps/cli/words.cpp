@@ -98,15 +98,21 @@ std::string describe(const vessora::Notice& notice) {
   return {};
 }
 
-void warn(const vessora::Notices& notices) {
+std::vector<std::string> described(const vessora::Notices& notices) {
+  std::vector<std::string> lines;
   const vessora::Notice* before = nullptr;
   for (const vessora::Notice& notice : notices) {
     // A missing symbol is missing for each element; once is enough.
     const bool again = before && before->code == notice.code && before->subject == notice.subject &&
                        before->other == notice.other;
-    if (!again) warn(describe(notice));
+    if (!again) lines.push_back(oneLine(describe(notice)));
     before = &notice;
   }
+  return lines;
+}
+
+void warn(const vessora::Notices& notices) {
+  for (const std::string& line : described(notices)) warn(line);
 }
 
 std::string describe(const vessora::ElementCounts& n) {

@@ -23,6 +23,8 @@ void say(std::string_view line);
 
 // One notice in words, without its end.
 std::string describe(const vessora::Notice& notice);
+// Notices in words, one that is said again at once left out.
+std::vector<std::string> described(const vessora::Notices& notices);
 void warn(const vessora::Notices& notices);
 // "junctions 9, reservoirs 1, ..."
 std::string describe(const vessora::ElementCounts& counts);

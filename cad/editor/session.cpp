@@ -162,6 +162,7 @@ RunResult Session::run(std::u16string_view name) {
   if (depth_ == 0) {
     checkLeaks(command.globalName);
     if (database_) database_->drawing().endCommand();
+    if (afterCommand) afterCommand();
     runPosted();
   }
   return quit_ ? RunResult::quit : RunResult::done;

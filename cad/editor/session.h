@@ -120,6 +120,9 @@ class CAD_API Session {
   void post(std::u16string_view line) { posted_.emplace_back(line); }
   void requestQuit() { quit_ = true; }
   bool quitRequested() const { return quit_; }
+  // Called after each command of the user's, when its effects stand and before what it has posted:
+  // a program says there what the command itself does not.
+  std::function<void()> afterCommand;
   // What commands left open or unreleased since the last call; empty when all was well.
   std::string takeLeaks();
 
