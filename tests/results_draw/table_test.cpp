@@ -157,6 +157,16 @@ TEST_F(Tables, CellsOfASavedTableAreMerged) {
       merged += table->isMergedCell(row, column) ? 'm' : '.';
   }
   EXPECT_EQ(merged, "mmm.m.m.");
+  std::string spans;  // columns and rows of each cell
+  const cad::TagList& t = cad::Inside::tags(*table);
+  for (int i = 0; i < t.size(); ++i) {
+    if (t[i].code == 175 || t[i].code == 176) spans += std::to_string(t.integer(i));
+  }
+  EXPECT_EQ(spans,
+            "2111"
+            "1311"
+            "1111"
+            "1111");
   EXPECT_EQ(picture(onLayer(u"TAB")[0]), "8 lines, 5 texts, 0 others");
   EXPECT_EQ(faults(), std::vector<std::string>());
 }
