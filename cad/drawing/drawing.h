@@ -126,6 +126,8 @@ class CAD_API Drawing {
   // --- undo by command
   void beginCommand(std::u16string_view name) { history_.begin(name); }
   void endCommand() { history_.end(); }
+  // Takes back what the running command has changed and ends it. Nothing may be open.
+  void abandonCommand() { history_.abandon(); }
   // Name of the command taken back or brought back; empty when there is none.
   std::u16string undo() { return open_.empty() ? history_.undo() : std::u16string(); }
   std::u16string redo() { return open_.empty() ? history_.redo() : std::u16string(); }

@@ -15,6 +15,7 @@ void History::begin(std::u16string_view command) {
   now_ = Step();
   now_.name = command;
   running_ = true;
+  changedBefore_ = changed_;
 }
 
 void History::keep(std::uint32_t record) {
@@ -30,8 +31,8 @@ void History::keep(std::uint32_t record) {
   if (bytes_ > limit_) trim();
 }
 
-void History::end() {
-  if (!running_) return;
+bool History::end() {
+  if (!running_) return false;
   running_ = false;
   const auto kept = std::remove_if(
       now_.before.begin(), now_.before.end(), [&](const std::pair<std::uint32_t, Record>& entry) {
@@ -55,13 +56,24 @@ void History::end() {
         return true;
       });
   now_.before.erase(kept, now_.before.end());
-  if (now_.before.empty()) return;
+  if (now_.before.empty()) return false;
   now_.before.shrink_to_fit();
   undo_.push_back(std::move(now_));
   now_ = Step();
   for (Step& step : redo_) forget(step);
   redo_.clear();
   trim();
+  return true;
+}
+
+void History::abandon() {
+  if (!running_) return;
+  if (end()) {
+    swap(undo_.back());
+    forget(undo_.back());
+    undo_.pop_back();
+  }
+  changed_ = changedBefore_;
 }
 
 void History::forget(Step& step) {

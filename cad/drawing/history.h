@@ -20,8 +20,11 @@ class CAD_API History {
   History(Records& records, Index& index) : records_(records), index_(index) {}
 
   void begin(std::u16string_view command);
-  // Ends the running command. What it changed and put back again is no change.
-  void end();
+  // Ends the running command. What it changed and put back again is no change; false when nothing
+  // is left to take back.
+  bool end();
+  // Ends the running command and takes back what it has changed, as if it had never begun.
+  void abandon();
   bool running() const { return running_; }
   // Keeps the record's state, if the running command has not yet; marks the drawing as changed.
   void keep(std::uint32_t record);
@@ -68,6 +71,7 @@ class CAD_API History {
   Records& records_;
   Index& index_;
   bool running_ = false, changed_ = false;
+  bool changedBefore_ = false;  // what stood in `changed_` when the running command began
   std::uint64_t revision_ = 0;
   Step now_;
   std::vector<Step> undo_, redo_;

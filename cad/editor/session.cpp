@@ -138,12 +138,15 @@ RunResult Session::run(std::u16string_view name) {
   const auto it = commands_.find(commandKey(name));
   if (it == commands_.end()) return RunResult::unknown;
   const Command command = it->second;
+  const bool wasModified = isModified();
+  bool abandoned = false;
   ++depth_;
   const bool keepsNone = command.module == 0 && (command.flags & Command::outsideUndo);
   if (database_ && depth_ == 1 && !keepsNone) {
     database_->drawing().beginCommand(command.globalName);
   }
   if (depth_ == 1) {
+    frontend().setUnanswered([] { throw CommandAbandoned(); });
     // What the caller holds is his own affair.
     nodesBefore_ = acutLiveNodes();
     heldBefore_.clear();
@@ -157,15 +160,34 @@ RunResult Session::run(std::u16string_view name) {
   } catch (const std::bad_alloc&) {
     // The drawing is whole, and what the command has done so far can be taken back.
     frontend().invalid(u"Memoria esaurita: comando interrotto.");
+  } catch (const CommandAbandoned&) {
+    if (depth_ > 1) {
+      --depth_;
+      throw;
+    }
+    abandoned = true;
   }
   --depth_;
   if (depth_ == 0) {
+    frontend().setUnanswered(nullptr);
     checkLeaks(command.globalName);
-    if (database_) database_->drawing().endCommand();
+    if (abandoned) {
+      takeBack(wasModified);
+    } else if (database_) {
+      database_->drawing().endCommand();
+    }
     if (afterCommand) afterCommand();
     runPosted();
   }
   return quit_ ? RunResult::quit : RunResult::done;
+}
+
+// Nothing of a command that was left in the middle stays, nor what it had posted.
+void Session::takeBack(bool wasModified) {
+  posted_.clear();
+  if (!database_) return;
+  database_->drawing().abandonCommand();
+  if (!wasModified) cleanRevision_ = database_->drawing().revision();
 }
 
 void Session::runPosted() {

@@ -45,6 +45,10 @@ struct ExportedCommand {
 
 enum class RunResult { done, unknown, quit };
 
+// Thrown into a command that asks what nobody can answer any more: it leaves the command, which the
+// session then takes back.
+struct CAD_API CommandAbandoned {};
+
 // What a save does to a drawing file that somebody else has changed since it was opened or saved.
 enum class Overwrite { unlessChanged, always };
 
@@ -170,6 +174,7 @@ class CAD_API Session {
   AcRx::AppRetCode send(const Module& module, AcRx::AppMsgCode message);
   void forget(const Module& module);
   void runPosted();
+  void takeBack(bool wasModified);
   void checkLeaks(std::u16string_view command);
   void setDrawing(std::unique_ptr<AcDbDatabase> database, const std::string& path);
   bool isOwnFile(const std::string& path) const;

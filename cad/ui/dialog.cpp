@@ -54,15 +54,28 @@ void Dialog::prepare() {
   showData();
 }
 
+// The span of an opening, left also where a front end throws.
+class Dialog::Opening {
+ public:
+  Opening(Dialog& dialog, Frontend& frontend) : dialog_(dialog) { dialog.frontend_ = &frontend; }
+  Opening(const Opening&) = delete;
+  Opening& operator=(const Opening&) = delete;
+  ~Opening() {
+    dialog_.frontend_ = nullptr;
+    dialog_.view_ = nullptr;
+  }
+
+ private:
+  Dialog& dialog_;
+};
+
 Outcome Dialog::run(Frontend& frontend) {
   if (open()) return Outcome::cancel;
-  frontend_ = &frontend;
+  const Opening opening(*this, frontend);
   prepare();
   onInit();
   if (!ended_) frontend.runDialog(*this);
   if (!ended_) end(Outcome::cancel);
-  frontend_ = nullptr;
-  view_ = nullptr;
   return outcome_;
 }
 

@@ -117,6 +117,7 @@ class CAD_UI_API Dialog {
  private:
   friend class Control;
   friend class Group;
+  class Opening;
   void add(Control& control) { controls_.push_back(&control); }
   void add(Group& group) { groups_.push_back(&group); }
   void remove(Control& control);

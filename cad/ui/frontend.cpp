@@ -59,10 +59,12 @@ Frontend::~Frontend() = default;
 void Frontend::runDialog(Dialog& dialog) {
   if (journal_ != nullptr) journal_->line(u"[" + plainName(dialog.declaredTitle()) + u"]");
   showDialog(dialog);
+  leaveWhenEnded();
 }
 
 Pressed Frontend::messageBox(const Message& message) {
   Pressed pressed = showMessage(message);
+  leaveWhenEnded();
   if (journal_ != nullptr) {
     std::u16string line = u"! " + oneLine(message.text);
     if (message.buttons != Buttons::ok) (line += u" -> ") += wordOf(pressed);
@@ -73,12 +75,14 @@ Pressed Frontend::messageBox(const Message& message) {
 
 std::optional<std::u16string> Frontend::askFile(const FileQuestion& question) {
   auto path = showFileQuestion(question);
+  leaveWhenEnded();
   if (journal_ != nullptr) journal_->line(u"@ " + (path ? quoted(*path) : u"<esc>"));
   return path;
 }
 
 Answer Frontend::ask(const Prompt& prompt) {
   Answer answer = showPrompt(prompt);
+  leaveWhenEnded();
   if (journal_ == nullptr) return answer;
   switch (answer.status) {
     case Answer::Status::ok:

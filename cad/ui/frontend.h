@@ -2,6 +2,7 @@
 // script. Everything is modal and synchronous, on one thread.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -74,6 +75,9 @@ class CAD_UI_API Frontend {
   void invalid(std::u16string_view reason);
   // No answer will come any more: whatever is asked, the same refusal comes back.
   virtual bool ended() const { return false; }
+  // Called where a question has been put that nobody can answer any more. A handler that throws
+  // leaves whoever asked; commands may ask on and on in spite of every refusal. Null for none.
+  void setUnanswered(std::function<void()> handler) { unanswered_ = std::move(handler); }
   // Output of commands; line ends are in the text.
   virtual void print(std::u16string_view text) = 0;
   virtual void help(std::u16string_view topic);
@@ -95,7 +99,12 @@ class CAD_UI_API Frontend {
   virtual void showInvalid(std::u16string_view reason) = 0;
 
  private:
+  void leaveWhenEnded() const {
+    if (unanswered_ && ended()) unanswered_();
+  }
+
   Journal* journal_ = nullptr;
+  std::function<void()> unanswered_;
   std::u16string clipboard_;
 };
 

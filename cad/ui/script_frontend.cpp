@@ -1,8 +1,5 @@
 #include "cad/ui/script_frontend.h"
 
-#include <cstdio>
-#include <cstdlib>
-
 #include "cad/ui/dialog.h"
 #include "cad/ui/gesture_line.h"
 #include "cad/ui/names.h"
@@ -54,21 +51,6 @@ ScriptFrontend::ScriptFrontend(std::string_view script, std::string name, Output
 void ScriptFrontend::fail(int line, u16string_view reason) {
   if (failed()) return;
   error_ = name_ + ":" + std::to_string(line) + ": " + platform::narrow(reason);
-}
-
-// True once the script has failed. Commands that repeat a question until they like the answer would
-// go on for ever; a limit far beyond any honest unwinding ends them.
-bool ScriptFrontend::unwinding() {
-  if (!failed()) return false;
-  constexpr int limit = 10000;
-  if (++unwound_ < limit) return true;
-  unwound_ = 0;
-  if (runaway_) {
-    runaway_();
-    return true;
-  }
-  std::fprintf(stderr, "%s\n", error_.c_str());
-  std::_Exit(1);
 }
 
 const ScriptFrontend::Line* ScriptFrontend::take(bool (*wanted)(u16string_view),
@@ -138,7 +120,7 @@ void ScriptFrontend::showDialog(Dialog& dialog) {
     u16string_view title = line.substr(1, line.size() - 2);
     return sameName(title, dialog.title()) || sameName(title, dialog.declaredTitle());
   };
-  if (!unwinding())
+  if (!failed())
     if (const Line* line = take(isTitle, standing); line != nullptr && !isThis(line->text))
       fail(line->number, awaited(line->text) + u", ma " + standing);
   while (!dialog.ended() && !failed()) {
@@ -192,7 +174,7 @@ static Expected readMessage(u16string_view line, Buttons buttons) {
 }
 
 Pressed ScriptFrontend::showMessage(const Message& message) {
-  if (unwinding()) return defaultAnswer(message.buttons);
+  if (failed()) return defaultAnswer(message.buttons);
   u16string standing = u"è comparso il messaggio " + said(message.text);
   const Line* line = take(isMessage, standing);
   if (line == nullptr) return defaultAnswer(message.buttons);
@@ -215,7 +197,7 @@ Pressed ScriptFrontend::showMessage(const Message& message) {
 }
 
 std::optional<u16string> ScriptFrontend::showFileQuestion(const FileQuestion& question) {
-  if (unwinding()) return std::nullopt;
+  if (failed()) return std::nullopt;
   u16string standing = question.mode == FileQuestion::Mode::save
                            ? u"è chiesto in quale file salvare"
                            : u"è chiesto quale file aprire";
@@ -232,8 +214,7 @@ std::optional<u16string> ScriptFrontend::showFileQuestion(const FileQuestion& qu
 
 Answer ScriptFrontend::showPrompt(const Prompt& prompt) {
   note(prompt.text);
-  // Half of the loops that a command may be in end with Enter and not with Esc.
-  if (unwinding()) return {unwound_ % 2 == 0 ? Answer::Status::none : Answer::Status::cancel, {}};
+  if (failed()) return {Answer::Status::cancel, {}};
   const Line* line = take(isPlain, u"è chiesto " + said(prompt.text));
   if (line == nullptr) return {Answer::Status::cancel, {}};
   lastAnswer_ = line->number;

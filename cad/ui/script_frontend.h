@@ -34,10 +34,8 @@ class CAD_UI_API ScriptFrontend : public Frontend {
   // Whether a line is left that is not a check of printed text.
   bool hasAnswer() const;
 
-  // A command that asks on and on in spite of being cancelled is stopped here, long after the
-  // failure. The default writes the error to standard error and ends the process with status 1.
-  void setRunaway(std::function<void()> handler) { runaway_ = std::move(handler); }
-
+  // A script that has failed answers no more: dialogs are cancelled, boxes get their default.
+  bool ended() const override { return failed(); }
   void print(std::u16string_view text) override;
   // A help request is an event that scripts may check as printed text; no window opens.
   void help(std::u16string_view topic) override;
@@ -60,7 +58,6 @@ class CAD_UI_API ScriptFrontend : public Frontend {
   void checkPrinted(std::u16string_view standing);
   void note(std::u16string_view text);
   void fail(int line, std::u16string_view reason);
-  bool unwinding();
 
   std::vector<Line> lines_;
   std::size_t next_ = 0;
@@ -69,8 +66,6 @@ class CAD_UI_API ScriptFrontend : public Frontend {
   Output output_;
   std::u16string printed_;  // since the last check
   int lastAnswer_ = 0;      // line of the last prompt's answer
-  int unwound_ = 0;
-  std::function<void()> runaway_;
 };
 
 }  // namespace cad::ui

@@ -1,8 +1,6 @@
 #include "cad/ui/terminal_frontend.h"
 
 #include <algorithm>
-#include <cstdio>
-#include <cstdlib>
 
 #include "cad/ui/gesture_line.h"
 #include "cad/ui/names.h"
@@ -48,15 +46,6 @@ std::optional<u16string> TerminalFrontend::read(u16string_view prompt,
     }
     constexpr int patience = 4;
     ended_ = !person_ || ++endsInRow_ >= patience;
-  }
-  constexpr int limit = 10000;
-  if (++afterEnd_ >= limit) {
-    afterEnd_ = 0;
-    if (!runaway_) {
-      std::fputs("Ingresso finito durante una domanda.\n", stderr);
-      std::_Exit(1);
-    }
-    runaway_();
   }
   return std::nullopt;
 }

@@ -26,10 +26,6 @@ class CAD_UI_API TerminalFrontend : public Frontend {
   TerminalFrontend(Reader reader, Output output, int width = 80);
 
   void print(std::u16string_view text) override;
-  // After the end of input every question is cancelled; a command that asks on and on in spite of
-  // that is stopped here. The default ends the process with status 1.
-  void setRunaway(std::function<void()> handler) { runaway_ = std::move(handler); }
-  bool atEnd() const { return ended_; }
   bool ended() const override { return ended_; }
   // A person sits at the terminal: where he ends his input he refuses one question, and is asked
   // again what follows from it; only when he does so again and again is the input at its end.
@@ -60,9 +56,7 @@ class CAD_UI_API TerminalFrontend : public Frontend {
   bool asksFile_ = false;
   int endsInRow_ = 0;
   bool atLineStart_ = true;
-  int afterEnd_ = 0;
   int shown_ = 0;  // dialogs so far: tells whether one opened over another
-  std::function<void()> runaway_;
 };
 
 }  // namespace cad::ui

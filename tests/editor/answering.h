@@ -19,13 +19,14 @@ class Answering : public cad::ui::Frontend {
   std::vector<std::u16string> messages, complaints;
 
   void print(std::u16string_view text) override { printed += text; }
-  bool ended() const override { return answers.empty() && presses.empty(); }
+  bool ended() const override { return refused_ && answers.empty() && presses.empty(); }
 
  protected:
   void showDialog(cad::ui::Dialog& dialog) override { dialog.dismiss(); }
   cad::ui::Pressed showMessage(const cad::ui::Message& m) override {
     messages.push_back(m.text);
     if (presses.empty()) return cad::ui::escapeAnswer(m.buttons);
+    refused_ = false;
     const cad::ui::Pressed pressed = presses.front();
     presses.pop_front();
     return pressed;
@@ -37,7 +38,8 @@ class Answering : public cad::ui::Frontend {
   cad::ui::Answer showPrompt(const cad::ui::Prompt& prompt) override {
     using Status = cad::ui::Answer::Status;
     prompts.push_back(prompt);
-    if (answers.empty()) return {Status::end, u""};
+    refused_ = answers.empty();
+    if (refused_) return {Status::end, u""};
     const std::u16string text = answers.front();
     answers.pop_front();
     if (text == u"<esc>") return {Status::cancel, u""};
@@ -46,4 +48,7 @@ class Answering : public cad::ui::Frontend {
     return {Status::ok, text};
   }
   void showInvalid(std::u16string_view reason) override { complaints.emplace_back(reason); }
+
+ private:
+  bool refused_ = false;  // the latest question was a prompt without an answer
 };

@@ -104,6 +104,40 @@ TEST_F(EditorTest, NoWayOutLosesChangesUnasked) {
   EXPECT_EQ(entities(), 0u);
 }
 
+TEST_F(EditorTest, ACommandThatNobodyAnswersAnyMoreIsTakenBack) {
+  const auto entities = [&] { return drawing().index().allInSpace().size(); };
+  int asked = 0;
+  bool inner = false;
+  addCommand(u"VERTICI", [&] {
+    AcGePoint3d p;
+    for (;; ++asked) {  // a loop that no cancel ends
+      if (acedGetPoint(nullptr, u"\nVertice: ", p) == RTNORM) drawLine({0, 0, 0}, p);
+    }
+  });
+  addCommand(u"FUORI", [&] {
+    drawLine({0, 0, 0}, {5, 5, 0});
+    session.post(u"LINEA");
+    session.run(u"VERTICI");
+    inner = true;
+  });
+  addCommand(u"LINEA", [&] { drawLine({0, 0, 0}, {1, 1, 0}); });
+  run(u"LINEA");
+  ASSERT_TRUE(session.saveDrawing(at("prima.dxf")));
+  const std::string before = content("prima.dxf");
+  for (const char16_t* command : {u"VERTICI", u"FUORI"}) {
+    run(command, {u"1,1", u"<esc>", u"2,2"});
+    EXPECT_EQ(entities(), 1u) << "the line from before, and nothing posted";
+    EXPECT_FALSE(session.isModified());
+    EXPECT_EQ(session.takeLeaks(), "");
+  }
+  EXPECT_EQ(asked, 6) << "each answer, the cancel among them, and no question more";
+  EXPECT_FALSE(inner);
+  ASSERT_TRUE(session.saveDrawing(at("dopo.dxf")));
+  EXPECT_EQ(content("dopo.dxf"), before);
+  run(u"ANNULLA");
+  EXPECT_EQ(entities(), 0u) << "the command before it is the one to take back";
+}
+
 TEST_F(EditorTest, AFileThatOthersChangedIsNotOverwrittenUnasked) {
   addCommand(u"LINEA", [&] { drawLine({0, 0, 0}, {1, 1, 0}); });
   const std::string path = at("disegno.dxf");

@@ -21,7 +21,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   }
   sample::NetworkDialog networks;
   cad::ui::ScriptFrontend ui(script, "fuzz.vsc");
-  ui.setRunaway([] {});
   cad::ui::Prompt prompt;
   prompt.kind = cad::ui::Prompt::Kind::command;
   prompt.text = u"Comando: ";

@@ -113,7 +113,7 @@ TEST(Terminal, LeavesByWordEscapeAndEndOfInput) {
   EXPECT_EQ(s.completions,
             (std::vector<std::string>{"Nome pattern", "Tipo Curva", "Griglia", "OK", "Annulla"}));
   EXPECT_EQ(s.ui.ask({Prompt::Kind::command, u"Comando: ", {}}).status, Answer::Status::end);
-  EXPECT_TRUE(s.ui.atEnd());
+  EXPECT_TRUE(s.ui.ended());
 }
 
 TEST(Terminal, AsksMessagesFilesAndPrompts) {
