@@ -76,6 +76,12 @@ bool onLockedLayer(const Drawing& d, std::uint32_t entity) {
   return t.integerOr(70, 0, t.body()) & kLocked;
 }
 
+std::uint32_t entityOfHandle(const Drawing& d, std::uint64_t handle) {
+  const std::uint32_t found = d.byHandle(handle);
+  const Record& r = d.record(found);
+  return found && r.is(Record::space) && !r.is(Record::erased) ? found : 0;
+}
+
 std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3d* base) {
   const bool relative = !text.empty() && text[0] == u'@';
   if (relative) text.remove_prefix(1);
@@ -100,12 +106,7 @@ std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3
 Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
   Pick pick;
   if (!text.empty() && text[0] == u'#') {
-    const std::uint64_t handle = parseTagHandle(platform::narrow(text.substr(1)));
-    pick.record = d.byHandle(handle);
-    if (pick.record &&
-        (d.record(pick.record).is(Record::erased) || !d.record(pick.record).is(Record::space))) {
-      pick.record = 0;
-    }
+    pick.record = entityOfHandle(d, parseTagHandle(platform::narrow(text.substr(1))));
     if (!pick.record) pick.problem = u"Nessuna entità ha questo handle.";
   } else if (!text.empty() && text[0] == u'=') {
     pick = byName(d, text.substr(1));

@@ -20,6 +20,9 @@ std::vector<std::uint32_t> seenEntities(Drawing& drawing);
 // The entity lies on a locked layer: it can be picked, and the host's commands leave it as it is.
 bool onLockedLayer(const Drawing& drawing, std::uint32_t entity);
 
+// The entity of a space or layout that has the handle; 0 for none.
+std::uint32_t entityOfHandle(const Drawing& drawing, std::uint64_t handle);
+
 struct Pick {
   std::uint32_t record = 0;  // 0: nothing was hit
   AcGePoint3d point;

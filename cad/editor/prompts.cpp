@@ -66,6 +66,8 @@ Prompt promptOf(Prompt::Kind kind, std::u16string_view text, const InputRules& r
   return p;
 }
 
+AcGePoint3d pointOf(const cad::ui::Place3d& p) { return {p.x, p.y, p.z}; }
+
 // Asks until the answer can be used. `take` returns true when it has taken the text.
 template <class Take>
 int ask(const Prompt& prompt, const InputRules& rules, std::u16string_view complaint, Take&& take) {
@@ -85,7 +87,7 @@ int ask(const Prompt& prompt, const InputRules& rules, std::u16string_view compl
       case Answer::Status::ok:
         break;
     }
-    const int result = take(a.text);
+    const int result = take(a);
     if (result != 0) return result;
     ui.invalid(complaint);
   }
@@ -148,7 +150,12 @@ int pickSelection(cad::Drawing& d, const cad::Filter& filter, std::vector<AcDbOb
     if (a.status == Answer::Status::cancel) return RTCAN;
     if (a.status != Answer::Status::ok) break;
     std::u16string complaint;
-    if (!takeSelection(d, a.text, picked, have, complaint)) ui.invalid(complaint);
+    for (const std::uint64_t handle : a.objects) {
+      if (const std::uint32_t e = cad::entityOfHandle(d, handle)) addUnique(picked, have, e);
+    }
+    if (a.objects.empty() && !takeSelection(d, a.text, picked, have, complaint)) {
+      ui.invalid(complaint);
+    }
   }
   std::sort(picked.begin(), picked.end());
   for (const std::uint32_t e : filter.passing(d, picked)) ids.push_back(d.idOf(e));
@@ -240,27 +247,29 @@ int acedEntSel(std::u16string_view text, ads_name& entity, AcGePoint3d& point) {
     ui.invalid(pick.problem);
     return RTERROR;
   }
-  point = pick.point;
+  point = a.place ? pointOf(*a.place) : pick.point;
   return acdbGetAdsName(entity, d->idOf(pick.record));
 }
 
 int acedGetPoint(const AcGePoint3d* base, std::u16string_view text, AcGePoint3d& point) {
   const InputRules rules;
-  return ask(promptOf(Prompt::Kind::point, text, rules), rules,
-             u"Indicare un punto: x,y oppure x,y,z", [&](std::u16string_view answer) {
-               const auto p = cad::parsePoint(answer, base);
-               if (p) point = *p;
-               return p ? RTNORM : rules.keyword(answer) ? RTKWORD : 0;
-             });
+  Prompt prompt = promptOf(Prompt::Kind::point, text, rules);
+  if (base) prompt.base = {base->x, base->y, base->z};
+  return ask(prompt, rules, u"Indicare un punto: x,y oppure x,y,z", [&](const Answer& answer) {
+    const auto p =
+        answer.place ? std::optional(pointOf(*answer.place)) : cad::parsePoint(answer.text, base);
+    if (p) point = *p;
+    return p ? RTNORM : rules.keyword(answer.text) ? RTKWORD : 0;
+  });
 }
 
 int acedGetReal(std::u16string_view text, double& value) {
   const InputRules rules;
   return ask(promptOf(Prompt::Kind::real, text, rules), rules, u"Immettere un numero.",
-             [&](std::u16string_view answer) {
-               const auto v = platform::parseReal(answer);
+             [&](const Answer& answer) {
+               const auto v = platform::parseReal(answer.text);
                if (v) value = *v;
-               return v ? RTNORM : rules.keyword(answer) ? RTKWORD : 0;
+               return v ? RTNORM : rules.keyword(answer.text) ? RTKWORD : 0;
              });
 }
 
@@ -268,8 +277,8 @@ int acedGetString(bool blanks, std::u16string_view text, std::u16string& value) 
   const InputRules rules;
   Prompt p = promptOf(Prompt::Kind::string, text, rules);
   p.allowBlanks = blanks;
-  const int result = ask(p, rules, u"", [&](std::u16string_view answer) {
-    value = answer;
+  const int result = ask(p, rules, u"", [&](const Answer& answer) {
+    value = answer.text;
     return RTNORM;
   });
   if (result != RTNONE) return result;
@@ -280,12 +289,12 @@ int acedGetString(bool blanks, std::u16string_view text, std::u16string& value) 
 int acedGetKword(std::u16string_view text, std::u16string& keyword) {
   const InputRules rules;
   return ask(promptOf(Prompt::Kind::keyword, text, rules), rules, u"Opzione non valida.",
-             [&](std::u16string_view answer) {
+             [&](const Answer& answer) {
                if (rules.keywords.empty()) {
-                 keyword = answer;
+                 keyword = answer.text;
                  return RTNORM;
                }
-               const auto k = rules.keyword(answer);
+               const auto k = rules.keyword(answer.text);
                if (k) keyword = *k;
                return k ? RTNORM : 0;
              });

@@ -3,6 +3,7 @@
 #include "cad/ui/dialog.h"
 #include "cad/ui/journal.h"
 #include "cad/ui/names.h"
+#include "platform/format.h"
 
 namespace cad::ui {
 
@@ -80,9 +81,18 @@ std::optional<std::u16string> Frontend::askFile(const FileQuestion& question) {
   return path;
 }
 
+// The text by which a script gives the same answer, as far as one text can.
+static std::u16string wordsOf(const Answer& answer) {
+  if (!answer.objects.empty()) return platform::format(u"#%llX", answer.objects.front());
+  if (!answer.place) return {};
+  const Place3d& p = *answer.place;
+  return platform::format(u"%.17g,%.17g,%.17g", p.x, p.y, p.z);
+}
+
 Answer Frontend::ask(const Prompt& prompt) {
   Answer answer = showPrompt(prompt);
   leaveWhenEnded();
+  if (answer.status == Answer::Status::ok && answer.text.empty()) answer.text = wordsOf(answer);
   if (journal_ == nullptr) return answer;
   switch (answer.status) {
     case Answer::Status::ok:

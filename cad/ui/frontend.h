@@ -2,6 +2,7 @@
 // script. Everything is modal and synchronous, on one thread.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <optional>
 #include <string>
@@ -44,6 +45,11 @@ struct FileFilter {
 };
 CAD_UI_API std::vector<FileFilter> filtersOf(std::u16string_view filter);
 
+// A place in the drawing, in its world coordinates.
+struct Place3d {
+  double x = 0, y = 0, z = 0;
+};
+
 // A question on the command line.
 struct Prompt {
   enum class Kind { command, string, integer, real, point, keyword, entity, selection };
@@ -51,11 +57,17 @@ struct Prompt {
   std::u16string text{};                   // as the command gave it, leading "\n" included
   std::vector<std::u16string> keywords{};  // for completion; the asker judges the answer
   bool allowBlanks = false;                // a blank is text and does not end the answer
+  std::optional<Place3d> base{};           // where the line begins whose end is asked for
 };
 struct Answer {
   enum class Status { ok, none, cancel, end };  // text, Enter alone, Esc, no more input
   Status status = Status::ok;
   std::u16string text{};
+  // What a front end with a screen knows better than a text says it: the place that was pointed at,
+  // and the handles of the objects that were picked there. They go before the text, which then may
+  // be empty.
+  std::optional<Place3d> place{};
+  std::vector<std::uint64_t> objects{};
 };
 
 class CAD_UI_API Frontend {

@@ -12,6 +12,7 @@ class Answering : public cad::ui::Frontend {
  public:
   // One for each prompt: a text, "<invio>" or "<esc>"; none left is the end of input.
   std::deque<std::u16string> answers;
+  std::deque<cad::ui::Answer> pointed;   // as a front end with a screen answers; these come first
   std::deque<cad::ui::Pressed> presses;  // one for each message box; none left is Esc
   std::u16string path;                   // for every question for a file; empty refuses
   std::u16string printed;
@@ -38,6 +39,11 @@ class Answering : public cad::ui::Frontend {
   cad::ui::Answer showPrompt(const cad::ui::Prompt& prompt) override {
     using Status = cad::ui::Answer::Status;
     prompts.push_back(prompt);
+    if (!pointed.empty()) {
+      const cad::ui::Answer answer = pointed.front();
+      pointed.pop_front();
+      return answer;
+    }
     refused_ = answers.empty();
     if (refused_) return {Status::end, u""};
     const std::u16string text = answers.front();

@@ -1,4 +1,5 @@
 // Questions on the command line: keywords and their beginnings, numbers, points, texts, refusals.
+#include "cad/ui/journal.h"
 #include "tests/editor/editor_testing.h"
 
 namespace {
@@ -108,6 +109,48 @@ TEST_F(PromptTest, CommandsGivenAsData) {
   ui.answers = {u"n", u"Dal comando"};
   EXPECT_EQ(cmd(acutBuildList(RTSTR, u"LAYER", RTNONE)), RTNORM);
   EXPECT_NE(drawing().structure().layerNamed(u"DAL COMANDO", false), 0u);
+}
+
+TEST_F(PromptTest, AScreenAnswersWithPlacesAndObjects) {
+  const cad::Drawing& d = drawing();
+  drawLine({0, 0, 0}, {1, 0, 0});
+  drawLine({0, 9, 0}, {1, 9, 0});
+  const std::vector<std::uint32_t> lines = d.index().allInSpace();
+  const std::uint64_t first = d.record(lines[0]).handle, second = d.record(lines[1]).handle;
+  const double third = 1.0 / 3;  // no text of a few digits says it
+
+  std::vector<std::u16string> journalled;
+  cad::ui::Journal journal([&](std::u16string_view line) { journalled.emplace_back(line); });
+  ui.setJournal(&journal);
+  ui.pointed = {{.place = {{third, 2, -0.5}}}};
+  const AcGePoint3d base(5, 6, 7);
+  AcGePoint3d point;
+  ASSERT_EQ(acedGetPoint(&base, u"\nPunto: ", point), RTNORM);
+  EXPECT_EQ(point.x, third);
+  EXPECT_EQ(point.z, -0.5);
+  ASSERT_TRUE(ui.prompts.back().base) << "for the line that a screen draws to the cursor";
+  EXPECT_EQ(ui.prompts.back().base->y, 6);
+  ui.pointed = {{.place = {{0.5, 8, 0}}, .objects = {second}}};
+  ads_name entity;
+  AcDbObjectId id;
+  ASSERT_EQ(acedEntSel(u"\nOggetto: ", entity, point), RTNORM);
+  ASSERT_EQ(acdbGetObjectId(id, entity), RTNORM);
+  EXPECT_EQ(id.index(), lines[1]);
+  EXPECT_EQ(point.y, 8);
+  EXPECT_FALSE(ui.prompts.back().base);
+  ui.pointed = {{.objects = {second, first, 0xFFFF}}};
+  ui.answers = {u"<invio>"};
+  ads_name set;
+  ASSERT_EQ(acedSSGet(nullptr, nullptr, nullptr, nullptr, set), RTNORM);
+  std::int32_t length = 0;
+  acedSSLength(set, &length);
+  EXPECT_EQ(length, 2);
+  acedSSFree(set);
+  ui.setJournal(nullptr);
+  journal.flush();
+  ASSERT_GE(journalled.size(), 2u);
+  EXPECT_EQ(journalled[0], u"0.33333333333333331,2,-0.5");
+  EXPECT_EQ(journalled[1], platform::format(u"\"#%llX\"", second));
 }
 
 }  // namespace
