@@ -72,6 +72,13 @@ class ModuleJobs : public Jobs {
     return vessora::resetColors(network, rows);
   }
 
+  EpaSettings settingsOf(std::u16string_view network) override {
+    return vessora::settingsOf(network);
+  }
+  Notices storeSettings(const EpaSettings& settings) override {
+    return vessora::storeSettings(settings);
+  }
+
   void scaleNetwork(std::u16string_view network, const ScaleRequest& request) override {
     vessora::scaleNetwork(network, request);
   }

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cad/api/services.h"
+#include "module/editing/settings_jobs.h"
 #include "module/inp/inp_jobs.h"
 #include "module/network/network_info.h"
 #include "module/results/drawing_jobs.h"
@@ -74,6 +75,10 @@ class Jobs : public AcRxObject {
   virtual ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) = 0;
   virtual Notices highlightElements(std::u16string_view network, const QueryRows& rows) = 0;
   virtual Notices resetColors(std::u16string_view network, const QueryRows& rows) = 0;
+
+  // --- settings
+  virtual EpaSettings settingsOf(std::u16string_view network) = 0;
+  virtual Notices storeSettings(const EpaSettings& settings) = 0;
 
   virtual void scaleNetwork(std::u16string_view network, const ScaleRequest& request) = 0;
   virtual Notices drawTables(std::u16string_view network, const TableRequest& request) = 0;

@@ -94,6 +94,13 @@ std::string describe(const vessora::Notice& notice) {
       return words("il disegno non può contenere tabelle", "the drawing cannot hold tables");
     case Code::tableNotDrawn:
       return words("una tabella non è stata disegnata: ", "a table was not drawn: ") + subject;
+    case Code::energyPatternMissing:
+      return subject + ": " +
+             words(
+                 "pattern dell'energia che la rete non ha; crearlo con HNSETPAT o cambiarlo con "
+                 "EPACALC",
+                 "energy pattern that the network does not have; make it with HNSETPAT or change "
+                 "it with EPACALC");
   }
   return {};
 }

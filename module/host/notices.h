@@ -19,10 +19,11 @@ enum class NoticeCode {
   coincidentNodes,  // schematic networks: a node where a reservoir stands
   reservoirWithoutName,
   pipeWithoutName,
-  reportUnreadable,   // the report (subject: path)
-  reportWithoutRows,  // it has no rows of nodes or none of links for the period
-  tableStyleMissing,  // no table can be made
-  tableNotDrawn,      // one could not (subject: the reason of the host)
+  reportUnreadable,      // the report (subject: path)
+  reportWithoutRows,     // it has no rows of nodes or none of links for the period
+  tableStyleMissing,     // no table can be made
+  tableNotDrawn,         // one could not (subject: the reason of the host)
+  energyPatternMissing,  // the settings name a pattern (subject) that the network does not have
 };
 
 struct Notice {

@@ -1,0 +1,126 @@
+#include "module/dialogs/epa_calc.h"
+
+#include "platform/format.h"
+#include "platform/text.h"
+
+namespace vessora {
+namespace {
+
+// The line that is exactly the text; none otherwise.
+void selectEqual(ui::Choice& list, std::u16string_view text) {
+  int found = -1;
+  for (int i = 0; i < list.count(); ++i) {
+    if (list.item(i) == text) found = i;
+  }
+  list.select(found);
+}
+
+// "h" to "hhh:mm:ss", which files and pickers leave behind, as "hh:mm:ss" or "hhh:mm:ss".
+std::u16string fullTime(std::u16string_view text) {
+  const std::u16string given(text);
+  switch (text.size()) {
+    case 1:
+      return u"0" + given + u":00:00";
+    case 2:
+    case 3:
+      return given + u":00:00";
+    case 4:
+      return u"0" + given + u":00";
+    case 5:
+    case 6:
+      return given + u":00";
+    case 7:
+      return u"0" + given;
+    default:
+      return given;
+  }
+}
+
+}  // namespace
+
+std::optional<PickedTime> pickedTime(std::u16string_view text) {
+  if (text.find(u' ') != text.npos) return PickedTime();
+  const std::u16string full = fullTime(text);
+  const std::size_t digits = full.size() == 9 ? 3 : 2;  // of the hours
+  const std::u16string_view whole(full);
+  const int hours = platform::wtoi(whole.substr(0, digits));
+  const int minutes = whole.size() > digits + 1 ? platform::wtoi(whole.substr(digits + 1, 2)) : 0;
+  if (hours < 0 || minutes < 0 || minutes > 59) return std::nullopt;
+  return PickedTime{hours / 24, {hours % 24, minutes}};
+}
+
+template <class Visit>
+void DlgEpaCalc::forEachTime(Visit visit) {
+  visit(duration, settings_.duration);
+  visit(hydraulicStep, settings_.hydraulicStep);
+  visit(qualityStep, settings_.qualityStep);
+  visit(patternStep, settings_.patternStep);
+  visit(patternStart, settings_.patternStart);
+  visit(reportStep, settings_.reportStep);
+  visit(reportStart, settings_.reportStart);
+  visit(startClock, settings_.startClock);
+}
+
+template <class Visit>
+void DlgEpaCalc::forEachNumber(Visit visit) {
+  visit(specificGravity, settings_.specificGravity);
+  visit(viscosity, settings_.viscosity);
+  visit(trials, settings_.trials);
+  visit(accuracy, settings_.accuracy);
+  visit(defaultPattern, settings_.defaultPattern);
+  visit(demandMultiplier, settings_.demandMultiplier);
+  visit(emitterExponent, settings_.emitterExponent);
+  visit(diffusivity, settings_.diffusivity);
+  visit(bulkOrder, settings_.bulkOrder);
+  visit(globalBulk, settings_.globalBulk);
+  visit(globalWall, settings_.globalWall);
+  visit(limitingPotential, settings_.limitingPotential);
+  visit(roughnessCorrelation, settings_.roughnessCorrelation);
+  visit(globalEfficiency, settings_.globalEfficiency);
+  visit(globalPrice, settings_.globalPrice);
+  visit(demandCharge, settings_.demandCharge);
+}
+
+DlgEpaCalc::DlgEpaCalc(EpaSettings& settings)
+    : ModuleDialog(u"Impostazioni Rete Epanet", u"_Comando_Calcola_rete_epacalc_.htm"),
+      settings_(settings) {
+  forEachNumber([](auto& field, auto value) { field = value; });
+  energyPattern = settings.energyPattern.str();
+  forEachTime([this](ui::TimePicker& picker, const wide50& text) {
+    const PickedTime picked = pickedTime(text).value_or(PickedTime());
+    picker.set(picked.time);
+    if (&picker == &duration) days = picked.days;
+  });
+}
+
+void DlgEpaCalc::onInit() {
+  ModuleDialog::onInit();
+  selectEqual(headloss, settings_.headloss);
+  selectEqual(unbalanced, settings_.unbalanced);
+  selectEqual(parameter, settings_.qualityParam);
+  if (parameter.selected() < 0) parameter.setText(settings_.qualityParam);
+  const std::u16string order = settings_.wallOrder.str();
+  selectEqual(wallOrder, order == u"1" ? u"First" : order == u"0" ? u"Zero" : order);
+}
+
+void DlgEpaCalc::onOk() {
+  if (!updateData()) return;
+  settings_.headloss = headloss.text();
+  settings_.unbalanced = unbalanced.text();
+  settings_.qualityParam = parameter.text();
+  settings_.wallOrder = wallOrder.text();
+  forEachNumber([](const auto& field, auto& value) { value = field.value(); });
+  settings_.energyPattern = energyPattern.value();
+  settings_.durationDays = days.value();
+  forEachTime([](const ui::TimePicker& picker, wide50& text) {
+    text = platform::format(u"%02d:%02d", picker.value().hour, picker.value().minute);
+  });
+  end(ui::Outcome::ok);
+}
+
+void DlgEpaCalc::onCancel() {
+  updateData();
+  ModuleDialog::onCancel();
+}
+
+}  // namespace vessora
