@@ -72,6 +72,15 @@ class ModuleJobs : public Jobs {
     return vessora::resetColors(network, rows);
   }
 
+  bool hasManholesToTransfer(AcDbObjectId titleBlock) override {
+    return vessora::hasManholesToTransfer(titleBlock);
+  }
+  ManholeResult transferManholes(AcDbObjectId titleBlock, std::u16string_view block,
+                                 double scale) override {
+    const CommandSpan span;
+    return vessora::transferManholes(titleBlock, block, scale);
+  }
+
   EpaSettings settingsOf(std::u16string_view network) override {
     return vessora::settingsOf(network);
   }

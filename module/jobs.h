@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cad/api/services.h"
+#include "module/editing/manhole_jobs.h"
 #include "module/editing/settings_jobs.h"
 #include "module/inp/inp_jobs.h"
 #include "module/network/network_info.h"
@@ -75,6 +76,11 @@ class Jobs : public AcRxObject {
   virtual ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) = 0;
   virtual Notices highlightElements(std::u16string_view network, const QueryRows& rows) = 0;
   virtual Notices resetColors(std::u16string_view network, const QueryRows& rows) = 0;
+
+  // --- manholes
+  virtual bool hasManholesToTransfer(AcDbObjectId titleBlock) = 0;
+  virtual ManholeResult transferManholes(AcDbObjectId titleBlock, std::u16string_view block,
+                                         double scale) = 0;
 
   // --- settings
   virtual EpaSettings settingsOf(std::u16string_view network) = 0;

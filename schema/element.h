@@ -265,4 +265,9 @@ static_assert(placesAscend(kJunc.data) && placesAscend(kResv.data) && placesAsce
               placesAscend(kMaterial) && placesAscend(kLegend) && placesAscend(kPattern) &&
               placesAscend(kCurve));
 
+// The blocks as which manholes of a profile stand in the plan, by the place of their button.
+inline constexpr const char16_t* kManholeBlocks[] = {
+    u"ChiusinoD400_01", u"ChiusinoD400_02", u"ChiusinoD400_03", u"ChiusinoD400_04",
+    u"ChiusinoD400_05", u"ChiusinoD400_06", u"ChiusinoD400_07", u"ChiusinoD400_08"};
+
 }  // namespace schema

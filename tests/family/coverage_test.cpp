@@ -35,6 +35,8 @@ const std::set<std::string, std::less<>> kNotTexts = {
     "Valv",
     "Open",
     "None",
+    "First",
+    "Zero",
     "ByLayer",
     "Standard",
     "Left",
