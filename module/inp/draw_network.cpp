@@ -193,7 +193,7 @@ namespace {
 template <class Link, class Path>
 bool drawWithSymbol(std::u16string_view layer, const Link& link, const Path& path,
                     int (*insert)(const AcGePoint3d&, std::u16string_view, const Link&,
-                                  const Chain&, Notices&),
+                                  const Chain&, Notices&, AcDbObjectId*),
                     Notices& notices) {
   const Chain id = companionData(link.id);
   const bool drawn =
@@ -201,7 +201,8 @@ bool drawWithSymbol(std::u16string_view layer, const Link& link, const Path& pat
   AcGePoint3d place;
   if (linkBlockPlace(path.points(), place)) {
     insert(place, layer, link,
-           dataOf(link, {{Field::node1, path.node1()}, {Field::node2, path.node2()}}), notices);
+           dataOf(link, {{Field::node1, path.node1()}, {Field::node2, path.node2()}}), notices,
+           nullptr);
   }
   return drawn;
 }

@@ -9,6 +9,7 @@
 #include "module/inp/draw_network.h"
 #include "module/inp/inp_jobs.h"
 #include "module/inp/inp_reader.h"
+#include "module/network/network_list.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/settings_store.h"
 #include "platform/text.h"
@@ -65,17 +66,6 @@ void drawNetwork(NetworkDrawing& drawing, const EpaNetwork& network, ImportResul
   }
   for (const EpaPattern& pattern : network.patterns) AddPattern(pattern, currentNetwork);
   for (const EpaCurve& curve : network.curves) AddCurve(curve, currentNetwork);
-}
-
-// The network of the drawing whose layers a name would share.
-std::u16string networkLike(std::u16string_view name) {
-  std::vector<std::u16string> names;
-  wide256 defaultName;
-  ListNetworks(names, defaultName);
-  const auto at = std::find_if(names.begin(), names.end(), [name](const std::u16string& other) {
-    return platform::equalNoCase(name, other);
-  });
-  return at == names.end() ? std::u16string() : *at;
 }
 
 }  // namespace

@@ -255,14 +255,23 @@ int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcG
 
 void forgetSymbols() { memory.reset(); }
 
+namespace {
+
+int answer(const Opened<AcDbBlockReference>& symbol, AcDbObjectId* made) {
+  if (symbol && made) *made = symbol->objectId();
+  return symbol ? 1 : 0;
+}
+
+}  // namespace
+
 // --- the family ----------------------------------------------------------------------------------
 
 int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJunc& junc,
-               double emitter, Notices& notices) {
+               double emitter, Notices& notices, AcDbObjectId* made) {
   const Chain data = dataOf(junc, {{schema::Field::emitter, {}, emitter}});
   {
     const auto junction = insertElement(point, layer, junc, nullptr, data.get(), notices);
-    if (!junction) return 0;
+    if (answer(junction, made) == 0) return 0;
     if (emitter > 0) junction->setColorIndex(1);
   }
   const double flow = platform::wtof(junc.demand);
@@ -272,23 +281,23 @@ int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJun
 }
 
 int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv,
-               Notices& notices) {
-  return insertElement(point, layer, resv, nullptr, dataOf(resv).get(), notices) ? 1 : 0;
+               Notices& notices, AcDbObjectId* made) {
+  return answer(insertElement(point, layer, resv, nullptr, dataOf(resv).get(), notices), made);
 }
 
 int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank,
-               Notices& notices) {
-  return insertElement(point, layer, tank, nullptr, dataOf(tank).get(), notices) ? 1 : 0;
+               Notices& notices, AcDbObjectId* made) {
+  return answer(insertElement(point, layer, tank, nullptr, dataOf(tank).get(), notices), made);
 }
 
 int InsertPump(const AcGePoint3d& point, std::u16string_view layer, const EpaPump& pump,
-               const Chain& data, Notices& notices) {
-  return insertElement(point, layer, pump, data.get(), nullptr, notices) ? 1 : 0;
+               const Chain& data, Notices& notices, AcDbObjectId* made) {
+  return answer(insertElement(point, layer, pump, data.get(), nullptr, notices), made);
 }
 
 int InsertValv(const AcGePoint3d& point, std::u16string_view layer, const EpaValv& valv,
-               const Chain& data, Notices& notices) {
-  return insertElement(point, layer, valv, data.get(), nullptr, notices) ? 1 : 0;
+               const Chain& data, Notices& notices, AcDbObjectId* made) {
+  return answer(insertElement(point, layer, valv, data.get(), nullptr, notices), made);
 }
 
 int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network, Notices& notices) {

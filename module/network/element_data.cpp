@@ -286,6 +286,11 @@ void storeReal(wide50& field, double value) {
   field.assign({text, kept});
 }
 
+void storeExactly(wide50& field, double value) {
+  char digits[32];
+  field = platform::widen({digits, platform::writeReal(digits, value)});
+}
+
 #define INSTANTIATE(Record)                                  \
   template std::u16string_view textOf(const Record&, Field); \
   template Chain dataOf(const Record&, std::initializer_list<Given>);

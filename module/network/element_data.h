@@ -66,5 +66,7 @@ double realAt(const Chain& data, const schema::List& list, schema::Field field);
 
 // A real of extended data as records hold it: three decimals, cut at the field's capacity.
 void storeReal(wide50& field, double value);
+// The whole real: the shortest text that reads back as it.
+void storeExactly(wide50& field, double value);
 
 }  // namespace vessora

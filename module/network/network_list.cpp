@@ -5,6 +5,7 @@
 #include "module/network/element_data.h"
 #include "module/network/schema.h"
 #include "module/network/settings_store.h"
+#include "platform/text.h"
 
 namespace vessora {
 
@@ -82,6 +83,16 @@ PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint) 
     picked.why = picked.names.empty() ? Why::none : Why::several;
   }
   return picked;
+}
+
+std::u16string networkLike(std::u16string_view name) {
+  std::vector<std::u16string> names;
+  wide256 defaultName;
+  ListNetworks(names, defaultName);
+  const auto at = std::find_if(names.begin(), names.end(), [name](const std::u16string& other) {
+    return platform::equalNoCase(name, other);
+  });
+  return at == names.end() ? std::u16string() : *at;
 }
 
 }  // namespace vessora

@@ -15,5 +15,8 @@ std::vector<NetworkInfo> networksOfDrawing();
 NetworkInfo networkInfo(std::u16string_view name);
 // A network of the sibling module need not be in the list: it stands on the layer of its name.
 PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint);
+// The network of the list whose layers a name would share, for letter case does not part layers;
+// empty when there is none.
+std::u16string networkLike(std::u16string_view name);
 
 }  // namespace vessora
