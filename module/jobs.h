@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "cad/api/services.h"
+#include "module/editing/add_jobs.h"
 #include "module/editing/manhole_jobs.h"
 #include "module/editing/settings_jobs.h"
 #include "module/inp/inp_jobs.h"
@@ -90,6 +91,25 @@ class Jobs : public AcRxObject {
   virtual Notices drawTables(std::u16string_view network, const TableRequest& request) = 0;
   virtual void drawGradeLine(std::u16string_view network, double textHeight) = 0;
   virtual ProfileResult drawProfile(std::u16string_view network, const ProfileRequest& request) = 0;
+
+  // --- adding networks and elements
+  virtual Notices createNetwork(std::u16string_view name) = 0;
+  virtual void confirmDefaultNetwork(std::u16string_view name) = 0;
+  virtual ElementNames namesOfNetwork(std::u16string_view network) = 0;
+  virtual AddedElement addJunction(std::u16string_view network, const AcGePoint3d& place,
+                                   const EpaJunc& junction, std::vector<std::u16string>& names) = 0;
+  virtual AddedElement addReservoir(std::u16string_view network, const AcGePoint3d& place,
+                                    const EpaResv& reservoir,
+                                    std::vector<std::u16string>& names) = 0;
+  virtual AddedElement addTank(std::u16string_view network, const AcGePoint3d& place,
+                               const EpaTank& tank, std::vector<std::u16string>& names) = 0;
+  virtual AddedElement addPipe(std::u16string_view network, const std::vector<AcGePoint3d>& points,
+                               const EpaPipe& pipe, std::u16string_view material,
+                               std::vector<std::u16string>& names) = 0;
+  virtual AddedElement addPump(std::u16string_view network, const std::vector<AcGePoint3d>& points,
+                               const EpaPump& pump, std::vector<std::u16string>& names) = 0;
+  virtual AddedElement addValve(std::u16string_view network, const std::vector<AcGePoint3d>& points,
+                                const EpaValv& valve, std::vector<std::u16string>& names) = 0;
 };
 
 }  // namespace vessora

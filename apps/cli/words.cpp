@@ -101,6 +101,51 @@ std::string describe(const vessora::Notice& notice) {
                  "EPACALC",
                  "energy pattern that the network does not have; make it with HNSETPAT or change "
                  "it with EPACALC");
+    case Code::networkNameTwice:
+      return subject + ": " +
+             words("una rete con questi layer c'è già, ",
+                   "a network with these layers is there, ") +
+             "\"" + narrow(notice.other) + "\"; " +
+             words("gli elementi sono in comune: annullare e scegliere un altro nome",
+                   "they share their elements: undo, and choose another name");
+    case Code::networkNameUnusable:
+      return subject + ": " +
+             words("nessun layer può avere questo nome, per via di ",
+                   "no layer can have this name, because of ") +
+             narrow(notice.other) +
+             words("; nella rete non si può disegnare: annullare e scegliere un altro nome",
+                   "; nothing can be drawn in the network: undo, and choose another name");
+    case Code::elementNotDrawn:
+      return subject + ": " +
+             words(
+                 "l'elemento non è stato disegnato, perché nessun layer può avere il nome della "
+                 "sua rete; scegliere un'altra rete",
+                 "the element was not drawn, because no layer can have its network's name; choose "
+                 "another network");
+    case Code::nodeNameTwice:
+      return subject + ": " +
+             words("ora due nodi hanno questo nome; rinominarne uno (HNMODEPA)",
+                   "two nodes have this name now; rename one (HNMODEPA)");
+    case Code::linkNameTwice:
+      return subject + ": " +
+             words("ora due rami hanno questo nome; rinominarne uno (HNMODEPA)",
+                   "two links have this name now; rename one (HNMODEPA)");
+    case Code::nameEmpty:
+      return subject + ": " +
+             words("un elemento è senza nome; dargliene uno (HNMODEPA)",
+                   "an element has no name; give it one (HNMODEPA)");
+    case Code::linkWithoutNode:
+      return subject + ": " +
+             words("il ramo non ha il nome di un suo nodo; cancellarlo e disegnarlo da nodo a nodo",
+                   "the link lacks the name of one of its nodes; erase it and draw it from node to "
+                   "node");
+    case Code::courseOfOneVertex:
+      return subject + ": " +
+             words(
+                 "il ramo ha un solo vertice e non arriva al nodo finale; cancellarlo e "
+                 "ridisegnarlo",
+                 "the link has one vertex alone and does not reach its end node; erase it and draw "
+                 "it again");
   }
   return {};
 }

@@ -19,10 +19,20 @@ enum class NoticeCode {
   coincidentNodes,  // schematic networks: a node where a reservoir stands
   reservoirWithoutName,
   pipeWithoutName,
-  reportUnreadable,      // the report (subject: path)
-  reportWithoutRows,     // it has no rows of nodes or none of links for the period
-  tableStyleMissing,     // no table can be made
-  tableNotDrawn,         // one could not (subject: the reason of the host)
+  reportUnreadable,   // the report (subject: path)
+  reportWithoutRows,  // it has no rows of nodes or none of links for the period
+  tableStyleMissing,  // no table can be made
+  tableNotDrawn,      // one could not (subject: the reason of the host)
+
+  // What editing leaves behind that commands do not tell (warnings.h).
+  networkNameTwice,     // a new network shares its layers with another one (other)
+  networkNameUnusable,  // no layer can bear a new network's name, for a character (other)
+  elementNotDrawn,      // its layer cannot be made
+  nodeNameTwice,        // a new node has the name of another one
+  linkNameTwice,
+  nameEmpty,             // a new element has no name (subject: its layer)
+  linkWithoutNode,       // a link has no name for one of its ends
+  courseOfOneVertex,     // a link ends where it begins; a pump or valve has no symbol then
   energyPatternMissing,  // the settings name a pattern (subject) that the network does not have
 };
 
