@@ -31,6 +31,12 @@ class EpaCommands {
   double roughness = 0, diameter = 0;
   std::u16string material;
 
+  // Branches of the add command (editing/add_link.cpp): a link between two picked nodes of the
+  // currentNetwork. `linkNames` are those of its links so far, and get the new one.
+  void AddPipe(std::vector<std::u16string>& linkNames);
+  void AddPump(std::vector<std::u16string>& linkNames);
+  void AddValve(std::vector<std::u16string>& linkNames);
+
 #define VESSORA_COMMAND(name, needs, help) int name();
 #define VESSORA_PENDING VESSORA_COMMAND
 #include "module/host/commands.def"
