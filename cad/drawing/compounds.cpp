@@ -84,7 +84,12 @@ Acad::ErrorStatus AcDb3dPolyline::appendVertex(AcDbObjectId& id, AcDb3dPolylineV
   return s;
 }
 
-bool AcDb3dPolyline::isClosed() const { return get(*this, kFlags) & 1; }
+bool AcDb3dPolyline::isClosed() const {
+  if (view_->drawing && !view_->modified) {
+    return view_->drawing->record(view_->record).is(cad::Record::closed);
+  }
+  return get(*this, kFlags) & 1;
+}
 
 std::vector<AcGePoint3d> cad::vertexPositions(const Drawing& d, std::uint32_t polyline) {
   std::vector<AcGePoint3d> points;
@@ -98,19 +103,33 @@ std::vector<AcGePoint3d> cad::vertexPositions(const Drawing& d, std::uint32_t po
   return points;
 }
 
+namespace {
+
+// Of one part, so that the ends of a course cost the same however many vertices lie between.
+Acad::ErrorStatus vertexPosition(const cad::Drawing& d, std::uint32_t vertex, AcGePoint3d& point) {
+  if (!vertex) return Acad::eInvalidIndex;
+  const auto t = cad::borrowTags();
+  d.parse(vertex, *t);
+  const int i = t->find(10);
+  point = i < 0 ? AcGePoint3d() : t->point(i);
+  return Acad::eOk;
+}
+
+}  // namespace
+
 Acad::ErrorStatus AcDb3dPolyline::getStartPoint(AcGePoint3d& point) const {
   if (!view_->drawing) return Acad::eNotInDatabase;
-  const auto points = cad::vertexPositions(*view_->drawing, view_->record);
-  if (points.empty()) return Acad::eInvalidIndex;
-  point = points.front();
-  return Acad::eOk;
+  const cad::Drawing& d = *view_->drawing;
+  return vertexPosition(d, d.structure().firstPart(view_->record), point);
 }
 Acad::ErrorStatus AcDb3dPolyline::getEndPoint(AcGePoint3d& point) const {
   if (!view_->drawing) return Acad::eNotInDatabase;
-  const auto points = cad::vertexPositions(*view_->drawing, view_->record);
-  if (points.empty()) return Acad::eInvalidIndex;
-  point = isClosed() ? points.front() : points.back();
-  return Acad::eOk;
+  const cad::Structure& parts = view_->drawing->structure();
+  std::uint32_t last = parts.firstPart(view_->record);
+  if (last && !isClosed()) {
+    while (const std::uint32_t next = parts.nextPart(view_->record, last)) last = next;
+  }
+  return vertexPosition(*view_->drawing, last, point);
 }
 
 // --- light polyline ------------------------------------------------------------------------------

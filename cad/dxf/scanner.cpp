@@ -151,6 +151,7 @@ class Indexer {
           seen_ |= kFlags;
           if (record_->type == Type::polyline) {
             const int f = number(value);
+            if (f & 1) record_->set(Record::closed);
             if (f & 8) record_->set(Record::poly3d);
             if (f & (16 | 64)) record_->set(Record::polyMesh);
           }

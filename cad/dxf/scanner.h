@@ -87,6 +87,7 @@ struct Record {
     hasParts = 1024,  // INSERT followed by attributes
     stored = 2048,    // its text lies in the drawing's own memory, not in the file's
     hidden = 4096,    // entity that is drawn nowhere, whatever its layer says
+    closed = 8192,    // POLYLINE that goes back to its first vertex
   };
   const char* bytes = nullptr;
   std::uint64_t handle = 0;
