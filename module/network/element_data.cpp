@@ -8,6 +8,7 @@ namespace vessora {
 
 using schema::Field;
 using schema::Row;
+using schema::Rows;
 
 // --- the fields of records -----------------------------------------------------------------------
 
@@ -169,9 +170,10 @@ bool takeAttributes(AcDbBlockReference* block, Record& record) {
 }
 
 template <class Record>
-void writeAttributes(AcDbBlockReference* block, const Record& record) {
+void writeAttributes(AcDbBlockReference* block, const Record& record, FieldSet changed) {
   for (const Row& row : listOf<Record>().rows) {
-    if (!row.tag.empty()) WriteAttribute(block, row.tag, textOf(record, row.field));
+    if (row.tag.empty() || !changed.has(row.field)) continue;
+    WriteAttribute(block, row.tag, textOf(record, row.field));
   }
 }
 
@@ -244,21 +246,76 @@ void takeData(const Chain& data, Record& record, bool id) {
 void takeResult(const Chain& data, EpaNodeResult& result) { takeWholeResult(data, result); }
 void takeResult(const Chain& data, EpaLinkResult& result) { takeWholeResult(data, result); }
 
+namespace {
+
+// What a row's item has to hold: what is given, else what the record says.
+template <class Record>
+Given valueOf(const Record& record, const Row& row, std::initializer_list<Given> given) {
+  for (const Given& own : given) {
+    if (own.field == row.field) return own;
+  }
+  const std::u16string_view text = textOf(record, row.field);
+  return {row.field, text, row.type == schema::Type::text ? 0 : platform::wtof(text)};
+}
+
+// Puts values into the items of the changed fields. False, with the list in any state, when an item
+// up to the last of them is missing or holds another kind of value.
+template <class Record>
+bool putInPlace(const Chain& data, const Record& record, FieldSet changed,
+                std::initializer_list<Given> given) {
+  int last = 0;
+  for (const Row& row : listOf<Record>().rows) {
+    if (changed.has(row.field)) last = std::max(last, row.place);
+  }
+  for (const Row& row : listOf<Record>().rows) {
+    if (row.place == 0 || row.place > last) continue;
+    resbuf* const item = data.item(row.place);
+    const bool text = row.type == schema::Type::text;
+    if (!item || acutKindOf(item->restype) != (text ? RbKind::text : RbKind::real)) return false;
+    if (!changed.has(row.field)) continue;
+    const Given value = valueOf(record, row, given);
+    if (text) {
+      setTextItem(item, value.text);
+    } else {
+      item->resval.rreal = value.real;
+    }
+  }
+  return true;
+}
+
+}  // namespace
+
 template <class Record>
 Chain dataOf(const Record& record, std::initializer_list<Given> given) {
   XDataBuilder data(listOf<Record>().application);
   for (const Row& row : listOf<Record>().rows) {
     if (row.place == 0) break;
-    const auto own = std::find_if(given.begin(), given.end(),
-                                  [&row](const Given& g) { return g.field == row.field; });
-    const bool isGiven = own != given.end();
+    const Given value = valueOf(record, row, given);
     if (row.type == schema::Type::text) {
-      data.text(isGiven ? own->text : textOf(record, row.field));
+      data.text(value.text);
     } else {
-      data.real(isGiven ? own->real : platform::wtof(textOf(record, row.field)));
+      data.real(value.real);
     }
   }
   return data.take();
+}
+
+template <class Record>
+void writeData(AcDbObject* entity, const Record& record, FieldSet changed,
+               std::initializer_list<Given> given) {
+  if (!changed.isAll()) {
+    const Rows& rows = listOf<Record>().rows;
+    if (std::none_of(rows.begin(), rows.end(),
+                     [&](const Row& row) { return row.place != 0 && changed.has(row.field); })) {
+      return;
+    }
+    const Chain stored(entity->xData(listOf<Record>().application));
+    if (putInPlace(stored, record, changed, given)) {
+      entity->setXData(stored.get());
+      return;
+    }
+  }
+  entity->setXData(dataOf(record, given).get());
 }
 
 Chain companionData(std::u16string_view id) {
@@ -294,12 +351,13 @@ void storeExactly(wide50& field, double value) {
 #define INSTANTIATE(Record)                                  \
   template std::u16string_view textOf(const Record&, Field); \
   template Chain dataOf(const Record&, std::initializer_list<Given>);
-#define INSTANTIATE_ELEMENT(Record)                                  \
-  INSTANTIATE(Record)                                                \
-  template const schema::Kind& kindOf<Record>();                     \
-  template bool takeAttributes(AcDbBlockReference*, Record&);        \
-  template void writeAttributes(AcDbBlockReference*, const Record&); \
-  template void takeField(const Chain&, Record&, Field);             \
+#define INSTANTIATE_ELEMENT(Record)                                                            \
+  INSTANTIATE(Record)                                                                          \
+  template const schema::Kind& kindOf<Record>();                                               \
+  template bool takeAttributes(AcDbBlockReference*, Record&);                                  \
+  template void writeAttributes(AcDbBlockReference*, const Record&, FieldSet);                 \
+  template void writeData(AcDbObject*, const Record&, FieldSet, std::initializer_list<Given>); \
+  template void takeField(const Chain&, Record&, Field);                                       \
   template void takeData(const Chain&, Record&, bool);
 INSTANTIATE_ELEMENT(EpaJunc)
 INSTANTIATE_ELEMENT(EpaResv)

@@ -11,6 +11,7 @@
 #include <string_view>
 
 #include "module/host/host_drawing.h"
+#include "module/network/field_set.h"
 #include "module/network/records.h"
 #include "module/network/result_records.h"
 #include "schema/element.h"
@@ -31,8 +32,10 @@ std::u16string_view textOf(const Record& record, schema::Field field);
 // when the block has no attribute of the id at all.
 template <class Record>
 bool takeAttributes(AcDbBlockReference* block, Record& record);
+// Those of the fields that the set has; every one of the tag.
 template <class Record>
-void writeAttributes(AcDbBlockReference* block, const Record& record);
+void writeAttributes(AcDbBlockReference* block, const Record& record,
+                     FieldSet changed = FieldSet::all());
 
 // --- extended data -------------------------------------------------------------------------------
 
@@ -57,6 +60,12 @@ struct Given {
 };
 template <class Record>
 Chain dataOf(const Record& record, std::initializer_list<Given> given = {});
+// Puts a record's list onto its entity, open for write. Of a set that is not all fields only the
+// items of its fields are put in their places, and the others stay what they are; where the list
+// that is there has no such items it is made whole from the record.
+template <class Record>
+void writeData(AcDbObject* entity, const Record& record, FieldSet changed,
+               std::initializer_list<Given> given = {});
 // Of the companion polyline of a valve or a pump.
 Chain companionData(std::u16string_view id);
 

@@ -1,6 +1,5 @@
 #include "module/network/element_loaders.h"
 
-#include "module/network/node_update.h"
 #include "platform/text.h"
 
 namespace vessora {
@@ -54,30 +53,38 @@ double storedHeight(AcDbBlockReference* block, Field height) {
 
 // What all nodes have in common. The height is that of the attribute before anything changes.
 template <class Node>
-void updateNode(Opened<AcDbBlockReference> block, const Node& node, Field height, const Chain& data,
-                bool onlyTextItems) {
-  const double oldHeight = storedHeight<Node>(block.get(), height);
-  writeAttributes(block.get(), node);
-  block->setXData(data.get());
-  moveNode(std::move(block),
-           {oldHeight, platform::wtof(textOf(node, height)), node.id, onlyTextItems});
+FollowedLinks updateNode(Opened<AcDbBlockReference> block, const Node& node, Field height,
+                         FieldSet changed, bool onlyTextItems,
+                         std::initializer_list<Given> given = {}) {
+  NodeChange change;
+  change.oldHeight = storedHeight<Node>(block.get(), height);
+  change.onlyTextItems = onlyTextItems;
+  writeAttributes(block.get(), node, changed);
+  writeData(block.get(), node, changed, given);
+  if (changed.has(height)) change.newHeight = platform::wtof(textOf(node, height));
+  if (changed.has(Field::id)) change.id = node.id;
+  if (!change.newHeight && !change.id) return {};
+  return dragLinks(std::move(block), change);
 }
 
 }  // namespace
 
-void UpdateJunc(Opened<AcDbBlockReference> block, const EpaJunc& junc, double emitter) {
-  if (!block) return;
-  block->setColorIndex(emitter > 0 ? 1 : 256);
-  updateNode(std::move(block), junc, Field::elevation,
-             dataOf(junc, {{Field::emitter, {}, emitter}}), true);
+FollowedLinks UpdateJunc(Opened<AcDbBlockReference> block, const EpaJunc& junc, double emitter,
+                         FieldSet changed) {
+  if (!block) return {};
+  if (changed.has(Field::emitter)) block->setColorIndex(emitter > 0 ? 1 : 256);
+  return updateNode(std::move(block), junc, Field::elevation, changed, true,
+                    {{Field::emitter, {}, emitter}});
 }
 
-void UpdateResv(Opened<AcDbBlockReference> block, const EpaResv& resv) {
-  if (block) updateNode(std::move(block), resv, Field::head, dataOf(resv), false);
+FollowedLinks UpdateResv(Opened<AcDbBlockReference> block, const EpaResv& resv, FieldSet changed) {
+  if (!block) return {};
+  return updateNode(std::move(block), resv, Field::head, changed, false);
 }
 
-void UpdateTank(Opened<AcDbBlockReference> block, const EpaTank& tank) {
-  if (block) updateNode(std::move(block), tank, Field::elevation, dataOf(tank), false);
+FollowedLinks UpdateTank(Opened<AcDbBlockReference> block, const EpaTank& tank, FieldSet changed) {
+  if (!block) return {};
+  return updateNode(std::move(block), tank, Field::elevation, changed, false);
 }
 
 // --- links ---------------------------------------------------------------------------------------
@@ -101,34 +108,48 @@ void renameCompanions(std::u16string_view layer, std::u16string_view oldId,
 }
 
 template <class Link>
-void updateLink(Opened<AcDbBlockReference> block, const Link& link, const Chain& data,
-                std::u16string_view layer) {
+void updateLink(Opened<AcDbBlockReference> block, const Link& link, FieldSet changed,
+                std::u16string_view layer, std::initializer_list<Given> given = {}) {
   std::u16string oldId;
   ReadAttribute(block.get(), schema::kIdTag, oldId);
-  writeAttributes(block.get(), link);
-  block->setXData(data.get());
+  writeAttributes(block.get(), link, changed);
+  writeData(block.get(), link, changed, given);
   block.close();
-  renameCompanions(layer, oldId, link.id);
+  if (changed.has(Field::id)) renameCompanions(layer, oldId, link.id);
 }
 
 }  // namespace
 
-void UpdateValv(Opened<AcDbBlockReference> block, const EpaValv& valv, std::u16string_view layer) {
+void UpdateValv(Opened<AcDbBlockReference> block, const EpaValv& valv, std::u16string_view layer,
+                FieldSet changed) {
   if (!block) return;
   const Chain old(block->xData(app::kImport));
   const schema::List& list = schema::kValv.data;
-  // Drawings have 0 at the places of diameter and minor loss once a valve has been changed; who
-  // reads those there relies on it.
-  updateLink(std::move(block), valv,
-             dataOf(valv, {{Field::node1, textAt(old, list, Field::node1)},
-                           {Field::node2, textAt(old, list, Field::node2)},
-                           {Field::diameter, {}, 0},
-                           {Field::minorLoss, {}, 0}}),
-             layer);
+  const Given node1{Field::node1, textAt(old, list, Field::node1)};
+  const Given node2{Field::node2, textAt(old, list, Field::node2)};
+  if (!changed.isAll()) {
+    return updateLink(std::move(block), valv, changed, layer, {node1, node2});
+  }
+  // Drawings have 0 at the places of diameter and minor loss once a valve has been written anew;
+  // who reads those there relies on it.
+  updateLink(std::move(block), valv, changed, layer,
+             {node1, node2, {Field::diameter, {}, 0}, {Field::minorLoss, {}, 0}});
 }
 
-void UpdatePump(Opened<AcDbBlockReference> block, const EpaPump& pump, std::u16string_view layer) {
-  if (block) updateLink(std::move(block), pump, dataOf(pump), layer);
+void UpdatePump(Opened<AcDbBlockReference> block, const EpaPump& pump, std::u16string_view layer,
+                FieldSet changed) {
+  if (block) updateLink(std::move(block), pump, changed, layer);
+}
+
+void UpdatePipe(AcDb3dPolyline* polyline, const EpaPipe& pipe, std::u16string_view material,
+                FieldSet changed) {
+  // The names of the nodes are never the pipe's own to change, so even all fields are not all.
+  const FieldSet own{Field::id,        Field::length,    Field::diameter,
+                     Field::roughness, Field::minorLoss, Field::status};
+  writeData(polyline, pipe, changed & own);
+  if (!changed.has(Field::type)) return;
+  const Chain stored(acutBuildList(1001, app::kMaterial, 1000, material, RTNONE));
+  polyline->setXData(stored.get());
 }
 
 }  // namespace vessora

@@ -1,7 +1,7 @@
 #include "module/network/node_update.h"
 
-#include <optional>
-
+#include "module/network/element_data.h"
+#include "module/network/links_at.h"
 #include "module/network/point_grid.h"
 
 namespace vessora {
@@ -9,7 +9,7 @@ namespace {
 
 constexpr int kChangedLink = 3;  // colour of links that a node has moved
 
-// The blocks on one layer by their place in plan.
+// The blocks on one layer by their place in plan before anything moved.
 class BlockPlaces {
  public:
   explicit BlockPlaces(std::u16string_view layer) {
@@ -19,13 +19,13 @@ class BlockPlaces {
       }
     }
   }
-  // Calls visit(id) for each block at the place.
-  template <class Visit>
-  void at(const AcGePoint3d& place, Visit visit) {
+  std::vector<AcDbObjectId> at(const AcGePoint3d& place) {
+    std::vector<AcDbObjectId> found;
     places_.visit(inPlan(place), [&](AcDbObjectId id) {
-      visit(id);
+      found.push_back(id);
       return false;
     });
+    return found;
   }
 
  private:
@@ -33,79 +33,116 @@ class BlockPlaces {
   PointGrid<AcDbObjectId> places_{kPlaceTolerance};
 };
 
-enum class End { start, end };
+double lengthOf(const AcGePoint3dArray& points) {
+  double sum = 0;
+  for (std::size_t i = 1; i < points.size(); ++i) sum += points[i].distanceTo(points[i - 1]);
+  return sum;
+}
+
+bool hasName(AcDbObjectId block, std::u16string_view name) {
+  const Opened<AcDbBlockReference> opened(block);
+  return opened && Chain(opened->xData(app::kImport)).text(1) == name;
+}
 
 class LinkMover {
  public:
   LinkMover(const AcGePoint3d& node, const NodeChange& change)
       : node_(node), change_(change), layers_(currentNetwork) {}
 
-  void run() {
-    const SelectionSet set(u"_X", linkPolylineFilter(layers_));
-    // The two ends are independent: a link from a node to itself is changed twice.
-    for (const AcDbObjectId id : set) {
-      moveEnd(id, End::start);
-      moveEnd(id, End::end);
-    }
+  std::vector<FollowedLink> run() {
+    for (const LinkAt& link : linksAt(layers_, node_)) follow(link);
+    return std::move(followed_);
   }
 
  private:
-  void moveEnd(AcDbObjectId id, End which) {
-    const Opened<AcDb3dPolyline> polyline(id);
-    if (!polyline) return;
+  void follow(LinkAt link) {
+    const Opened<AcDb3dPolyline> polyline(link.id);
     points_.clear();
     ReadVertices(polyline.get(), points_);
-    if (points_.empty()) return;
-    AcGePoint3d& end = which == End::start ? points_.front() : points_.back();
-    if (!samePlanPoint(end, node_, kPlaceTolerance)) return;
     const std::u16string layer = polyline->layer();
     const bool pipe = layer == layers_.pipe, valv = layer == layers_.valv;
     if (!pipe && !valv && layer != layers_.pump) return;
-    Chain data;
+    Chain data(polyline->xData(app::kImport));
     if (pipe) {
-      data = Chain(polyline->xData(app::kImport));
-      if (!rename(data.item(nodePlace(schema::kPipe, which)))) return;
+      link.start = link.start && rename(data.item(nodePlace(schema::kPipe, false)));
+      link.end = link.end && rename(data.item(nodePlace(schema::kPipe, true)));
+      if (!link.start && !link.end) return;
     } else if (points_.size() < 2) {
       return;  // no course, so no place for the block either
     }
-    end.z = change_.newHeight;
-    interpolateInterior(points_);
-    if (!pipe) fixBlocks(valv, which);
+    const AcGePoint3dArray before = points_;
+    if (link.start) place(points_.front());
+    if (link.end) place(points_.back());
+    if (movesAnything()) interpolateInterior(points_);
+    if (!pipe) fixBlocks(valv, before, link, data.text(1));
     polyline->upgradeOpen();
-    RewritePolyline(points_, polyline.get(), kChangedLink, layer, data.release());
+    RewritePolyline(points_, polyline.get(), kChangedLink, layer,
+                    pipe && change_.id ? data.release() : nullptr);
     ClearXData(polyline.get(), app::kLinkResult);
+    followed_.push_back({link.id, lengthOf(before), lengthOf(points_)});
+  }
+
+  bool movesAnything() const { return change_.newHeight || change_.place; }
+  void place(AcGePoint3d& end) const {
+    if (change_.newHeight) end.z = *change_.newHeight;
+    if (change_.place) end = {change_.place->x, change_.place->y, end.z};
   }
 
   // Where a link has the name of its node at an end.
-  static int nodePlace(const schema::Kind& kind, End which) {
-    return schema::placeOf(kind.data,
-                           which == End::start ? schema::Field::node1 : schema::Field::node2);
+  static int nodePlace(const schema::Kind& kind, bool atEnd) {
+    return schema::placeOf(kind.data, atEnd ? schema::Field::node2 : schema::Field::node1);
   }
 
-  // Puts the node's name into an item; false when there is none.
+  // Puts the node's name into an item, if it has a new one; false when there is no item.
   bool rename(resbuf* item) const {
     if (!item) return false;
-    if (item->restype == 1000 || !change_.onlyTextItems) setTextItem(item, change_.id);
+    if (change_.id && (item->restype == 1000 || !change_.onlyTextItems)) {
+      setTextItem(item, *change_.id);
+    }
     return true;
   }
 
-  void fixBlocks(bool valv, End which) {
-    AcGePoint3d place;
-    if (!linkBlockPlace(points_, place)) return;
+  // Blocks belong to a course by their place. Where several stand there, as on parallel pumps, only
+  // those of the course's own name leave it.
+  void fixBlocks(bool valv, const AcGePoint3dArray& before, const LinkAt& link,
+                 std::u16string_view name) {
+    AcGePoint3d from, to;
+    if (!linkBlockPlace(before, from) || !linkBlockPlace(points_, to)) return;
     std::optional<BlockPlaces>& blocks = valv ? valves_ : pumps_;
     if (!blocks) blocks.emplace(valv ? layers_.valv : layers_.pump);
-    const int position = nodePlace(valv ? schema::kValv : schema::kPump, which);
-    blocks->at(place, [&](AcDbObjectId id) {
-      const Opened<AcDbBlockReference> block(id, AcDb::kForWrite);
-      if (!block) return;
+    std::vector<AcDbObjectId> there = blocks->at(from);
+    if (change_.place && there.size() > 1) {
+      std::vector<AcDbObjectId> own;
+      for (const AcDbObjectId id : there) {
+        if (hasName(id, name)) own.push_back(id);
+      }
+      if (!own.empty()) there = own;
+    }
+    for (const AcDbObjectId id : there)
+      fixBlock(id, valv ? schema::kValv : schema::kPump, to, link);
+  }
+
+  void fixBlock(AcDbObjectId id, const schema::Kind& kind, const AcGePoint3d& to,
+                const LinkAt& link) const {
+    const Opened<AcDbBlockReference> block(id, AcDb::kForWrite);
+    if (!block) return;
+    if (change_.place) {
+      block->setPosition(to);
+      ClearXData(block.get(), app::kLinkResult);
+    } else if (change_.newHeight) {
       const AcGePoint3d at = block->position();
-      block->setPosition({at.x, at.y, place.z});
-      const Chain data(block->xData(app::kImport));
-      resbuf* item = data.item(position);
-      if (!item) return;
-      setTextItem(item, change_.id);
-      block->setXData(data.get());
-    });
+      block->setPosition({at.x, at.y, to.z});
+    }
+    if (!change_.id) return;
+    const Chain data(block->xData(app::kImport));
+    bool named = false;
+    for (const bool atEnd : {false, true}) {
+      resbuf* const item = data.item(nodePlace(kind, atEnd));
+      if (!item || !(atEnd ? link.end : link.start)) continue;
+      setTextItem(item, *change_.id);
+      named = true;
+    }
+    if (named) block->setXData(data.get());
   }
 
   const AcGePoint3d node_;
@@ -113,18 +150,23 @@ class LinkMover {
   const NetworkLayers layers_;
   AcGePoint3dArray points_;
   std::optional<BlockPlaces> valves_, pumps_;  // made when the first link of the kind is met
+  std::vector<FollowedLink> followed_;
 };
 
 }  // namespace
 
-void moveNode(Opened<AcDbBlockReference> block, const NodeChange& change) {
+FollowedLinks dragLinks(Opened<AcDbBlockReference> block, const NodeChange& change) {
+  FollowedLinks followed;
   const AcDbObjectId id = block->objectId();
-  const AcGePoint3d at = block->position();
+  AcGePoint3d at = block->position();
   block.close();
-  if (std::fabs(at.z - change.oldHeight) < kPlaceTolerance) LinkMover(at, change).run();
-  if (const Opened<AcDbBlockReference> again(id, AcDb::kForWrite); again) {
-    again->setPosition({at.x, at.y, change.newHeight});
-  }
+  followed.nodeOffHeight = !(std::fabs(at.z - change.oldHeight) < kPlaceTolerance);
+  if (!followed.nodeOffHeight) followed.links = LinkMover(at, change).run();
+  if (!change.newHeight && !change.place) return followed;
+  if (change.newHeight) at.z = *change.newHeight;
+  if (change.place) at = {change.place->x, change.place->y, at.z};
+  if (const Opened<AcDbBlockReference> again(id, AcDb::kForWrite); again) again->setPosition(at);
+  return followed;
 }
 
 }  // namespace vessora

@@ -337,5 +337,97 @@ TEST_F(ElementLoaders, ARenamedLinkTakesItsCompanionAlong) {
   EXPECT_EQ(data(pumpLine), "U2");
 }
 
+// --- some fields ---------------------------------------------------------------------------------
+
+using schema::Field;
+
+TEST_F(ElementLoaders, OfSomeFieldsOnlyTheirOwnConsequencesFollow) {
+  const AcDbObjectId node = junction(u"N1", {100, 0, 10}, u"10");
+  const AcDbObjectId line =
+      pipeWithResults(pipe(u"P1", u"altro", u"B"), {{100, 0, 9}, {150, 0, 0}, {200, 0, 7}});
+  const auto update = [&](FieldSet changed) {
+    EpaJunc junc;
+    junc.id = u"Nuovo";
+    junc.elev = u"30.5";
+    junc.demand = u"8.125";
+    junc.pattern = u"altro";
+    UpdateJunc(Opened<AcDbBlockReference>(node, AcDb::kForWrite), junc, 0.5, changed);
+    expectNothingHeld();
+  };
+  const auto stateOfLine = [&] {
+    return data(line) + "/" + std::to_string(color(line)) + "/" + std::to_string(heights(line)[0]) +
+           "/" + std::to_string(heights(line)[1]) +
+           (Opened<AcDbEntity>(line)->hasXData(app::kLinkResult) ? "/results" : "");
+  };
+  const std::string untouched = stateOfLine();
+
+  update({Field::demand});
+  EXPECT_EQ(attribute(node, u"BD") + attribute(node, u"ID") + attribute(node, u"EL"), u"8.125N110");
+  EXPECT_EQ(data(node), "N1|0.125|day");
+  update({Field::pattern, Field::emitter});
+  EXPECT_EQ(data(node), "N1|0.5|altro");
+  EXPECT_EQ(color(node), 1);
+  EXPECT_EQ(stateOfLine(), untouched);
+
+  // A name goes to the links by itself: no height is touched, not even one that is not the node's.
+  update({Field::id});
+  EXPECT_EQ(data(node) + data(line), "Nuovo|0.5|altroP1|100.5|150.0|130.0|0.25|Open|Nuovo|B");
+  EXPECT_EQ(stateOfLine().substr(data(line).size()), "/3/9.000000/0.000000");
+  EXPECT_EQ(position(node).z, 10);
+  // And a height without the name.
+  junction(u"N2", {200, 0, 7}, u"7");
+  update({Field::elevation});
+  EXPECT_EQ(attribute(node, u"EL"), u"30.5");
+  EXPECT_EQ(heights(line), (std::vector<double>{30.5, 18.75, 7}));
+}
+
+TEST_F(ElementLoaders, SomeItemsGoIntoTheListThatIsThere) {
+  // A list with more than we know keeps it; one that is too short becomes whole.
+  const Chain longer(acutBuildList(1001, app::kImport, 1000, u"P", 1040, 1.5, 1040, 2.5, 1040, 3.5,
+                                   1040, 4.5, 1000, u"CV", 1000, u"A", 1000, u"B", 1000, u"oltre",
+                                   RTNONE));
+  const AcDbObjectId extended = addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}}, longer);
+  const AcDbObjectId brief = addPolyline(u"PIPE-Rete", {{0, 0, 0}, {1, 0, 0}}, idData(u"Q"));
+  EpaPipe record = pipe(u"R", u"non", u"questi");
+  record.length = u"12.345678901";
+  for (const AcDbObjectId id : {extended, brief}) {
+    UpdatePipe(Opened<AcDb3dPolyline>(id, AcDb::kForWrite).get(), record, u"PVC");
+  }
+  EXPECT_EQ(data(extended), "R|12.345678901|150.0|130.0|0.25|Open|A|B|oltre");
+  EXPECT_EQ(data(brief), "R|12.345678901|150.0|130.0|0.25|Open|non|questi");
+  EXPECT_EQ(data(extended, app::kMaterial), "PVC");
+  record.roughness = u"99";
+  UpdatePipe(Opened<AcDb3dPolyline>(extended, AcDb::kForWrite).get(), record, u"altro",
+             {Field::roughness});
+  EXPECT_EQ(data(extended) + data(extended, app::kMaterial),
+            "R|12.345678901|150.0|99.0|0.25|Open|A|B|oltrePVC");
+
+  // A pump's old list ends in a point, which is no name of a pattern.
+  const Chain ended(acutBuildList(1001, app::kImport, 1000, u"U", 1000, u"C", 1000, u"D", 1000,
+                                  u"h", 1040, 0.0, 1040, 2.0, 1010, AcGePoint3d(1, 2, 3), RTNONE));
+  const AcDbObjectId old = addBlock(u"Pump", u"PUMP-Rete", {}, {{u"ID", u"U"}}, ended);
+  EpaPump changed = pump(u"U");
+  changed.speed = u"1.25";
+  UpdatePump(Opened<AcDbBlockReference>(old, AcDb::kForWrite), changed, u"PUMP-Rete",
+             {Field::speed});
+  EXPECT_EQ(data(old).substr(0, 17), "U|C|D|h|0.0|1.25|");
+  changed.price = u"0.2";
+  UpdatePump(Opened<AcDbBlockReference>(old, AcDb::kForWrite), changed, u"PUMP-Rete",
+             {Field::price});
+  EXPECT_EQ(data(old), "U|A|B|c|1.25|1.25|sp|eff|0.2|pp");
+
+  // What a valve has twice is written twice, and its companion keeps its name.
+  const AcDbObjectId block =
+      addBlock(u"Valv", u"VALV-Rete", {1, 0, 0}, {{u"ID", u"V1"}, {u"D", u"1"}, {u"SET", u"7"}},
+               valvData(valve(u"V1"), 80, 0.5));
+  const AcDbObjectId companion = addPolyline(u"VALV-Rete", {{0, 0, 0}, {2, 0, 0}}, idData(u"V1"));
+  EpaValv valv = valve(u"V2");
+  valv.diameter = u"125.5";
+  UpdateValv(Opened<AcDbBlockReference>(block, AcDb::kForWrite), valv, u"VALV-Rete",
+             {Field::diameter});
+  EXPECT_EQ(data(block) + "/" + data(companion), "V1|125.5|PRV|None|30|0.5|A|B/V1");
+  EXPECT_EQ(attribute(block, u"D") + attribute(block, u"SET"), u"125.57");
+}
+
 }  // namespace
 }  // namespace vessora
