@@ -140,6 +140,22 @@ class ModuleJobs : public Jobs {
     const CommandSpan span;
     return vessora::addValve(network, points, valve, names);
   }
+
+  // --- changing elements
+  std::optional<DrawnElement> readElement(std::u16string_view network, AcDbObjectId id) override {
+    return vessora::readElement(network, id);
+  }
+  ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
+                             const DrawnElement& element, FieldSet changed) override {
+    return vessora::modifyElement(network, id, element, changed);
+  }
+  ChangeResult moveNode(std::u16string_view network, AcDbObjectId id, double x, double y) override {
+    return vessora::moveNode(network, id, x, y);
+  }
+  ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id,
+                             bool evenIfLinked) override {
+    return vessora::deleteElement(network, id, evenIfLinked);
+  }
 };
 
 ModuleJobs jobs;

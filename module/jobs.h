@@ -7,12 +7,14 @@
 //   if (vessora::Jobs* jobs = vessora::Jobs::find()) ...
 #pragma once
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "cad/api/services.h"
 #include "module/editing/add_jobs.h"
+#include "module/editing/change_jobs.h"
 #include "module/editing/manhole_jobs.h"
 #include "module/editing/settings_jobs.h"
 #include "module/inp/inp_jobs.h"
@@ -110,6 +112,14 @@ class Jobs : public AcRxObject {
                                const EpaPump& pump, std::vector<std::u16string>& names) = 0;
   virtual AddedElement addValve(std::u16string_view network, const std::vector<AcGePoint3d>& points,
                                 const EpaValv& valve, std::vector<std::u16string>& names) = 0;
+  // --- changing elements
+  virtual std::optional<DrawnElement> readElement(std::u16string_view network, AcDbObjectId id) = 0;
+  virtual ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
+                                     const DrawnElement& element, FieldSet changed) = 0;
+  virtual ChangeResult moveNode(std::u16string_view network, AcDbObjectId id, double x,
+                                double y) = 0;
+  virtual ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id,
+                                     bool evenIfLinked) = 0;
 };
 
 }  // namespace vessora

@@ -146,6 +146,39 @@ std::string describe(const vessora::Notice& notice) {
                  "ridisegnarlo",
                  "the link has one vertex alone and does not reach its end node; erase it and draw "
                  "it again");
+    case Code::lengthFollows:
+      return subject + ": " + words("lunghezza come disegnata: ", "length as drawn: ") +
+             narrow(notice.other);
+    case Code::lengthKept:
+      return subject + ": " +
+             words("resta la lunghezza immessa a mano: ", "the length that was typed stays: ") +
+             narrow(notice.other);
+    case Code::linksLeftBehind:
+      return subject + ": " +
+             words(
+                 "il simbolo non sta alla quota dell'attributo, e i rami non lo seguono; rimettere "
+                 "il simbolo alla sua quota e spostare i rami sul nodo",
+                 "the symbol does not stand at the height of its attribute, and the links do not "
+                 "follow it; put the symbol at its height and the links onto the node");
+    case Code::nodeGone:
+      return subject + ": " +
+             words("nessun nodo ha più questo nome, ma questi rami finiscono lì o lo riportano: ",
+                   "no node has this name any more, but these links end there or name it: ") +
+             narrow(notice.other) +
+             words("; dare il nome a un nodo, o eliminare i rami e ridisegnarli",
+                   "; give the name to a node, or delete the links and draw them anew");
+    case Code::nodesCoincide:
+      return subject + ": " +
+             words("sta nello stesso punto di un altro nodo; spostare uno dei due: ",
+                   "stands where another node stands; move one of them: ") +
+             narrow(notice.other);
+    case Code::partMissing:
+      return subject + ": " +
+             words(
+                 "il simbolo o il tracciato che va con questo elemento non si è trovato; se c'è, "
+                 "eliminarlo a mano",
+                 "the symbol or the course that goes with this element was not found; if it is "
+                 "there, delete it by hand");
   }
   return {};
 }

@@ -28,12 +28,18 @@ enum class NoticeCode {
   networkNameTwice,     // a new network shares its layers with another one (other)
   networkNameUnusable,  // no layer can bear a new network's name, for a character (other)
   elementNotDrawn,      // its layer cannot be made
-  nodeNameTwice,        // a new node has the name of another one
+  nodeNameTwice,        // a node has the name of another one
   linkNameTwice,
   nameEmpty,             // a new element has no name (subject: its layer)
   linkWithoutNode,       // a link has no name for one of its ends
   courseOfOneVertex,     // a link ends where it begins; a pump or valve has no symbol then
   energyPatternMissing,  // the settings name a pattern (subject) that the network does not have
+  lengthFollows,         // a pipe (subject) has the length that is drawn now (other)
+  lengthKept,            // it keeps the one that was typed (other)
+  linksLeftBehind,       // links did not follow a node: it does not stand at its stored height
+  nodeGone,              // links (other) still name a node (subject) that is gone, or renamed
+  nodesCoincide,         // a node stands where another one (other) stands
+  partMissing,           // a valve or pump had no block or no course to go with it
 };
 
 struct Notice {

@@ -160,8 +160,11 @@ FollowedLinks dragLinks(Opened<AcDbBlockReference> block, const NodeChange& chan
   const AcDbObjectId id = block->objectId();
   AcGePoint3d at = block->position();
   block.close();
-  followed.nodeOffHeight = !(std::fabs(at.z - change.oldHeight) < kPlaceTolerance);
-  if (!followed.nodeOffHeight) followed.links = LinkMover(at, change).run();
+  if (std::fabs(at.z - change.oldHeight) < kPlaceTolerance) {
+    followed.links = LinkMover(at, change).run();
+  } else {
+    followed.leftBehind = !linksAt(NetworkLayers(currentNetwork), at).empty();
+  }
   if (!change.newHeight && !change.place) return followed;
   if (change.newHeight) at.z = *change.newHeight;
   if (change.place) at = {change.place->x, change.place->y, at.z};

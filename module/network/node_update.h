@@ -22,8 +22,10 @@ struct FollowedLink {
   double lengthBefore = 0, lengthAfter = 0;  // as drawn, in space
 };
 struct FollowedLinks {
-  bool nodeOffHeight = false;  // the block does not stand at its old height: no link has followed
-  std::vector<FollowedLink> links;  // in drawing order; one whose both ends lie there stands once
+  // In drawing order; a link whose both ends lie there stands once.
+  std::vector<FollowedLink> links;
+  // There are links, but the block does not stand at its old height.
+  bool leftBehind = false;
 };
 
 // Takes over the node's block, whose attributes and data are written already, and closes it. The

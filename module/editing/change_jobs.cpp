@@ -1,0 +1,238 @@
+// Changing one element and moving a node: the jobs.
+#include "module/editing/change_jobs.h"
+
+#include <algorithm>
+#include <cmath>
+
+#include "module/editing/drawn_links.h"
+#include "module/host/module.h"
+#include "module/inp/collection.h"
+#include "module/network/element_loaders.h"
+#include "platform/text.h"
+
+namespace vessora {
+
+using schema::Field;
+
+namespace {
+
+template <class Record>
+constexpr bool isNode = std::is_same_v<Record, EpaJunc> || std::is_same_v<Record, EpaResv> ||
+                        std::is_same_v<Record, EpaTank>;
+
+std::u16string idOf(const DrawnElement& element) {
+  return std::visit([](const auto& record) { return record.id.str(); }, element.record);
+}
+bool isNodeElement(const DrawnElement& element) {
+  return std::visit(
+      [](const auto& record) { return isNode<std::remove_cvref_t<decltype(record)>>; },
+      element.record);
+}
+
+}  // namespace
+
+// --- reading -------------------------------------------------------------------------------------
+
+std::optional<DrawnElement> readElement(std::u16string_view network, AcDbObjectId id) {
+  const NetworkLayers layers(network);
+  const Opened<AcDbEntity> entity(id);
+  if (!entity) return {};
+  const std::u16string layer = entity->layer();
+  DrawnElement element;
+  if (auto* polyline = entity.as<AcDb3dPolyline>()) {
+    if (layer != layers.pipe) return {};
+    ReadPipe(element.record.emplace<EpaPipe>(), element.material, polyline);
+    return element;
+  }
+  auto* const block = entity.as<AcDbBlockReference>();
+  if (!block) return {};
+  if (layer == layers.junc) {
+    ReadJunc(element.record.emplace<EpaJunc>(), block);
+  } else if (layer == layers.resv) {
+    ReadResv(element.record.emplace<EpaResv>(), block);
+  } else if (layer == layers.tank) {
+    ReadTank(element.record.emplace<EpaTank>(), block);
+  } else if (layer == layers.valv) {
+    ReadValv(element.record.emplace<EpaValv>(), block);
+  } else if (layer == layers.pump) {
+    ReadPump(element.record.emplace<EpaPump>(), block);
+  } else {
+    return {};
+  }
+  return element;
+}
+
+// --- modifying -----------------------------------------------------------------------------------
+
+namespace {
+
+// Writes one record onto its entity and takes the results off. Empty when the entity cannot be
+// opened.
+class ElementWriter {
+ public:
+  ElementWriter(const NetworkLayers& layers, AcDbObjectId id, FieldSet changed,
+                std::u16string_view material)
+      : layers_(layers), id_(id), changed_(changed), material_(material) {}
+
+  using Written = std::optional<FollowedLinks>;
+  Written operator()(const EpaJunc& junc) const {
+    return onBlock(app::kNodeResult, [&](auto block) {
+      return UpdateJunc(std::move(block), junc, platform::wtof(junc.emitter), changed_);
+    });
+  }
+  Written operator()(const EpaResv& resv) const {
+    return onBlock(app::kNodeResult,
+                   [&](auto block) { return UpdateResv(std::move(block), resv, changed_); });
+  }
+  Written operator()(const EpaTank& tank) const {
+    return onBlock(app::kNodeResult,
+                   [&](auto block) { return UpdateTank(std::move(block), tank, changed_); });
+  }
+  Written operator()(const EpaValv& valv) const {
+    return onBlock(app::kLinkResult, [&](auto block) {
+      UpdateValv(std::move(block), valv, layers_.valv, changed_);
+      return FollowedLinks();
+    });
+  }
+  Written operator()(const EpaPump& pump) const {
+    return onBlock(app::kLinkResult, [&](auto block) {
+      UpdatePump(std::move(block), pump, layers_.pump, changed_);
+      return FollowedLinks();
+    });
+  }
+  Written operator()(const EpaPipe& pipe) const {
+    const Opened<AcDb3dPolyline> polyline(id_, AcDb::kForWrite);
+    if (!polyline) return {};
+    UpdatePipe(polyline.get(), pipe, material_, changed_);
+    ClearXData(polyline.get(), app::kLinkResult);
+    return FollowedLinks();
+  }
+
+ private:
+  template <class Update>
+  Written onBlock(const char16_t* results, Update update) const {
+    Opened<AcDbBlockReference> block(id_, AcDb::kForWrite);
+    if (!block) return {};
+    ClearXData(block.get(), results);
+    return update(std::move(block));
+  }
+
+  const NetworkLayers& layers_;
+  AcDbObjectId id_;
+  FieldSet changed_;
+  std::u16string_view material_;
+};
+
+// What a new name leaves behind; `names` are those of the kind before the change.
+void warnOfName(const NetworkLayers& layers, bool node, const std::u16string& before,
+                const std::u16string& now, const std::vector<std::u16string>& names,
+                Notices& warnings) {
+  if (std::find(names.begin(), names.end(), now) != names.end()) {
+    warnings.push_back({node ? NoticeCode::nodeNameTwice : NoticeCode::linkNameTwice, now});
+  }
+  if (!node || std::count(names.begin(), names.end(), before) > 1) return;
+  const std::vector<std::u16string> links = linksNaming(layers, before);
+  if (!links.empty()) warnings.push_back({NoticeCode::nodeGone, before, joined(links)});
+}
+
+}  // namespace
+
+ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
+                           const DrawnElement& element, FieldSet changed,
+                           const std::vector<std::u16string>* names) {
+  ChangeResult result;
+  const std::optional<DrawnElement> before = readElement(network, id);
+  if (!before || before->record.index() != element.record.index()) return result;
+  const std::u16string oldName = idOf(*before), newName = idOf(element);
+  if (changed.has(Field::id) && newName.empty()) {
+    result.verdict = ChangeVerdict::nameMissing;
+    return result;
+  }
+  const bool node = isNodeElement(element), renamed = changed.has(Field::id) && newName != oldName;
+  std::vector<std::u16string> nodes, links;
+  if (renamed && !names) {
+    Notices differing;  // told by those who collect a network, not by who changes one name
+    CollectNetworkNames(network, nodes, links, differing);
+    names = node ? &nodes : &links;
+  }
+  currentNetwork = network;
+  acdbRegApp(app::kMaterial);
+  const NetworkLayers layers(network);
+  const auto written =
+      std::visit(ElementWriter(layers, id, changed, element.material), element.record);
+  if (!written) return result;
+  result.verdict = ChangeVerdict::done;
+  if (written->leftBehind) result.warnings.push_back({NoticeCode::linksLeftBehind, newName});
+  if (renamed) warnOfName(layers, node, oldName, newName, *names, result.warnings);
+  return result;
+}
+
+// --- moving --------------------------------------------------------------------------------------
+
+namespace {
+
+// A length is kept with three decimals by everything that passes through a record.
+constexpr double kLengthRounding = 0.0005 + 1e-6;
+
+void takeLength(const NetworkLayers& layers, const FollowedLink& link, Notices& notices) {
+  const Opened<AcDb3dPolyline> polyline(link.id, AcDb::kForWrite);
+  if (!polyline || polyline->layer() != layers.pipe) return;
+  const Chain data(polyline->xData(app::kImport));
+  const double stored = realAt(data, schema::kPipe.data, Field::length);
+  const bool follows = std::fabs(stored - link.lengthBefore) <= kLengthRounding;
+  EpaPipe pipe;
+  storeReal(pipe.length, follows ? link.lengthAfter : stored);
+  notices.push_back({follows ? NoticeCode::lengthFollows : NoticeCode::lengthKept,
+                     std::u16string(data.text(1)), pipe.length.str()});
+  if (!follows) return;
+  storeExactly(pipe.length, link.lengthAfter);
+  UpdatePipe(polyline.get(), pipe, {}, {Field::length});
+}
+
+void moveArrows(std::u16string_view network, const AcGePoint3d& from, const AcGePoint3d& to) {
+  for (const AcDbObjectId id : arrowsAt(network, from)) {
+    const Opened<AcDbBlockReference> arrow(id, AcDb::kForWrite);
+    if (arrow) arrow->setPosition({to.x, to.y, arrow->position().z});
+  }
+}
+
+double storedHeight(const DrawnElement& node) {
+  const Field height =
+      std::holds_alternative<EpaResv>(node.record) ? Field::head : Field::elevation;
+  return std::visit([height](const auto& record) { return platform::wtof(textOf(record, height)); },
+                    node.record);
+}
+
+}  // namespace
+
+ChangeResult moveNode(std::u16string_view network, AcDbObjectId id, double x, double y) {
+  ChangeResult result;
+  const std::optional<DrawnElement> node = readElement(network, id);
+  if (!node || !isNodeElement(*node)) return result;
+  if (!std::isfinite(x) || !std::isfinite(y)) {
+    result.verdict = ChangeVerdict::placeUnusable;
+    return result;
+  }
+  Opened<AcDbBlockReference> block(id, AcDb::kForWrite);
+  if (!block) return result;
+  currentNetwork = network;
+  const NetworkLayers layers(network);
+  const AcGePoint3d from = block->position();
+  ClearXData(block.get(), app::kNodeResult);
+  NodeChange change;
+  change.oldHeight = storedHeight(*node);
+  change.place = AcGePoint3d(x, y, 0);
+  const FollowedLinks followed = dragLinks(std::move(block), change);
+  moveArrows(network, from, *change.place);
+  for (const FollowedLink& link : followed.links) takeLength(layers, link, result.notices);
+  if (followed.leftBehind) result.warnings.push_back({NoticeCode::linksLeftBehind, idOf(*node)});
+  for (const AcDbObjectId other : nodesAt(layers, *change.place)) {
+    if (other == id) continue;
+    const Opened<AcDbEntity> entity(other);
+    result.warnings.push_back({NoticeCode::nodesCoincide, idOf(*node), nameOf(*entity.get())});
+  }
+  result.verdict = ChangeVerdict::done;
+  return result;
+}
+
+}  // namespace vessora

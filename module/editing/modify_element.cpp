@@ -1,0 +1,247 @@
+// The command that modifies one element: its dialog with what is stored, and the changes onto the
+// same entities.
+#include <algorithm>
+
+#include "module/dialogs/element_dialogs.h"
+#include "module/dialogs/sel_rete_mod.h"
+#include "module/editing/change_jobs.h"
+#include "module/host/messages.h"
+#include "module/host/tell.h"
+#include "module/host/warnings.h"
+#include "module/inp/collection.h"
+#include "module/network/element_data.h"
+#include "module/network/pattern_curve_store.h"
+#include "module/network/settings_store.h"
+#include "platform/text.h"
+
+namespace vessora {
+
+namespace {
+
+// --- the network ---------------------------------------------------------------------------------
+
+// Makes a network the current one: the default one, or with several and no default the one that the
+// user takes from the list. False when he gives up. A drawing without networks has the current one
+// without a name, and says so nowhere.
+bool chooseNetworkToModify() {
+  networkNames.clear();
+  ListNetworks(networkNames, defaultNetwork);
+  if (networkNames.size() < 2 || !defaultNetwork.empty()) {
+    currentNetwork = defaultNetwork;
+    return true;
+  }
+  for (;;) {
+    DlgSelReteMod dialog(networkNames);
+    if (!dialog.doModal()) return false;
+    if (!selectedNetwork.empty()) {
+      currentNetwork = selectedNetwork;
+      return true;
+    }
+    showMessage(TraduciTesto(u"Non esiste alcuna rete!"));
+  }
+}
+
+// --- one element ---------------------------------------------------------------------------------
+
+enum class Pass { written, abandoned };
+
+// What the run holds while it lasts, and the branch of each kind.
+class ElementEditor {
+ public:
+  explicit ElementEditor(std::u16string& material) : material_(material) {
+    // Those of the default network, whatever network was chosen.
+    LoadPatterns(patterns_, defaultNetwork);
+    LoadCurves(curves_, defaultNetwork);
+    Notices notices;
+    CollectNetworkNames(currentNetwork, nodes_, links_, notices);
+    tell(notices);
+  }
+
+  Pass edit(AcDbObjectId id, const DrawnElement& element) {
+    id_ = id;
+    return std::visit([this, &element](auto record) { return branch(record, element.material); },
+                      element.record);
+  }
+
+ private:
+  using Names = std::vector<std::u16string>;
+
+  static double real(const wide50& text) { return platform::wtof(text); }
+
+  Pass branch(EpaJunc& junc, const std::u16string&) {
+    Dlgjunc dialog(patterns_);
+    dialog.elevation = real(junc.elev);
+    dialog.demand = real(junc.demand);
+    dialog.emitter = real(junc.emitter);
+    dialog.pattern = junc.pattern;
+    if (!askName(dialog, junc.id, nodes_, Clash::warns)) return Pass::abandoned;
+    storeReal(junc.elev, dialog.elevation.value());
+    storeReal(junc.demand, dialog.demand.value());
+    storeExactly(junc.emitter, dialog.emitter.value());
+    junc.pattern = dialog.pattern.value();
+    return write({junc, {}}, nodes_);
+  }
+
+  Pass branch(EpaResv& resv, const std::u16string&) {
+    Dlgresv dialog(patterns_);
+    dialog.head = real(resv.head);
+    dialog.pattern = resv.pattern;
+    if (!askName(dialog, resv.id, nodes_, Clash::warns)) return Pass::abandoned;
+    storeReal(resv.head, dialog.head.value());
+    resv.pattern = dialog.pattern.value();
+    return write({resv, {}}, nodes_);
+  }
+
+  Pass branch(EpaTank& tank, const std::u16string&) {
+    Dlgtank dialog(curves_);
+    const std::pair<ui::Real*, wide50*> fields[] = {
+        {&dialog.elevation, &tank.elev},      {&dialog.diameter, &tank.diameter},
+        {&dialog.initLevel, &tank.initLevel}, {&dialog.minLevel, &tank.minLevel},
+        {&dialog.maxLevel, &tank.maxLevel},   {&dialog.minVolume, &tank.minVol}};
+    for (const auto& [field, text] : fields) *field = real(*text);
+    dialog.curve = tank.volCurve;
+    if (!askName(dialog, tank.id, nodes_, Clash::warns)) return Pass::abandoned;
+    for (const auto& [field, text] : fields) storeReal(*text, field->value());
+    tank.volCurve = dialog.curve.value();
+    return write({tank, {}}, nodes_);
+  }
+
+  // Reals go into the drawing as the dialog has them, not by way of three decimals.
+  Pass branch(EpaPipe& pipe, const std::u16string& material) {
+    EpaSettings settings;
+    LoadSettings(settings, currentNetwork);
+    if (!ReadMaterials(materials)) return Pass::abandoned;
+    material_ = material;
+    Dlgpipe dialog(material_, materials);
+    dialog.headloss = settings.headloss;
+    const std::pair<ui::Real*, wide50*> fields[] = {{&dialog.length, &pipe.length},
+                                                    {&dialog.diameter, &pipe.diameter},
+                                                    {&dialog.roughness, &pipe.roughness},
+                                                    {&dialog.minorLoss, &pipe.minorLoss}};
+    for (const auto& [field, text] : fields) *field = real(*text);
+    dialog.status = pipe.status;
+    if (!askName(dialog, pipe.id, links_, Clash::warns)) return Pass::abandoned;
+    for (const auto& [field, text] : fields) storeExactly(*text, field->value());
+    pipe.status = dialog.status.value();
+    return write({pipe, material_}, links_);
+  }
+
+  Pass branch(EpaValv& valv, const std::u16string&) {
+    Dlgvalv dialog;
+    dialog.diameter = real(valv.diameter);
+    dialog.setting = valv.setting;
+    dialog.minorLoss = real(valv.minorLoss);
+    dialog.type = valv.type;
+    dialog.status = valv.status;
+    if (!askName(dialog, valv.id, links_, Clash::warns)) return Pass::abandoned;
+    storeReal(valv.diameter, dialog.diameter.value());
+    storeReal(valv.minorLoss, dialog.minorLoss.value());
+    valv.type = dialog.type.value();
+    valv.status = dialog.status.value();
+    valv.setting = dialog.setting.value();
+    return write({valv, {}}, links_);
+  }
+
+  // Of the current network's own lists. The speed pattern is shown and stays what it was.
+  Pass branch(EpaPump& pump, const std::u16string&) {
+    std::vector<EpaPattern> patterns;
+    std::vector<EpaCurve> curves;
+    LoadPatterns(patterns, currentNetwork);
+    LoadCurves(curves, currentNetwork);
+    Dlgpump dialog(curves, patterns);
+    dialog.status = pump.status;
+    dialog.headCurve = pump.headCurve;
+    dialog.efficiencyCurve = pump.effCurve;
+    dialog.speed = pump.speed;
+    dialog.speedPattern = pump.speedPattern;
+    dialog.price = pump.price;
+    dialog.pricePattern = pump.pricePattern;
+    dialog.power = pump.power;
+    if (!askName(dialog, pump.id, links_, Clash::refuses)) return Pass::abandoned;
+    pump.headCurve = dialog.headCurve.value();
+    pump.effCurve = dialog.efficiencyCurve.value();
+    pump.pricePattern = dialog.pricePattern.value();
+    pump.status = dialog.status.value();
+    pump.power = dialog.power.value();
+    pump.speed = dialog.speed.value();
+    pump.price = dialog.price.value();
+    if (!pump.headCurve.empty()) pump.power.clear();
+    return write({pump, {}}, links_);
+  }
+
+  // What a name that is taken leads to after the box: the change all the same, or the dialog again.
+  enum class Clash { warns, refuses };
+
+  // Runs the dialog until a name stands that can be written, into `id`. False for "Annulla".
+  bool askName(ElementDialog& dialog, wide256& id, const Names& names, Clash clash) const {
+    dialog.name = id;
+    for (;;) {
+      if (!dialog.doModal()) return false;
+      const std::u16string name = dialog.name.value();
+      if (name.empty()) {
+        showMessage(TraduciTesto(u"Nome assente. Inserire un nome!"));
+        continue;
+      }
+      if (name != dialog.oldName && std::find(names.begin(), names.end(), name) != names.end()) {
+        showMessage(&names == &nodes_
+                        ? TraduciTesto(u"Nodo già esistente. Inserire un'altro nome!")
+                        : TraduciTesto(u"Ramo già esistente. Inserire un'altro nome!"));
+        if (clash == Clash::refuses) continue;
+      }
+      id = name;
+      return true;
+    }
+  }
+
+  Pass write(const DrawnElement& element, const Names& names) const {
+    const ChangeResult result =
+        modifyElement(currentNetwork, id_, element, FieldSet::all(), &names);
+    warn(result.warnings);
+    return Pass::written;
+  }
+
+  std::u16string& material_;
+  std::vector<EpaPattern> patterns_;
+  std::vector<EpaCurve> curves_;
+  Names nodes_, links_;
+  AcDbObjectId id_;
+};
+
+// Whether the user may have meant an element at all.
+bool canBeElement(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id);
+  return entity.as<AcDbBlockReference>() || entity.as<AcDb3dPolyline>();
+}
+
+int modifyOne(ElementEditor editor) {
+  for (;;) {
+    ads_name name;
+    AcGePoint3d point;
+    const std::u16string prompt = TraduciTesto(u"\nSelezionare un elemento della rete: ");
+    if (acedEntSel(prompt, name, point) != RTNORM) return kAbandoned;
+    AcDbObjectId id;
+    acdbGetObjectId(id, name);
+    if (!canBeElement(id)) {
+      showMessage(TraduciTesto(u"Oggetto non valido!"));
+      continue;
+    }
+    // What lies on another layer is passed over in silence.
+    const std::optional<DrawnElement> element = readElement(currentNetwork, id);
+    if (!element) continue;
+    return editor.edit(id, *element) == Pass::written ? kRan : kAbandoned;
+  }
+}
+
+}  // namespace
+
+int EpaCommands::hnmodepa() {
+  if (!readInstallPath(installPath)) return kAbandoned;
+  for (const char16_t* application : {app::kImport, app::kMaterial, app::kPattern, app::kCurve}) {
+    acdbRegApp(application);
+  }
+  const bool chosen = chooseNetworkToModify();
+  networkNames.clear();
+  return chosen ? modifyOne(ElementEditor(material)) : kAbandoned;
+}
+
+}  // namespace vessora
