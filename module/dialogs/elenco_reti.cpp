@@ -5,13 +5,13 @@
 
 namespace vessora {
 
-void CDlgElencoReti::onInit() {
+void NetworkListDialog::onInit() {
   ModuleDialog::onInit();
   networks.setItems(networkNames);
   networks.select(0);
 }
 
-void CDlgElencoReti::onOk() {
+void NetworkListDialog::onOk() {
   if (networks.selected() >= 0) selectedNetwork = networks.shown();
   ModuleDialog::onOk();
 }

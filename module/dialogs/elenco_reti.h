@@ -7,9 +7,9 @@ namespace vessora {
 
 // Shows networkNames, sorted, with the first line selected. On OK the selected line goes to
 // selectedNetwork.
-class CDlgElencoReti : public ModuleDialog {
+class NetworkListDialog : public ModuleDialog {
  public:
-  CDlgElencoReti() : ModuleDialog(u"Selezionare una rete") {}
+  using ModuleDialog::ModuleDialog;
 
   ui::ListBox networks{
       this, u"", {.name = u"Reti", .order = ui::Order::sorted, .translate = false}};
@@ -18,6 +18,11 @@ class CDlgElencoReti : public ModuleDialog {
 
   void onInit() override;
   void onOk() override;
+};
+
+class CDlgElencoReti : public NetworkListDialog {
+ public:
+  CDlgElencoReti() : NetworkListDialog(u"Selezionare una rete") {}
 };
 
 // What is done about a name of the aqueduct module ("HN-AQ...") that the user takes from the list.
