@@ -18,29 +18,6 @@ namespace vessora {
 
 namespace {
 
-// --- the network ---------------------------------------------------------------------------------
-
-// Makes a network the current one: the default one, or with several and no default the one that the
-// user takes from the list. False when he gives up. A drawing without networks has the current one
-// without a name, and says so nowhere.
-bool chooseNetworkToModify() {
-  networkNames.clear();
-  ListNetworks(networkNames, defaultNetwork);
-  if (networkNames.size() < 2 || !defaultNetwork.empty()) {
-    currentNetwork = defaultNetwork;
-    return true;
-  }
-  for (;;) {
-    DlgSelReteMod dialog(networkNames);
-    if (!dialog.doModal()) return false;
-    if (!selectedNetwork.empty()) {
-      currentNetwork = selectedNetwork;
-      return true;
-    }
-    showMessage(TraduciTesto(u"Non esiste alcuna rete!"));
-  }
-}
-
 // --- one element ---------------------------------------------------------------------------------
 
 enum class Pass { written, abandoned };
