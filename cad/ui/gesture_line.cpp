@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "cad/ui/journal.h"
 #include "cad/ui/names.h"
 #include "platform/format.h"
 #include "platform/text.h"
@@ -11,6 +12,8 @@ namespace cad::ui {
 using platform::Result;
 using std::u16string;
 using std::u16string_view;
+
+static constexpr u16string_view clipboardName = u"<appunti>";
 
 static platform::Error failure(u16string_view text) { return {platform::narrow(text)}; }
 
@@ -290,9 +293,9 @@ static Result<u16string> shownAt(const Target& target) {
   return joined(cells);
 }
 
-static Gesture differs(const Control& control, u16string_view is, u16string_view expected) {
-  return failure(u"\"" + control.dialog().nameOf(control) + u"\" mostra \"" + oneLine(is) +
-                 u"\", non \"" + oneLine(expected) + u"\".");
+static Gesture differs(u16string_view name, u16string_view is, u16string_view expected) {
+  return failure(u'"' + u16string(name) + u"\" mostra \"" + oneLine(is) + u"\", non \"" +
+                 oneLine(expected) + u"\".");
 }
 
 static Gesture check(const Target& target, u16string_view expected) {
@@ -316,13 +319,31 @@ static Gesture check(const Target& target, u16string_view expected) {
         auto is = property(control, which);
         if (!is) return platform::Error{is.error()};
         u16string_view rest = trimmed(expected.substr(which.size()));
-        return *is == rest ? Gesture{} : differs(control, *is, rest);
+        return *is == rest ? Gesture{} : differs(control.dialog().nameOf(control), *is, rest);
       }
   auto is = shownAt(target);
   if (!is) return platform::Error{is.error()};
   auto text = unquoted(expected);
   if (!text) return failure(u"Manca la virgoletta finale.");
-  return *is == *text ? Gesture{} : differs(control, *is, *text);
+  return *is == *text ? Gesture{} : differs(control.dialog().nameOf(control), *is, *text);
+}
+
+// What other programs have copied, or find when they paste.
+static Gesture useClipboard(Dialog& dialog, const Line& line) {
+  auto text = unquoted(line.rest);
+  if (!text) return failure(u"Manca la virgoletta finale.");
+  if (!dialog.open()) return failure(u"Il dialogo non è aperto.");
+  Frontend& frontend = dialog.frontend();
+  if (line.verb == Verb::check) {
+    const u16string is = frontend.clipboard();
+    return is == *text ? Gesture{} : differs(clipboardName, is, *text);
+  }
+  if (line.verb != Verb::assign)
+    return failure(u"Gli appunti si scrivono (=) o si controllano (?).");
+  frontend.setClipboard(*text);
+  if (Journal* journal = frontend.journal())
+    journal->line(u16string(clipboardName) + u" = " + quoted(*text));
+  return {};
 }
 
 Gesture performLine(Dialog& dialog, u16string_view text) {
@@ -333,6 +354,7 @@ Gesture performLine(Dialog& dialog, u16string_view text) {
     return {};
   }
   Line line = split(text);
+  if (line.target == clipboardName) return useClipboard(dialog, line);
   if (line.verb == Verb::none) return pressNamed(dialog, line.target);
   auto target = findTarget(dialog, line.target);
   if (!target) return platform::Error{target.error()};

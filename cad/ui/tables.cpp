@@ -11,6 +11,14 @@ namespace cad::ui {
 
 static const std::u16string noText;
 
+// What fits in a cell: what parts cells and lines when they are copied becomes a blank in it.
+static std::u16string cellText(std::u16string_view text) {
+  std::u16string line(text);
+  std::replace(line.begin(), line.end(), u'\t', u' ');
+  std::replace(line.begin(), line.end(), u'\n', u' ');
+  return line;
+}
+
 static std::size_t at(int index) { return static_cast<std::size_t>(index); }
 
 // --- report list ---------------------------------------------------------------------------------
@@ -187,7 +195,7 @@ std::u16string Grid::copied() const {
   for (int r = from_.row; r <= to_.row; ++r) {
     for (int c = from_.column; c <= to_.column; ++c) {
       if (c > from_.column) out += u'\t';
-      out += cell(r, c);
+      out += cellText(cell(r, c));
     }
     out += u'\n';
   }
@@ -197,7 +205,7 @@ std::u16string Grid::copied() const {
 void Grid::paste(std::u16string_view text) {
   if (!hasSelection()) return;
   int row = from_.row;
-  for (std::size_t i = 0; i < text.size(); ++row) {
+  for (std::size_t i = 0; i < text.size() && row < rowCount(); ++row) {
     std::size_t end = std::min(text.find(u'\n', i), text.size());
     std::u16string_view line = text.substr(i, end - i);
     if (line.ends_with(u'\r')) line.remove_suffix(1);
@@ -231,9 +239,10 @@ Gesture Grid::enterCell(int row, int column, std::u16string_view text) {
   if (!editable(row, column))
     return platform::Error{platform::narrow(
         platform::format(u"La cella %d,%d non si può modificare.", row, column + 1))};
-  rows_[at(row - 1)][at(column)] = text;
+  std::u16string& typed = rows_[at(row - 1)][at(column)];
+  typed = cellText(text);
   current_ = {row, column};
-  done(place(current_) + u" = " + quoted(text), edited_);
+  done(place(current_) + u" = " + quoted(typed), edited_);
   return {};
 }
 

@@ -191,6 +191,8 @@ static constexpr u16string_view helpText =
     u"  5                 Cerca               preme un pulsante, inverte una casella\n"
     u"  7[3]  7[3] **     una riga di una lista, e il doppio clic su di essa\n"
     u"  7[3,Quota] = 4    una cella           7[3] > Elimina Riga   il menu di una griglia\n"
+    u"  7[1,#2..4,#3]     celle scelte        <appunti> = \"a\\tb\\nc\\td\"  da incollare con il "
+    u"menu\n"
     u"  7+  7-            pagina avanti e indietro\n"
     u"Invio da solo preme il pulsante predefinito; <esc> o \"annulla\" chiude il dialogo.\n";
 

@@ -127,6 +127,8 @@ TEST(LineRules, EveryRefusalSaysWhatIsWrong) {
        "La voce \"Taglia\" non è nel menu, che ha: \"Copia\", \"Incolla\", \"Inserisci Riga\", "
        "\"Elimina Riga\"."},
       {u"Griglia[1] = x", "Manca la colonna della cella."},
+      {u"<appunti> ? x", "Il dialogo non è aperto."},
+      {u"<appunti> = \"x", "Manca la virgoletta finale."},
       {u"Griglia[4,#2] ? x", "La riga 4 non c'è: le righe sono 3."},
       {u"Griglia[1,#4] = x", "La colonna \"#4\" non c'è; ci sono \"N\", \"V, m\", \"#1\"."},
       {u"Griglia[1,#0] = x", "La colonna \"#0\" non c'è; ci sono \"N\", \"V, m\", \"#1\"."},

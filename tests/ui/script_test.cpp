@@ -60,11 +60,19 @@ TEST(Script, DrivesGridsWithMenuAndClipboard) {
     Tipo Curva = PUMP
     Griglia[1,Carico] = 9
     Griglia[0] > Inserisci Riga
+    <appunti> ? "1.5\n2.5\n"
+    <appunti> = "7\tuno\r\n8"
+    Griglia[3,#2] > Incolla
+    Griglia[3,Nota] ? uno
+    Griglia[3,Nota] = "due\trighe\n"
+    Griglia[3]
+    Griglia[3] > Copia
+    <appunti> ? "3\t7\tdue righe \n"
     OK)");
   EXPECT_EQ(played.error, "");
   std::u16string column;
   for (int r = 1; r < d.grid.rowCount(); ++r) column += d.grid.cell(r, 1) + u";";
-  EXPECT_EQ(column, u"9;1.5;1.5;2.5;");
+  EXPECT_EQ(column, u"9;1.5;7;8;");
 }
 
 // Every way in which a script and a dialog can disagree, with the words that the user gets.
