@@ -5,7 +5,9 @@
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
+#include "platform/codepage.h"
 #include "platform/files.h"
+#include "platform/format.h"
 #include "platform/text.h"
 
 namespace vessora {
@@ -19,14 +21,23 @@ std::u16string materialsPath() {
 }
 
 bool ReadMaterials(std::vector<EpaMaterial>& table) {
+  if (loadMaterials(table)) return true;
+  showMessage(TraduciTesto(u"Impossibile aprire il file!"));
+  return false;
+}
+
+bool loadMaterials(std::vector<EpaMaterial>& table) {
   table.clear();
   auto bytes = platform::readFile(platform::nativePath(materialsPath()));
-  if (!bytes) {
-    showMessage(TraduciTesto(u"Impossibile aprire il file!"));
-    return false;
-  }
-  table = parseMaterials(std::move(*bytes));
-  return true;
+  if (bytes) table = parseMaterials(std::move(*bytes));
+  return static_cast<bool>(bytes);
+}
+
+bool saveMaterials(const std::vector<EpaMaterial>& table) {
+  const std::string path = platform::nativePath(materialsPath());
+  const auto before = platform::readFile(path);
+  const std::string bytes = formatMaterials(table, before ? *before : std::string());
+  return static_cast<bool>(platform::writeFile(path, bytes));
 }
 
 std::vector<EpaMaterial> parseMaterials(std::string bytes) {
@@ -56,6 +67,34 @@ std::vector<EpaMaterial> parseMaterials(std::string bytes) {
     }
   }
   return table;
+}
+
+namespace {
+
+// Ctrl-Z ends a text file, and a carriage return before the line's end goes with it.
+std::u16string oneLine(std::u16string_view text) {
+  std::u16string line(text);
+  for (char16_t& c : line) {
+    if (c == u'\n' || c == u'\r' || c == 0x1A) c = u' ';
+  }
+  return line + u'\n';
+}
+
+}  // namespace
+
+std::string formatMaterials(const std::vector<EpaMaterial>& table, std::string_view before) {
+  std::u16string text;
+  for (const EpaMaterial& row : table) {
+    text += oneLine(row.name);
+    platform::appendFormat(text, u"%.10lf\n", row.roughness);
+    text += oneLine(row.thirdLine);
+  }
+  if (!platform::isValidUtf8(before)) {
+    std::string bytes;
+    platform::CodePage::named("ANSI_1252").encode(bytes, text, nullptr);
+    if (platform::decodeBytes(bytes) == text) return bytes;
+  }
+  return platform::narrow(text);
 }
 
 }  // namespace vessora

@@ -181,15 +181,6 @@ void DeleteCurve(std::u16string_view id, std::u16string_view network) {
   });
 }
 
-bool CurveNameIsFree(std::u16string_view name, const std::vector<EpaCurve>& curves,
-                     std::optional<std::u16string_view> ignored) {
-  if (ignored && (name == *ignored || curves.size() == 1)) return true;
-  for (const EpaCurve& curve : curves) {
-    if (curve.id == name) return false;
-  }
-  return true;
-}
-
 std::u16string CurveXLabel(std::u16string_view kind) {
   const AxisLabels* labels = labelsOf(kind);
   return labels ? TraduciTesto(labels->x) : u"X";

@@ -5,6 +5,7 @@
 // existence in a drawing. Names compare exactly.
 #pragma once
 
+#include <algorithm>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -32,10 +33,15 @@ void DeletePattern(std::u16string_view id, std::u16string_view network);
 // curve is there again when curves are loaded.
 void DeleteCurve(std::u16string_view id, std::u16string_view network);
 
-// Whether no curve of the list has the name. With a name to ignore it is free when it is that name,
-// or when the list has exactly one curve, whatever its name.
-bool CurveNameIsFree(std::u16string_view name, const std::vector<EpaCurve>& curves,
-                     std::optional<std::u16string_view> ignored = std::nullopt);
+// Whether no pattern or curve of the list has the name. With an old name it is free when it is that
+// name, or when the list has exactly one record, whatever its name.
+template <class Record>
+bool NameIsFree(std::u16string_view name, const std::vector<Record>& records,
+                std::optional<std::u16string_view> oldName = std::nullopt) {
+  if (oldName && (name == *oldName || records.size() == 1)) return true;
+  return std::none_of(records.begin(), records.end(),
+                      [name](const Record& record) { return record.id == name; });
+}
 
 // What the axes of a kind of curve mean, in the user's language.
 std::u16string CurveXLabel(std::u16string_view kind);

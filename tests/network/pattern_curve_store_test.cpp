@@ -97,15 +97,15 @@ TEST_F(PatternCurveStore, DeletingACurveLooksAtTheKindInsteadOfTheNetwork) {
   EXPECT_EQ(curves(u"PUMP"), "d(PUMP):5.0/6.0,;");
 }
 
-TEST_F(PatternCurveStore, CurveNamesAndLabels) {
-  EXPECT_TRUE(CurveNameIsFree(u"a", {}));
+TEST_F(PatternCurveStore, NamesAndLabels) {
+  EXPECT_TRUE(NameIsFree(u"a", std::vector<EpaPattern>(), u"b"));
   const std::vector<EpaCurve> one = {{u"a", u"", {}}};
-  EXPECT_FALSE(CurveNameIsFree(u"a", one));
-  EXPECT_TRUE(CurveNameIsFree(u"a", one, u"b"));  // one curve and a name to ignore: always free
+  EXPECT_FALSE(NameIsFree(u"a", one));
+  EXPECT_TRUE(NameIsFree(u"a", one, u"b"));  // one record and an old name: always free
   const std::vector<EpaCurve> two = {{u"a", u"", {}}, {u"b", u"", {}}};
-  EXPECT_FALSE(CurveNameIsFree(u"b", two, u"a"));
-  EXPECT_TRUE(CurveNameIsFree(u"b", two, u"b"));
-  EXPECT_TRUE(CurveNameIsFree(u"B", two));
+  EXPECT_FALSE(NameIsFree(u"b", two, u"a"));
+  EXPECT_TRUE(NameIsFree(u"b", two, u"b"));
+  EXPECT_TRUE(NameIsFree(u"B", two));
   EXPECT_EQ(CurveXLabel(u"VOLUME") + CurveYLabel(u"VOLUME"), u"AltezzaVolume");
   EXPECT_EQ(CurveXLabel(u"HEADLOSS") + CurveYLabel(u"HEADLOSS"), u"PortataPerdita");
   EXPECT_EQ(CurveXLabel(u"pump") + CurveYLabel(u""), u"XY");

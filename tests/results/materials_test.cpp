@@ -39,5 +39,30 @@ TEST(Materials, TextsAreCutAndDecoded) {
   EXPECT_EQ(table[1].name, u"Metallo è");
 }
 
+// Whatever is written comes back as it was, and in the encoding in which the file was.
+TEST(Materials, WritingGivesBackWhatWasRead) {
+  const std::string latin = "Ghisa sferoidale \xE8\n0.0015000000\n0,0,0\n";
+  EXPECT_EQ(formatMaterials(parseMaterials(latin), latin), latin);
+  const std::string utf = "Acciaio \xC3\xA8\r\n1e-3\r\n\r\n";
+  EXPECT_EQ(formatMaterials(parseMaterials(utf), utf), "Acciaio \xC3\xA8\n0.0010000000\n\n");
+  std::vector<EpaMaterial> table(3);
+  table[0].name = u"due\nrighe\r";
+  table[0].roughness = 1e300;
+  table[0].thirdLine =
+      u"a\x1A"
+      u"b";
+  table[1].name = u"Łódź";               // no place in Windows-1252
+  table[2].thirdLine = u"\u00C3\u00A8";  // would read as one letter of UTF-8
+  const auto again = parseMaterials(formatMaterials(table, latin));
+  ASSERT_EQ(again.size(), 3U);
+  EXPECT_EQ(again[0].name, u"due righe ");
+  EXPECT_DOUBLE_EQ(again[0].roughness, 1e300);
+  EXPECT_EQ(again[0].thirdLine, u"a b");
+  EXPECT_EQ(again[1].name, u"Łódź");
+  EXPECT_EQ(again[2].thirdLine, u"\u00C3\u00A8");
+  table = {table[2]};
+  EXPECT_EQ(parseMaterials(formatMaterials(table, latin))[0].thirdLine, u"\u00C3\u00A8");
+}
+
 }  // namespace
 }  // namespace vessora
