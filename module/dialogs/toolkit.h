@@ -1,5 +1,5 @@
-// The seam to the dialog kit: the one header of the module that includes it, and the base of the
-// module's dialogs.
+// The seam to the dialog kit: beside the grids, the one header of the module that includes it, and
+// the base of the module's dialogs.
 #pragma once
 
 #include <string>

@@ -41,6 +41,7 @@ const std::set<std::string, std::less<>> kNotTexts = {
     "Standard",
     "Left",
     "DynamicLinker",
+    "Vessora",
     "Results.csv",
     "%.3lf ÷ %.3lf",
     "Error while loading ",
@@ -140,6 +141,10 @@ class Scanner {
 bool isLetter(char c) { return std::isalpha(static_cast<unsigned char>(c)) || (c & 0x80); }
 
 // Two words side by side, or a word with a capital letter in front.
+bool isHelpTopic(std::string_view text) {
+  return text.ends_with(".htm") || text.starts_with("_Comando_");
+}
+
 bool readsAsText(std::string_view text) {
   if (text.find('|') != text.npos) return false;  // a filter of file names
   if (!text.empty() && text[0] == '\n') text.remove_prefix(1);
@@ -219,7 +224,7 @@ class Collector {
       } else if (tokens_[i].isText && depth > 0) {
         items.push_back(tokens_[i]);
       } else if (tokens_[i].isText && !(i >= 3 && isMember(i - 3, "name")) &&
-                 !tokens_[i].value.ends_with(".htm")) {
+                 !isHelpTopic(tokens_[i].value)) {
         add(tokens_[i]);
       }
     }
