@@ -156,6 +156,27 @@ class ModuleJobs : public Jobs {
                              bool evenIfLinked) override {
     return vessora::deleteElement(network, id, evenIfLinked);
   }
+
+  // --- tables
+  MaterialTable readMaterialTable() override { return vessora::readMaterialTable(); }
+  TableResult writeMaterialTable(const std::vector<EpaMaterial>& rows) override {
+    return vessora::writeMaterialTable(rows);
+  }
+  PipeNames findPipesByRoughness(std::u16string_view network, double value) override {
+    PipeNames found;
+    FindPipesByRoughness(network, value, found);
+    return found;
+  }
+  PipeNames findPipesByMaterial(std::u16string_view network,
+                                std::u16string_view material) override {
+    PipeNames found;
+    FindPipesByMaterial(network, material, found);
+    return found;
+  }
+  AssignResult assignMaterial(std::u16string_view network, double roughness,
+                              std::u16string_view material, const PipeNames& pipes) override {
+    return AssignMaterial(network, roughness, material, pipes);
+  }
 };
 
 ModuleJobs jobs;

@@ -17,6 +17,7 @@
 #include "module/editing/change_jobs.h"
 #include "module/editing/manhole_jobs.h"
 #include "module/editing/settings_jobs.h"
+#include "module/editing/table_jobs.h"
 #include "module/inp/inp_jobs.h"
 #include "module/network/network_info.h"
 #include "module/results/drawing_jobs.h"
@@ -120,6 +121,14 @@ class Jobs : public AcRxObject {
                                 double y) = 0;
   virtual ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id,
                                      bool evenIfLinked) = 0;
+  // --- tables: materials, patterns and curves
+  virtual MaterialTable readMaterialTable() = 0;
+  virtual TableResult writeMaterialTable(const std::vector<EpaMaterial>& rows) = 0;
+  virtual PipeNames findPipesByRoughness(std::u16string_view network, double value) = 0;
+  virtual PipeNames findPipesByMaterial(std::u16string_view network,
+                                        std::u16string_view material) = 0;
+  virtual AssignResult assignMaterial(std::u16string_view network, double roughness,
+                                      std::u16string_view material, const PipeNames& pipes) = 0;
 };
 
 }  // namespace vessora

@@ -26,7 +26,7 @@ struct RecordStore {
 class DlgGest_PTN : public ModuleDialog {
  public:
   DlgGest_PTN(RecordStore<EpaPattern>& patterns, RecordStore<EpaCurve>& curves)
-      : ModuleDialog(u"Gestione Pattern/Curve", u"_Comando_Gestione_Pattern_hnsetpat_"),
+      : ModuleDialog(u"Gestione Pattern/Curve", u"_Comando_Gestione_Pattern_hnsetpat_.htm"),
         patterns_(patterns),
         curves_(curves) {}
 

@@ -16,7 +16,7 @@ namespace vessora {
 class DlgMateriali : public ModuleDialog {
  public:
   explicit DlgMateriali(std::vector<EpaMaterial>& table)
-      : ModuleDialog(u"Materiali Tubazioni", u"_Comando_Gestione_materiali_hnmatepa_"),
+      : ModuleDialog(u"Materiali Tubazioni", u"_Comando_Gestione_materiali_hnmatepa_.htm"),
         table_(table) {}
 
  private:

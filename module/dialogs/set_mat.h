@@ -21,7 +21,7 @@ struct PipeSearch {
 class DlgSetMat : public ModuleDialog {
  public:
   DlgSetMat(const std::vector<EpaMaterial>& table, PipeSearch pipes)
-      : ModuleDialog(u"Assegna Materiali", u"_Comando_Associa_materiale_hnsetmat_"),
+      : ModuleDialog(u"Assegna Materiali", u"_Comando_Associa_materiale_hnsetmat_.htm"),
         table_(table),
         search_(std::move(pipes)) {}
 

@@ -30,16 +30,29 @@ enum class NoticeCode {
   elementNotDrawn,      // its layer cannot be made
   nodeNameTwice,        // a node has the name of another one
   linkNameTwice,
-  nameEmpty,             // a new element has no name (subject: its layer)
-  linkWithoutNode,       // a link has no name for one of its ends
-  courseOfOneVertex,     // a link ends where it begins; a pump or valve has no symbol then
-  energyPatternMissing,  // the settings name a pattern (subject) that the network does not have
-  lengthFollows,         // a pipe (subject) has the length that is drawn now (other)
-  lengthKept,            // it keeps the one that was typed (other)
-  linksLeftBehind,       // links did not follow a node: it does not stand at its stored height
-  nodeGone,              // links (other) still name a node (subject) that is gone, or renamed
-  nodesCoincide,         // a node stands where another one (other) stands
-  partMissing,           // a valve or pump had no block or no course to go with it
+  nameEmpty,               // a new element has no name (subject: its layer)
+  linkWithoutNode,         // a link has no name for one of its ends
+  courseOfOneVertex,       // a link ends where it begins; a pump or valve has no symbol then
+  energyPatternMissing,    // the settings name a pattern (subject) that the network does not have
+  lengthFollows,           // a pipe (subject) has the length that is drawn now (other)
+  lengthKept,              // it keeps the one that was typed (other)
+  linksLeftBehind,         // links did not follow a node: it does not stand at its stored height
+  nodeGone,                // links (other) still name a node (subject) that is gone, or renamed
+  nodesCoincide,           // a node stands where another one (other) stands
+  partMissing,             // a valve or pump had no block or no course to go with it
+  materialsUnreadable,     // the table of materials (subject: path)
+  materialsUnwritable,     // the same; it is as it was
+  materialNotInTable,      // a material (subject) that pipes (other) name
+  roughnessInMillimetres,  // stored in a network (subject) whose formula reads another quantity
+  patternMissing,          // a name (subject) that elements (other) have, and the network no longer
+  curveMissing,
+  patternTwice,  // a name that the network has twice now
+  curveTwice,
+  patternEmpty,  // a record without values, which no drawing keeps
+  curveEmpty,
+  patternErasedElsewhere,  // of that name, also in another network (other)
+  curveErasedElsewhere,
+  curveStays,  // though it has been deleted from a list
 };
 
 struct Notice {

@@ -1,0 +1,181 @@
+// What the module's jobs have found, in the program's words: what is so, and how to mend it.
+#include "apps/cli/words.h"
+#include "platform/text.h"
+
+namespace cli {
+namespace {
+
+// "{1}" stands for the notice's subject, "{2}" for the other thing that it names.
+struct Words {
+  vessora::NoticeCode code;
+  const char *italian, *english;
+};
+
+using Code = vessora::NoticeCode;
+constexpr Words kWords[] = {
+    // --- files and drawing
+    {Code::namesDiffer, "{1}: l'attributo dice \"{2}\"; vale il nome importato",
+     "{1}: the attribute says \"{2}\"; the imported name counts"},
+    {Code::inpUnreadable, "{1}: il file INP non si può leggere",
+     "{1}: the INP file cannot be read"},
+    {Code::inpTooLarge, "{1}: il file INP è troppo grande", "{1}: the INP file is too large"},
+    {Code::blockUnreadable, "{1}: il simbolo non si può leggere; reinstallare",
+     "{1}: the symbol cannot be read; install again"},
+    {Code::blockNotInserted, "{1}: il simbolo non si può inserire nel disegno",
+     "{1}: the symbol cannot be put into the drawing"},
+    {Code::attributesNotInserted, "un simbolo è senza attributi", "a symbol is without attributes"},
+    {Code::fileNotOpened,
+     "{1}: il file non si può aprire per la scrittura; controllare la cartella",
+     "{1}: the file cannot be opened for writing; check the folder"},
+    {Code::fileNotWritten, "{1}: il file non si può scrivere fino alla fine",
+     "{1}: the file cannot be written to its end"},
+    {Code::coincidentNodes,
+     "dei nodi coincidono con serbatoi; spostarli per l'esportazione su un altro layer",
+     "nodes coincide with reservoirs; for the export put them on another layer"},
+    {Code::reservoirWithoutName, "un serbatoio è senza nome", "a reservoir has no name"},
+    {Code::pipeWithoutName, "uno o più rami sono senza nome", "one or more pipes have no name"},
+    {Code::reportUnreadable, "{1}: report inesistente o illeggibile; controllare il percorso",
+     "{1}: no such report, or it cannot be read; check the path"},
+    {Code::reportWithoutRows, "il report non ha righe per nodi e rami in questo periodo",
+     "the report has no rows of nodes and links for this period"},
+    {Code::tableStyleMissing, "il disegno non può contenere tabelle",
+     "the drawing cannot hold tables"},
+    {Code::tableNotDrawn, "una tabella non è stata disegnata: {1}", "a table was not drawn: {1}"},
+
+    // --- networks and elements
+    {Code::networkNameTwice,
+     "{1}: una rete con questi layer c'è già, \"{2}\"; gli elementi sono in comune: annullare e "
+     "scegliere un altro nome",
+     "{1}: a network with these layers is there, \"{2}\"; they share their elements: undo, and "
+     "choose another name"},
+    {Code::networkNameUnusable,
+     "{1}: nessun layer può avere questo nome, per via di {2}; nella rete non si può disegnare: "
+     "annullare e scegliere un altro nome",
+     "{1}: no layer can have this name, because of {2}; nothing can be drawn in the network: undo, "
+     "and choose another name"},
+    {Code::elementNotDrawn,
+     "{1}: l'elemento non è stato disegnato, perché nessun layer può avere il nome della sua rete; "
+     "scegliere un'altra rete",
+     "{1}: the element was not drawn, because no layer can have its network's name; choose another "
+     "network"},
+    {Code::nodeNameTwice, "{1}: ora due nodi hanno questo nome; rinominarne uno (HNMODEPA)",
+     "{1}: two nodes have this name now; rename one (HNMODEPA)"},
+    {Code::linkNameTwice, "{1}: ora due rami hanno questo nome; rinominarne uno (HNMODEPA)",
+     "{1}: two links have this name now; rename one (HNMODEPA)"},
+    {Code::nameEmpty, "{1}: un elemento è senza nome; dargliene uno (HNMODEPA)",
+     "{1}: an element has no name; give it one (HNMODEPA)"},
+    {Code::linkWithoutNode,
+     "{1}: il ramo non ha il nome di un suo nodo; cancellarlo e disegnarlo da nodo a nodo",
+     "{1}: the link lacks the name of one of its nodes; erase it and draw it from node to node"},
+    {Code::courseOfOneVertex,
+     "{1}: il ramo ha un solo vertice e non arriva al nodo finale; cancellarlo e ridisegnarlo",
+     "{1}: the link has one vertex alone and does not reach its end node; erase it and draw it "
+     "again"},
+    {Code::lengthFollows, "{1}: lunghezza come disegnata: {2}", "{1}: length as drawn: {2}"},
+    {Code::lengthKept, "{1}: resta la lunghezza immessa a mano: {2}",
+     "{1}: the length that was typed stays: {2}"},
+    {Code::linksLeftBehind,
+     "{1}: il simbolo non sta alla quota dell'attributo, e i rami non lo seguono; rimettere il "
+     "simbolo alla sua quota e spostare i rami sul nodo",
+     "{1}: the symbol does not stand at the height of its attribute, and the links do not follow "
+     "it; put the symbol at its height and the links onto the node"},
+    {Code::nodeGone,
+     "{1}: nessun nodo ha più questo nome, ma questi rami finiscono lì o lo riportano: {2}; dare "
+     "il nome a un nodo, o eliminare i rami e ridisegnarli",
+     "{1}: no node has this name any more, but these links end there or name it: {2}; give the "
+     "name to a node, or delete the links and draw them anew"},
+    {Code::nodesCoincide, "{1}: sta nello stesso punto di un altro nodo; spostare uno dei due: {2}",
+     "{1}: stands where another node stands; move one of them: {2}"},
+    {Code::partMissing,
+     "{1}: il simbolo o il tracciato che va con questo elemento non si è trovato; se c'è, "
+     "eliminarlo a mano",
+     "{1}: the symbol or the course that goes with this element was not found; if it is there, "
+     "delete it by hand"},
+
+    // --- settings, materials, patterns and curves
+    {Code::energyPatternMissing,
+     "{1}: pattern dell'energia che la rete non ha; crearlo con HNSETPAT o cambiarlo con EPACALC",
+     "{1}: energy pattern that the network does not have; make it with HNSETPAT or change it with "
+     "EPACALC"},
+    {Code::materialsUnreadable, "{1}: la tabella dei materiali non si può leggere; reinstallare",
+     "{1}: the table of materials cannot be read; install again"},
+    {Code::materialsUnwritable,
+     "{1}: la tabella dei materiali non si può scrivere ed è rimasta com'era; controllare i "
+     "permessi",
+     "{1}: the table of materials cannot be written and stays as it was; check the permissions"},
+    {Code::materialNotInTable,
+     "il materiale \"{1}\" non è nella tabella, ma è di: {2}; assegnarne un altro (HNSETMAT) o "
+     "rimetterlo nella tabella (HNMATEPA)",
+     "material \"{1}\" is not in the table, but belongs to: {2}; assign another one (HNSETMAT) or "
+     "put it back into the table (HNMATEPA)"},
+    {Code::roughnessInMillimetres,
+     "la scabrezza assegnata è in mm, ma la formula della rete \"{1}\" non è D-W; scegliere D-W "
+     "(EPACALC) o correggere i rami (HNMODEPA)",
+     "the roughness assigned is in mm, but the formula of network \"{1}\" is not D-W; choose D-W "
+     "(EPACALC) or correct the pipes (HNMODEPA)"},
+    {Code::patternMissing,
+     "il pattern \"{1}\" non c'è più, ma lo nominano: {2}; dare loro un altro nome (HNMODEPA), "
+     "oppure ricrearlo (HNSETPAT)",
+     "pattern \"{1}\" is gone, but named by: {2}; name another one there (HNMODEPA), or make it "
+     "anew (HNSETPAT)"},
+    {Code::curveMissing,
+     "la curva \"{1}\" non c'è più, ma la nominano: {2}; dare loro un altro nome (HNMODEPA), "
+     "oppure ricrearla (HNSETPAT)",
+     "curve \"{1}\" is gone, but named by: {2}; name another one there (HNMODEPA), or make it anew "
+     "(HNSETPAT)"},
+    {Code::patternTwice,
+     "il pattern \"{1}\" c'è due volte nella rete; dare un altro nome a uno (HNSETPAT)",
+     "pattern \"{1}\" is there twice in the network; rename one (HNSETPAT)"},
+    {Code::curveTwice,
+     "la curva \"{1}\" c'è due volte nella rete; dare un altro nome a una (HNSETPAT)",
+     "curve \"{1}\" is there twice in the network; rename one (HNSETPAT)"},
+    {Code::patternEmpty,
+     "il pattern \"{1}\" è senza valori e non resta nel disegno; immettere dei valori",
+     "pattern \"{1}\" has no values and is not kept in the drawing; enter some"},
+    {Code::curveEmpty,
+     "la curva \"{1}\" è senza valori e non resta nel disegno; immettere dei valori",
+     "curve \"{1}\" has no values and is not kept in the drawing; enter some"},
+    {Code::patternErasedElsewhere,
+     "il pattern \"{1}\": eliminato anche quello della rete \"{2}\"; ricrearlo lì, se serve",
+     "pattern \"{1}\": erased as well, that of network \"{2}\"; make it anew there"},
+    {Code::curveErasedElsewhere,
+     "la curva \"{1}\": eliminata anche quella della rete \"{2}\"; ricrearla lì, se serve",
+     "curve \"{1}\": erased as well, that of network \"{2}\"; make it anew there"},
+    {Code::curveStays,
+     "la curva \"{1}\" resta nel disegno; per toglierla, modificarla svuotando tutte le celle "
+     "(HNSETPAT)",
+     "curve \"{1}\" stays in the drawing; to remove it, edit it and empty all its cells "
+     "(HNSETPAT)"},
+};
+
+constexpr bool everyCodeHasWords() {
+  for (int code = 0; code <= static_cast<int>(Code::curveStays); ++code) {
+    bool found = false;
+    for (const Words& row : kWords) found = found || row.code == static_cast<Code>(code);
+    if (!found) return false;
+  }
+  return true;
+}
+static_assert(everyCodeHasWords(), "a notice of the module is missing here");
+
+}  // namespace
+
+std::string describe(const vessora::Notice& notice) {
+  for (const Words& row : kWords) {
+    if (row.code != notice.code) continue;
+    std::string out;
+    const std::string text = words(row.italian, row.english);
+    for (std::size_t i = 0; i < text.size(); ++i) {
+      if (text.compare(i, 3, "{1}") != 0 && text.compare(i, 3, "{2}") != 0) {
+        out += text[i];
+        continue;
+      }
+      out += platform::narrow(text[i + 1] == '1' ? notice.subject : notice.other);
+      i += 2;
+    }
+    return out;
+  }
+  return {};
+}
+
+}  // namespace cli
