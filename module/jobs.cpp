@@ -177,6 +177,26 @@ class ModuleJobs : public Jobs {
                               std::u16string_view material, const PipeNames& pipes) override {
     return AssignMaterial(network, roughness, material, pipes);
   }
+  TableResult addPattern(std::u16string_view network, const EpaPattern& pattern) override {
+    return vessora::addPattern(network, pattern);
+  }
+  TableResult replacePattern(std::u16string_view network, const EpaPattern& pattern,
+                             std::u16string_view oldName) override {
+    return vessora::replacePattern(network, pattern, oldName);
+  }
+  TableResult deletePattern(std::u16string_view network, std::u16string_view name) override {
+    return vessora::deletePattern(network, name);
+  }
+  TableResult addCurve(std::u16string_view network, const EpaCurve& curve) override {
+    return vessora::addCurve(network, curve);
+  }
+  TableResult replaceCurve(std::u16string_view network, const EpaCurve& curve,
+                           std::u16string_view oldName) override {
+    return vessora::replaceCurve(network, curve, oldName);
+  }
+  TableResult deleteCurve(std::u16string_view network, std::u16string_view name) override {
+    return vessora::deleteCurve(network, name);
+  }
 };
 
 ModuleJobs jobs;

@@ -129,6 +129,14 @@ class Jobs : public AcRxObject {
                                         std::u16string_view material) = 0;
   virtual AssignResult assignMaterial(std::u16string_view network, double roughness,
                                       std::u16string_view material, const PipeNames& pipes) = 0;
+  virtual TableResult addPattern(std::u16string_view network, const EpaPattern& pattern) = 0;
+  virtual TableResult replacePattern(std::u16string_view network, const EpaPattern& pattern,
+                                     std::u16string_view oldName) = 0;
+  virtual TableResult deletePattern(std::u16string_view network, std::u16string_view name) = 0;
+  virtual TableResult addCurve(std::u16string_view network, const EpaCurve& curve) = 0;
+  virtual TableResult replaceCurve(std::u16string_view network, const EpaCurve& curve,
+                                   std::u16string_view oldName) = 0;
+  virtual TableResult deleteCurve(std::u16string_view network, std::u16string_view name) = 0;
 };
 
 }  // namespace vessora

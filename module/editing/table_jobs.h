@@ -48,4 +48,18 @@ struct AssignResult {
 AssignResult AssignMaterial(std::u16string_view network, double roughness,
                             std::u16string_view material, const PipeNames& found);
 
+// --- patterns and curves -------------------------------------------------------------------------
+
+// As the store of patterns and curves does it, oddities included: a record without values is not
+// kept, replacing erases the old name in every network of the drawing, and a deleted curve stays as
+// a rule. Warns of that, of names that are there twice, and of elements that name what is gone.
+TableResult addPattern(std::u16string_view network, const EpaPattern& pattern);
+TableResult replacePattern(std::u16string_view network, const EpaPattern& pattern,
+                           std::u16string_view oldName);
+TableResult deletePattern(std::u16string_view network, std::u16string_view name);
+TableResult addCurve(std::u16string_view network, const EpaCurve& curve);
+TableResult replaceCurve(std::u16string_view network, const EpaCurve& curve,
+                         std::u16string_view oldName);
+TableResult deleteCurve(std::u16string_view network, std::u16string_view name);
+
 }  // namespace vessora
