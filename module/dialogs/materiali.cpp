@@ -39,7 +39,6 @@ bool DlgMateriali::takeRow(int row) {
 }
 
 void DlgMateriali::onOk() {
-  if (!updateData()) return;
   table_.clear();
   for (int row = 1; row < grid.rowCount() && !retry_; ++row) {
     if (takeRow(row)) continue;

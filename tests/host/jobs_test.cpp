@@ -120,6 +120,26 @@ TEST_F(JobsTest, DrawWhatTheCommandsDraw) {
        [&] {
          jobs->scaleNetwork(net, {true, true, 3, 2});
        }},
+      {u"hnsetmat",
+       "[Assegna Materiali]\nRicerca/Scabrezza = 130\nCerca\nAssegnazione/Materiale = #2\n"
+       "Assegna\n",
+       [&] {
+         acdbRegApp(u"HN-C_MATEPA");
+         const vessora::EpaMaterial second = jobs->readMaterialTable().rows.at(1);
+         jobs->assignMaterial(net, second.roughness * 1000, second.name,
+                              jobs->findPipesByRoughness(net, 130));
+       }},
+      {u"hnsetpat",
+       "[Gestione Pattern/Curve]\nPattern/Nuovo...\n[Patterns/Curve]\nNome pattern = ore\n"
+       "Valori[2,#2] = 1.5\nOK\n[Gestione Pattern/Curve]\nCurve/Modifica...\n[Patterns/Curve]\n"
+       "Nome curva = C2\nTipo Curva = VOLUME\nOK\n[Gestione Pattern/Curve]\nOK\n",
+       [&] {
+         for (const char16_t* kind : {u"PATTERN", u"CURVE"}) {
+           acdbRegApp(std::u16string(u"HN-C_EPA_") + kind);
+         }
+         jobs->addPattern(net, {u"ore", {1.5}});
+         jobs->replaceCurve(net, {u"C2", u"VOLUME", {{10, 30}}}, u"C1");
+       }},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(platform::narrow(row.command) + "\n" + row.answers);
