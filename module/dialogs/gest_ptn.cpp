@@ -13,10 +13,9 @@ namespace {
 struct Words {
   const char16_t *taken, *none, *remove;
 };
-constexpr Words kPatternWords{u"Pattern già esistente! Inserire un altro nome.",
-                              u"Non esiste alcun pattern!", u"Cancellare il pattern?"};
-constexpr Words kCurveWords{u"Curva già esistente! Inserire un altro nome.",
-                            u"Non esiste alcuna curva!", u"Cancellare la curva?"};
+constexpr Words kPatternWords{kPatternTaken, u"Non esiste alcun pattern!",
+                              u"Cancellare il pattern?"};
+constexpr Words kCurveWords{kCurveTaken, u"Non esiste alcuna curva!", u"Cancellare la curva?"};
 
 // One half of the manager, of either kind.
 template <class Record>

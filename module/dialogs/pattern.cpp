@@ -97,8 +97,7 @@ bool DlgPattern::nameAccepted() {
   accepted_ = isNew_ || (isCurve() ? NameIsFree(typed, *curves_, oldName_)
                                    : NameIsFree(typed, *patterns_, oldName_));
   if (!accepted_) {
-    showMessage(TraduciTesto(isCurve() ? u"Curva già esistente! Inserire un altro nome."
-                                       : u"Pattern già esistente! Inserire un altro nome."));
+    showMessage(TraduciTesto(isCurve() ? kCurveTaken : kPatternTaken));
   }
   if (accepted_ && !typed.empty()) return true;
   // Only one of the two has its exclamation mark.

@@ -13,6 +13,10 @@
 
 namespace vessora {
 
+// What a user is told whose name is taken, here and by the manager.
+inline constexpr char16_t kPatternTaken[] = u"Pattern già esistente! Inserire un altro nome.";
+inline constexpr char16_t kCurveTaken[] = u"Curva già esistente! Inserire un altro nome.";
+
 // Opens on `record`, which gets what was typed on OK; a record that is not new must have a name
 // that is free among `others`, it itself aside, and `accepted` says whether it has. All must
 // outlive the dialog. Opened again, it shows what was typed.

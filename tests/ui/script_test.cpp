@@ -214,6 +214,7 @@ Nodi/Pressione/> di = 15
 Nodi/Pressione/Filtra Nodi
 Nodi/Portata/Filtra Nodi
 ! Inserire un valore\nnumerico positivo!
+<appunti> = "a\nb"
 Filtra per Materiale
 [Materiale]
 Nome = Ghisa
