@@ -45,7 +45,6 @@ void runCommand(Body body) {
 #define VESSORA_EXPORT extern "C" __attribute__((visibility("default")))
 #define VESSORA_COMMAND(name, needs, help) \
   VESSORA_EXPORT void name() { vessora::runCommand(&vessora::EpaCommands::name); }
-#define VESSORA_PENDING VESSORA_COMMAND
 #include "module/host/commands.def"
 
 // Writes the INP file of a drawn network without a word to the user. 1 for written, else 0.

@@ -23,7 +23,6 @@ class ModuleJobs : public Jobs {
     std::vector<CommandRow> rows;
 #define VESSORA_COMMAND(name, needs, help) \
   rows.push_back({u"" #name, #name, TraduciTesto(help), CommandNeeds::needs});
-#define VESSORA_PENDING VESSORA_COMMAND
 #include "module/host/commands.def"
     return rows;
   }

@@ -38,9 +38,7 @@ class EpaCommands {
   void AddValve(std::vector<std::u16string>& linkNames);
 
 #define VESSORA_COMMAND(name, needs, help) int name();
-#define VESSORA_PENDING VESSORA_COMMAND
 #include "module/host/commands.def"
-#undef VESSORA_PENDING
 #undef VESSORA_COMMAND
 };
 constexpr int kRan = 0, kAbandoned = 3;
