@@ -101,7 +101,6 @@ class ModuleJobs : public Jobs {
   }
 
   // --- adding networks and elements
-  using Names = std::vector<std::u16string>;
   using Course = std::vector<AcGePoint3d>;
   Notices createNetwork(std::u16string_view name) override { return vessora::createNetwork(name); }
   void confirmDefaultNetwork(std::u16string_view name) override {
@@ -111,31 +110,31 @@ class ModuleJobs : public Jobs {
     return vessora::namesOfNetwork(network);
   }
   AddedElement addJunction(std::u16string_view network, const AcGePoint3d& place,
-                           const EpaJunc& junction, Names& names) override {
+                           const EpaJunc& junction, ElementNames& names) override {
     const CommandSpan span;
     return vessora::addJunction(network, place, junction, names);
   }
   AddedElement addReservoir(std::u16string_view network, const AcGePoint3d& place,
-                            const EpaResv& reservoir, Names& names) override {
+                            const EpaResv& reservoir, ElementNames& names) override {
     const CommandSpan span;
     return vessora::addReservoir(network, place, reservoir, names);
   }
   AddedElement addTank(std::u16string_view network, const AcGePoint3d& place, const EpaTank& tank,
-                       Names& names) override {
+                       ElementNames& names) override {
     const CommandSpan span;
     return vessora::addTank(network, place, tank, names);
   }
   AddedElement addPipe(std::u16string_view network, const Course& points, const EpaPipe& pipe,
-                       std::u16string_view material, Names& names) override {
+                       std::u16string_view material, ElementNames& names) override {
     return vessora::addPipe(network, points, pipe, material, names);
   }
   AddedElement addPump(std::u16string_view network, const Course& points, const EpaPump& pump,
-                       Names& names) override {
+                       ElementNames& names) override {
     const CommandSpan span;
     return vessora::addPump(network, points, pump, names);
   }
   AddedElement addValve(std::u16string_view network, const Course& points, const EpaValv& valve,
-                        Names& names) override {
+                        ElementNames& names) override {
     const CommandSpan span;
     return vessora::addValve(network, points, valve, names);
   }

@@ -100,19 +100,19 @@ class Jobs : public AcRxObject {
   virtual void confirmDefaultNetwork(std::u16string_view name) = 0;
   virtual ElementNames namesOfNetwork(std::u16string_view network) = 0;
   virtual AddedElement addJunction(std::u16string_view network, const AcGePoint3d& place,
-                                   const EpaJunc& junction, std::vector<std::u16string>& names) = 0;
+                                   const EpaJunc& junction, ElementNames& names) = 0;
   virtual AddedElement addReservoir(std::u16string_view network, const AcGePoint3d& place,
-                                    const EpaResv& reservoir,
-                                    std::vector<std::u16string>& names) = 0;
+                                    const EpaResv& reservoir, ElementNames& names) = 0;
   virtual AddedElement addTank(std::u16string_view network, const AcGePoint3d& place,
-                               const EpaTank& tank, std::vector<std::u16string>& names) = 0;
+                               const EpaTank& tank, ElementNames& names) = 0;
   virtual AddedElement addPipe(std::u16string_view network, const std::vector<AcGePoint3d>& points,
                                const EpaPipe& pipe, std::u16string_view material,
-                               std::vector<std::u16string>& names) = 0;
+                               ElementNames& names) = 0;
   virtual AddedElement addPump(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                               const EpaPump& pump, std::vector<std::u16string>& names) = 0;
+                               const EpaPump& pump, ElementNames& names) = 0;
   virtual AddedElement addValve(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                                const EpaValv& valve, std::vector<std::u16string>& names) = 0;
+                                const EpaValv& valve, ElementNames& names) = 0;
+
   // --- changing elements
   virtual std::optional<DrawnElement> readElement(std::u16string_view network, AcDbObjectId id) = 0;
   virtual ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
@@ -121,6 +121,7 @@ class Jobs : public AcRxObject {
                                 double y) = 0;
   virtual ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id,
                                      bool evenIfLinked) = 0;
+
   // --- tables: materials, patterns and curves
   virtual MaterialTable readMaterialTable() = 0;
   virtual TableResult writeMaterialTable(const std::vector<EpaMaterial>& rows) = 0;

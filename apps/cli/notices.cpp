@@ -64,9 +64,13 @@ constexpr Words kWords[] = {
      "{1}: two links have this name now; rename one (HNMODEPA)"},
     {Code::nameEmpty, "{1}: un elemento è senza nome; dargliene uno (HNMODEPA)",
      "{1}: an element has no name; give it one (HNMODEPA)"},
+    {Code::linkEndUnnamed,
+     "{1}: un estremo del ramo è senza nodo; cancellarlo e disegnarlo da nodo a nodo",
+     "{1}: one end of the link has no node; erase it and draw it from node to node"},
     {Code::linkWithoutNode,
-     "{1}: il ramo non ha il nome di un suo nodo; cancellarlo e disegnarlo da nodo a nodo",
-     "{1}: the link lacks the name of one of its nodes; erase it and draw it from node to node"},
+     "{1}: la rete non ha il nodo che il ramo indica, {2}; cancellarlo e disegnarlo da nodo a nodo",
+     "{1}: the network does not have the node that the link names, {2}; erase it and draw it from "
+     "node to node"},
     {Code::courseOfOneVertex,
      "{1}: il ramo ha un solo vertice e non arriva al nodo finale; cancellarlo e ridisegnarlo",
      "{1}: the link has one vertex alone and does not reach its end node; erase it and draw it "

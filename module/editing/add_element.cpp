@@ -69,27 +69,27 @@ int EpaCommands::hnaddepa() {
   switch (askForKind()) {
     case u'N':
     case u'n':
-      addJunctionAtPoint(names.nodes);
+      addJunctionAtPoint(names);
       return kRan;
     case u'S':
     case u's':
-      addReservoirAtPoint(names.nodes);
+      addReservoirAtPoint(names);
       return kRan;
     case u'T':
     case u't':
-      addTankAtPoint(names.nodes);
+      addTankAtPoint(names);
       return kRan;
     case u'R':
     case u'r':
-      AddPipe(names.links);
+      AddPipe(names);
       return kRan;
     case u'V':
     case u'v':
-      AddValve(names.links);
+      AddValve(names);
       return kRan;
     case u'P':
     case u'p':
-      AddPump(names.links);
+      AddPump(names);
       return kRan;
     default:
       return kAbandoned;

@@ -20,10 +20,10 @@ enum class NetworkStep { goOn, ran, abandoned };
 // currentNetwork is settled when the run goes on.
 NetworkStep settleNetwork();
 
-// The branches of nodes. `nodeNames` are those of the network's nodes, and get the new one.
-void addJunctionAtPoint(std::vector<std::u16string>& nodeNames);
-void addReservoirAtPoint(std::vector<std::u16string>& nodeNames);
-void addTankAtPoint(std::vector<std::u16string>& nodeNames);
+// The branches of nodes. `names` are those of the network so far, and get the new one.
+void addJunctionAtPoint(ElementNames& names);
+void addReservoirAtPoint(ElementNames& names);
+void addTankAtPoint(ElementNames& names);
 
 // What a job has to say beyond the words of the command.
 void tellAdded(const AddedElement& added);

@@ -63,7 +63,7 @@ AcDbObjectId makeNodeLayer(const schema::Kind& kind, std::u16string_view network
 // the symbol there.
 template <class Record, class Insert>
 AddedElement addNode(std::u16string_view network, const Record& record, const wide50& height,
-                     AcGePoint3d place, std::vector<std::u16string>& names, Insert insert) {
+                     AcGePoint3d place, ElementNames& names, Insert insert) {
   AddedElement added;
   const schema::Kind& kind = kindOf<Record>();
   acdbRegApp(app::kImport);
@@ -72,7 +72,7 @@ AddedElement addNode(std::u16string_view network, const Record& record, const wi
     added.warnings.push_back({NoticeCode::elementNotDrawn, record.id.str()});
     return added;
   }
-  takeName(record.id, kind, network, names, added.warnings);
+  takeName(record.id, kind, network, names.nodes, added.warnings);
   // The arrows of its flow go to the layers of the current network.
   if (currentNetwork != network) currentNetwork = network;
   place.z = platform::wtof(height);
@@ -88,7 +88,7 @@ void showRounded(std::initializer_list<wide50*> fields) {
 }  // namespace
 
 AddedElement addJunction(std::u16string_view network, const AcGePoint3d& place,
-                         const EpaJunc& junction, std::vector<std::u16string>& names) {
+                         const EpaJunc& junction, ElementNames& names) {
   EpaJunc drawn = junction;
   showRounded({&drawn.elev, &drawn.demand});
   return addNode(network, junction, junction.elev, place, names,
@@ -99,7 +99,7 @@ AddedElement addJunction(std::u16string_view network, const AcGePoint3d& place,
 }
 
 AddedElement addReservoir(std::u16string_view network, const AcGePoint3d& place,
-                          const EpaResv& reservoir, std::vector<std::u16string>& names) {
+                          const EpaResv& reservoir, ElementNames& names) {
   EpaResv drawn = reservoir;
   showRounded({&drawn.head});
   return addNode(network, reservoir, reservoir.head, place, names,
@@ -109,7 +109,7 @@ AddedElement addReservoir(std::u16string_view network, const AcGePoint3d& place,
 }
 
 AddedElement addTank(std::u16string_view network, const AcGePoint3d& place, const EpaTank& tank,
-                     std::vector<std::u16string>& names) {
+                     ElementNames& names) {
   EpaTank drawn = tank;
   showRounded({&drawn.elev, &drawn.initLevel, &drawn.minLevel, &drawn.maxLevel, &drawn.diameter,
                &drawn.minVol});

@@ -38,25 +38,25 @@ Notices createNetwork(std::u16string_view name);
 // that no network has, none stays flagged.
 void confirmDefaultNetwork(std::u16string_view name);
 
-// --- elements. `names` are those of the network's nodes or links so far, and get the new one: no
-// job refuses a name that is taken or empty, but it warns. The network becomes currentNetwork.
+// --- elements. `names` are those of the network so far, and get the new one. No job refuses a name
+// that is taken or empty, or a node that the network does not have, but it warns. The network
+// becomes currentNetwork.
 
 ElementNames namesOfNetwork(std::u16string_view network);
 
 // At a place in plan, at the height that the record says.
 AddedElement addJunction(std::u16string_view network, const AcGePoint3d& place,
-                         const EpaJunc& junction, std::vector<std::u16string>& names);
+                         const EpaJunc& junction, ElementNames& names);
 AddedElement addReservoir(std::u16string_view network, const AcGePoint3d& place,
-                          const EpaResv& reservoir, std::vector<std::u16string>& names);
+                          const EpaResv& reservoir, ElementNames& names);
 AddedElement addTank(std::u16string_view network, const AcGePoint3d& place, const EpaTank& tank,
-                     std::vector<std::u16string>& names);
+                     ElementNames& names);
 // Along the points, ends included, between the nodes that the record names.
 AddedElement addPipe(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                     const EpaPipe& pipe, std::u16string_view material,
-                     std::vector<std::u16string>& names);
+                     const EpaPipe& pipe, std::u16string_view material, ElementNames& names);
 AddedElement addPump(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                     const EpaPump& pump, std::vector<std::u16string>& names);
+                     const EpaPump& pump, ElementNames& names);
 AddedElement addValve(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                      const EpaValv& valve, std::vector<std::u16string>& names);
+                      const EpaValv& valve, ElementNames& names);
 
 }  // namespace vessora

@@ -221,7 +221,7 @@ EpaValv recordOf(const DrawnLink& link, const Dlgvalv& dialog) {
 
 // --- the branches --------------------------------------------------------------------------------
 
-void EpaCommands::AddPipe(std::vector<std::u16string>& linkNames) {
+void EpaCommands::AddPipe(ElementNames& names) {
   const std::optional<DrawnLink> link = drawCourse(schema::kPipe);
   if (!link) return;
   EpaSettings settings;
@@ -235,16 +235,16 @@ void EpaCommands::AddPipe(std::vector<std::u16string>& linkNames) {
   dialog.roughness = roughness;
   dialog.headloss = settings.headloss.view();
   begin(dialog);
-  if (!askForPipe(dialog, linkNames)) return giveUp(*link);
+  if (!askForPipe(dialog, names.links)) return giveUp(*link);
   roughness = dialog.roughness.value();
   diameter = dialog.diameter.value();
   tellAdded(makePipe(currentNetwork, link->course, recordOf(*link, dialog), dialog.material.value(),
-                     linkNames));
+                     names));
   materials.clear();
   ++nextLinkNumber;
 }
 
-void EpaCommands::AddPump(std::vector<std::u16string>& linkNames) {
+void EpaCommands::AddPump(ElementNames& names) {
   const std::optional<DrawnLink> link = drawCourse(schema::kPump);
   if (!link) return;
   std::vector<EpaCurve> curves;
@@ -253,21 +253,21 @@ void EpaCommands::AddPump(std::vector<std::u16string>& linkNames) {
   LoadPatterns(patterns, currentNetwork);
   Dlgpump dialog(curves, patterns);
   begin(dialog);
-  if (!askForPump(dialog, linkNames)) return giveUp(*link);
-  tellAdded(makePump(currentNetwork, link->course, recordOf(*link, dialog), linkNames));
+  if (!askForPump(dialog, names.links)) return giveUp(*link);
+  tellAdded(makePump(currentNetwork, link->course, recordOf(*link, dialog), names));
   ++nextLinkNumber;
 }
 
-void EpaCommands::AddValve(std::vector<std::u16string>& linkNames) {
+void EpaCommands::AddValve(ElementNames& names) {
   const std::optional<DrawnLink> link = drawCourse(schema::kValv);
   if (!link) return;
   Dlgvalv dialog;
   begin(dialog);
-  switch (askForValve(dialog, linkNames)) {
+  switch (askForValve(dialog, names.links)) {
     case ValveAnswer::refused:
       return giveUp(*link);
     case ValveAnswer::given:
-      tellAdded(makeValve(currentNetwork, link->course, recordOf(*link, dialog), linkNames));
+      tellAdded(makeValve(currentNetwork, link->course, recordOf(*link, dialog), names));
       break;
     case ValveAnswer::refusedAgain:
       break;

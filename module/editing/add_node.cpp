@@ -46,46 +46,46 @@ void finish(const AddedElement& added) {
 
 }  // namespace
 
-void addJunctionAtPoint(std::vector<std::u16string>& nodeNames) {
+void addJunctionAtPoint(ElementNames& names) {
   AcGePoint3d place;
   if (!askForPlace(place)) return;
   std::vector<EpaPattern> patterns;
   LoadPatterns(patterns, currentNetwork);
   Dlgjunc dialog(patterns);
   dialog.elevation = place.z;
-  if (!askForNode(dialog, nodeNames, u"Nodo già esistente. Inserire un'altro nome!")) return;
+  if (!askForNode(dialog, names.nodes, u"Nodo già esistente. Inserire un'altro nome!")) return;
   EpaJunc junction;
   junction.id = dialog.name.value();
   storeExactly(junction.elev, dialog.elevation.value());
   storeExactly(junction.demand, dialog.demand.value());
   storeExactly(junction.emitter, dialog.emitter.value());
   junction.pattern = dialog.pattern.value();
-  finish(addJunction(currentNetwork, place, junction, nodeNames));
+  finish(addJunction(currentNetwork, place, junction, names));
 }
 
-void addReservoirAtPoint(std::vector<std::u16string>& nodeNames) {
+void addReservoirAtPoint(ElementNames& names) {
   AcGePoint3d place;
   if (!askForPlace(place)) return;
   std::vector<EpaPattern> patterns;
   LoadPatterns(patterns, currentNetwork);
   Dlgresv dialog(patterns);
   dialog.head = place.z;
-  if (!askForNode(dialog, nodeNames, u"Serbatoio già esistente. Inserire un'altro nome!")) return;
+  if (!askForNode(dialog, names.nodes, u"Serbatoio già esistente. Inserire un'altro nome!")) return;
   EpaResv reservoir;
   reservoir.id = dialog.name.value();
   storeExactly(reservoir.head, dialog.head.value());
   reservoir.pattern = dialog.pattern.value();
-  finish(addReservoir(currentNetwork, place, reservoir, nodeNames));
+  finish(addReservoir(currentNetwork, place, reservoir, names));
 }
 
-void addTankAtPoint(std::vector<std::u16string>& nodeNames) {
+void addTankAtPoint(ElementNames& names) {
   AcGePoint3d place;
   if (!askForPlace(place)) return;
   std::vector<EpaCurve> curves;
   LoadCurves(curves, currentNetwork);
   Dlgtank dialog(curves);
   dialog.elevation = place.z;
-  if (!askForNode(dialog, nodeNames, u"Tank già esistente. Inserire un'altro nome!")) return;
+  if (!askForNode(dialog, names.nodes, u"Tank già esistente. Inserire un'altro nome!")) return;
   EpaTank tank;
   tank.id = dialog.name.value();
   storeExactly(tank.elev, dialog.elevation.value());
@@ -95,7 +95,7 @@ void addTankAtPoint(std::vector<std::u16string>& nodeNames) {
   storeExactly(tank.diameter, dialog.diameter.value());
   storeExactly(tank.minVol, dialog.minVolume.value());
   tank.volCurve = dialog.curve.value();
-  finish(addTank(currentNetwork, place, tank, nodeNames));
+  finish(addTank(currentNetwork, place, tank, names));
 }
 
 }  // namespace vessora

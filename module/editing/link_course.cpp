@@ -51,8 +51,8 @@ struct Link {
 
 // Puts the polyline on the layer of its kind, with its data. False, with everything as it was, when
 // the layer cannot be made.
-bool dress(const Link& link, AcDbObjectId course, const Chain& data,
-           std::vector<std::u16string>& names, AddedElement& added) {
+bool dress(const Link& link, AcDbObjectId course, const Chain& data, ElementNames& names,
+           AddedElement& added) {
   acdbRegApp(app::kImport);
   acdbRegApp(app::kMaterial);
   const AcDbObjectId layer = makeLinkLayer(link.kind, link.network);
@@ -63,9 +63,12 @@ bool dress(const Link& link, AcDbObjectId course, const Chain& data,
   }
   AcGePoint3dArray points;
   ReadVertices(polyline.get(), points);
-  takeName(link.id, link.kind, link.network, names, added.warnings);
-  if (link.node1.empty() || link.node2.empty()) {
-    added.warnings.push_back({NoticeCode::linkWithoutNode, std::u16string(link.id)});
+  takeName(link.id, link.kind, link.network, names.links, added.warnings);
+  for (const std::u16string_view node : {link.node1, link.node2}) {
+    if (!node.empty() && LinkNameExists(node, names.nodes)) continue;
+    added.warnings.push_back(
+        {node.empty() ? NoticeCode::linkEndUnnamed : NoticeCode::linkWithoutNode,
+         std::u16string(link.id), std::u16string(node)});
   }
   if (points.size() < 2) {
     added.warnings.push_back({NoticeCode::courseOfOneVertex, std::u16string(link.id)});
@@ -90,7 +93,7 @@ AddedElement makeWithSymbol(std::u16string_view network, AcDbObjectId course, co
                             const Record& drawn,
                             int (*insert)(const AcGePoint3d&, std::u16string_view, const Record&,
                                           const Chain&, Notices&, AcDbObjectId*),
-                            std::vector<std::u16string>& names) {
+                            ElementNames& names) {
   AddedElement added;
   const Link link{kindOf<Record>(), network, record.id, record.node1, record.node2};
   if (!dress(link, course, companionData(record.id), names, added)) return added;
@@ -104,7 +107,7 @@ AddedElement makeWithSymbol(std::u16string_view network, AcDbObjectId course, co
 }  // namespace
 
 AddedElement makePipe(std::u16string_view network, AcDbObjectId course, const EpaPipe& pipe,
-                      std::u16string_view material, std::vector<std::u16string>& names) {
+                      std::u16string_view material, ElementNames& names) {
   AddedElement added;
   const Link link{schema::kPipe, network, pipe.id, pipe.node1, pipe.node2};
   if (!dress(link, course, dataOf(pipe), names, added)) return added;
@@ -117,12 +120,12 @@ AddedElement makePipe(std::u16string_view network, AcDbObjectId course, const Ep
 }
 
 AddedElement makePump(std::u16string_view network, AcDbObjectId course, const EpaPump& pump,
-                      std::vector<std::u16string>& names) {
+                      ElementNames& names) {
   return makeWithSymbol(network, course, pump, pump, InsertPump, names);
 }
 
 AddedElement makeValve(std::u16string_view network, AcDbObjectId course, const EpaValv& valve,
-                       std::vector<std::u16string>& names) {
+                       ElementNames& names) {
   EpaValv drawn = valve;
   storeReal(drawn.diameter, platform::wtof(valve.diameter));
   storeReal(drawn.minorLoss, platform::wtof(valve.minorLoss));
@@ -146,20 +149,19 @@ AddedElement orNothing(AddedElement added, AcDbObjectId course) {
 }  // namespace
 
 AddedElement addPipe(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                     const EpaPipe& pipe, std::u16string_view material,
-                     std::vector<std::u16string>& names) {
+                     const EpaPipe& pipe, std::u16string_view material, ElementNames& names) {
   const AcDbObjectId course = drawCourse(points);
   return orNothing(makePipe(network, course, pipe, material, names), course);
 }
 
 AddedElement addPump(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                     const EpaPump& pump, std::vector<std::u16string>& names) {
+                     const EpaPump& pump, ElementNames& names) {
   const AcDbObjectId course = drawCourse(points);
   return orNothing(makePump(network, course, pump, names), course);
 }
 
 AddedElement addValve(std::u16string_view network, const std::vector<AcGePoint3d>& points,
-                      const EpaValv& valve, std::vector<std::u16string>& names) {
+                      const EpaValv& valve, ElementNames& names) {
   const AcDbObjectId course = drawCourse(points);
   return orNothing(makeValve(network, course, valve, names), course);
 }

@@ -26,10 +26,10 @@ double lengthOf(AcDbObjectId course);
 // The course as an element: on the layer of its kind, with its data and, of pumps and valves, with
 // the symbol amid it. As the jobs that add a link.
 AddedElement makePipe(std::u16string_view network, AcDbObjectId course, const EpaPipe& pipe,
-                      std::u16string_view material, std::vector<std::u16string>& names);
+                      std::u16string_view material, ElementNames& names);
 AddedElement makePump(std::u16string_view network, AcDbObjectId course, const EpaPump& pump,
-                      std::vector<std::u16string>& names);
+                      ElementNames& names);
 AddedElement makeValve(std::u16string_view network, AcDbObjectId course, const EpaValv& valve,
-                       std::vector<std::u16string>& names);
+                       ElementNames& names);
 
 }  // namespace vessora

@@ -22,6 +22,8 @@ extern wide256 defaultNetwork;                    // the flagged one, empty when
 extern wide256 selectedNetwork;                   // last choice in CDlgElencoReti
 extern int resistanceFormulaIndex;                // 0 "D-W", 1 "H-W", 2 "M-C"
 
+struct ElementNames;
+
 // The object whose operations are the command bodies, made on the stack of an export for the span
 // of one command. `database` is set by the export; the others belong to the add command. Bodies end
 // with 0 when the command ran and 3 when it was abandoned.
@@ -32,10 +34,10 @@ class EpaCommands {
   std::u16string material;
 
   // Branches of the add command (editing/add_link.cpp): a link between two picked nodes of the
-  // currentNetwork. `linkNames` are those of its links so far, and get the new one.
-  void AddPipe(std::vector<std::u16string>& linkNames);
-  void AddPump(std::vector<std::u16string>& linkNames);
-  void AddValve(std::vector<std::u16string>& linkNames);
+  // currentNetwork. `names` are those of its elements so far, and get the link's.
+  void AddPipe(ElementNames& names);
+  void AddPump(ElementNames& names);
+  void AddValve(ElementNames& names);
 
 #define VESSORA_COMMAND(name, needs, help) int name();
 #include "module/host/commands.def"

@@ -31,7 +31,8 @@ enum class NoticeCode {
   nodeNameTwice,        // a node has the name of another one
   linkNameTwice,
   nameEmpty,               // a new element has no name (subject: its layer)
-  linkWithoutNode,         // a link has no name for one of its ends
+  linkEndUnnamed,          // a link has no name for one of its ends
+  linkWithoutNode,         // it names a node (other) that its network does not have
   courseOfOneVertex,       // a link ends where it begins; a pump or valve has no symbol then
   energyPatternMissing,    // the settings name a pattern (subject) that the network does not have
   lengthFollows,           // a pipe (subject) has the length that is drawn now (other)
