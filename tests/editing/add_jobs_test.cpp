@@ -127,7 +127,7 @@ TEST_F(AddJobs, LinksWarnOfWhatNoSolverAccepts) {
   const AddedElement odd = addValve(u"Rete", {{0, 0, 0}}, valve, names_);
   EXPECT_EQ(told(odd.warnings),
             one(NoticeCode::linkNameTwice, "L") + one(NoticeCode::linkWithoutNode, "L", "C") +
-                one(NoticeCode::linkWithoutNode, "L") + one(NoticeCode::courseOfOneVertex, "L"));
+                one(NoticeCode::linkEndUnnamed, "L") + one(NoticeCode::courseOfOneVertex, "L"));
   EXPECT_TRUE(odd.id.isNull());
   EXPECT_EQ(data(odd.course), "L");
 
