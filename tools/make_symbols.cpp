@@ -1,7 +1,8 @@
 // Draws the symbols of a network plan: one DXF drawing a file, inserted as a block when first
-// needed.
+// needed. And the pictures that stand in dialogs beside what they ask for: the same symbols with
+// something around them, as SVG, which is sharp at any size.
 //
-//   make_symbols FOLDER
+//   make_symbols FOLDER PICTURE_FOLDER
 //
 // A plan is drawn in metres. Everything lies on layer 0 in the colour ByBlock, so that a symbol
 // shows the colour of the layer it is put on, or its own when it is given one. Only the swatches of
@@ -16,10 +17,14 @@
 
 #include "cad/api/database.h"
 #include "cad/drawing/drawing.h"
+#include "cad/view/painter.h"
+#include "platform/files.h"
 
 namespace {
 
 constexpr int kByBlock = 0;
+// In pictures: what a dialog is about, and what is around it.
+constexpr int kSubject = 5, kAround = 8;
 
 struct Point {
   double x = 0, y = 0;
@@ -30,15 +35,21 @@ class Drawing {
  public:
   Drawing() : database_(true), drawing_(database_.drawing()), tags_(cad::borrowTags()) {}
 
+  // From here on it is a picture: without texts, in this colour.
+  void paintWith(int colour) {
+    picture_ = true;
+    ink_ = colour;
+  }
+
   void line(Point a, Point b) {
-    begin("LINE", "AcDbLine", kByBlock);
+    begin("LINE", "AcDbLine", ink_);
     point(10, a);
     point(11, b);
     add();
   }
 
   void circle(Point centre, double radius) {
-    begin("CIRCLE", "AcDbCircle", kByBlock);
+    begin("CIRCLE", "AcDbCircle", ink_);
     point(10, centre);
     tags_->addReal(40, radius);
     add();
@@ -47,7 +58,7 @@ class Drawing {
   // `bulges` may be shorter than the points; what is missing is a straight side.
   void polyline(const std::vector<Point>& points, bool closed,
                 const std::vector<double>& bulges = {}) {
-    begin("LWPOLYLINE", "AcDbPolyline", kByBlock);
+    begin("LWPOLYLINE", "AcDbPolyline", ink_);
     tags_->addInteger(90, static_cast<std::int64_t>(points.size()));
     tags_->addInteger(70, closed ? 1 : 0);
     for (std::size_t i = 0; i < points.size(); ++i) {
@@ -59,8 +70,8 @@ class Drawing {
   }
 
   // A filled area; the corners go round it.
-  void solid(Point a, Point b, Point c, Point d, int colour = kByBlock) {
-    begin("SOLID", "AcDbTrace", colour);
+  void solid(Point a, Point b, Point c, Point d, int colour = -1) {
+    begin("SOLID", "AcDbTrace", colour < 0 ? ink_ : colour);
     point(10, a);
     point(11, b);
     point(12, d);  // the entity joins its corners crosswise
@@ -72,6 +83,7 @@ class Drawing {
   enum class Shown { yes, no };
   void attribute(std::string_view name, std::string_view prompt, Point at, double height,
                  Shown shown = Shown::yes) {
+    if (picture_) return;
     begin("ATTDEF", "AcDbText", kByBlock);
     point(10, at);
     tags_->addReal(40, height);
@@ -90,6 +102,16 @@ class Drawing {
 
   platform::Result<void> save(const std::string& path) {
     return drawing_.save(path, {.keepBackup = false});
+  }
+  // A square about the origin.
+  platform::Result<void> savePicture(const std::string& path, double halfWidth) {
+    cad::view::PaintOptions options;
+    options.format = cad::view::Format::svg;
+    options.width = 96;
+    options.window = {-halfWidth, -halfWidth, halfWidth, halfWidth};
+    const auto bytes = cad::view::paint(cad::view::takePicture(drawing_), options);
+    if (!bytes) return platform::Error{bytes.error()};
+    return platform::writeFile(path, *bytes);
   }
 
  private:
@@ -112,6 +134,8 @@ class Drawing {
   AcDbDatabase database_;
   cad::Drawing& drawing_;
   cad::BorrowedTags tags_;
+  bool picture_ = false;
+  int ink_ = kByBlock;
 };
 
 constexpr double kText = 2;  // height of what is written beside a symbol
@@ -343,21 +367,102 @@ const std::vector<Symbol>& symbols() {
   return all;
 }
 
+// --- pictures ------------------------------------------------------------------------------------
+
+void nodePicture(Drawing& d) {
+  d.paintWith(kAround);
+  d.line({-9, -5}, {-0.9, -0.5});
+  d.line({9, -3}, {0.95, -0.3});
+  d.line({2, 9}, {0.2, 0.95});
+  d.paintWith(kSubject);
+  junction(d);
+}
+
+void reservoirPicture(Drawing& d) {
+  d.paintWith(kAround);
+  d.line({3.5, -1.7}, {9.5, -1.7});
+  d.paintWith(kSubject);
+  reservoir(d);
+}
+
+void tankPicture(Drawing& d) {
+  d.paintWith(kAround);
+  d.polyline({{0, -2.8}, {0, -6}, {9.5, -6}}, false);
+  d.paintWith(kSubject);
+  tank(d);
+}
+
+void pipePicture(Drawing& d) {
+  d.paintWith(kAround);
+  d.circle({-8, -4}, 1);
+  d.circle({8, 4}, 1);
+  d.paintWith(kSubject);
+  d.polyline({{-7.3, -2.9}, {6.6, 4.05}, {7.3, 2.9}, {-6.6, -4.05}}, true);
+}
+
+void alongPipe(Drawing& d, double halfWidth) {
+  d.paintWith(kAround);
+  d.line({-9.5, 0}, {-halfWidth, 0});
+  d.line({halfWidth, 0}, {9.5, 0});
+  d.paintWith(kSubject);
+}
+
+void valvePicture(Drawing& d) {
+  alongPipe(d, 2.5);
+  valve(d);
+}
+
+void pumpPicture(Drawing& d) {
+  alongPipe(d, 2.5);
+  pump(d);
+}
+
+struct DialogPicture {
+  std::string name;
+  std::function<void(Drawing&)> draw;
+  double halfWidth;
+};
+
+// By the names under which dialogs show them; manhole covers have those of their blocks.
+std::vector<DialogPicture> pictures() {
+  constexpr double kCover = 0.8;
+  std::vector<DialogPicture> all = {
+      {"nodo", nodePicture, 5},      {"serbatoio", reservoirPicture, 6}, {"vasca", tankPicture, 7},
+      {"condotta", pipePicture, 10}, {"valvola", valvePicture, 5},       {"pompa", pumpPicture, 5},
+  };
+  for (const Symbol& symbol : symbols()) {
+    if (!std::string_view(symbol.name).starts_with("Chiusino")) continue;
+    all.push_back({symbol.name,
+                   [&symbol](Drawing& d) {
+                     d.paintWith(kSubject);
+                     symbol.draw(d);
+                   },
+                   kCover});
+  }
+  return all;
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
-  if (argc != 2) {
-    std::cerr << "usage: make_symbols FOLDER\n";
+  if (argc != 3) {
+    std::cerr << "usage: make_symbols FOLDER PICTURE_FOLDER\n";
     return 2;
   }
+  const auto failed = [](const platform::Result<void>& saved) {
+    if (!saved) std::cerr << "make_symbols: " << saved.error() << "\n";
+    return !saved;
+  };
   for (const Symbol& symbol : symbols()) {
     Drawing drawing;
     symbol.draw(drawing);
-    const std::string path = std::string(argv[1]) + "/" + symbol.name + ".dxf";
-    if (const auto saved = drawing.save(path); !saved) {
-      std::cerr << "make_symbols: " << saved.error() << "\n";
-      return 1;
-    }
+    if (failed(drawing.save(std::string(argv[1]) + "/" + symbol.name + ".dxf"))) return 1;
+  }
+  for (const DialogPicture& picture : pictures()) {
+    Drawing drawing;
+    picture.draw(drawing);
+    const std::string path = std::string(argv[2]) + "/" + picture.name + ".svg";
+    if (failed(drawing.savePicture(path, picture.halfWidth))) return 1;
   }
   return 0;
 }
