@@ -26,13 +26,14 @@ class DlgEpaCalc : public ModuleDialog {
   ui::Label flowUnits{&hydraulics, u"Udm Portata: l/s"};
   ui::Choice headloss{&hydraulics,
                       u"Formula di resistenza da adottare",
-                      {.items = {u"D-W", u"H-W", u"M-C"}, .translate = false}};
+                      {.items = {u"D-W", u"H-W", u"M-C"}, .initial = 1, .translate = false}};
   ui::Real specificGravity{&hydraulics, u"Rapporto di densità"};
   ui::Real viscosity{&hydraulics, u"Viscosità cinematica [centistokes]"};
   ui::Integer trials{&hydraulics, u"N° max iterazioni"};
   ui::Real accuracy{&hydraulics, u"Precisione"};
-  ui::Choice unbalanced{
-      &hydraulics, u"Mancata convergenza", {.items = {u"Continue", u"Stop"}, .translate = false}};
+  ui::Choice unbalanced{&hydraulics,
+                        u"Mancata convergenza",
+                        {.items = {u"Continue", u"Stop"}, .initial = 0, .translate = false}};
   ui::Real defaultPattern{&hydraulics, u"Pattern di default"};
   ui::Real demandMultiplier{&hydraulics, u"Moltiplicatore della domanda"};
   ui::Real emitterExponent{&hydraulics, u"Esponente Emitter"};
@@ -40,15 +41,18 @@ class DlgEpaCalc : public ModuleDialog {
   // --- quality. Tracer node and tolerance are shown and asked, and go nowhere.
   ui::Group quality{this, u"Parametri Qualità"};
   ui::Label qualityUnits{&quality, u"Udm Qualità: mg/l"};
-  ui::Choice parameter{
-      &quality,
-      u"Parametro Qualità",
-      {.items = {u"None", u"Chemical", u"Trace", u"Age"}, .freeText = true, .translate = false}};
+  ui::Choice parameter{&quality,
+                       u"Parametro Qualità",
+                       {.items = {u"None", u"Chemical", u"Trace", u"Age"},
+                        .initial = 0,
+                        .freeText = true,
+                        .translate = false}};
   ui::Real diffusivity{&quality, u"Diffusività relativa"};
   ui::Text traceNode{&quality, u"Nodo tracciante"};
   ui::Real tolerance{&quality, u"Tolleranza"};
   ui::Real bulkOrder{&quality, u"Bulk Order"};
-  ui::Choice wallOrder{&quality, u"Wall Order", {.items = {u"First", u"Zero"}, .translate = false}};
+  ui::Choice wallOrder{
+      &quality, u"Wall Order", {.items = {u"First", u"Zero"}, .initial = 0, .translate = false}};
   ui::Real globalBulk{&quality, u"Coeff. globale Bulk"};
   ui::Real globalWall{&quality, u"Coeff. globale Wall"};
   ui::Real limitingPotential{&quality, u"Concentrazione limite"};
