@@ -59,7 +59,7 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
 // a notice tells either of each pipe.
 ChangeResult moveNode(std::u16string_view network, AcDbObjectId id, double x, double y);
 
-// Erases an element, found by any of its parts: block, attribute, polyline, vertex, flow arrow. A
+// Erases an element, found by any of its entities: block, polyline, flow arrow. A
 // valve or pump goes with its companion, a node with its arrows. A node that links name or touch
 // stays, unless it is asked for once more with `evenIfLinked`: the links are left then, and a
 // warning names them.

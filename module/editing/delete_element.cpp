@@ -16,7 +16,7 @@ enum class Kind { none, node, pipe, halfOfLink, arrow };
 
 struct Found {
   Kind kind = Kind::none;
-  AcDbObjectId id;  // of the entity, no vertex and no attribute
+  AcDbObjectId id;
   std::u16string name;
   AcGePoint3d place;  // of a block
 };
@@ -25,9 +25,6 @@ Found entityOf(const NetworkLayers& layers, std::u16string_view network, AcDbObj
   Found found;
   const Opened<AcDbEntity> entity(id);
   if (!entity) return found;
-  if (entity.as<AcDb3dPolylineVertex>() || entity.as<AcDbAttribute>()) {
-    return entityOf(layers, network, entity->ownerId());
-  }
   found.id = id;
   found.name = nameOf(*entity.get());
   const std::u16string layer = entity->layer();
