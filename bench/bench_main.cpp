@@ -22,7 +22,11 @@
 #include "bench/make_report.h"
 #include "cad/api/database.h"
 #include "cad/drawing/drawing.h"
+#include "cad/editor/session.h"
+#include "cad/ui/script_frontend.h"
 #include "module/editing/table_jobs.h"
+#include "module/host/command_span.h"
+#include "module/host/module.h"
 #include "module/inp/inp_reader.h"
 #include "module/network/network_list.h"
 #include "platform/files.h"
@@ -117,12 +121,53 @@ Seconds assignMaterial(const std::string& path) {
   return seconds;
 }
 
+// A junction from the middle of the drawing, as a script names it.
+std::string middleJunction(const cad::Drawing& drawing) {
+  std::vector<std::uint32_t> junctions;
+  for (const std::uint32_t i : drawing.index().allInSpace()) {
+    const cad::Record& r = drawing.record(i);
+    const std::u16string& layer = drawing.names().text(r.layer);
+    if (r.type == cad::Type::insert && layer.starts_with(u"JUNC-")) junctions.push_back(i);
+  }
+  char handle[24];
+  std::snprintf(
+      handle, sizeof handle, "\"#%llX\"",
+      static_cast<unsigned long long>(drawing.record(junctions.at(junctions.size() / 2)).handle));
+  return handle;
+}
+
+// The command alone, as a session runs it, in a drawing of which nobody has asked anything yet.
+Seconds modifyNode(const std::string& path) {
+  cad::Session& session = cad::Session::instance();
+  std::vector<std::string> warnings;
+  const auto opened = session.openDrawing(path, warnings);
+  if (!opened) fail(opened.error());
+  session.setSymbol(u"hn-cpath", u"/");
+  cad::Drawing& drawing = session.database()->drawing();
+  cad::ui::ScriptFrontend script(
+      middleJunction(drawing) + "\n[Nodo]\nNome del nodo = NUOVO\nQuota del nodo [m] = 55.5\nOK\n",
+      "modify");
+  session.setFrontend(&script);
+  const Seconds start = now();
+  drawing.beginCommand(u"HNMODEPA");
+  {
+    const vessora::CommandSpan span;
+    vessora::EpaCommands().hnmodepa();
+  }
+  drawing.endCommand();
+  const Seconds seconds = since(start);
+  if (const auto done = script.finish(); !done) fail(done.error());
+  session.setFrontend(nullptr);
+  return seconds;
+}
+
 int runChild(const std::vector<std::string>& a) {
   Seconds seconds;
   if (a[1] == "inp-read") seconds = readInp(a[2]);
   if (a[1] == "assign") seconds = assignMaterial(a[2]);
   if (a[1] == "dxf-load") seconds = loadDrawing(a[2]);
   if (a[1] == "dxf-save") seconds = saveDrawing(a[2], a[3]);
+  if (a[1] == "modify") seconds = modifyNode(a[2]);
   std::printf("%.9f %.9f\n", seconds.program, seconds.system);
   return 0;
 }
@@ -187,7 +232,8 @@ int repeats(std::size_t size) {
 struct Job {
   const char* name;
   const char* what;
-  const char* input;  // inp, drawn (from it), report (on drawn), solved (drawn with results), dxf
+  const char* input;  // inp, drawn (from it), report (on drawn), solved (drawn with results), dxf,
+                      // elements (drawn, of so many elements in all)
 };
 
 // What the commands are answered with, whatever the size of the network.
@@ -206,6 +252,7 @@ const Job kJobs[] = {
     {"grade-line", "EPAPIEZO over the whole network", "solved"},
     {"tables", "EPATABLES: pipe data and node results", "solved"},
     {"assign", "a material for all pipes, without opening and saving", "solved"},
+    {"modify", "HNMODEPA alone: a junction renamed and raised", "elements"},
     {"render", "vessora render: plan as PNG", "drawn"},
     {"dxf-load", "open a drawing", "dxf"},
     {"dxf-save", "save it unchanged", "dxf"},
@@ -268,15 +315,14 @@ class Bench {
       }
       return path;
     }
-    const std::string inp = file("rete", size, ".inp");
-    if (!fs::exists(inp) && !bench::makeGrid(size, inp)) fail(inp + ": cannot be written");
-    if (std::strcmp(job.input, "inp") == 0) return inp;
-    const std::string drawn = file("rete", size, ".dxf");
-    if (!fs::exists(drawn)) run({vessora_, "import", inp, "-o", drawn});
+    if (std::strcmp(job.input, "inp") == 0) return grid(size);
+    // To each node of the grid comes a link and a quarter.
+    if (std::strcmp(job.input, "elements") == 0) return drawnGrid(size * 4 / 9);
+    const std::string drawn = drawnGrid(size);
     if (std::strcmp(job.input, "drawn") == 0) return drawn;
     const std::string report = file("rete", size, ".rpt");
     if (!fs::exists(report)) {
-      const auto made = bench::makeReport(inp, 5, report);
+      const auto made = bench::makeReport(grid(size), 5, report);
       if (!made) fail(made.error());
     }
     if (std::strcmp(job.input, "report") == 0) return report;
@@ -284,6 +330,17 @@ class Bench {
     if (!fs::exists(solved))
       run({vessora_, "results", drawn, report, "--period", "1:00:00", "-o", solved});
     return solved;
+  }
+
+  std::string grid(std::size_t nodes) const {
+    const std::string inp = file("rete", nodes, ".inp");
+    if (!fs::exists(inp) && !bench::makeGrid(nodes, inp)) fail(inp + ": cannot be written");
+    return inp;
+  }
+  std::string drawnGrid(std::size_t nodes) const {
+    const std::string drawn = file("rete", nodes, ".dxf");
+    if (!fs::exists(drawn)) run({vessora_, "import", grid(nodes), "-o", drawn});
+    return drawn;
   }
 
   // A script's file, made when it is not there yet.

@@ -6,7 +6,6 @@
 
 #include "module/editing/drawn_links.h"
 #include "module/host/module.h"
-#include "module/inp/collection.h"
 #include "module/network/element_loaders.h"
 #include "platform/text.h"
 
@@ -123,15 +122,31 @@ class ElementWriter {
   std::u16string_view material_;
 };
 
-// What a new name leaves behind; `names` are those of the kind before the change.
-void warnOfName(const NetworkLayers& layers, bool node, const std::u16string& before,
-                const std::u16string& now, const std::vector<std::u16string>& names,
-                Notices& warnings) {
-  if (std::find(names.begin(), names.end(), now) != names.end()) {
+// Links that named the node before the change and name it still: they do not lie on it.
+std::vector<std::u16string> stillNaming(const std::u16string& node, const NetworkNames& before) {
+  std::vector<std::u16string> links;
+  for (std::size_t i = 0; i < before.ends.size(); ++i) {
+    const LinkEnds& link = before.ends[i];
+    if (link.node1 != node && link.node2 != node) continue;
+    const Opened<AcDbEntity> entity(link.id);
+    const Chain data(entity ? entity->xData(app::kImport) : nullptr);
+    if (textAt(data, link.kind->data, Field::node1) == node ||
+        textAt(data, link.kind->data, Field::node2) == node) {
+      links.push_back(before.links[i]);
+    }
+  }
+  return links;
+}
+
+// What a new name leaves behind; `names` are those before the change.
+void warnOfName(const NetworkNames& names, bool node, const std::u16string& before,
+                const std::u16string& now, Notices& warnings) {
+  const std::vector<std::u16string>& ofKind = node ? names.nodes : names.links;
+  if (std::find(ofKind.begin(), ofKind.end(), now) != ofKind.end()) {
     warnings.push_back({node ? NoticeCode::nodeNameTwice : NoticeCode::linkNameTwice, now});
   }
-  if (!node || std::count(names.begin(), names.end(), before) > 1) return;
-  const std::vector<std::u16string> links = linksNaming(layers, before);
+  if (!node || std::count(ofKind.begin(), ofKind.end(), before) > 1) return;
+  const std::vector<std::u16string> links = stillNaming(before, names);
   if (!links.empty()) warnings.push_back({NoticeCode::nodeGone, before, joined(links)});
 }
 
@@ -139,7 +154,7 @@ void warnOfName(const NetworkLayers& layers, bool node, const std::u16string& be
 
 ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
                            const DrawnElement& element, FieldSet changed,
-                           const std::vector<std::u16string>* names) {
+                           const NetworkNames* names) {
   ChangeResult result;
   const std::optional<DrawnElement> before = readElement(network, id);
   if (!before || before->record.index() != element.record.index()) return result;
@@ -149,11 +164,11 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
     return result;
   }
   const bool node = isNodeElement(element), renamed = changed.has(Field::id) && newName != oldName;
-  std::vector<std::u16string> nodes, links;
+  NetworkNames own;
   if (renamed && !names) {
     Notices differing;  // told by those who collect a network, not by who changes one name
-    CollectNetworkNames(network, nodes, links, differing);
-    names = node ? &nodes : &links;
+    CollectNetworkNames(network, own, differing);
+    names = &own;
   }
   currentNetwork = network;
   acdbRegApp(app::kMaterial);
@@ -163,7 +178,7 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
   if (!written) return result;
   result.verdict = ChangeVerdict::done;
   if (written->leftBehind) result.warnings.push_back({NoticeCode::linksLeftBehind, newName});
-  if (renamed) warnOfName(layers, node, oldName, newName, *names, result.warnings);
+  if (renamed) warnOfName(*names, node, oldName, newName, result.warnings);
   return result;
 }
 

@@ -9,6 +9,7 @@
 
 #include "module/host/host_values.h"
 #include "module/host/notices.h"
+#include "module/inp/collection.h"
 #include "module/network/field_set.h"
 #include "module/network/records.h"
 
@@ -46,11 +47,11 @@ std::optional<DrawnElement> readElement(std::u16string_view network, AcDbObjectI
 // turn colour 3 and lose their results. Texts go to attributes as they are; reals of extended data
 // come from the texts.
 //
-// `names` are those of the network's nodes (of a node) or links (of a link) before the change, for
-// callers that have them; without them a new name is looked for in the drawing.
+// `names` are those of the network before the change, for callers that have them; without them they
+// are collected when an element is renamed.
 ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
                            const DrawnElement& element, FieldSet changed = FieldSet::all(),
-                           const std::vector<std::u16string>* names = nullptr);
+                           const NetworkNames* names = nullptr);
 
 // Moves a node in plan. The ends of links that lie on it go along, with their heights as they are
 // and those of their inner vertices, which stay, interpolated anew; so do the blocks of valves and

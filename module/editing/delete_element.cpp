@@ -56,8 +56,16 @@ Found elementOf(const NetworkLayers& layers, std::u16string_view network, AcDbOb
 // --- the links of a node -------------------------------------------------------------------------
 
 // Links that name the node or end at it, each once.
-std::vector<std::u16string> linksOf(const NetworkLayers& layers, const Found& node) {
-  std::vector<std::u16string> links = linksNaming(layers, node.name);
+std::vector<std::u16string> linksOf(const NetworkLayers& layers, std::u16string_view network,
+                                    const Found& node) {
+  std::vector<std::u16string> links;
+  NetworkNames names;
+  Notices differing;  // told by those who collect a network
+  CollectNetworkNames(network, names, differing);
+  for (std::size_t i = 0; i < names.ends.size(); ++i) {
+    const LinkEnds& link = names.ends[i];
+    if (link.node1 == node.name || link.node2 == node.name) links.push_back(names.links[i]);
+  }
   for (const LinkAt& link : linksAt(layers, node.place)) {
     const Opened<AcDbEntity> polyline(link.id);
     const std::u16string name = nameOf(*polyline.get());
@@ -75,7 +83,7 @@ ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id, bool ev
   std::vector<AcDbObjectId> parts;
   if (element.kind == Kind::none) return result;
   if (element.kind == Kind::node) {
-    result.links = linksOf(layers, element);
+    result.links = linksOf(layers, network, element);
     if (!result.links.empty() && !evenIfLinked) {
       result.verdict = ChangeVerdict::linked;
       return result;

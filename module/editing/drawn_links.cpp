@@ -2,7 +2,6 @@
 
 #include <optional>
 
-#include "module/network/element_data.h"
 
 namespace vessora {
 
@@ -13,33 +12,6 @@ std::u16string nameOf(AcDbEntity& entity) {
     ReadAttribute(static_cast<AcDbBlockReference*>(&entity), schema::kIdTag, name);
   }
   return name;
-}
-
-// --- by name -------------------------------------------------------------------------------------
-
-namespace {
-
-void takeNaming(resbuf* filter, const schema::List& list, std::u16string_view node,
-                std::vector<std::u16string>& links) {
-  for (const AcDbObjectId id : SelectionSet(u"_X", filter)) {
-    const Opened<AcDbEntity> entity(id);
-    if (!entity) continue;
-    const Chain data(entity->xData(list.application));
-    if (textAt(data, list, schema::Field::node1) == node ||
-        textAt(data, list, schema::Field::node2) == node) {
-      links.emplace_back(data.text(1));
-    }
-  }
-}
-
-}  // namespace
-
-std::vector<std::u16string> linksNaming(const NetworkLayers& layers, std::u16string_view node) {
-  std::vector<std::u16string> links;
-  takeNaming(elementPolylineFilter(layers.pipe), schema::kPipe.data, node, links);
-  takeNaming(blocksOnLayerFilter(layers.valv), schema::kValv.data, node, links);
-  takeNaming(blocksOnLayerFilter(layers.pump), schema::kPump.data, node, links);
-  return links;
 }
 
 std::u16string joined(const std::vector<std::u16string>& names) {

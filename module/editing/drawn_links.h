@@ -1,4 +1,4 @@
-// Which entities belong together in a drawn network, and which links name a node.
+// Which entities belong together in a drawn network.
 #pragma once
 
 #include <string>
@@ -11,9 +11,6 @@ namespace vessora {
 
 // The name of an element as it counts: of its extended data, else of its attribute.
 std::u16string nameOf(AcDbEntity& entity);
-
-// The links whose data name the node at an end, in drawing order.
-std::vector<std::u16string> linksNaming(const NetworkLayers& layers, std::u16string_view node);
 
 // "A, B, C".
 std::u16string joined(const std::vector<std::u16string>& names);

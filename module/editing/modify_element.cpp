@@ -8,7 +8,6 @@
 #include "module/host/messages.h"
 #include "module/host/tell.h"
 #include "module/host/warnings.h"
-#include "module/inp/collection.h"
 #include "module/network/element_data.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/settings_store.h"
@@ -30,7 +29,7 @@ class ElementEditor {
     LoadPatterns(patterns_, defaultNetwork);
     LoadCurves(curves_, defaultNetwork);
     Notices notices;
-    CollectNetworkNames(currentNetwork, nodes_, links_, notices);
+    CollectNetworkNames(currentNetwork, names_, notices);
     tell(notices);
   }
 
@@ -51,22 +50,22 @@ class ElementEditor {
     dialog.demand = real(junc.demand);
     dialog.emitter = real(junc.emitter);
     dialog.pattern = junc.pattern;
-    if (!askName(dialog, junc.id, nodes_, Clash::warns)) return Pass::abandoned;
+    if (!askName(dialog, junc.id, names_.nodes, Clash::warns)) return Pass::abandoned;
     storeReal(junc.elev, dialog.elevation.value());
     storeReal(junc.demand, dialog.demand.value());
     storeExactly(junc.emitter, dialog.emitter.value());
     junc.pattern = dialog.pattern.value();
-    return write({junc, {}}, nodes_);
+    return write({junc, {}});
   }
 
   Pass branch(EpaResv& resv, const std::u16string&) {
     Dlgresv dialog(patterns_);
     dialog.head = real(resv.head);
     dialog.pattern = resv.pattern;
-    if (!askName(dialog, resv.id, nodes_, Clash::warns)) return Pass::abandoned;
+    if (!askName(dialog, resv.id, names_.nodes, Clash::warns)) return Pass::abandoned;
     storeReal(resv.head, dialog.head.value());
     resv.pattern = dialog.pattern.value();
-    return write({resv, {}}, nodes_);
+    return write({resv, {}});
   }
 
   Pass branch(EpaTank& tank, const std::u16string&) {
@@ -77,10 +76,10 @@ class ElementEditor {
         {&dialog.maxLevel, &tank.maxLevel},   {&dialog.minVolume, &tank.minVol}};
     for (const auto& [field, text] : fields) *field = real(*text);
     dialog.curve = tank.volCurve;
-    if (!askName(dialog, tank.id, nodes_, Clash::warns)) return Pass::abandoned;
+    if (!askName(dialog, tank.id, names_.nodes, Clash::warns)) return Pass::abandoned;
     for (const auto& [field, text] : fields) storeReal(*text, field->value());
     tank.volCurve = dialog.curve.value();
-    return write({tank, {}}, nodes_);
+    return write({tank, {}});
   }
 
   // Reals go into the drawing as the dialog has them, not by way of three decimals.
@@ -97,10 +96,10 @@ class ElementEditor {
                                                     {&dialog.minorLoss, &pipe.minorLoss}};
     for (const auto& [field, text] : fields) *field = real(*text);
     dialog.status = pipe.status;
-    if (!askName(dialog, pipe.id, links_, Clash::warns)) return Pass::abandoned;
+    if (!askName(dialog, pipe.id, names_.links, Clash::warns)) return Pass::abandoned;
     for (const auto& [field, text] : fields) storeExactly(*text, field->value());
     pipe.status = dialog.status.value();
-    return write({pipe, material_}, links_);
+    return write({pipe, material_});
   }
 
   Pass branch(EpaValv& valv, const std::u16string&) {
@@ -110,13 +109,13 @@ class ElementEditor {
     dialog.minorLoss = real(valv.minorLoss);
     dialog.type = valv.type;
     dialog.status = valv.status;
-    if (!askName(dialog, valv.id, links_, Clash::warns)) return Pass::abandoned;
+    if (!askName(dialog, valv.id, names_.links, Clash::warns)) return Pass::abandoned;
     storeReal(valv.diameter, dialog.diameter.value());
     storeReal(valv.minorLoss, dialog.minorLoss.value());
     valv.type = dialog.type.value();
     valv.status = dialog.status.value();
     valv.setting = dialog.setting.value();
-    return write({valv, {}}, links_);
+    return write({valv, {}});
   }
 
   // Of the current network's own lists. The speed pattern is shown and stays what it was.
@@ -134,7 +133,7 @@ class ElementEditor {
     dialog.price = pump.price;
     dialog.pricePattern = pump.pricePattern;
     dialog.power = pump.power;
-    if (!askName(dialog, pump.id, links_, Clash::refuses)) return Pass::abandoned;
+    if (!askName(dialog, pump.id, names_.links, Clash::refuses)) return Pass::abandoned;
     pump.headCurve = dialog.headCurve.value();
     pump.effCurve = dialog.efficiencyCurve.value();
     pump.pricePattern = dialog.pricePattern.value();
@@ -143,7 +142,7 @@ class ElementEditor {
     pump.speed = dialog.speed.value();
     pump.price = dialog.price.value();
     if (!pump.headCurve.empty()) pump.power.clear();
-    return write({pump, {}}, links_);
+    return write({pump, {}});
   }
 
   // What a name that is taken leads to after the box: the change all the same, or the dialog again.
@@ -160,7 +159,7 @@ class ElementEditor {
         continue;
       }
       if (name != dialog.oldName && std::find(names.begin(), names.end(), name) != names.end()) {
-        showMessage(&names == &nodes_
+        showMessage(&names == &names_.nodes
                         ? TraduciTesto(u"Nodo già esistente. Inserire un'altro nome!")
                         : TraduciTesto(u"Ramo già esistente. Inserire un'altro nome!"));
         if (clash == Clash::refuses) continue;
@@ -170,9 +169,9 @@ class ElementEditor {
     }
   }
 
-  Pass write(const DrawnElement& element, const Names& names) const {
+  Pass write(const DrawnElement& element) const {
     const ChangeResult result =
-        modifyElement(currentNetwork, id_, element, FieldSet::all(), &names);
+        modifyElement(currentNetwork, id_, element, FieldSet::all(), &names_);
     warn(result.warnings);
     return Pass::written;
   }
@@ -180,7 +179,7 @@ class ElementEditor {
   std::u16string& material_;
   std::vector<EpaPattern> patterns_;
   std::vector<EpaCurve> curves_;
-  Names nodes_, links_;
+  NetworkNames names_;
   AcDbObjectId id_;
 };
 

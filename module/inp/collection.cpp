@@ -187,20 +187,33 @@ void CollectNetwork(std::u16string_view name, EpaNetwork& network, Notices& noti
   collector.finish();
 }
 
-void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
-                         std::vector<std::u16string>& linkNames, Notices& notices) {
+namespace {
+
+void collectNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
+                  std::vector<std::u16string>& linkNames, std::vector<LinkEnds>* ends,
+                  Notices& notices) {
   const NetworkLayers layers(name);
   const SelectionSet set(u"_X", wholeNetworkFilter(layers, false));
+  const auto takeEnds = [&](const Chain& data, const schema::Kind& kind, AcDbObjectId id) {
+    if (!ends) return;
+    ends->push_back({id, &kind, std::u16string(textAt(data, kind.data, schema::Field::node1)),
+                     std::u16string(textAt(data, kind.data, schema::Field::node2))});
+  };
   const auto takeBlock = [&](AcDbBlockReference* block) {
     const std::u16string layer = block->layer();
     const bool node = layer == layers.junc || layer == layers.resv || layer == layers.tank;
     if (!node && layer != layers.pump && layer != layers.valv) return;
     ReadNameAttribute(block, schema::kIdTag, (node ? nodeNames : linkNames).emplace_back(),
                       notices);
+    if (node || !ends) return;
+    takeEnds(Chain(block->xData(app::kImport)),
+             layer == layers.pump ? schema::kPump : schema::kValv, block->objectId());
   };
   const auto takePolyline = [&](AcDb3dPolyline* polyline) {
     const Chain data(polyline->xData(app::kImport));
-    if (data.item(1)) linkNames.emplace_back(data.text(1));
+    if (!data.item(1)) return;
+    linkNames.emplace_back(data.text(1));
+    takeEnds(data, schema::kPipe, polyline->objectId());
   };
   forEachEntity(set, [&](auto* entity) {
     if constexpr (std::is_same_v<decltype(entity), AcDb3dPolyline*>) {
@@ -209,6 +222,17 @@ void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& 
       takeBlock(entity);
     }
   });
+}
+
+}  // namespace
+
+void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
+                         std::vector<std::u16string>& linkNames, Notices& notices) {
+  collectNames(name, nodeNames, linkNames, nullptr, notices);
+}
+
+void CollectNetworkNames(std::u16string_view name, NetworkNames& names, Notices& notices) {
+  collectNames(name, names.nodes, names.links, &names.ends, notices);
 }
 
 }  // namespace vessora

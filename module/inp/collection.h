@@ -10,6 +10,7 @@
 
 #include "module/host/notices.h"
 #include "module/network/records.h"
+#include "schema/element.h"
 
 namespace vessora {
 
@@ -22,5 +23,17 @@ void CollectNetwork(std::u16string_view name, EpaNetwork& network, Notices& noti
 // kinds of blocks.
 void CollectNetworkNames(std::u16string_view name, std::vector<std::u16string>& nodeNames,
                          std::vector<std::u16string>& linkNames, Notices& notices);
+
+// The same, with the nodes that each link names.
+struct LinkEnds {
+  AcDbObjectId id;  // of a pipe's polyline or a link's block
+  const schema::Kind* kind = nullptr;
+  std::u16string node1, node2;
+};
+struct NetworkNames {
+  std::vector<std::u16string> nodes, links;
+  std::vector<LinkEnds> ends;  // one for each of the links
+};
+void CollectNetworkNames(std::u16string_view name, NetworkNames& names, Notices& notices);
 
 }  // namespace vessora
