@@ -308,6 +308,22 @@ class Consistency : public DrawnNetwork, public ::testing::WithParamInterface<un
     const int what = below(100);
     if (what < 12) return addNode();
     if (what < 30) return addLink();
+    // Now and then the user takes it back.
+    const bool undone = chance(10);
+    const auto nodes = nodes_;
+    const auto links = links_;
+    const std::string before = undone ? bytes() : std::string();
+    drawing().beginCommand(u"EDIT");
+    change(what);
+    drawing().endCommand();
+    if (!undone) return;
+    if (bytes() != before) drawing().undo();
+    EXPECT_EQ(bytes(), before);
+    nodes_ = nodes;
+    links_ = links;
+  }
+
+  void change(int what) {
     if (what < 60) return changeNode();
     if (what < 80) return moveNodeTo(place());
     if (what < 86) return editHeightByHand();
