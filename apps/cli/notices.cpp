@@ -88,6 +88,13 @@ constexpr Words kWords[] = {
      "il nome a un nodo, o eliminare i rami e ridisegnarli",
      "{1}: no node has this name any more, but these links end there or name it: {2}; give the "
      "name to a node, or delete the links and draw them anew"},
+    {Code::traceNodeGone,
+     "{1}: nessun nodo ha più questo nome, ma la qualità lo ha come nodo tracciante; cambiarlo con "
+     "EPACALC",
+     "{1}: no node has this name any more, but quality traces it; change that with EPACALC"},
+    {Code::arrowDiffers,
+     "{1}: la freccia al nodo non è quella della sua portata; cancellarla, se c'è",
+     "{1}: the arrow at the node is not that of its demand; erase it, if there is one"},
     {Code::nodesCoincide, "{1}: sta nello stesso punto di un altro nodo; spostare uno dei due: {2}",
      "{1}: stands where another node stands; move one of them: {2}"},
     {Code::partMissing,

@@ -139,8 +139,8 @@ std::vector<std::u16string> stillNaming(const std::u16string& node, const Networ
 }
 
 // What a new name leaves behind; `names` are those before the change.
-void warnOfName(const NetworkNames& names, bool node, const std::u16string& before,
-                const std::u16string& now, Notices& warnings) {
+void warnOfName(std::u16string_view network, const NetworkNames& names, bool node,
+                const std::u16string& before, const std::u16string& now, Notices& warnings) {
   const std::vector<std::u16string>& ofKind = node ? names.nodes : names.links;
   if (std::find(ofKind.begin(), ofKind.end(), now) != ofKind.end()) {
     warnings.push_back({node ? NoticeCode::nodeNameTwice : NoticeCode::linkNameTwice, now});
@@ -148,6 +148,20 @@ void warnOfName(const NetworkNames& names, bool node, const std::u16string& befo
   if (!node || std::count(ofKind.begin(), ofKind.end(), before) > 1) return;
   const std::vector<std::u16string> links = stillNaming(before, names);
   if (!links.empty()) warnings.push_back({NoticeCode::nodeGone, before, joined(links)});
+  warnOfTracing(network, before, warnings);
+}
+
+// The arrow at a junction stays what it is when the demand changes its direction, or becomes none.
+void warnOfArrow(std::u16string_view network, AcDbObjectId id, const EpaJunc& before,
+                 const EpaJunc& now, Notices& warnings) {
+  const auto direction = [](const EpaJunc& junc) {
+    const double demand = platform::wtof(junc.demand);
+    return (demand > 0) - (demand < 0);
+  };
+  if (direction(before) == direction(now)) return;
+  const Opened<AcDbBlockReference> block(id);
+  if (!block || (direction(now) == 0 && arrowsAt(network, block->position()).empty())) return;
+  warnings.push_back({NoticeCode::arrowDiffers, now.id.str()});
 }
 
 }  // namespace
@@ -178,7 +192,11 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
   if (!written) return result;
   result.verdict = ChangeVerdict::done;
   if (written->leftBehind) result.warnings.push_back({NoticeCode::linksLeftBehind, newName});
-  if (renamed) warnOfName(*names, node, oldName, newName, result.warnings);
+  if (const auto* junc = std::get_if<EpaJunc>(&element.record);
+      junc && changed.has(Field::demand)) {
+    warnOfArrow(network, id, std::get<EpaJunc>(before->record), *junc, result.warnings);
+  }
+  if (renamed) warnOfName(network, *names, node, oldName, newName, result.warnings);
   return result;
 }
 

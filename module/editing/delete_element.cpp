@@ -89,6 +89,7 @@ ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id, bool ev
       return result;
     }
     parts = arrowsAt(network, element.place);
+    warnOfTracing(network, element.name, result.warnings);
     if (!result.links.empty()) {
       result.warnings.push_back({NoticeCode::nodeGone, element.name, joined(result.links)});
     }

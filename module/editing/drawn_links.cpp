@@ -2,6 +2,7 @@
 
 #include <optional>
 
+#include "module/network/settings_store.h"
 
 namespace vessora {
 
@@ -18,6 +19,13 @@ std::u16string joined(const std::vector<std::u16string>& names) {
   std::u16string all;
   for (const std::u16string& name : names) all += (all.empty() ? u"" : u", ") + name;
   return all;
+}
+
+void warnOfTracing(std::u16string_view network, std::u16string_view node, Notices& warnings) {
+  EpaSettings settings;
+  if (LoadSettings(settings, network) && settings.traceNode == node) {
+    warnings.push_back({NoticeCode::traceNodeGone, std::u16string(node)});
+  }
 }
 
 // --- by place ------------------------------------------------------------------------------------

@@ -15,6 +15,9 @@ std::u16string nameOf(AcDbEntity& entity);
 // "A, B, C".
 std::u16string joined(const std::vector<std::u16string>& names);
 
+// Warns when the network's settings trace a node of this name, which no node has any more.
+void warnOfTracing(std::u16string_view network, std::u16string_view node, Notices& warnings);
+
 // The node blocks within kPlaceTolerance of a place in plan.
 std::vector<AcDbObjectId> nodesAt(const NetworkLayers& layers, const AcGePoint3d& place);
 

@@ -39,6 +39,8 @@ enum class NoticeCode {
   lengthKept,              // it keeps the one that was typed (other)
   linksLeftBehind,         // links did not follow a node: it does not stand at its stored height
   nodeGone,                // links (other) still name a node (subject) that is gone, or renamed
+  traceNodeGone,           // the settings trace a node (subject) that is gone, or renamed
+  arrowDiffers,            // the flow arrow of a node is not the one of its demand any more
   nodesCoincide,           // a node stands where another one (other) stands
   partMissing,             // a valve or pump had no block or no course to go with it
   materialsUnreadable,     // the table of materials (subject: path)

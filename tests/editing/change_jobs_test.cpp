@@ -2,6 +2,7 @@
 #include "module/editing/change_jobs.h"
 
 #include "module/network/element_data.h"
+#include "module/network/settings_store.h"
 #include "tests/network/network_testing.h"
 
 namespace vessora {
@@ -73,15 +74,12 @@ class ChangeJobs : public DrawnNetwork {
   static std::string said(const Notices& notices) {
     std::string all;
     for (const Notice& n : notices) {
-      all +=
-          std::to_string(static_cast<int>(n.code) - static_cast<int>(NoticeCode::lengthFollows)) +
-          ":" + platform::narrow(n.subject) + ":" + platform::narrow(n.other) + " ";
+      all += says(n.code, platform::narrow(n.subject) + ":" + platform::narrow(n.other));
     }
     return all;
   }
-  static std::string says(NoticeCode code, const char* rest) {
-    return std::to_string(static_cast<int>(code) - static_cast<int>(NoticeCode::lengthFollows)) +
-           ":" + rest + " ";
+  static std::string says(NoticeCode code, const std::string& rest) {
+    return std::to_string(static_cast<int>(code)) + " " + rest + " ";
   }
 
   AcDbObjectId n1, n2, n3, drawn, typed, valve, valveLine, arrow, farArrow;
@@ -142,9 +140,14 @@ TEST_F(ChangeJobs, ANewNameIsWarnedOfWhereItLeavesOrMakesDoubt) {
               pipeData(pipeRecord(u"P3", u"N9", u"N1", u"1")));
   auto element = readElement(u"Rete", n1);
   std::get<EpaJunc>(element->record).id = u"N3";
+  EpaSettings settings;
+  settings.name = u"Rete";
+  settings.traceNode = u"N1";
+  SaveSettings(settings, true);
   const ChangeResult renamed = modifyElement(u"Rete", n1, *element, {Field::id});
-  EXPECT_EQ(said(renamed.warnings),
-            says(NoticeCode::nodeNameTwice, "N3:") + says(NoticeCode::nodeGone, "N1:P3"));
+  EXPECT_EQ(said(renamed.warnings), says(NoticeCode::nodeNameTwice, "N3:") +
+                                        says(NoticeCode::nodeGone, "N1:P3") +
+                                        says(NoticeCode::traceNodeGone, "N1:"));
   EXPECT_EQ(data(valve), "V1|80.0||||0.0|N3|X");
 
   element = readElement(u"Rete", valve);
@@ -170,6 +173,11 @@ TEST_F(ChangeJobs, OfSomeFieldsTheResultsGoAndTheLinksStay) {
   EXPECT_FALSE(hasResults(n1));
   EXPECT_TRUE(hasResults(drawn));
   EXPECT_EQ(color(drawn), 256);
+
+  // Nothing puts the other arrow there.
+  std::get<EpaJunc>(element->record).demand = u"-1";
+  EXPECT_EQ(said(modifyElement(u"Rete", n1, *element, {Field::demand}).warnings),
+            says(NoticeCode::arrowDiffers, "N1:"));
 }
 
 TEST_F(ChangeJobs, AnElementGoesWithAllItsPartsFoundByAnyOfThem) {
