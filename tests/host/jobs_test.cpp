@@ -40,7 +40,10 @@ class JobsTest : public ::testing::Test {
   // orange. The  // command registers what it may need before it asks.
   void newNetwork() {
     session.newDrawing();
-    acdbRegApp(u"HN-C_EPA_COLOR");
+    for (const char16_t* name :
+         {u"HN-C_EPA_COLOR", u"HN-C_MATEPA", u"HN-C_EPA_PATTERN", u"HN-C_EPA_CURVE"}) {
+      acdbRegApp(name);
+    }
     const std::u16string folder = platform::widen(VESSORA_TESTS_DIR "/cases/draw/profile/");
     jobs->importInp(jobs->openInp(folder + u"rete.inp"), u"rete");
     const vessora::Report report = jobs->openReport(folder + u"rete.rpt");
@@ -50,6 +53,17 @@ class JobsTest : public ::testing::Test {
   void script(const std::string& answers) {
     frontend_ = std::make_unique<cad::ui::ScriptFrontend>(answers, "test");
     session.setFrontend(frontend_.get());
+  }
+  // What a user picks by name.
+  AcDbObjectId named(const std::u16string& name) {
+    script("=" + platform::narrow(name) + "\n");
+    ads_name picked;
+    AcGePoint3d point;
+    AcDbObjectId id;
+    EXPECT_EQ(acedEntSel(u"", picked, point), RTNORM);
+    acdbGetObjectId(id, picked);
+    script("");
+    return id;
   }
   // The drawing, after all that was to be asked has been asked.
   std::string drawn() {
@@ -148,6 +162,15 @@ TEST_F(JobsTest, DrawWhatTheCommandsDraw) {
          jobs->addPattern(net, {u"ore", {1.5}});
          jobs->replaceCurve(net, {u"C2", u"VOLUME", {{10, 30}}}, u"C1");
        }},
+      {u"hnmodepa", "=N2\n[Nodo]\nNome del nodo = N9\nQuota del nodo [m] = 50\nOK\n",
+       [&] {
+         auto element = jobs->readElement(net, named(u"N2"));
+         auto& junc = std::get<vessora::EpaJunc>(element->record);
+         junc.id = u"N9";
+         junc.elev = u"50.000";
+         junc.demand = u"2.500";
+         jobs->modifyElement(net, named(u"N2"), *element, vessora::FieldSet::all());
+       }},
   };
   for (const auto& row : rows) {
     SCOPED_TRACE(platform::narrow(row.command) + "\n" + row.answers);
@@ -163,6 +186,23 @@ TEST_F(JobsTest, DrawWhatTheCommandsDraw) {
     row.job();
     EXPECT_TRUE(drawn() == expected);
   }
+}
+
+TEST_F(JobsTest, ANodeMovesAndGoesWithItsArrow) {
+  const AcDbObjectId node = named(u"N2"), pipe = named(u"P1");
+  const vessora::NetworkInfo before = jobs->network(u"rete");
+  EXPECT_TRUE(jobs->moveNode(u"rete", node, 1e6, 1e6).done());
+  const auto refused = jobs->deleteElement(u"rete", node, false);
+  EXPECT_EQ(refused.verdict, vessora::ChangeVerdict::linked);
+  for (const std::u16string& link : refused.links) {
+    EXPECT_TRUE(jobs->deleteElement(u"rete", named(link), false).done());
+  }
+  EXPECT_FALSE(jobs->readElement(u"rete", pipe));
+  EXPECT_TRUE(jobs->deleteElement(u"rete", node, false).done());
+  const vessora::NetworkInfo after = jobs->network(u"rete");
+  EXPECT_EQ(after.counts.nodes(), before.counts.nodes() - 1);
+  EXPECT_EQ(after.counts.links(), before.counts.links() - static_cast<int>(refused.links.size()));
+  EXPECT_EQ(drawn().find("1000000.0"), std::string::npos);  // neither symbol nor arrow nor end
 }
 
 TEST_F(JobsTest, AProfileThatCannotBeNamesTheLinkAndDrawsNothing) {
