@@ -172,7 +172,8 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
   ChangeResult result;
   const std::optional<DrawnElement> before = readElement(network, id);
   if (!before || before->record.index() != element.record.index()) return result;
-  const std::u16string oldName = idOf(*before), newName = idOf(element);
+  // What counts is the name in the data; the attribute may have been edited by hand.
+  const std::u16string oldName = nameOf(*Opened<AcDbEntity>(id).get()), newName = idOf(element);
   if (changed.has(Field::id) && newName.empty()) {
     result.verdict = ChangeVerdict::nameMissing;
     return result;
@@ -185,13 +186,15 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
     names = &own;
   }
   currentNetwork = network;
-  acdbRegApp(app::kMaterial);
+  if (std::holds_alternative<EpaPipe>(element.record)) acdbRegApp(app::kMaterial);
   const NetworkLayers layers(network);
   const auto written =
       std::visit(ElementWriter(layers, id, changed, element.material), element.record);
   if (!written) return result;
   result.verdict = ChangeVerdict::done;
-  if (written->leftBehind) result.warnings.push_back({NoticeCode::linksLeftBehind, newName});
+  if (written->leftBehind) {
+    result.warnings.push_back({NoticeCode::linksLeftBehind, renamed ? newName : oldName});
+  }
   if (const auto* junc = std::get_if<EpaJunc>(&element.record);
       junc && changed.has(Field::demand)) {
     warnOfArrow(network, id, std::get<EpaJunc>(before->record), *junc, result.warnings);
