@@ -79,10 +79,10 @@ constexpr Words kWords[] = {
     {Code::lengthKept, "{1}: resta la lunghezza immessa a mano: {2}",
      "{1}: the length that was typed stays: {2}"},
     {Code::linksLeftBehind,
-     "{1}: il simbolo non sta alla quota dell'attributo, e i rami non lo seguono; rimettere il "
-     "simbolo alla sua quota e spostare i rami sul nodo",
-     "{1}: the symbol does not stand at the height of its attribute, and the links do not follow "
-     "it; put the symbol at its height and the links onto the node"},
+     "{1}: i rami non lo hanno seguito, perché il simbolo non stava alla quota dell'attributo; "
+     "annullare, premere OK in HNMODEPA finché non viene più detto, poi modificarlo",
+     "{1}: the links did not follow it, because the symbol did not stand at the height of its "
+     "attribute; undo, press OK in HNMODEPA until this is not said any more, then change the node"},
     {Code::nodeGone,
      "{1}: nessun nodo ha più questo nome, ma questi rami finiscono lì o lo riportano: {2}; dare "
      "il nome a un nodo, o eliminare i rami e ridisegnarli",
