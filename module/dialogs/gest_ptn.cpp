@@ -72,12 +72,12 @@ class Half {
   }
 
  private:
-  // The record of the list's text; null after telling the user that there is none. Records that
-  // have been deleted stay when no line is left.
+  // The record of the list's text; null after telling the user that there is none, as when all have
+  // been deleted.
   Record* shown() {
     const auto at = std::find_if(store_.records.begin(), store_.records.end(),
                                  [&](const Record& r) { return r.id == names_.shown(); });
-    if (names_.count() > 0 && at != store_.records.end()) return &*at;
+    if (at != store_.records.end()) return &*at;
     showMessage(TraduciTesto(words_.none));
     return nullptr;
   }

@@ -246,13 +246,16 @@ TEST_F(Naming, WhatTheStoreDoesUnasked) {
 TEST_F(Naming, TheManagerAtItsEdges) {
   AddPattern({u"p", {1}}, u"Rete");
   AddCurve({u"c", u"altro", {{1, 2}}}, u"Rete");
-  AddCurve({u"C", u"VOLUME", {{3, 4}}}, u"Rete");
+  AddCurve({u"b", u"VOLUME", {{3, 4}}}, u"Rete");
+  AddCurve({u"B", u"VOLUME", {{3, 4}}}, u"Rete");
   script(
       "[Gestione Pattern/Curve]\nPattern/Modifica...\n[Patterns/Curve]\nNome pattern = q\nOK\n"
       "[Gestione Pattern/Curve]\nCurve esistenti = c\nCurve/Modifica...\n[Patterns/Curve]\n"
       "Nome curva ? c\nTipo Curva ? HEADLOSS\nValori ? (colonne) X | Y\n"
       "Valori[1] ? 1.000 | 2.000\nNome curva = a\nOK\n"
-      "[Gestione Pattern/Curve]\nCurve esistenti ? (voci) a | C\nOK\n");
+      "[Gestione Pattern/Curve]\nCurve esistenti ? (voci) a | b | B\nCurve esistenti = #3\n"
+      "Curve/Modifica...\n[Patterns/Curve]\nNome curva = z\nOK\n"
+      "[Gestione Pattern/Curve]\nCurve esistenti ? (voci) a | b | z\nOK\n");
   EXPECT_EQ(EpaCommands().hnsetpat(), kRan);
   std::vector<EpaPattern> patterns;
   LoadPatterns(patterns, u"Rete");
@@ -260,8 +263,9 @@ TEST_F(Naming, TheManagerAtItsEdges) {
   EXPECT_EQ(patterns[0].id, u"q");
   std::vector<EpaCurve> curves;
   LoadCurves(curves, u"Rete");
-  ASSERT_EQ(curves.size(), 2U);
+  ASSERT_EQ(curves.size(), 3U);
   EXPECT_EQ(curves[1].id.str() + curves[1].kind.str(), u"aHEADLOSS");
+  EXPECT_EQ(curves[2].id, u"z");
   EXPECT_EQ(takeWarnings().size(), 2U) << "elements name p and c";
 }
 
