@@ -76,7 +76,7 @@ Dlgpump::Dlgpump(const std::vector<EpaCurve>& curves, const std::vector<EpaPatte
 
 void ElementDialog::onInit() {
   ModuleDialog::onInit();
-  if (!newElement) oldName = name.value();
+  if (!newElement && oldName.empty()) oldName = name.value();
 }
 
 // --- nodes ---------------------------------------------------------------------------------------

@@ -22,7 +22,7 @@ namespace vessora {
 class ElementDialog : public ModuleDialog {
  public:
   bool newElement = false;
-  // On an element that is there already: the name as it stood at the last opening.
+  // On an element that is there already: the name that it came with, whatever was typed since.
   std::u16string oldName;
 
   ui::Picture picture;
