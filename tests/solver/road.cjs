@@ -1,6 +1,6 @@
-// The whole road with the real solver: examples are drawn and exported, the exported file is solved, the
-// report is imported, and the values that stand on the drawing are held against those that the solver's
-// own interface returns.
+// The whole road with the real solver: examples are drawn, from INP files and by hand, and exported, the
+// exported file is solved, the report is imported, and the values that stand on the drawing are held against
+// those that the solver's own interface returns.
 //
 //   node road.cjs BIN_FOLDER EXAMPLES_FOLDER
 'use strict';
@@ -90,11 +90,43 @@ function compare(what, wanted, got, tolerance) {
   return checked;
 }
 
+// A network from a file, or drawn by a script, which exports it too.
+function draw(name) {
+  const script = path.join(examples, name + '.script');
+  if (fs.existsSync(script)) return vessora('run', '-', script, '-o', name + '.dxf');
+  vessora('import', path.join(examples, name + '.inp'), '-o', name + '.dxf');
+  return vessora('export', name + '.dxf', '-o', name + '.inp');
+}
+
+// The results in the report beside an example are those that the solver writes today.
+function checkReport(name, report) {
+  const beside = path.join(examples, name + '.rpt');
+  if (!fs.existsSync(beside)) return;
+  const lines = (text) => text.slice(text.indexOf('Node Results at')).split(/\r?\n/).filter((line) => !/^ *Analysis ended /.test(line));
+  const old = lines(fs.readFileSync(beside, 'utf8')), now = lines(report);
+  const at = now.findIndex((line, i) => line !== old[i]);
+  if (at >= 0 || old.length !== now.length) throw new Error(`${name}.rpt is out of date: it has "${old[at]}" for "${now[at]}"`);
+}
+
+// The town drawn by hand is whole, and its pressures are those of a town's taps at every hour.
+function checkTown({ report, periods }) {
+  const warning = report.match(/^ *WARNING.*/m);
+  if (warning) throw new Error(`the solver says: ${warning[0].trim()}`);
+  for (const [seconds, { nodes, links }] of periods) {
+    if (nodes.size !== 22 || links.size !== 29) throw new Error(`${nodes.size} nodes and ${links.size} links were drawn`);
+    for (const [id, [, , pressure]] of nodes) {
+      if (/^N\d+$/.test(id) && !(pressure >= 20 && pressure <= 60)) throw new Error(`${id} has ${pressure} m at ${seconds / 3600}:00`);
+    }
+  }
+  if (periods.size !== 25) throw new Error(`the day has ${periods.size} hours`);
+}
+
 try {
-  for (const name of ['borgo', 'collina']) {
-    vessora('import', path.join(examples, name + '.inp'), '-o', name + '.dxf');
-    vessora('export', name + '.dxf', '-o', name + '.inp');
+  for (const name of ['borgo', 'collina', 'pieve']) {
+    draw(name);
     const { report, periods } = solve(path.join(folder, name + '.inp'));
+    if (name === 'pieve') checkTown({ report, periods });
+    checkReport(name, report);
     fs.writeFileSync(path.join(folder, name + '.rpt'), report);
     for (const hour of [0, 7, 24]) {
       const period = `${hour}:00:00`;
