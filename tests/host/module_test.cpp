@@ -4,6 +4,7 @@
 #include <unistd.h>
 
 #include <filesystem>
+#include <stdexcept>
 
 #include "cad/editor/session.h"
 #include "module/jobs.h"
@@ -40,10 +41,9 @@ class Recorder : public cad::ui::Frontend {
 class ModuleFolder {
  public:
   explicit ModuleFolder(int missing) {
-    static int count = 0;
-    folder_ = fs::temp_directory_path() /
-              ("vessora module " + std::to_string(getpid()) + "-" + std::to_string(count++));
-    fs::create_directories(folder_);
+    std::string made = (fs::temp_directory_path() / "vessora module XXXXXX").string();
+    if (!mkdtemp(made.data())) throw std::runtime_error(made + ": cannot be made");
+    folder_ = made;
     fs::copy_file(VESSORA_ARX, folder_ / "vessora.arx");
     if (missing >= 0) {
       fs::copy_file(std::string(VESSORA_BROKEN) + std::to_string(missing) + ".so",
