@@ -1,5 +1,6 @@
 #include "module/dialogs/epa_calc.h"
 
+#include "module/network/settings_store.h"
 #include "platform/format.h"
 #include "platform/text.h"
 
@@ -15,32 +16,12 @@ void selectEqual(ui::Choice& list, std::u16string_view text) {
   list.select(found);
 }
 
-// "h" to "hhh:mm:ss", which files and pickers leave behind, as "hh:mm:ss" or "hhh:mm:ss".
-std::u16string fullTime(std::u16string_view text) {
-  const std::u16string given(text);
-  switch (text.size()) {
-    case 1:
-      return u"0" + given + u":00:00";
-    case 2:
-    case 3:
-      return given + u":00:00";
-    case 4:
-      return u"0" + given + u":00";
-    case 5:
-    case 6:
-      return given + u":00";
-    case 7:
-      return u"0" + given;
-    default:
-      return given;
-  }
-}
-
 }  // namespace
 
 std::optional<PickedTime> pickedTime(std::u16string_view text) {
   if (text.find(u' ') != text.npos) return PickedTime();
-  const std::u16string full = fullTime(text);
+  // "1:00:00" as well, which files have.
+  const std::u16string full = text.size() == 7 ? u"0" + std::u16string(text) : withSeconds(text);
   const std::size_t digits = full.size() == 9 ? 3 : 2;  // of the hours
   const std::u16string_view whole(full);
   const int hours = platform::wtoi(whole.substr(0, digits));

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "module/inp/inp_scanner.h"
+#include "module/network/settings_store.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -31,23 +32,8 @@ void parseInp(std::string bytes, EpaNetwork& network, EpaSettings& settings) {
 }
 
 std::u16string NormalizeTime(std::u16string_view text) {
-  const std::u16string value(text);
-  switch (value.size()) {
-    case 1:
-      return u"0" + value + u":00:00";
-    case 2:
-    case 3:
-      return value + u":00:00";
-    case 4:
-      return u"0" + value + u":00";
-    case 5:
-    case 6:
-      return value + u":00";
-    case 9:
-      return value;
-    default:
-      return {};
-  }
+  if (text.size() == 9) return std::u16string(text);
+  return text.size() <= 6 ? withSeconds(text) : std::u16string();
 }
 
 }  // namespace vessora

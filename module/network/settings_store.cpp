@@ -150,6 +150,12 @@ void SaveSettings(EpaSettings& settings, bool create) {
   });
 }
 
+std::u16string withSeconds(std::u16string_view time) {
+  if (time.empty() || time.size() > 6) return std::u16string(time);
+  const std::u16string hours(time.size() == 1 || time.size() == 4 ? 1 : 0, u'0');
+  return hours + std::u16string(time) + (time.size() < 4 ? u":00:00" : u":00");
+}
+
 void ListNetworks(std::vector<std::u16string>& names, wide256& defaultName) {
   names.clear();
   defaultName.clear();

@@ -24,6 +24,10 @@ bool LoadSettings(EpaSettings& settings, std::u16string_view name);
 // freezes it.
 void SaveSettings(EpaSettings& settings, bool create);
 
+// A time of the settings with all its parts: "6", "24", "1:30" or "100:00" as "06:00:00"... Any
+// other length than one to six characters stays as it is.
+std::u16string withSeconds(std::u16string_view time);
+
 // The names of the drawing's networks in drawing order, doubles kept, at most 10000, and the one
 // that is flagged as default: the last of several, empty for none. Both arguments are emptied
 // first.
