@@ -38,9 +38,9 @@ Notices createNetwork(std::u16string_view name);
 // that no network has, none stays flagged.
 void confirmDefaultNetwork(std::u16string_view name);
 
-// --- elements. `names` are those of the network so far, and get the new one. No job refuses a name
-// that is taken or empty, or a node that the network does not have, but it warns. The network
-// becomes currentNetwork.
+// --- elements, one at a time: thousands come by a file and its import. `names` are those of the
+// network so far, and get the new one. No job refuses a name that is taken or empty, or a node that
+// the network does not have, but it warns. The network becomes currentNetwork.
 
 ElementNames namesOfNetwork(std::u16string_view network);
 
