@@ -26,7 +26,6 @@ struct Patterns {
   static constexpr auto load = LoadPatterns;
   static constexpr auto add = AddPattern;
   static constexpr auto replace = ReplacePattern;
-  static constexpr auto remove = DeletePattern;
   static constexpr NoticeCode missing = NoticeCode::patternMissing;
   static constexpr NoticeCode twice = NoticeCode::patternTwice;
   static constexpr NoticeCode empty = NoticeCode::patternEmpty;
@@ -42,7 +41,6 @@ struct Curves {
   static constexpr auto load = LoadCurves;
   static constexpr auto add = AddCurve;
   static constexpr auto replace = ReplaceCurve;
-  static constexpr auto remove = DeleteCurve;
   static constexpr NoticeCode missing = NoticeCode::curveMissing;
   static constexpr NoticeCode twice = NoticeCode::curveTwice;
   static constexpr NoticeCode empty = NoticeCode::curveEmpty;
