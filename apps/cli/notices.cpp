@@ -102,6 +102,26 @@ constexpr Words kWords[] = {
      "eliminarlo a mano",
      "{1}: the symbol or the course that goes with this element was not found; if it is there, "
      "delete it by hand"},
+    {Code::nameUnreadable,
+     "{1}: il solutore non legge questo nome nel file INP: ha spazi o ;, comincia con [ o supera "
+     "18 "
+     "caratteri; rinominare l'elemento (HNMODEPA)",
+     "{1}: the solver does not read this name in the INP file: it has blanks or ;, begins with [ "
+     "or "
+     "is longer than 18 characters; rename the element (HNMODEPA)"},
+    {Code::pumpWithoutDrive,
+     "{1}: pompa senza curva e senza potenza, che il solutore rifiuta; darle una curva (HNSETPAT, "
+     "HNMODEPA) o una potenza",
+     "{1}: a pump without curve and without power, which the solver refuses; give it a curve "
+     "(HNSETPAT, HNMODEPA) or a power"},
+    {Code::pipeStatusUnknown,
+     "{1}: il solutore non conosce lo stato {2}; nel file INP esportato scrivere Closed",
+     "{1}: the solver does not know the status {2}; write Closed in the exported INP file"},
+    {Code::tankLevelsDisordered,
+     "{1}: il livello iniziale non sta tra il minimo e il massimo e il solutore rifiuta la vasca; "
+     "correggere i livelli (HNMODEPA)",
+     "{1}: the initial level is not between the lowest and the highest, and the solver refuses the "
+     "tank; correct the levels (HNMODEPA)"},
 
     // --- settings, materials, patterns and curves
     {Code::energyPatternMissing,

@@ -2,6 +2,7 @@
 #include "module/editing/add_jobs.h"
 
 #include "module/editing/element_names.h"
+#include "module/editing/solver_faults.h"
 #include "module/host/host_drawing.h"
 #include "module/host/module.h"
 #include "module/inp/collection.h"
@@ -77,6 +78,7 @@ AddedElement addNode(std::u16string_view network, const Record& record, const wi
   if (currentNetwork != network) currentNetwork = network;
   place.z = platform::wtof(height);
   insert(place, schema::layerName(kind.layer, network), added);
+  warnOfSolver(record, FieldSet::all(), added.warnings);
   return added;
 }
 

@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "module/editing/drawn_links.h"
+#include "module/editing/solver_faults.h"
 #include "module/host/module.h"
 #include "module/network/element_loaders.h"
 #include "platform/text.h"
@@ -200,6 +201,10 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
     warnOfArrow(network, id, std::get<EpaJunc>(before->record), *junc, result.warnings);
   }
   if (renamed) warnOfName(network, *names, node, oldName, newName, result.warnings);
+  if (const std::optional<DrawnElement> after = readElement(network, id)) {
+    std::visit([&](const auto& record) { warnOfSolver(record, changed, result.warnings); },
+               after->record);
+  }
   return result;
 }
 

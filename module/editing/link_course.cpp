@@ -1,6 +1,7 @@
 #include "module/editing/link_course.h"
 
 #include "module/editing/element_names.h"
+#include "module/editing/solver_faults.h"
 #include "module/host/module.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
@@ -97,6 +98,7 @@ AddedElement makeWithSymbol(std::u16string_view network, AcDbObjectId course, co
   AddedElement added;
   const Link link{kindOf<Record>(), network, record.id, record.node1, record.node2};
   if (!dress(link, course, companionData(record.id), names, added)) return added;
+  warnOfSolver(record, FieldSet::all(), added.warnings);
   AcGePoint3d place;
   if (!symbolPlace(course, place)) return added;
   insert(place, schema::layerName(link.kind.layer, network), drawn, dataOf(record), added.notices,
@@ -111,6 +113,7 @@ AddedElement makePipe(std::u16string_view network, AcDbObjectId course, const Ep
   AddedElement added;
   const Link link{schema::kPipe, network, pipe.id, pipe.node1, pipe.node2};
   if (!dress(link, course, dataOf(pipe), names, added)) return added;
+  warnOfSolver(pipe, FieldSet::all(), added.warnings);
   XDataBuilder data(app::kMaterial);
   data.text(material);
   const Opened<AcDb3dPolyline> polyline(course, AcDb::kForWrite);

@@ -43,6 +43,10 @@ enum class NoticeCode {
   arrowDiffers,            // the flow arrow of a node is not the one of its demand any more
   nodesCoincide,           // a node stands where another one (other) stands
   partMissing,             // a valve or pump had no block or no course to go with it
+  nameUnreadable,          // the solver cannot read a name in its column
+  pumpWithoutDrive,        // neither a head curve nor a power
+  pipeStatusUnknown,       // to the solver (other: the status)
+  tankLevelsDisordered,    // the initial one is not between the others
   materialsUnreadable,     // the table of materials (subject: path)
   materialsUnwritable,     // the same; it is as it was
   materialNotInTable,      // a material (subject) that pipes (other) name

@@ -114,7 +114,8 @@ TEST_F(AddJobs, LinksWarnOfWhatNoSolverAccepts) {
   pipe.roughness = u"0.0000015";
   pipe.status = u"Close";
   const AddedElement drawn = addPipe(u"Rete", {{0, 0, 1}, {6, 8, 1}}, pipe, u"Rame", names_);
-  EXPECT_EQ(told(drawn.notices) + told(drawn.warnings), "");
+  EXPECT_EQ(told(drawn.notices) + told(drawn.warnings),
+            one(NoticeCode::pipeStatusUnknown, "L", "Close"));
   EXPECT_EQ(drawn.id, drawn.course);
   EXPECT_EQ(data(drawn.id), "L|10.0|0.0|1.5e-06|0.0|Close|A|B");
   EXPECT_EQ(data(drawn.id, app::kMaterial), "Rame");
@@ -138,8 +139,31 @@ TEST_F(AddJobs, LinksWarnOfWhatNoSolverAccepts) {
   pump.node2 = u"B";
   const AddedElement bare = addPump(u"Rete", {{0, 0, 0}, {4, 4, 4}}, pump, names_);
   EXPECT_EQ(told(bare.notices), one(NoticeCode::blockUnreadable, "/nowhere\\vessora\\Pump.dwg"));
+  EXPECT_EQ(told(bare.warnings), one(NoticeCode::pumpWithoutDrive, "P"));
   EXPECT_TRUE(bare.id.isNull());
   EXPECT_EQ(names_.links, (std::vector<std::u16string>{u"L", u"L", u"P"}));
+}
+
+// The file gives a name 19 columns, of which the last parts it from the value behind.
+TEST_F(AddJobs, NamesAndLevelsThatNoSolverReadsAreTold) {
+  defineSymbols();
+  const auto warned = [this](const char16_t* name, const char16_t* initial) {
+    EpaTank tank;
+    tank.id = name;
+    tank.minLevel = u"1";
+    tank.maxLevel = u"3.5";
+    tank.initLevel = initial;
+    return told(addTank(u"Rete", {0, 0, 0}, tank, names_).warnings);
+  };
+  EXPECT_EQ(warned(u"abcdefghijklmnopqr", u"1"), "");
+  EXPECT_EQ(warned(u"l'[altra],\u00e8\"", u"3.5"), "");
+  EXPECT_EQ(warned(u"abcdefghijklmnopqrs", u"2"),
+            one(NoticeCode::nameUnreadable, "abcdefghijklmnopqrs"));
+  EXPECT_EQ(warned(u"la vasca", u"2"), one(NoticeCode::nameUnreadable, "la vasca"));
+  EXPECT_EQ(warned(u"[A", u"2"), one(NoticeCode::nameUnreadable, "[A"));
+  EXPECT_EQ(warned(u"A;", u"0.999"),
+            one(NoticeCode::nameUnreadable, "A;") + one(NoticeCode::tankLevelsDisordered, "A;"));
+  EXPECT_EQ(warned(u"B", u"3.501"), one(NoticeCode::tankLevelsDisordered, "B"));
 }
 
 TEST_F(AddJobs, WhatNoLayerCanHoldLeavesTheDrawingAsItWas) {

@@ -178,6 +178,13 @@ TEST_F(ChangeJobs, OfSomeFieldsTheResultsGoAndTheLinksStay) {
   std::get<EpaJunc>(element->record).demand = u"-1";
   EXPECT_EQ(said(modifyElement(u"Rete", n1, *element, {Field::demand}).warnings),
             says(NoticeCode::arrowDiffers, "N1:"));
+
+  // What the solver refuses is told when it is touched.
+  auto pipe = readElement(u"Rete", drawn);
+  std::get<EpaPipe>(pipe->record).status = u"Close";
+  EXPECT_EQ(said(modifyElement(u"Rete", drawn, *pipe, {Field::status}).warnings),
+            says(NoticeCode::pipeStatusUnknown, "P1:Close"));
+  EXPECT_EQ(said(modifyElement(u"Rete", drawn, *pipe, {Field::roughness}).warnings), "");
 }
 
 TEST_F(ChangeJobs, AnElementGoesWithAllItsPartsFoundByAnyOfThem) {

@@ -34,6 +34,7 @@ const std::set<std::string, std::less<>> kNotTexts = {
     "Pump",
     "Valv",
     "Open",
+    "Close",
     "None",
     "First",
     "Zero",
