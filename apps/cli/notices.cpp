@@ -103,12 +103,10 @@ constexpr Words kWords[] = {
      "{1}: the symbol or the course that goes with this element was not found; if it is there, "
      "delete it by hand"},
     {Code::nameUnreadable,
-     "{1}: il solutore non legge questo nome nel file INP: ha spazi o ;, comincia con [ o supera "
-     "18 "
-     "caratteri; rinominare l'elemento (HNMODEPA)",
-     "{1}: the solver does not read this name in the INP file: it has blanks or ;, begins with [ "
-     "or "
-     "is longer than 18 characters; rename the element (HNMODEPA)"},
+     "{1}: nome che il solutore non legge nel file INP (spazi, ;, [ all'inizio, più di 18 "
+     "caratteri); rinominare l'elemento (HNMODEPA)",
+     "{1}: a name that the solver does not read in the INP file (blanks, ;, a leading [, more than "
+     "18 characters); rename the element (HNMODEPA)"},
     {Code::pumpWithoutDrive,
      "{1}: pompa senza curva e senza potenza, che il solutore rifiuta; darle una curva (HNSETPAT, "
      "HNMODEPA) o una potenza",

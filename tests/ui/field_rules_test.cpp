@@ -13,7 +13,7 @@ using namespace sample;
 using Texts = std::vector<std::u16string>;
 
 TEST(FieldRules, BoundsAreInAndTheirComplaintsNameThem) {
-  constexpr double huge = std::numeric_limits<double>::max();
+  static constexpr double huge = std::numeric_limits<double>::max();
   struct : Dialog {
     using Dialog::Dialog;
     Real low{this, u"r1", {.min = -1.5}};
