@@ -5,6 +5,7 @@
 #include "cad/ui/gesture_line.h"
 #include "cad/ui/names.h"
 #include "cad/ui/terminal_card.h"
+#include "platform/files.h"
 #include "platform/format.h"
 #include "platform/text.h"
 
@@ -113,6 +114,19 @@ Pressed TerminalFrontend::showMessage(const Message& message) {
 }
 
 std::optional<u16string> TerminalFrontend::showFileQuestion(const FileQuestion& question) {
+  for (;;) {
+    auto path = readPath(question);
+    if (!path || question.mode == FileQuestion::Mode::open ||
+        !platform::fileExists(platform::nativePath(*path))) {
+      return path;
+    }
+    const Message replace{u"", u"Il file " + *path + u" esiste già. Sostituirlo?", Icon::question,
+                          Buttons::yesNo};
+    if (showMessage(replace) == Pressed::yes) return path;
+  }
+}
+
+std::optional<u16string> TerminalFrontend::readPath(const FileQuestion& question) {
   freshLine();
   u16string prompt = !question.title.empty()                     ? question.title
                      : question.mode == FileQuestion::Mode::save ? u"Salva nel file"

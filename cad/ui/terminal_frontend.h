@@ -43,6 +43,7 @@ class CAD_UI_API TerminalFrontend : public Frontend {
  private:
   std::optional<std::u16string> read(std::u16string_view prompt,
                                      const std::vector<std::u16string>& completions);
+  std::optional<std::u16string> readPath(const FileQuestion& question);
   void write(std::u16string_view text);
   void freshLine();
   void perform(Dialog& dialog, TerminalCard& card, std::u16string line);

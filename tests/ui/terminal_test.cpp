@@ -2,6 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "cad/ui/terminal_frontend.h"
+#include "tests/platform/scratch_folder.h"
 #include "tests/ui/sample_dialogs.h"
 
 namespace {
@@ -114,6 +115,19 @@ TEST(Terminal, LeavesByWordEscapeAndEndOfInput) {
             (std::vector<std::string>{"Nome pattern", "Tipo Curva", "Griglia", "OK", "Annulla"}));
   EXPECT_EQ(s.ui.ask({Prompt::Kind::command, u"Comando: ", {}}).status, Answer::Status::end);
   EXPECT_TRUE(s.ui.ended());
+}
+
+class TerminalFiles : public platform::ScratchFolder {};
+
+TEST_F(TerminalFiles, AreReplacedAfterAQuestion) {
+  const std::string there = at("rete.inp"), other = at("altra.inp");
+  ASSERT_TRUE(platform::writeFile(there, "testo"));
+  FileQuestion save{FileQuestion::Mode::save, u"", u"", u""};
+  Typist s({there, "n", other, there, "s", there});
+  EXPECT_EQ(s.ui.askFile(save), platform::widen(other));
+  EXPECT_TRUE(s.says("esiste già. Sostituirlo?")) << s.text;
+  EXPECT_EQ(s.ui.askFile(save), platform::widen(there));
+  EXPECT_EQ(s.ui.askFile(save), std::nullopt) << "the input has ended: nothing is replaced";
 }
 
 TEST(Terminal, AsksMessagesFilesAndPrompts) {
