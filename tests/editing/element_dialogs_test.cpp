@@ -80,9 +80,11 @@ TEST(ElementDialogs, OnlyVolumeCurvesBeforeAnyOtherKindAreShown) {
   EXPECT_EQ(tank.curve.value(), u"vascone");
   tank.curve = u"lost";
   EXPECT_EQ(played(tank, "[Tank]\nCurva Volume ?\nAnnulla"), "annulla");
-  const auto pumpFirst = curvesNamed({{u"P", u"PUMP"}, {u"V", u"VOLUME"}});
-  Dlgtank none(pumpFirst);
-  EXPECT_EQ(played(none, "[Tank]\nCurva Volume ? (righe) 1\n<esc>"), "annulla");
+  for (const char16_t* other : {u"PUMP", u"EFFICIENCY", u"HEADLOSS", u"Volume", u""}) {
+    const auto otherFirst = curvesNamed({{u"P", other}, {u"V", u"VOLUME"}});
+    Dlgtank none(otherFirst);
+    EXPECT_EQ(played(none, "[Tank]\nCurva Volume ? (righe) 1\n<esc>"), "annulla");
+  }
 }
 
 TEST(ElementDialogs, MaterialsCanBeChosenUnderOneFormulaAlone) {
