@@ -40,6 +40,19 @@ bool saveMaterials(const std::vector<EpaMaterial>& table) {
   return static_cast<bool>(platform::writeFile(path, bytes));
 }
 
+namespace {
+
+// Two units where it takes two.
+void dropLastCharacter(std::u16string& line) {
+  const char16_t last = line.back();
+  line.pop_back();
+  const bool pair = last >= 0xDC00 && last <= 0xDFFF && !line.empty() && line.back() >= 0xD800 &&
+                    line.back() <= 0xDBFF;
+  if (pair) line.pop_back();
+}
+
+}  // namespace
+
 std::vector<EpaMaterial> parseMaterials(std::string bytes) {
   const std::string text = platform::toUtf8(std::move(bytes));
   platform::TextLines lines(text);
@@ -56,7 +69,7 @@ std::vector<EpaMaterial> parseMaterials(std::string bytes) {
     }
     // The last character is taken for the line end without a look at it, so that a file whose last
     // line has none loses a character there.
-    line.pop_back();
+    dropLastCharacter(line);
     if (part == 1) {
       row.name = line;
       part = 2;
