@@ -102,6 +102,8 @@ std::string formatMaterials(const std::vector<EpaMaterial>& table, std::string_v
     platform::appendFormat(text, u"%.10lf\n", row.roughness);
     text += oneLine(row.thirdLine);
   }
+  // Reading takes a mark at the start for the file's own: a name that begins with one needs two.
+  if (text.starts_with(u'\uFEFF')) text.insert(text.begin(), u'\uFEFF');
   if (!platform::isValidUtf8(before)) {
     std::string bytes;
     platform::CodePage::named("ANSI_1252").encode(bytes, text, nullptr);
