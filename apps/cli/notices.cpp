@@ -89,9 +89,11 @@ constexpr Words kWords[] = {
      "{1}: no node has this name any more, but these links end there or name it: {2}; give the "
      "name to a node, or delete the links and draw them anew"},
     {Code::traceNodeGone,
-     "{1}: nessun nodo ha più questo nome, ma la qualità lo ha come nodo tracciante; cambiarlo con "
-     "EPACALC",
-     "{1}: no node has this name any more, but quality traces it; change that with EPACALC"},
+     "{1}: nessun nodo ha più questo nome, ma la qualità lo ha come nodo tracciante; dare il nome "
+     "a "
+     "un nodo, o scegliere un altro parametro di qualità (EPACALC)",
+     "{1}: no node has this name any more, but quality traces it; give the name to a node, or "
+     "choose another quality parameter (EPACALC)"},
     {Code::arrowDiffers,
      "{1}: la freccia al nodo non è quella della sua portata; cancellarla, se c'è",
      "{1}: the arrow at the node is not that of its demand; erase it, if there is one"},
@@ -178,7 +180,7 @@ constexpr Words kWords[] = {
 };
 
 constexpr bool everyCodeHasWords() {
-  for (int code = 0; code <= static_cast<int>(Code::curveStays); ++code) {
+  for (int code = 0; code <= static_cast<int>(vessora::kLastNotice); ++code) {
     bool found = false;
     for (const Words& row : kWords) found = found || row.code == static_cast<Code>(code);
     if (!found) return false;

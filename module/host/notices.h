@@ -61,6 +61,7 @@ enum class NoticeCode {
   curveErasedElsewhere,
   curveStays,  // though it has been deleted from a list
 };
+constexpr NoticeCode kLastNotice = NoticeCode::curveStays;  // for tables that must have all
 
 struct Notice {
   NoticeCode code;

@@ -1,6 +1,5 @@
 #include "module/host/warnings.h"
 
-#include <iterator>
 #include <utility>
 
 namespace vessora {
