@@ -94,6 +94,12 @@ int ListControl::findExact(std::u16string_view text, int after) const {
   return search(text, after, true);
 }
 
+int ListControl::findSame(std::u16string_view text) const {
+  const auto at =
+      std::find_if(items_.begin(), items_.end(), [text](const Item& i) { return i.text == text; });
+  return at == items_.end() ? -1 : static_cast<int>(at - items_.begin());
+}
+
 void ListControl::select(int index) {
   selected_ = index >= 0 && index < count() ? index : -1;
   refresh();
@@ -172,12 +178,8 @@ void Choice::setText(std::u16string_view text) {
 
 Gesture Choice::onEnter(std::u16string_view text) {
   // An item's exact spelling goes before one that differs in case only.
-  int found = findExact(text);
-  for (int i = 0; i < count(); ++i)
-    if (item(i) == text) {
-      found = i;
-      break;
-    }
+  int found = findSame(text);
+  if (found < 0) found = findExact(text);
   if (found >= 0) return onChoose(found);
   if (!freeText_) return wrongItem(quoted(text));
   typed_ = text;

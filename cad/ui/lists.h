@@ -38,6 +38,8 @@ class CAD_UI_API ListControl : public Control {
   // First item whose text begins with (is equal to) `text`, searched behind item `after`, or -1.
   int find(std::u16string_view text, int after = -1) const;
   int findExact(std::u16string_view text, int after = -1) const;
+  // The item that is the text to the letter, case too, or -1; the first of several.
+  int findSame(std::u16string_view text) const;
 
   int selected() const { return selected_; }
   // Selects an item; one that does not exist means none.

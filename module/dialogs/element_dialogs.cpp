@@ -28,15 +28,6 @@ void selectByPrefix(ui::Choice& list) {
   list.select(found >= 1 ? found : 0);
 }
 
-// The line that is exactly the list's value, or none.
-void selectEqual(ui::Choice& list) {
-  int equal = -1;
-  for (int i = 0; i < list.count(); ++i) {
-    if (list.item(i) == list.value()) equal = i;
-  }
-  list.select(equal);
-}
-
 std::vector<std::u16string> curvesOfKind(const std::vector<EpaCurve>& curves,
                                          std::u16string_view kind) {
   std::vector<std::u16string> names = {u""};
@@ -150,8 +141,8 @@ void Dlgvalv::onInit() {
     type.select(0);
     status.select(0);
   } else {
-    selectEqual(type);
-    selectEqual(status);
+    type.select(type.findSame(type.value()));
+    status.select(status.findSame(status.value()));
   }
 }
 
@@ -166,7 +157,7 @@ void Dlgpump::onInit() {
   if (newElement) {
     status.select(0);
   } else {
-    selectEqual(status);
+    status.select(status.findSame(status.value()));
   }
   for (ui::Choice* list : {&headCurve, &efficiencyCurve, &pricePattern, &speedPattern}) {
     if (newElement) {

@@ -5,19 +5,6 @@
 #include "platform/text.h"
 
 namespace vessora {
-namespace {
-
-// The line that is exactly the text; none otherwise.
-void selectEqual(ui::Choice& list, std::u16string_view text) {
-  int found = -1;
-  for (int i = 0; i < list.count(); ++i) {
-    if (list.item(i) == text) found = i;
-  }
-  list.select(found);
-}
-
-}  // namespace
-
 std::optional<PickedTime> pickedTime(std::u16string_view text) {
   if (text.find(u' ') != text.npos) return PickedTime();
   // "1:00:00" as well, which files have.
@@ -76,12 +63,12 @@ DlgEpaCalc::DlgEpaCalc(EpaSettings& settings)
 
 void DlgEpaCalc::onInit() {
   ModuleDialog::onInit();
-  selectEqual(headloss, settings_.headloss);
-  selectEqual(unbalanced, settings_.unbalanced);
-  selectEqual(parameter, settings_.qualityParam);
+  headloss.select(headloss.findSame(settings_.headloss));
+  unbalanced.select(unbalanced.findSame(settings_.unbalanced));
+  parameter.select(parameter.findSame(settings_.qualityParam));
   if (parameter.selected() < 0) parameter.setText(settings_.qualityParam);
   const std::u16string order = settings_.wallOrder.str();
-  selectEqual(wallOrder, order == u"1" ? u"First" : order == u"0" ? u"Zero" : order);
+  wallOrder.select(wallOrder.findSame(order == u"1" ? u"First" : order == u"0" ? u"Zero" : order));
 }
 
 void DlgEpaCalc::onOk() {

@@ -55,7 +55,7 @@ class Half {
     const std::u16string oldName = chosen->id.str();
     *chosen = record;
     store_.replace(record, oldName);
-    removeLine(oldName);
+    names_.remove(names_.findSame(oldName));
     names_.add(record.id);
     names_.select(0);
   }
@@ -80,16 +80,6 @@ class Half {
     if (at != store_.records.end()) return &*at;
     showMessage(TraduciTesto(words_.none));
     return nullptr;
-  }
-
-  // Names that differ in letter case alone are lines of their own.
-  void removeLine(std::u16string_view name) {
-    for (int i = 0; i < names_.count(); ++i) {
-      if (names_.item(i) == name) {
-        names_.remove(i);
-        return;
-      }
-    }
   }
 
   ui::Choice& names_;

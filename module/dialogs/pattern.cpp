@@ -43,9 +43,8 @@ DlgPattern::DlgPattern(EpaCurve& record, const std::vector<EpaCurve>& others, bo
     titledKind_ = kind.item(0);
   } else {
     titledKind_ = record.kind;
-    const int known = kind.findExact(record.kind);
-    const bool exact = known >= 0 && kind.item(known) == record.kind;
-    kind = kind.item(exact ? known : kind.count() - 1);
+    const int known = kind.findSame(record.kind);
+    kind = kind.item(known >= 0 ? known : kind.count() - 1);
   }
   for (const auto& [x, y] : record.points) rows_.push_back({shownValue(x), shownValue(y)});
   rows_.resize(isNew ? kNewPoints : std::max<std::size_t>(rows_.size(), 1));
