@@ -66,6 +66,9 @@ Prompt promptOf(Prompt::Kind kind, std::u16string_view text, const InputRules& r
   return p;
 }
 
+// As a user types a handle.
+std::u16string handleText(std::uint64_t handle) { return platform::format(u"#%llX", handle); }
+
 AcGePoint3d pointOf(const cad::ui::Place3d& p) { return {p.x, p.y, p.z}; }
 
 // Asks until the answer can be used. `take` returns true when it has taken the text.
@@ -242,7 +245,9 @@ int acedEntSel(std::u16string_view text, ads_name& entity, AcGePoint3d& point) {
       promptOf(Prompt::Kind::entity, text.empty() ? u"\nSelezionare un oggetto: " : text, rules));
   if (a.status == Answer::Status::none) return RTNONE;
   if (a.status != Answer::Status::ok) return RTCAN;
-  const cad::Pick pick = cad::pickEntity(*d, a.text, aperture());
+  // What was pointed at goes before what is said of it.
+  const cad::Pick pick =
+      cad::pickEntity(*d, a.objects.empty() ? a.text : handleText(a.objects.front()), aperture());
   if (!pick.record) {
     ui.invalid(pick.problem);
     return RTERROR;

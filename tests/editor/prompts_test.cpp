@@ -130,7 +130,7 @@ TEST_F(PromptTest, AScreenAnswersWithPlacesAndObjects) {
   EXPECT_EQ(point.z, -0.5);
   ASSERT_TRUE(ui.prompts.back().base) << "for the line that a screen draws to the cursor";
   EXPECT_EQ(ui.prompts.back().base->y, 6);
-  ui.pointed = {{.place = {{0.5, 8, 0}}, .objects = {second}}};
+  ui.pointed = {{.text = u"a text of it", .place = {{0.5, 8, 0}}, .objects = {second}}};
   ads_name entity;
   AcDbObjectId id;
   ASSERT_EQ(acedEntSel(u"\nOggetto: ", entity, point), RTNORM);
@@ -148,9 +148,10 @@ TEST_F(PromptTest, AScreenAnswersWithPlacesAndObjects) {
   acedSSFree(set);
   ui.setJournal(nullptr);
   journal.flush();
-  ASSERT_GE(journalled.size(), 2u);
+  ASSERT_GE(journalled.size(), 3u);
   EXPECT_EQ(journalled[0], u"0.33333333333333331,2,-0.5");
-  EXPECT_EQ(journalled[1], platform::format(u"\"#%llX\"", second));
+  EXPECT_EQ(journalled[1], u"a text of it");
+  EXPECT_EQ(journalled[2], platform::format(u"\"#%llX\"", second));
 }
 
 }  // namespace
