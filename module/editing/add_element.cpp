@@ -6,6 +6,7 @@
 #include "module/host/translate.h"
 #include "module/host/warnings.h"
 #include "platform/format.h"
+#include "platform/text.h"
 
 namespace vessora {
 
@@ -66,29 +67,23 @@ int EpaCommands::hnaddepa() {
   ElementNames names = namesOfNetwork(currentNetwork);
   tell(names.notices);
   proposeNames(names);
-  switch (askForKind()) {
+  switch (platform::upper(askForKind())) {
     case u'N':
-    case u'n':
       addJunctionAtPoint(names);
       return kRan;
     case u'S':
-    case u's':
       addReservoirAtPoint(names);
       return kRan;
     case u'T':
-    case u't':
       addTankAtPoint(names);
       return kRan;
     case u'R':
-    case u'r':
       AddPipe(names);
       return kRan;
     case u'V':
-    case u'v':
       AddValve(names);
       return kRan;
     case u'P':
-    case u'p':
       AddPump(names);
       return kRan;
     default:

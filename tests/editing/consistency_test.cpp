@@ -1,6 +1,6 @@
 // Names and positions of links and nodes, after random sequences of edits.
 //
-// A model keeps what the rules say of every element. Links and nodes are tied by position alone: a
+// A model keeps what must be true of every element. Links and nodes are tied by position alone: a
 // node that changes takes the ends that lie on it, whatever they name, if its symbol stands at its
 // stored height. So nodes that stand on each other share their links, an end beside a node keeps
 // its name, a height that was edited by hand leaves the links behind once, and what the user erases

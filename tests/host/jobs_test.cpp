@@ -36,8 +36,8 @@ class JobsTest : public ::testing::Test {
     session.setFrontend(nullptr);
     session.symbols.clear();
   }
-  // The network that all start from: a drawing of its own, with results perhaps in
-  // orange. The  // command registers what it may need before it asks.
+  // The network that all start from: a drawing of its own, with results, perhaps in orange.
+  // Commands register what they may need before they ask.
   void newNetwork() {
     session.newDrawing();
     for (const char16_t* name :
