@@ -6,6 +6,7 @@
 set(VESSORA_LAYERS
   "platform|"
   "schema|platform"
+  "epanet|platform"
   "cad/api|platform"
   "cad/drawing|cad/api,cad/dxf,platform"
   "cad/dxf|cad/api,platform"
@@ -15,15 +16,15 @@ set(VESSORA_LAYERS
   "cad/family|schema,cad/api,cad/ui,cad/drawing,cad/dxf,cad/editor,platform"
   "cad/view|cad/api,cad/drawing,cad/shape,cad/dxf,platform"
   "module/host|cad/api,cad/ui,cad/family,schema,platform"
-  "module/network|module/host,schema,platform"
+  "module/network|module/host,schema,epanet,platform"
   "module/grid|module/host,module/network,cad/ui,platform"
   "module/dialogs|module/host,module/network,module/grid,cad/ui,schema,platform"
-  "module/inp|module/host,module/network,module/dialogs,schema,platform"
-  "module/results|module/host,module/network,module/grid,module/dialogs,module/inp,schema,platform"
-  "module/editing|module/host,module/network,module/grid,module/dialogs,module/inp,schema,platform"
-  "module|schema,cad/api,module/host,module/network,module/dialogs,module/inp,module/results,module/editing,platform"
-  "apps/cli|module,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
-  "apps/desktop|module,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "module/inp|module/host,module/network,module/dialogs,schema,epanet,platform"
+  "module/results|module/host,module/network,module/grid,module/dialogs,module/inp,schema,epanet,platform"
+  "module/editing|module/host,module/network,module/grid,module/dialogs,module/inp,schema,epanet,platform"
+  "module|schema,epanet,cad/api,module/host,module/network,module/dialogs,module/inp,module/results,module/editing,platform"
+  "apps/cli|module,epanet,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "apps/desktop|module,epanet,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
 )
 
 # vessora_layer(folder target sources...): one folder, one static library, linked to those that the

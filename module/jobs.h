@@ -41,7 +41,7 @@ class Jobs : public AcRxObject {
   static constexpr char16_t kService[] = u"VESSORA_JOBS";
   // Goes up with every change of this interface, so that a program never calls a module that was
   // built for another one.
-  static constexpr char16_t kClass[] = u"VessoraJobs3";
+  static constexpr char16_t kClass[] = u"VessoraJobs4";
 
   // The jobs of the loaded module, which stay the module's; null when there are none of this
   // interface. Libraries do not share addresses of classes, so the class is known by its name.
