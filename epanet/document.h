@@ -133,6 +133,7 @@ class Document {
   // Behind a pointer, so that views stay valid when the document moves.
   std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
   std::vector<Row> rows_;
+  std::vector<RowId> pieces_;  // rows that go on with the line of the row before
   std::array<RowId, kSections> last_ = filled();
   std::string_view lineEnd_ = "\n";
   bool mark_ = false, utf8_ = true;
