@@ -376,7 +376,7 @@ class Network {
   const Document& document() const { return *document_; }
 
   std::vector<std::string_view> title;  // the three lines that the solver keeps
-  std::vector<Node> nodes;  // in the solver's order: junctions, then tanks and reservoirs
+  std::vector<Node> nodes;              // in file order, as links
   std::vector<Tank> tanks;
   std::vector<Demand> demands;
   std::vector<Link> links;  // in file order
@@ -404,7 +404,7 @@ class Network {
   // The pattern of demands that name none: [OPTIONS], else "1" if there is one.
   std::uint32_t defaultPattern = kNone;
 
-  std::vector<Problem> problems;  // in the order of rows
+  std::vector<Problem> problems;  // in the order of rows; of the whole file at the end
 
   // kNone when there is no such id; exact, as the solver compares.
   std::uint32_t findNode(std::string_view id) const;
