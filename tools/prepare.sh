@@ -2,7 +2,7 @@
 # Installs the Debian packages that the task named needs and that are missing. Sourced by ./demo and
 # ./test:  prepare build | test | fuzz
 prepare() {
-  local build=(g++ cmake ninja-build pkg-config libcli11-dev libedit-dev libcairo2-dev fonts-dejavu-core)
+  local build=(g++ cmake ninja-build pkg-config libcli11-dev libedit-dev libcairo2-dev zlib1g-dev fonts-dejavu-core)
   local test=(libgtest-dev locales clang-format)
   local fuzz=(clang libclang-rt-dev)
   local wanted=("${build[@]}")
