@@ -40,10 +40,11 @@ std::string deflated(std::string_view bytes) {
   z_stream stream = {};
   // The second level takes a quarter of the usual one's time for a fifth more bytes.
   VESSORA_CHECK(deflateInit(&stream, 2) == Z_OK, "no memory to make a text smaller");
-  std::string out(deflateBound(&stream, static_cast<uLong>(bytes.size())), '\0');
+  std::string out(bytes.size() / 4 + 1024, '\0');
   std::size_t given = 0, used = 0;
   for (int state = Z_OK; state == Z_OK;) {
     feed(stream, bytes, given);
+    if (used == out.size()) out.resize(used + used / 2);
     offer(stream, out, used);
     const uInt room = stream.avail_out;
     state = deflate(&stream, given == bytes.size() ? Z_FINISH : Z_NO_FLUSH);

@@ -185,7 +185,13 @@ class CAD_API AcDbXrecord : public AcDbObject {
   AcDbXrecord();
   // The tags as a chain, owned by the caller; codes 1 to 369, handles are not offered.
   resbuf* rbChain() const;
-  Acad::ErrorStatus setFromRbChain(const resbuf* chain);
+  // The same without the tags of bytes, and the bytes of all tags of code 310, one after another:
+  // as a chain, some megabytes would be a hundred thousand nodes with two wide characters for each
+  // byte. Null when one of those tags holds no bytes, or there are no other tags.
+  resbuf* rbChain(std::string& bytes) const;
+  // Replaces all tags: by the chain's, and behind them bytes as tags of code 310. eInvalidInput for
+  // a chain with what no tag can be; the record is as it was then.
+  Acad::ErrorStatus setFromRbChain(const resbuf* chain, std::string_view bytes = {});
 
  protected:
   using AcDbObject::AcDbObject;

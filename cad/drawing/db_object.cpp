@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "cad/drawing/chains.h"
 #include "cad/drawing/drawing.h"
 #include "platform/text.h"
 
@@ -105,47 +106,6 @@ TagList& AcDbObject::tagsForWrite() {
 
 namespace {
 
-// The chain of some tags; point triples become one node. Files of old programs hold broken triples:
-// a stray axis becomes a real of its own code.
-resbuf* chainOf(const TagList& tags, TagRange range) {
-  resbuf *head = nullptr, **tail = &head;
-  for (int i = range.begin; i < range.end; ++i) {
-    const int code = tags[i].code;
-    resbuf* node = acutNewRb(code);
-    if (!node) continue;
-    switch (acutKindOf(code)) {
-      case RbKind::text:
-        acutSetText(node, tags.text(i));
-        break;
-      case RbKind::real:
-        node->resval.rreal = tags.real(i);
-        break;
-      case RbKind::int16:
-        node->resval.rint = static_cast<std::int16_t>(tags.integer(i));
-        break;
-      case RbKind::int32:
-        node->resval.rlong = static_cast<std::int32_t>(tags.integer(i));
-        break;
-      case RbKind::point: {
-        const AcGePoint3d p = tags.point(i);
-        node->resval.rpoint[0] = p.x;
-        node->resval.rpoint[1] = p.y;
-        node->resval.rpoint[2] = p.z;
-        if (i + 1 < range.end && tags[i + 1].code == code + 10) {
-          ++i;
-          if (i + 1 < range.end && tags[i + 1].code == code + 20) ++i;
-        }
-        break;
-      }
-      case RbKind::none:
-        break;
-    }
-    *tail = node;
-    tail = &node->rbnext;
-  }
-  return head;
-}
-
 // Files up to R2004 hold 255 bytes, whatever a character takes in their code page.
 bool tooLong(const cad::Drawing* drawing, std::u16string_view text) {
   if (text.size() > 255) return true;
@@ -227,8 +187,8 @@ resbuf* AcDbObject::xData(const char16_t* application) const {
     }
   }
   const TagList& t = tags();
-  if (!application) return chainOf(t, {t.xdataBegin(), t.size()});
-  return chainOf(t, t.xdata(application));
+  if (!application) return cad::chainOf(t, {t.xdataBegin(), t.size()});
+  return cad::chainOf(t, t.xdata(application));
 }
 
 Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
@@ -242,28 +202,7 @@ Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
     return Acad::eOk;
   }
   const int first = at, oldSize = xdataSize(t, old);
-  for (const resbuf* n = chain; n; n = n->rbnext) {
-    const int code = n->restype;
-    switch (acutKindOf(code)) {
-      case RbKind::text:
-        t.insertText(at++, code, n->resval.rstring);
-        break;
-      case RbKind::real:
-        t.insertReal(at++, code, n->resval.rreal);
-        break;
-      case RbKind::int16:
-        t.insertInteger(at++, code, n->resval.rint);
-        break;
-      case RbKind::int32:
-        t.insertInteger(at++, code, n->resval.rlong);
-        break;
-      case RbKind::point:
-        for (int k = 0; k < 3; ++k) t.insertReal(at++, code + 10 * k, n->resval.rpoint[k]);
-        break;
-      case RbKind::none:
-        break;
-    }
-  }
+  at = cad::insertChain(t, at, chain);
   if (xdataSize(t, {t.xdataBegin(), t.size()}) - oldSize > 16383) {
     t.erase(first, at);
     return Acad::eXdataSizeExceeded;

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "cad/drawing/block_geometry.h"
+#include "cad/drawing/chains.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/fields.h"
 #include "platform/text.h"
@@ -313,77 +314,45 @@ AcDbXrecord::AcDbXrecord() {
   t.addInteger(280, 1);
 }
 
-resbuf* AcDbXrecord::rbChain() const {
-  const TagList& t = tags();
-  resbuf *head = nullptr, **tail = &head;
-  const int from = t.find(100);
-  for (int i = from < 0 ? t.size() : from + 1; i < t.size(); ++i) {
-    const int code = t[i].code;
-    if (code == 280 && i == from + 1) continue;
-    if (cad::kindOf(code) == cad::ValueKind::handle) continue;
-    resbuf* node = acutNewRb(code);
-    if (!node) continue;
-    switch (acutKindOf(code)) {
-      case RbKind::text:
-        acutSetText(node, t.text(i));
-        break;
-      case RbKind::real:
-        node->resval.rreal = t.real(i);
-        break;
-      case RbKind::int16:
-        node->resval.rint = static_cast<std::int16_t>(t.integer(i));
-        break;
-      case RbKind::int32:
-        node->resval.rlong = static_cast<std::int32_t>(t.integer(i));
-        break;
-      case RbKind::point: {
-        const AcGePoint3d p = t.point(i);
-        node->resval.rpoint[0] = p.x;
-        node->resval.rpoint[1] = p.y;
-        node->resval.rpoint[2] = p.z;
-        for (int k = 1; k <= 2 && i + 1 < t.size() && t[i + 1].code == code + 10 * k; ++k) ++i;
-        break;
-      }
-      case RbKind::none:
-        break;
-    }
-    *tail = node;
-    tail = &node->rbnext;
-  }
-  return head;
+namespace {
+
+constexpr int kLongBytes = 310;
+
+// What is the record's own: behind its marker and the flag that tells what copying does.
+TagRange contentOf(const TagList& tags) {
+  const int marker = tags.find(100);
+  const int from = marker < 0 ? tags.size() : marker + 1;
+  return {from < tags.size() && tags[from].code == 280 ? from + 1 : from, tags.size()};
 }
 
-Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf* chain) {
+}  // namespace
+
+resbuf* AcDbXrecord::rbChain() const {
+  return cad::chainOf(tags(), contentOf(tags()), cad::ChainParts::withoutHandles);
+}
+
+resbuf* AcDbXrecord::rbChain(std::string& bytes) const {
+  const TagRange content = contentOf(tags());
+  bytes.clear();
+  bytes.reserve(static_cast<std::size_t>(content.end - content.begin) * 127);
+  if (!cad::readBytes(tags(), kLongBytes, content, bytes)) return nullptr;
+  return cad::chainOf(tags(), content, cad::ChainParts::withoutHandlesAndBytes);
+}
+
+Acad::ErrorStatus AcDbXrecord::setFromRbChain(const resbuf* chain, std::string_view bytes) {
   if (const auto s = writable(*this); s != Acad::eOk) return s;
-  TagList& t = tagsForWrite();
-  const int from = t.find(100);
-  if (from >= 0) t.erase(from + 1, t.size());
-  t.addInteger(280, 1);
   for (const resbuf* n = chain; n; n = n->rbnext) {
-    const int code = n->restype;
-    switch (acutKindOf(code)) {
-      case RbKind::text: {
-        const std::u16string_view text = n->resval.rstring;
-        if (cad::kindOf(code) == cad::ValueKind::bytes && text.size() > 254)
-          return Acad::eInvalidInput;
-        t.addText(code, text);
-        break;
-      }
-      case RbKind::real:
-        t.addReal(code, n->resval.rreal);
-        break;
-      case RbKind::int16:
-        t.addInteger(code, n->resval.rint);
-        break;
-      case RbKind::int32:
-        t.addInteger(code, n->resval.rlong);
-        break;
-      case RbKind::point:
-        t.addPoint(code, {n->resval.rpoint[0], n->resval.rpoint[1], n->resval.rpoint[2]});
-        break;
-      case RbKind::none:
-        return Acad::eInvalidInput;
+    const RbKind kind = acutKindOf(n->restype);
+    if (kind == RbKind::none) return Acad::eInvalidInput;
+    if (kind == RbKind::text && cad::kindOf(n->restype) == cad::ValueKind::bytes &&
+        std::u16string_view(n->resval.rstring).size() > 254) {
+      return Acad::eInvalidInput;
     }
   }
+  TagList& t = tagsForWrite();
+  if (const int marker = t.find(100); marker >= 0) t.erase(marker + 1, t.size());
+  t.addInteger(280, 1);
+  cad::insertChain(t, t.size(), chain);
+  cad::addBytes(t, kLongBytes, bytes);
   return Acad::eOk;
 }

@@ -190,6 +190,35 @@ inline AcDbObjectId attributeOf(AcDbObjectId reference, std::u16string_view tag)
   return {};
 }
 
+// The same drawing in another form: tags written in binary, and another version in the header.
+inline std::string converted(AcDbDatabase& database, const cad::Format& format) {
+  std::string out = format.binary ? std::string("AutoCAD Binary DXF\r\n\x1A\0", 22) : "";
+  cad::Drawing& d = database.drawing();
+  cad::TagList t;
+  std::string text;
+  for (std::uint32_t i = d.records().first(); i; i = d.record(i).next) {
+    if (d.record(i).is(cad::Record::erased) || d.record(i).is(cad::Record::synthetic)) continue;
+    d.parse(i, t);
+    for (int k = 0; k + 1 < t.size(); ++k) {
+      if (t[k].code == 9 && t.is(k, "$ACADVER"))
+        t.setAscii(k + 1, "AC" + std::to_string(format.version));
+    }
+    t.transcode(format);
+    text.resize(t.writtenSize() + 16);
+    out.append(text.data(), static_cast<std::size_t>(t.write(text.data()) - text.data()));
+  }
+  return out;
+}
+
+inline cad::Format formatOf(int version, bool binary) {
+  cad::Format f;
+  f.version = version;
+  f.binary = binary;
+  f.wideCodes = version >= 1012;
+  f.page = version >= 1021 ? platform::CodePage() : platform::CodePage::named("ANSI_1252");
+  return f;
+}
+
 // Changes a drawing in every way that commands do. Empty, or which step went wrong.
 inline std::string editEverything(AcDbDatabase& database, AcDbDatabase& symbol) {
   const Working working(&database);
