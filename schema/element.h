@@ -25,6 +25,7 @@ inline constexpr char16_t kColor[] = u"HN-C_EPA_COLOR";
 inline constexpr char16_t kSettings[] = u"HN-C_EPA_IMPOSTAZIONI";
 inline constexpr char16_t kPattern[] = u"HN-C_EPA_PATTERN";
 inline constexpr char16_t kCurve[] = u"HN-C_EPA_CURVE";
+inline constexpr char16_t kKept[] = u"VESSORA_INP";
 inline constexpr char16_t kSchema[] = u"HN-SCHEMA_RETE-ACQ";
 }  // namespace app
 
@@ -230,6 +231,12 @@ inline constexpr List kLegend{app::kColor, kLegendRows};
 inline constexpr List kPattern{app::kPattern, kPatternRows};
 inline constexpr List kCurve{app::kCurve, kCurveRows};
 
+// The tie of an element to the rows of the kept text: its id as that text has it. On a settings
+// point the same place has the checksum of the network's text, eight hex digits.
+inline constexpr Row kKeptRows[] = {{Field::id, u"", 1}};
+inline constexpr List kKept{app::kKept, kKeptRows};
+inline constexpr int kKeptPlace = 1;
+
 // Settings: 37 items in the order in which settings_store.cpp binds them to the record. A list of
 // an older layout ends before the flag.
 inline constexpr int kSettingsName = 1, kSettingsFlag = 37;
@@ -263,7 +270,7 @@ static_assert(placesAscend(kJunc.data) && placesAscend(kResv.data) && placesAsce
               placesAscend(kPipe.data) && placesAscend(kPump.data) && placesAscend(kValv.data) &&
               placesAscend(kNodeResult) && placesAscend(kLinkResult) && placesAscend(kPeriod) &&
               placesAscend(kMaterial) && placesAscend(kLegend) && placesAscend(kPattern) &&
-              placesAscend(kCurve));
+              placesAscend(kCurve) && placesAscend(kKept));
 
 // The blocks as which manholes of a profile stand in the plan, by the place of their button.
 inline constexpr const char16_t* kManholeBlocks[] = {

@@ -150,6 +150,15 @@ void SaveSettings(EpaSettings& settings, bool create) {
   });
 }
 
+std::vector<AcDbObjectId> settingsPoints(std::u16string_view name) {
+  std::vector<AcDbObjectId> points;
+  findPoint(AcDb::kForRead, [&](const AcDbPoint& point, const Chain& data) {
+    if (data.text(schema::kSettingsName) == name) points.push_back(point.objectId());
+    return false;
+  });
+  return points;
+}
+
 std::u16string withSeconds(std::u16string_view time) {
   if (time.empty() || time.size() > 6) return std::u16string(time);
   const std::u16string hours(time.size() == 1 || time.size() == 4 ? 1 : 0, u'0');

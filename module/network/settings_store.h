@@ -24,6 +24,9 @@ bool LoadSettings(EpaSettings& settings, std::u16string_view name);
 // freezes it.
 void SaveSettings(EpaSettings& settings, bool create);
 
+// The points that carry the settings of a name, in drawing order.
+std::vector<AcDbObjectId> settingsPoints(std::u16string_view name);
+
 // A time of the settings with all its parts: "6", "24", "1:30" or "100:00" as "06:00:00"... Any
 // other length than one to six characters stays as it is.
 std::u16string withSeconds(std::u16string_view time);

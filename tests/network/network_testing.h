@@ -105,8 +105,9 @@ class DrawnNetwork : public ::testing::Test {
     return text;
   }
   // Goes on with what a saved file would hold. Ids of the drawing before are of no use afterwards.
-  void saveAndReload() {
-    const std::string text = bytes();
+  void saveAndReload() { reopen(bytes()); }
+  // Goes on with the drawing of a file.
+  void reopen(const std::string& text) {
     auto database = std::make_unique<AcDbDatabase>(false);
     cad::Block block(text.size() + 1);
     std::memcpy(block.data(), text.data(), text.size());
