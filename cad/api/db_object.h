@@ -56,10 +56,10 @@ class CAD_API AcDbObject : public AcRxObject {
   // The extended data of one application: a chain that begins with the 1001 node, or null when
   // there is none. With a null application, all of it. The caller owns the chain.
   resbuf* xData(const char16_t* application = nullptr) const;
-  // Replaces the data of the chain's application; a chain of only the 1001 node removes it. The
-  // chain stays the caller's. eRegappIdNotFound for an application that is not registered,
-  // eInvalidXdata for a chain that is no extended data, eXdataSizeExceeded beyond 16383 bytes on
-  // one object or a text beyond 255 characters.
+  // Replaces the data of the chain's applications, each from its 1001 node on; one of only that
+  // node is removed. The chain stays the caller's. eRegappIdNotFound for an application that is not
+  // registered, eInvalidXdata for a chain that is no extended data, eXdataSizeExceeded beyond 16383
+  // bytes on one object or a text beyond 255 characters.
   Acad::ErrorStatus setXData(const resbuf* chain);
   // Whether xData(application) would give something, without building the chain.
   bool hasXData(std::u16string_view application) const;

@@ -63,8 +63,8 @@ resbuf* chainOf(const TagList& tags, TagRange range, ChainParts parts) {
   return head;
 }
 
-int insertChain(TagList& tags, int at, const resbuf* chain) {
-  for (const resbuf* n = chain; n; n = n->rbnext) {
+int insertChain(TagList& tags, int at, const resbuf* chain, const resbuf* end) {
+  for (const resbuf* n = chain; n != end; n = n->rbnext) {
     const int code = n->restype;
     switch (acutKindOf(code)) {
       case RbKind::text:

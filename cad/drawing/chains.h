@@ -16,7 +16,7 @@ enum class ChainParts { all, withoutHandles, withoutHandlesAndBytes };
 resbuf* chainOf(const TagList& tags, TagRange range, ChainParts parts = ChainParts::all);
 
 // Puts the tags of a chain at a place; where the next one would go. Nodes of no kind are left out.
-int insertChain(TagList& tags, int at, const resbuf* chain);
+int insertChain(TagList& tags, int at, const resbuf* chain, const resbuf* end = nullptr);
 
 // A run of bytes at the end of the list, as tags of the code with as many bytes as one may hold.
 void addBytes(TagList& tags, int code, std::string_view bytes);

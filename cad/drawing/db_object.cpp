@@ -123,13 +123,17 @@ bool hexBytes(std::u16string_view text) {
 
 Acad::ErrorStatus checkXData(const cad::Drawing* drawing, const resbuf* chain) {
   if (!chain || chain->restype != 1001) return Acad::eInvalidXdata;
-  if (drawing && !drawing->structure().tableEntry(cad::Type::appid, chain->resval.rstring)) {
-    return Acad::eRegappIdNotFound;
-  }
   int depth = 0;
-  for (const resbuf* n = chain->rbnext; n; n = n->rbnext) {
+  for (const resbuf* n = chain; n; n = n->rbnext) {
     const int c = n->restype;
-    if (c < 1000 || c > 1071 || c == 1001) return Acad::eInvalidXdata;
+    if (c < 1000 || c > 1071) return Acad::eInvalidXdata;
+    if (c == 1001) {
+      if (depth != 0) return Acad::eInvalidXdata;
+      if (drawing && !drawing->structure().tableEntry(cad::Type::appid, n->resval.rstring)) {
+        return Acad::eRegappIdNotFound;
+      }
+      continue;
+    }
     if (c == 1002) {
       const std::u16string_view brace = n->resval.rstring;
       depth += brace == u"{" ? 1 : brace == u"}" ? -1 : 100000;
@@ -170,6 +174,24 @@ int xdataSize(const TagList& tags, TagRange range) {
   return size;
 }
 
+// The data of one application, from its name to `end`, in place of what it has.
+Acad::ErrorStatus setOneXData(TagList& t, const resbuf* chain, const resbuf* end) {
+  const TagRange old = t.xdata(chain->resval.rstring);
+  int at = old.empty() ? t.size() : old.begin;
+  if (chain->rbnext == end) {
+    t.erase(old.begin, old.end);
+    return Acad::eOk;
+  }
+  const int first = at, oldSize = xdataSize(t, old);
+  at = cad::insertChain(t, at, chain, end);
+  if (xdataSize(t, {t.xdataBegin(), t.size()}) - oldSize > 16383) {
+    t.erase(first, at);
+    return Acad::eXdataSizeExceeded;
+  }
+  if (!old.empty()) t.erase(at, at + (old.end - old.begin));
+  return Acad::eOk;
+}
+
 }  // namespace
 
 bool AcDbObject::hasXData(std::u16string_view application) const {
@@ -194,19 +216,13 @@ resbuf* AcDbObject::xData(const char16_t* application) const {
 Acad::ErrorStatus AcDbObject::setXData(const resbuf* chain) {
   if (!view_->writing) return Acad::eNotOpenForWrite;
   if (const Acad::ErrorStatus s = checkXData(view_->drawing, chain); s != Acad::eOk) return s;
-  TagList& t = tagsForWrite();
-  const TagRange old = t.xdata(chain->resval.rstring);
-  int at = old.empty() ? t.size() : old.begin;
-  if (!chain->rbnext) {
-    t.erase(old.begin, old.end);
-    return Acad::eOk;
+  while (chain) {
+    const resbuf* next = chain->rbnext;
+    while (next && next->restype != 1001) next = next->rbnext;
+    if (const Acad::ErrorStatus s = setOneXData(tagsForWrite(), chain, next); s != Acad::eOk) {
+      return s;
+    }
+    chain = next;
   }
-  const int first = at, oldSize = xdataSize(t, old);
-  at = cad::insertChain(t, at, chain);
-  if (xdataSize(t, {t.xdataBegin(), t.size()}) - oldSize > 16383) {
-    t.erase(first, at);
-    return Acad::eXdataSizeExceeded;
-  }
-  if (!old.empty()) t.erase(at, at + (old.end - old.begin));
   return Acad::eOk;
 }
