@@ -193,7 +193,7 @@ void Reader::use(std::uint32_t index, CurveUse how, Place where) {
 }
 
 void Reader::problem(Fault fault, int token) {
-  Problem problem{fault, row_, 0, section_, {}};
+  Problem problem{fault, row_, doc_.lineOf(row_), 0, section_, {}};
   if (token >= 0 && token < count()) {
     problem.column = tokens_[token].start + 1;
     problem.text = word(token);
@@ -203,7 +203,8 @@ void Reader::problem(Fault fault, int token) {
 
 void Reader::problemAt(Fault fault, RowId row, std::string_view text) {
   const Section section = row == kNoRow ? Section::before : doc_.rows()[row].section;
-  net_.problems.push_back({fault, row, 0, section, std::string(text)});
+  const std::uint32_t line = row == kNoRow ? 0 : doc_.lineOf(row);
+  net_.problems.push_back({fault, row, line, 0, section, std::string(text)});
 }
 
 }  // namespace epanet

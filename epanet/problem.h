@@ -63,6 +63,7 @@ inline bool isError(Fault fault) { return solverCode(fault) != 0; }
 struct Problem {
   Fault fault = Fault::syntax;
   RowId row = kNoRow;        // kNoRow: of the file as a whole
+  std::uint32_t line = 0;    // of the text, from 1; 0: of the file as a whole
   std::uint32_t column = 0;  // in bytes, from 1; 0: the whole row
   Section section = Section::before;
   std::string text;  // the word or the id that it is about, in the file's encoding
