@@ -177,6 +177,55 @@ constexpr Words kWords[] = {
      "(HNSETPAT)",
      "curve \"{1}\" stays in the drawing; to remove it, edit it and empty all its cells "
      "(HNSETPAT)"},
+
+    // --- files in full
+    {Code::textNotKept,
+     "{1}: un disegno di questa versione (R12) non può conservare il testo del file INP; "
+     "l'esportazione lo riscriverà: salvare in una versione più recente",
+     "{1}: a drawing of this release (R12) cannot keep the text of the INP file; an export "
+     "will "
+     "write it anew: use a newer release"},
+    {Code::networkTaken,
+     "{1}: il disegno ha già una rete di questo nome; non è stato disegnato nulla: rinominare "
+     "il "
+     "file",
+     "{1}: the drawing has a network of this name already; nothing was drawn: rename the file"},
+    {Code::nodesPlaced,
+     "{2} nodi senza coordinate sono stati posti accanto ai loro vicini (in arancio): {1}",
+     "{2} nodes without coordinates were placed beside their neighbours (in orange): {1}"},
+    {Code::keptTextLost,
+     "{1}: il testo del file INP conservato nel disegno manca o non è il suo; con "
+     "--without-text si "
+     "scrive ciò che è disegnato",
+     "{1}: the text of the INP file that the drawing keeps is missing or is another one's; "
+     "--without-text writes what is drawn"},
+    {Code::nothingLeft, "{1}: la rete non ha più alcun elemento con i suoi dati nel disegno",
+     "{1}: the network has no element with its data in the drawing any more"},
+    {Code::nameByHand,
+     "{1}: l'attributo dice \"{2}\", scritto a mano; per rinominare usare HNMODEPA",
+     "{1}: the attribute says \"{2}\", written by hand; to rename use HNMODEPA"},
+    {Code::elementCopied, "{1}: la sua copia nel disegno ha il nome {2} nel file",
+     "{1}: its copy in the drawing is called {2} in the file"},
+    {Code::elementGone, "{1}: non è più nel disegno; righe tolte dal file: {2}",
+     "{1}: is no longer in the drawing; rows taken out of the file: {2}"},
+    {Code::actionGone, "{1}: non è più nel disegno; resta come commento: {2}",
+     "{1}: is no longer in the drawing; kept as a comment: {2}"},
+    {Code::endUnknown, "{1}: il ramo nomina un nodo che non c'è: {2}",
+     "{1}: the link names a node that is not there: {2}"},
+    {Code::demandScaled, "{1}: la domanda modificata è ripartita sulle sue {2} categorie",
+     "{1}: the changed demand is shared by its {2} categories"},
+    {Code::patternInUse, "{1}: il pattern non è più nel disegno; era nominato in: {2}",
+     "{1}: the pattern is no longer in the drawing; it was named in: {2}"},
+    {Code::curveInUse, "{1}: la curva non è più nel disegno; è ancora nominata in: {2}",
+     "{1}: the curve is no longer in the drawing; it is still named in: {2}"},
+    {Code::curveWithoutUse,
+     "{1}: nessun elemento usa la curva; i suoi numeri restano nelle unità del file",
+     "{1}: no element uses the curve; its numbers stay in the file's units"},
+    {Code::seriesGone, "{1}: pattern o curva non più nel disegno; righe tolte dal file",
+     "{1}: pattern or curve no longer in the drawing; its rows were taken out of the file"},
+    {Code::courseGone, "{1}: manca il tracciato; i suoi vertici restano quelli del file",
+     "{1}: its course is missing; its vertices stay those of the file"},
+    {Code::renamed, "{1}: nel disegno si chiama {2}", "{1}: is called {2} in the drawing"},
 };
 
 constexpr bool everyCodeHasWords() {

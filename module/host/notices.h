@@ -60,8 +60,29 @@ enum class NoticeCode {
   patternErasedElsewhere,  // of that name, also in another network (other)
   curveErasedElsewhere,
   curveStays,  // though it has been deleted from a list
+
+  // The text of the file in the drawing (network/kept_text.h).
+  textNotKept,  // of a network (subject): the drawing's release has no place for it
+
+  // Files read and written in full.
+  networkTaken,   // a network of the name (subject) is there already; nothing was drawn
+  nodesPlaced,    // nodes without coordinates (subject: some, other: how many)
+  keptTextLost,   // the network (subject) had a text, which is not there or not the one
+  nothingLeft,    // no element of the network (subject) is drawn any more
+  nameByHand,     // an attribute (other) says another name than the element's (subject)
+  elementCopied,  // of an element (subject); the copy is called otherwise (other)
+  elementGone,    // an element (subject) is drawn no more; its rows (other: how many) go
+  actionGone,     // a control or rule (other: the row) named what is gone (subject)
+  endUnknown,     // a link (subject) names a node (other) that is not there
+  demandScaled,   // a junction's (subject) categories (other: how many) follow its demand
+  patternInUse,   // a pattern (subject) is gone, and something (other: rows) named it
+  curveInUse,
+  curveWithoutUse,  // nobody uses the curve (subject): its numbers stay as the file has them
+  seriesGone,       // a pattern or curve (subject) is drawn no more
+  courseGone,       // a pump or valve (subject) has no course: its vertices stay as kept
+  renamed,          // what the kept text calls otherwise (subject), now (other)
 };
-constexpr NoticeCode kLastNotice = NoticeCode::curveStays;  // for tables that must have all
+constexpr NoticeCode kLastNotice = NoticeCode::renamed;  // for tables that must have all
 
 struct Notice {
   NoticeCode code;

@@ -267,8 +267,8 @@ int answer(const Opened<AcDbBlockReference>& symbol, AcDbObjectId* made) {
 // --- the family ----------------------------------------------------------------------------------
 
 int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJunc& junc,
-               double emitter, Notices& notices, AcDbObjectId* made) {
-  const Chain data = dataOf(junc, {{schema::Field::emitter, {}, emitter}});
+               double emitter, Notices& notices, AcDbObjectId* made, std::u16string_view kept) {
+  const Chain data = withTie(dataOf(junc, {{schema::Field::emitter, {}, emitter}}), kept);
   {
     const auto junction = insertElement(point, layer, junc, nullptr, data.get(), notices);
     if (answer(junction, made) == 0) return 0;
@@ -281,13 +281,15 @@ int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJun
 }
 
 int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv,
-               Notices& notices, AcDbObjectId* made) {
-  return answer(insertElement(point, layer, resv, nullptr, dataOf(resv).get(), notices), made);
+               Notices& notices, AcDbObjectId* made, std::u16string_view kept) {
+  return answer(
+      insertElement(point, layer, resv, nullptr, withTie(dataOf(resv), kept).get(), notices), made);
 }
 
 int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank,
-               Notices& notices, AcDbObjectId* made) {
-  return answer(insertElement(point, layer, tank, nullptr, dataOf(tank).get(), notices), made);
+               Notices& notices, AcDbObjectId* made, std::u16string_view kept) {
+  return answer(
+      insertElement(point, layer, tank, nullptr, withTie(dataOf(tank), kept).get(), notices), made);
 }
 
 int InsertPump(const AcGePoint3d& point, std::u16string_view layer, const EpaPump& pump,

@@ -2,8 +2,9 @@
 //
 // Each operation makes sure that the block is defined, reading its file under the product root the
 // first time it is missing, and puts a reference with its attributes and extended data into model
-// space. Points are in world coordinates. The result is 1 when a reference was made, else 0, with a
-// notice. The symbols of elements tell their id to whom wants it.
+// space. Points are in world coordinates. `kept` is the id by which the kept text of the network
+// has the element, if it has it. The result is 1 when a reference was made, else 0, with a notice.
+// The symbols of elements tell their id to whom wants it.
 //
 // Block definitions and the places of flow arrows are remembered for the length of one command.
 #pragma once
@@ -21,11 +22,12 @@ namespace vessora {
 // A junction, red when it has an emitter, with a flow arrow for a demand that is not 0. The emitter
 // counts as given, not as the record has it.
 int InsertJunc(const AcGePoint3d& point, std::u16string_view layer, const EpaJunc& junc,
-               double emitter, Notices& notices, AcDbObjectId* made = nullptr);
+               double emitter, Notices& notices, AcDbObjectId* made = nullptr,
+               std::u16string_view kept = {});
 int InsertResv(const AcGePoint3d& point, std::u16string_view layer, const EpaResv& resv,
-               Notices& notices, AcDbObjectId* made = nullptr);
+               Notices& notices, AcDbObjectId* made = nullptr, std::u16string_view kept = {});
 int InsertTank(const AcGePoint3d& point, std::u16string_view layer, const EpaTank& tank,
-               Notices& notices, AcDbObjectId* made = nullptr);
+               Notices& notices, AcDbObjectId* made = nullptr, std::u16string_view kept = {});
 // `data` is the element's whole list of extended data, with the nodes that it was drawn between.
 int InsertPump(const AcGePoint3d& point, std::u16string_view layer, const EpaPump& pump,
                const Chain& data, Notices& notices, AcDbObjectId* made = nullptr);

@@ -324,6 +324,14 @@ Chain companionData(std::u16string_view id) {
   return data.take();
 }
 
+Chain withTie(Chain data, std::u16string_view keptId) {
+  if (keptId.empty() || !data) return data;
+  resbuf* last = data.get();
+  while (last->rbnext) last = last->rbnext;
+  last->rbnext = acutBuildList(1001, schema::app::kKept, 1000, keptId, RTNONE);
+  return data;
+}
+
 std::u16string_view textAt(const Chain& data, const schema::List& list, Field field) {
   return data.text(schema::placeOf(list, field));
 }

@@ -68,6 +68,8 @@ void writeData(AcDbObject* entity, const Record& record, FieldSet changed,
                std::initializer_list<Given> given = {});
 // Of the companion polyline of a valve or a pump.
 Chain companionData(std::u16string_view id);
+// The same list with the tie to the rows of the kept text behind it; without an id as it is.
+Chain withTie(Chain data, std::u16string_view keptId);
 
 // One value of a list that the table describes; empty or 0 when it is not there.
 std::u16string_view textAt(const Chain& data, const schema::List& list, schema::Field field);
