@@ -59,6 +59,7 @@ std::string faultOfContent(const vessora::InpFindings& found) {
         "this is no EPANET INP file: no rows in sections such as [JUNCTIONS] or [PIPES] (under the "
         "line of titles)");
   }
+  if (found.full) return {};
   if (found.coordinates == 0) {
     return words("il file non ha coordinate ([COORDINATES]): non c'è nulla da disegnare",
                  "the file has no coordinates ([COORDINATES]): there is nothing to draw");
@@ -114,6 +115,7 @@ int importNetwork(const ImportOptions& o) {
     Progress progress(words("Salvataggio", "Saving"));
     if (auto saved = saveDrawing(o.out); !saved) return fail(saved.error());
   }
+  warn(result.reading);
   for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
   say(platform::narrow(found.name) + ": " + describe(job->network(found.name).counts));
   return 0;

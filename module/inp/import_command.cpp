@@ -3,15 +3,19 @@
 #include <algorithm>
 
 #include "module/dialogs/inp_files.h"
+#include "module/host/inp_mode.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/host/tell.h"
+#include "module/host/warnings.h"
 #include "module/inp/draw_network.h"
+#include "module/inp/full_import.h"
 #include "module/inp/inp_jobs.h"
 #include "module/inp/inp_reader.h"
 #include "module/network/network_list.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/settings_store.h"
+#include "platform/files.h"
 #include "platform/text.h"
 
 namespace vessora {
@@ -20,6 +24,7 @@ namespace vessora {
 
 struct InpContents {
   std::u16string path;
+  std::unique_ptr<FullFile> full;  // what was read, if in full; else network and settings
   EpaNetwork network;
   EpaSettings settings;
   Notices notices;
@@ -73,30 +78,49 @@ void drawNetwork(NetworkDrawing& drawing, const EpaNetwork& network, ImportResul
 InpFile openInp(std::u16string_view path) {
   auto file = std::make_shared<InpContents>();
   file->path = path;
+  if (inpIsFull()) {
+    auto bytes = platform::readFile(platform::nativePath(path));
+    if (bytes) {
+      file->full = std::make_unique<FullFile>(std::move(*bytes));
+    } else {
+      file->notices.push_back({NoticeCode::inpUnreadable, file->path});
+    }
+    return file;
+  }
   ReadInp(path, file->network, file->settings, file->notices);
   return file;
 }
 
 InpFindings examineInp(const InpFile& file) {
-  const EpaNetwork& n = file->network;
-  const auto count = [](const auto& list) { return static_cast<int>(list.size()); };
   InpFindings found;
   found.readable = file->notices.empty();
   found.name = schema::networkOfFile(file->path);
+  found.unusable = schema::unusableCharacter(found.name);
+  found.longestLayer = schema::longestLayerName(found.name);
+  found.isAqueductName = schema::isAqueductName(found.name);
+  found.taken = networkLike(found.name);
+  if (file->full) {
+    examineFullFile(*file->full, found);
+    return found;
+  }
+  const EpaNetwork& n = file->network;
+  const auto count = [](const auto& list) { return static_cast<int>(list.size()); };
   found.counts = {count(n.juncs), count(n.resvs), count(n.tanks),
                   count(n.pipes), count(n.pumps), count(n.valves)};
   found.coordinates = count(n.coords);
   NetworkDrawing drawing(n);
   found.drawn = file->size(drawing);
   found.outOfProportion = isOutOfProportion(found.drawn, n);
-  found.unusable = schema::unusableCharacter(found.name);
-  found.longestLayer = schema::longestLayerName(found.name);
-  found.isAqueductName = schema::isAqueductName(found.name);
-  found.taken = networkLike(found.name);
   return found;
 }
 
 ImportResult importInp(const InpFile& file, std::u16string_view name) {
+  if (file->full) {
+    if (networkLike(name).empty()) return drawFullFile(*file->full, name);
+    ImportResult taken;
+    taken.reading.push_back({NoticeCode::networkTaken, std::u16string(name)});
+    return taken;
+  }
   ImportResult result;
   result.reading = std::move(file->notices);
   NetworkDrawing drawing(file->network);
@@ -166,7 +190,9 @@ int EpaCommands::impinp() {
   std::u16string path;
   wide256 name;
   if (!askForFile(path, name)) return kAbandoned;
-  tellImport(importInp(openInp(path), name));
+  const ImportResult result = importInp(openInp(path), name);
+  tellImport(result);
+  if (inpIsFull()) warn(result.reading);
   return kRan;
 }
 

@@ -5,7 +5,9 @@
 #include <memory>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "epanet/problem.h"
 #include "module/host/notices.h"
 #include "module/network/network_info.h"
 
@@ -25,6 +27,9 @@ struct InpFindings {
   // ids multiply, and the job draws nothing of a file that exceeds all proportion.
   std::int64_t drawn = 0;
   bool outOfProportion = false;
+  // Read in full: what the solver would say of the file, and what it would pass over.
+  bool full = false;
+  std::vector<epanet::Problem> problems;
   // The name as that of layers.
   char16_t unusable = 0;         // a character that no layer can bear; 0: there is none
   std::size_t longestLayer = 0;  // characters of the longest layer name that comes of it

@@ -1,0 +1,25 @@
+// An input file read in full, and drawn.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "epanet/network.h"
+#include "module/inp/inp_jobs.h"
+
+namespace vessora {
+
+struct FullFile {
+  explicit FullFile(std::string bytes) : document(std::move(bytes)), network(document) {}
+  epanet::Document document;
+  epanet::Network network;
+};
+
+// What would be drawn.
+void examineFullFile(const FullFile& file, InpFindings& found);
+// Draws every node and link of the file once, under a name that the drawing does not have yet, with
+// settings, patterns and curves, and keeps the file's text.
+ImportResult drawFullFile(const FullFile& file, std::u16string_view name);
+
+}  // namespace vessora
