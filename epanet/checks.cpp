@@ -1,5 +1,6 @@
 // What is wrong with the text as such, and with the network as a whole.
 #include <algorithm>
+#include <optional>
 
 #include "epanet/lexis.h"
 #include "epanet/reader.h"
@@ -100,42 +101,59 @@ void Reader::checkPumps() {
   }
 }
 
-// A pressure that two valves set at one node, or valves that fight over one another's node.
-void Reader::checkValves() {
-  struct Guard {
-    ValveKind kind;
-    std::uint32_t from, to;
-    const Link* link;
-  };
-  std::vector<Guard> guards;
-  for (const Link& link : net_.links) {
-    if (link.kind != LinkKind::valve) continue;
-    const ValveKind kind = net_.valve(link).type;
-    if (kind == ValveKind::prv || kind == ValveKind::psv || kind == ValveKind::fcv) {
-      guards.push_back({kind, link.node1.index, link.node2.index, &link});
-    }
+namespace {
+
+struct Guard {
+  ValveKind kind;
+  std::uint32_t from, to;
+};
+// By node: what guards were seen to begin or end there.
+struct Seen {
+  bool prvTo = false, prvFrom = false, psvTo = false, psvFrom = false, fcvTo = false,
+       fcvFrom = false;
+};
+
+bool fights(const Guard& guard, const std::vector<Seen>& seen) {
+  const Seen& from = seen[guard.from];
+  const Seen& to = seen[guard.to];
+  switch (guard.kind) {
+    case ValveKind::prv:
+      return to.prvTo || to.prvFrom || from.prvTo || to.psvFrom || to.fcvFrom;
+    case ValveKind::psv:
+      return from.psvFrom || from.psvTo || to.psvFrom || from.prvTo || from.fcvTo;
+    default:
+      return from.prvTo || to.psvFrom;
   }
-  // By node: what was seen to begin or end there.
-  struct Seen {
-    bool prvTo = false, prvFrom = false, psvTo = false, psvFrom = false, fcvTo = false,
-         fcvFrom = false;
-  };
-  std::vector<Seen> seen(guards.empty() ? 0 : net_.nodes.size());
-  for (const Guard& g : guards) {
-    Seen& from = seen[g.from];
-    Seen& to = seen[g.to];
-    bool bad = false;
-    if (g.kind == ValveKind::prv) {
-      bad = to.prvTo || to.prvFrom || from.prvTo || to.psvFrom || from.fcvTo;
-    } else if (g.kind == ValveKind::psv) {
-      bad = from.psvFrom || from.psvTo || to.psvFrom || from.prvTo || to.fcvFrom;
-    } else {
-      bad = to.prvFrom || from.psvTo;
-    }
-    if (bad) problemAt(Fault::valveInSeries, g.link->row, g.link->id);
-    if (g.kind == ValveKind::prv) from.prvFrom = to.prvTo = true;
-    if (g.kind == ValveKind::psv) from.psvFrom = to.psvTo = true;
-    if (g.kind == ValveKind::fcv) from.fcvFrom = to.fcvTo = true;
+}
+
+void note(const Guard& guard, std::vector<Seen>& seen) {
+  Seen& from = seen[guard.from];
+  Seen& to = seen[guard.to];
+  if (guard.kind == ValveKind::prv) from.prvFrom = to.prvTo = true;
+  if (guard.kind == ValveKind::psv) from.psvFrom = to.psvTo = true;
+  if (guard.kind == ValveKind::fcv) from.fcvFrom = to.fcvTo = true;
+}
+
+}  // namespace
+
+// A pressure that two valves set at one node, or valves that fight over one another's node. As the
+// solver does it: the link right before a valve is not looked at.
+void Reader::checkValves() {
+  std::vector<Seen> seen;
+  std::optional<Guard> before;
+  for (std::size_t i = 0; i < net_.links.size(); ++i) {
+    const Link& link = net_.links[i];
+    const Valve* const valve = link.kind == LinkKind::valve ? &net_.valve(link) : nullptr;
+    const ValveKind kind = valve && valve->typeAt ? valve->type : ValveKind::tcv;
+    const bool atTank = net_.nodes[link.node1.index].kind != NodeKind::junction ||
+                        net_.nodes[link.node2.index].kind != NodeKind::junction;
+    const bool guards =
+        !atTank && (kind == ValveKind::prv || kind == ValveKind::psv || kind == ValveKind::fcv);
+    const Guard guard{kind, link.node1.index, link.node2.index};
+    if (guards && seen.empty()) seen.resize(net_.nodes.size());
+    if (guards && fights(guard, seen)) problemAt(Fault::valveInSeries, link.row, link.id);
+    if (before) note(*before, seen);
+    before = guards ? std::optional(guard) : std::nullopt;
   }
 }
 

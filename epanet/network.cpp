@@ -24,9 +24,9 @@ std::string_view wordOf(Formula formula) {
 std::string_view wordOf(ValveKind kind) { return kValveWords[static_cast<std::size_t>(kind)]; }
 
 int solverCode(Fault fault) {
-  constexpr int kCodes[] = {201, 202, 203, 204, 205, 206, 207, 208, 209, 211,
-                            212, 213, 215, 216, 219, 220, 221, 222, 223, 224,
-                            225, 226, 227, 230, 231, 232, 233, 252, 299, 299};
+  constexpr int kCodes[] = {201, 202, 203, 204, 205, 206, 207, 208, 209, 211, 212,
+                            213, 215, 216, 217, 219, 220, 221, 222, 223, 224, 225,
+                            226, 227, 230, 231, 232, 233, 252, 299, 299};
   const auto at = static_cast<std::size_t>(fault);
   return at < std::size(kCodes) ? kCodes[at] : 0;
 }
@@ -85,6 +85,12 @@ void Reader::readRow() {
   doc_.tokens(row_, tokens_);
   if (tokens_.count == 0) return;
   if (tokens_.more && section_ != Section::title) problem(Fault::manyTokens);
+  for (int i = 0; i + 1 < count() && section_ != Section::title; ++i) {
+    if (tokens_[i].quoted) {
+      problem(Fault::quotes, i);
+      break;
+    }
+  }
   switch (section_) {
     case Section::title:
       if (net_.title.size() < 3) net_.title.push_back(doc_.contentOf(row_));

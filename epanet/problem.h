@@ -25,7 +25,8 @@ enum class Fault : std::uint8_t {
   traceNode,        // 212
   option,           // 213
   duplicate,        // 215: an id that is taken; the first one counts
-  pumpData,         // 216
+  pumpData,         // 216: of something that is no pump
+  energy,           // 217
   tankAtValve,      // 219: a pressure or flow valve at a tank or reservoir
   valveInSeries,    // 220
   ruleClause,       // 221

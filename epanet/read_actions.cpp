@@ -93,14 +93,14 @@ void Reader::readControl() {
   if (timer || clock) {
     control.on = clock ? Control::On::clockTime : Control::On::time;
     const auto time = timeOf(word(5), words > 6 ? word(6) : std::string_view());
-    if (!time) return problem(Fault::option, 5);
+    if (!time || *time < 0) return problem(Fault::option, 5);
     control.level = {*time, at(5)};
     if (clock) control.level.value = static_cast<double>(static_cast<long long>(*time) % 86400);
   } else {
     if (words < 8) return problem(Fault::syntax);
     control.node = node(5, Role::clause);
     if (!control.node) return;
-    if (!is(6, "BELOW") && !is(6, "ABOVE")) return problem(Fault::syntax, 6);
+    if (!is(6, "BELOW") && !is(6, "ABOVE")) return problem(Fault::option, 6);
     control.on = is(6, "BELOW") ? Control::On::below : Control::On::above;
     if (!number(7, control.level)) return;
     measure(Quantity::level, control.level, control.node.index);
@@ -152,7 +152,10 @@ void Reader::readRule() {
   const std::size_t before = net_.problems.size();
   const auto word0 = static_cast<RuleWord>(wordAt(word(0), kRuleWords));
   if (word0 == RuleWord::rule) {
-    if (count() != 2) return problem(Fault::syntax);
+    if (count() != 2) {
+      rulesFailed_ = true;
+      return problem(Fault::syntax);
+    }
     Rule& rule = net_.rules.emplace_back();
     rule.label = word(1);
     rule.first = rule.last = row_;
@@ -286,9 +289,12 @@ bool Reader::readAction(Rule& rule, Clause::Word word0) {
     problem(Fault::controlledValve, 2);
     return false;
   }
-  clause.variable = is(3, "STATUS") ? RuleVariable::status : RuleVariable::setting;
+  // A number sets, whatever the word before says.
+  clause.variable = RuleVariable::setting;
   if (!readClauseValue(clause, 5)) return false;
-  if (!clause.status && clause.value.value < 0) {
+  if (clause.status) clause.variable = RuleVariable::status;
+  const bool byCurve = of.kind == LinkKind::valve && net_.valve(of).type == ValveKind::gpv;
+  if (!clause.status && (clause.value.value < 0 || byCurve)) {
     problem(Fault::number, 5);
     return false;
   }

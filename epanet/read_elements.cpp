@@ -100,7 +100,7 @@ void Reader::readTankOrReservoir() {
   if (count() > 8) {
     tank.overflowAt = at(8);
     tank.overflow = is(8, "YES");
-    if (!tank.overflow && !is(8, "NO")) problem(Fault::syntax, 8);
+    if (!tank.overflow && !is(8, "NO")) problem(Fault::option, 8);
   }
 }
 
@@ -117,6 +117,12 @@ void Reader::readPipe() {
   const Column columns[] = {{pipe.length, Quantity::length},
                             {pipe.diameter, Quantity::pipeDiameter},
                             {pipe.roughness, Quantity::roughness}};
+  // What a short row leaves out depends on the options read so far.
+  pipe.length.value = net_.isUs() ? 330 : 100;
+  pipe.diameter.value = net_.isUs() ? 10 : 254;
+  pipe.roughness.value = net_.formula == Formula::hazenWilliams   ? 130
+                         : net_.formula == Formula::darcyWeisbach ? 0.0005
+                                                                  : 0.01;
   int i = 3;
   for (const Column& column : columns) {
     if (i >= count()) return;
@@ -141,7 +147,7 @@ void Reader::readPipe() {
     if (!number(6, pipe.minorLoss)) return;
     if (pipe.minorLoss.value < 0) return problem(Fault::number, 6);
   }
-  if (count() > 7 && !status(7)) problem(Fault::syntax, 7);
+  if (count() > 7 && !status(7)) problem(Fault::option, 7);
 }
 
 void Reader::readPump() {
@@ -193,9 +199,17 @@ void Reader::readValve() {
   link->detail = static_cast<std::uint32_t>(net_.valves.size());
   Valve& valve = net_.valves.emplace_back();
   const int kind = wordAt(word(4), kKinds);
-  if (kind < 0) return problem(Fault::syntax, 4);
+  if (kind < 0) return problem(Fault::option, 4);
   valve.type = static_cast<ValveKind>(kind);
   valve.typeAt = at(4);
+  const bool guards =
+      valve.type == ValveKind::prv || valve.type == ValveKind::psv || valve.type == ValveKind::fcv;
+  for (const int end : {1, 2}) {
+    const Ref& node = end == 1 ? link->node1 : link->node2;
+    if (guards && net_.nodes[node.index].kind != NodeKind::junction) {
+      return problem(Fault::tankAtValve, end);
+    }
+  }
   if (!number(3, valve.diameter)) return;
   if (valve.diameter.value <= 0) return problem(Fault::number, 3);
   measure(Quantity::pipeDiameter, valve.diameter);
@@ -215,13 +229,6 @@ void Reader::readValve() {
   }
   if (count() > 7 && valve.type == ValveKind::pcv) {
     valve.curve = curve(7, Role::value, CurveUse::valve);
-  }
-  const NodeKind kind1 = net_.nodes[link->node1.index].kind;
-  const NodeKind kind2 = net_.nodes[link->node2.index].kind;
-  const bool guards =
-      valve.type == ValveKind::prv || valve.type == ValveKind::psv || valve.type == ValveKind::fcv;
-  if (guards && (kind1 != NodeKind::junction || kind2 != NodeKind::junction)) {
-    problem(Fault::tankAtValve, 0);
   }
 }
 
@@ -253,13 +260,13 @@ void Reader::readDemand() {
 void Reader::readEmitter() {
   if (count() < 2) return problem(Fault::syntax);
   const Ref of = node(0, Role::data);
-  if (!of) return;
+  if (!of || net_.nodes[of.index].kind != NodeKind::junction) return;
   Number coefficient;
   if (!number(1, coefficient)) return;
   if (coefficient.value < 0) return problem(Fault::nodeValue, 1);
   Node& junction = net_.nodes[of.index];
   measure(Quantity::emitter, coefficient);
-  if (junction.kind == NodeKind::junction) junction.emitter = coefficient;
+  junction.emitter = coefficient;
 }
 
 void Reader::readStatus() {
@@ -272,16 +279,19 @@ void Reader::readStatus() {
     if (value.value < 0) problem(Fault::linkValue, last);
     return value.value >= 0;
   };
+  if (!status()) return;
   if (count() == 2) {
     const Ref of = link(0, Role::data);
     if (!of) return;
-    if (net_.links[of.index].status == Status::checkValve) {
+    const Link& named = net_.links[of.index];
+    const bool word0 = is(last, "OPEN") || is(last, "CLOSED");
+    const bool byCurve =
+        named.kind == LinkKind::valve && net_.valves[named.detail].type == ValveKind::gpv;
+    if (named.status == Status::checkValve || (byCurve && !word0)) {
       return problem(Fault::controlledValve, 0);
     }
-    if (status()) setStatus(of.index, at(last), false);
-    return;
+    return setStatus(of.index, at(last), false);
   }
-  if (!status()) return;
   // Between two names: as numbers where both begin with one above 0, else by their bytes.
   const double low = leadingNumber(word(0)), high = leadingNumber(word(1));
   for (std::uint32_t i = 0; i < net_.links.size(); ++i) {

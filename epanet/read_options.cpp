@@ -1,4 +1,6 @@
 // What holds for the whole network: [OPTIONS], [TIMES], [ENERGY], [REACTIONS].
+#include <algorithm>
+
 #include "epanet/lexis.h"
 #include "epanet/reader.h"
 
@@ -66,9 +68,43 @@ void Reader::setNumber(Option option, int token, Quantity quantity) {
   if (token >= count()) return;
   Number value;
   if (!number(token, value)) return;
+  if (!isAllowed(option, value.value)) return problem(Fault::option, token);
+  if (option == Option::accuracy) value.value = std::clamp(value.value, 1e-5, 0.1);
   net_.options[static_cast<std::size_t>(option)] = {at(token), word(token), word(token + 1),
                                                     value.value};
   if (quantity != Quantity::none) measure(quantity, value);
+}
+
+// The numbers that the solver takes for an option.
+bool Reader::isAllowed(Option option, double number) {
+  switch (option) {
+    case Option::specificGravity:
+    case Option::viscosity:
+    case Option::trials:
+    case Option::accuracy:
+    case Option::emitterExponent:
+    case Option::demandMultiplier:
+    case Option::checkFreq:
+    case Option::maxCheck:
+    case Option::headTolerance:
+    case Option::flowTolerance:
+      return number > 0;
+    case Option::qualityTolerance:
+      return number > 0 && number < 1;
+    case Option::tolerance:
+    case Option::diffusivity:
+    case Option::headError:
+    case Option::flowChange:
+    case Option::minimumPressure:
+    case Option::requiredPressure:
+    case Option::pressureExponent:
+    case Option::demandCharge:
+      return number >= 0;
+    case Option::wallOrder:
+      return number == 0 || number == 1;
+    default:
+      return true;
+  }
 }
 
 // --- [OPTIONS] -----------------------------------------------------------------------------------
@@ -83,11 +119,6 @@ void Reader::readOption() {
     Quantity quantity = Quantity::none;
   };
   constexpr Word kWords[] = {
-      {"UNITS", Option::units, 1, false},
-      {"PRESSURE", Option::pressure, 1, false},
-      {"HEADLOSS", Option::headloss, 1, false},
-      {"HYDR", Option::hydraulics, 1, false},
-      {"QUAL", Option::quality, 1, false},
       {"MAP", Option::map, 1, false},
       {"VERI", Option::verify, 1, false},
       {"SEGM", Option::segments, 1, false},
@@ -107,40 +138,120 @@ void Reader::readOption() {
       {"DAMPLIMIT", Option::dampLimit, 1, true},
       {"HEADERROR", Option::headError, 1, true, Quantity::elevation},
       {"FLOWCHANGE", Option::flowChange, 1, true, Quantity::flow},
-      {"MINI", Option::minimumPressure, 2, true, Quantity::pressure},
-      {"REQ", Option::requiredPressure, 2, true, Quantity::pressure},
-      {"BACK", Option::emitterBackflow, 2, false},
   };
-  // "DEMAND MULTIPLIER" and "DEMAND MODEL", "PRESSURE" and "PRESSURE EXPONENT", "EMITTER EXPONENT".
-  if (is(0, "DEMAND")) {
-    if (is(1, "MODEL")) {
-      if (count() < 3) return;
-      if (!is(2, "DDA") && !is(2, "PDA")) return problem(Fault::syntax, 2);
-      return setWord(Option::demandModel, 2);
-    }
-    return setNumber(Option::demandMultiplier, 2);
-  }
-  if (is(0, "PRESSURE") && is(1, "EXP")) return setNumber(Option::pressureExponent, 2);
-  if (is(0, "EMIT")) {
-    if (is(1, "BACK")) {
-      if (count() < 3) return;
-      if (!is(2, "YES") && !is(2, "NO")) return problem(Fault::number, 2);
-      return setWord(Option::emitterBackflow, 2);
-    }
-    return setNumber(Option::emitterExponent, 2);
-  }
+  if (readUnitOption() || readChoice() || readPressureLimit()) return;
   for (const Word& word0 : kWords) {
-    // The units of flow are known by their first letters; other names count as a whole.
-    const bool named = word0.option == Option::units      ? is(0, "UNIT")
-                       : word0.option == Option::headloss ? is(0, "HEADL")
-                                                          : is(0, word0.name);
-    if (!named) continue;
+    if (!is(0, word0.name)) continue;
     if (word0.value >= count()) return;
     if (word0.isNumber) return setNumber(word0.option, word0.value, word0.quantity);
     setWord(word0.option, word0.value);
     return;
   }
-  if (count() > 1) problem(numberOf(word(1)) ? Fault::syntax : Fault::number, 0);
+  if (count() < 2) return;
+  if (numberOf(word(1))) return problem(Fault::syntax);
+  problem(Fault::number, 1);
+}
+
+namespace {
+
+struct FlowWord {
+  std::string_view word;
+  FlowUnits units;
+};
+constexpr FlowWord kFlowUnits[] = {
+    {"CFS", FlowUnits::cfs},   {"GPM", FlowUnits::gpm}, {"MGD", FlowUnits::mgd},
+    {"IMGD", FlowUnits::imgd}, {"AFD", FlowUnits::afd}, {"LPS", FlowUnits::lps},
+    {"LPM", FlowUnits::lpm},   {"MLD", FlowUnits::mld}, {"CMH", FlowUnits::cmh},
+    {"CMD", FlowUnits::cmd},   {"CMS", FlowUnits::cms}, {"SI", FlowUnits::lps}};
+constexpr std::string_view kPressures[] = {"PSI", "KPA", "METERS", "BAR", "FEET"};
+constexpr std::string_view kFormulas[] = {"H-W", "D-W", "C-M"};
+
+}  // namespace
+
+// What the numbers of the file mean. Rows that follow take their defaults by what was read so far.
+bool Reader::readUnitOption() {
+  if (is(0, "PRESSURE") && is(1, "EXP")) {
+    setNumber(Option::pressureExponent, 2);
+    return true;
+  }
+  const bool units = is(0, "UNIT"), formula = is(0, "HEADL");
+  if (!units && !formula && !is(0, "PRESSURE")) return false;
+  if (count() < 2) return true;
+  if (units) {
+    const auto* own =
+        std::find_if(std::begin(kFlowUnits), std::end(kFlowUnits),
+                     [this](const FlowWord& flow) { return isWord(word(1), flow.word); });
+    if (own == std::end(kFlowUnits)) return problem(Fault::option, 1), true;
+    net_.flowUnits = own->units;
+    setWord(Option::units, 1);
+  } else if (formula) {
+    const int at = wordAt(word(1), kFormulas);
+    if (at < 0) return problem(Fault::option, 1), true;
+    net_.formula = static_cast<Formula>(at);
+    setWord(Option::headloss, 1);
+  } else {
+    if (wordAt(word(1), kPressures) < 0) return problem(Fault::option, 1), true;
+    setWord(Option::pressure, 1);
+  }
+  return true;
+}
+
+// Options whose value is one of some words.
+bool Reader::readChoice() {
+  const auto choose = [this](Option option, int token, const auto& words) {
+    if (token >= count()) return;
+    if (wordAt(word(token), words) < 0) return problem(Fault::option, token);
+    setWord(option, token);
+  };
+  constexpr std::string_view kModels[] = {"DDA", "PDA"}, kAnswers[] = {"YES", "NO"};
+  constexpr std::string_view kFates[] = {"STOP", "CONT"}, kUses[] = {"USE", "SAVE"};
+  if (is(0, "DEMAND") && is(1, "MODEL")) {
+    choose(Option::demandModel, 2, kModels);
+  } else if (is(0, "DEMAND")) {
+    setNumber(Option::demandMultiplier, 2);
+  } else if (is(0, "EMIT")) {
+    setNumber(Option::emitterExponent, 2);
+  } else if (is(0, "BACK")) {
+    choose(Option::emitterBackflow, 2, kAnswers);
+  } else if (is(0, "UNBA")) {
+    choose(Option::unbalanced, 1, kFates);
+  } else if (is(0, "HYDR")) {
+    if (count() > 2) choose(Option::hydraulics, 1, kUses);
+  } else if (is(0, "QUAL")) {
+    if (count() < 2) return true;
+    if (!is(1, "TRACE")) return setWord(Option::quality, 1), true;
+    if (count() < 3) return problem(Fault::syntax), true;
+    if (net_.findNode(word(2)) == kNone) return problem(Fault::traceNode, 2), true;
+    setWord(Option::quality, 1);
+  } else {
+    return false;
+  }
+  return true;
+}
+
+// The pressures between which demands are met in part: the required one stands at least 0.1 above
+// the other, and follows it as long as no row sets it.
+bool Reader::readPressureLimit() {
+  constexpr double kLeast = 0.1;
+  const bool least = is(0, "MINI");
+  if (!least && !is(0, "REQ")) return false;
+  Number value;
+  if (count() < 3 || !number(2, value)) return true;
+  auto& minimum = net_.options[static_cast<std::size_t>(Option::minimumPressure)];
+  auto& required = net_.options[static_cast<std::size_t>(Option::requiredPressure)];
+  const Option option = least ? Option::minimumPressure : Option::requiredPressure;
+  if (value.value < 0) return problem(Fault::option, 2), true;
+  if (!least && value.value - minimum.number < kLeast) {
+    return problem(Fault::pressureLimits, 2), true;
+  }
+  setNumber(option, 2, Quantity::pressure);
+  if (!least) return true;
+  if (required.number == kLeast) {
+    required.number = value.value + kLeast;
+  } else if (required.number - value.value < kLeast) {
+    problem(Fault::pressureLimits, 2);
+  }
+  return true;
 }
 
 // --- [TIMES] -------------------------------------------------------------------------------------
@@ -149,7 +260,7 @@ void Reader::readTime() {
   if (count() < 2) return problem(Fault::syntax);
   if (is(0, "STAT")) {
     constexpr std::string_view kWords[] = {"NONE", "AVERAGE", "MINIMUM", "MAXIMUM", "RANGE"};
-    if (wordAt(word(count() - 1), kWords) < 0) return problem(Fault::syntax, count() - 1);
+    if (wordAt(word(count() - 1), kWords) < 0) return problem(Fault::option, count() - 1);
     return setWord(Option::statistic, count() - 1);
   }
   struct Word {
@@ -163,54 +274,62 @@ void Reader::readTime() {
       {"PATT", "START", Option::patternStart}, {"REPO", "TIME", Option::reportStep},
       {"REPO", "START", Option::reportStart},  {"STAR", "", Option::startClock},
   };
+  // The value is the last token, or the last but one with a unit behind it.
+  const int last = count() - 1;
+  int token = last;
+  auto time = timeOf(word(last), {});
+  if (!time && last > 0) {
+    token = last - 1;
+    time = timeOf(word(token), word(last));
+  }
+  if (!time) return problem(Fault::option, token);
   for (const Word& own : kWords) {
     if (!is(0, own.first) || (!own.second.empty() && !is(1, own.second))) continue;
-    // The value is the last token, or the last but one with a unit behind it.
-    const int last = count() - 1;
-    int token = last;
-    auto time = timeOf(word(last), {});
-    if (!time && last > 1) {
-      token = last - 1;
-      time = timeOf(word(token), word(last));
-    }
-    if (!time) return problem(Fault::option, last);
     net_.options[static_cast<std::size_t>(own.option)] = {
         at(token), word(token), token == last ? std::string_view() : word(last), *time};
     return;
   }
-  problem(Fault::syntax, 0);
+  problem(Fault::option, is(0, "PATT") || is(0, "REPO") ? 1 : 0);
 }
 
 // --- [ENERGY] ------------------------------------------------------------------------------------
 
 void Reader::readEnergy() {
   if (count() < 3) return problem(Fault::syntax);
-  if (is(0, "DEMAND")) {
-    if (!is(1, "CHARGE")) return problem(Fault::syntax, 1);
-    return setNumber(Option::demandCharge, 2);
-  }
-  if (is(0, "GLOB")) {
-    if (is(1, "PRICE")) return setNumber(Option::globalPrice, 2);
-    if (is(1, "EFFI")) return setNumber(Option::globalEfficiency, 2);
-    if (!is(1, "PATT")) return problem(Fault::syntax, 1);
-    if (pattern(2, Role::option)) setWord(Option::globalPattern, 2);
-    return;
-  }
-  if (!is(0, "PUMP")) return problem(Fault::syntax, 0);
+  if (is(0, "DEMAND")) return setNumber(Option::demandCharge, 2);
+  if (is(0, "GLOB")) return readGlobalEnergy();
+  if (!is(0, "PUMP")) return problem(Fault::option, 0);
   if (count() < 4) return problem(Fault::syntax);
-  const Ref of = link(1, Role::data);
-  if (!of) return;
-  if (net_.links[of.index].kind != LinkKind::pump) return problem(Fault::pumpData, 1);
-  Pump& pump = net_.pumps[net_.links[of.index].detail];
+  const std::uint32_t index = net_.findLink(word(1));
+  if (index == kNone || net_.links[index].kind != LinkKind::pump) {
+    return problem(Fault::pumpData, 1);
+  }
+  mention(Thing::link, index, Role::data, 1);
+  Pump& pump = net_.pumps[net_.links[index].detail];
   if (is(2, "PRICE")) {
-    number(3, pump.price);
+    Number price;
+    if (!number(3, price)) return;
+    if (price.value < 0) return problem(Fault::energy, 3);
+    pump.price = price;
   } else if (is(2, "PATT")) {
     pump.pricePattern = pattern(3, Role::value);
   } else if (is(2, "EFFI")) {
     pump.efficiencyCurve = curve(3, Role::value, CurveUse::efficiency);
   } else {
-    problem(Fault::syntax, 2);
+    problem(Fault::syntax);
   }
+}
+
+void Reader::readGlobalEnergy() {
+  const bool price = is(1, "PRICE");
+  if (price || is(1, "EFFI")) {
+    const auto value = numberOf(word(2));
+    const bool bad = value && (price ? *value < 0 : *value <= 0);
+    if (bad) return problem(Fault::energy, 2);
+    return setNumber(price ? Option::globalPrice : Option::globalEfficiency, 2);
+  }
+  if (!is(1, "PATT")) return problem(Fault::syntax);
+  if (pattern(2, Role::option)) setWord(Option::globalPattern, 2);
 }
 
 // --- [REACTIONS] ---------------------------------------------------------------------------------
@@ -219,11 +338,11 @@ void Reader::readReaction() {
   if (count() < 3) return;
   const bool bulk = is(1, "BULK"), wall = is(1, "WALL"), tank = is(1, "TANK");
   if (is(0, "ORDER")) {
-    if (!bulk && !wall && !tank) return problem(Fault::syntax, 1);
+    if (!bulk && !wall && !tank) return problem(Fault::option, 1);
     return setNumber(bulk ? Option::bulkOrder : wall ? Option::wallOrder : Option::tankOrder, 2);
   }
   if (is(0, "GLOB")) {
-    if (!bulk && !wall) return problem(Fault::syntax, 1);
+    if (!bulk && !wall) return problem(Fault::option, 1);
     return setNumber(bulk ? Option::globalBulk : Option::globalWall, 2,
                      bulk ? Quantity::bulk : Quantity::wall);
   }
@@ -232,56 +351,16 @@ void Reader::readReaction() {
   if (is(0, "BULK")) return readRange(RangeValue::What::bulk, 1, count() - 1, true);
   if (is(0, "WALL")) return readRange(RangeValue::What::wall, 1, count() - 1, true);
   if (is(0, "TANK")) return readRange(RangeValue::What::tank, 1, count() - 1, false);
-  problem(Fault::syntax, 0);
+  problem(Fault::option, 0);
 }
 
 // --- what options mean ---------------------------------------------------------------------------
 
-namespace {
-
-struct Units {
-  std::string_view word;
-  FlowUnits units;
-};
-constexpr Units kUnits[] = {
-    {"CFS", FlowUnits::cfs},   {"GPM", FlowUnits::gpm}, {"MGD", FlowUnits::mgd},
-    {"IMGD", FlowUnits::imgd}, {"AFD", FlowUnits::afd}, {"LPS", FlowUnits::lps},
-    {"LPM", FlowUnits::lpm},   {"MLD", FlowUnits::mld}, {"CMH", FlowUnits::cmh},
-    {"CMD", FlowUnits::cmd},   {"CMS", FlowUnits::cms}, {"SI", FlowUnits::lps}};
-constexpr std::string_view kPressures[] = {"PSI", "KPA", "METERS", "BAR", "FEET"};
-constexpr std::string_view kFormulas[] = {"H-W", "D-W", "C-M"};
-
-}  // namespace
-
 void Reader::settleOptions() {
-  const auto tell = [this](const OptionValue& value, Fault fault) {
-    section_ = Section::options;
-    problemAt(fault, value.at.row, value.text);
-  };
-  const OptionValue& units = net_.option(Option::units);
-  bool known = false;
-  for (const Units& own : kUnits) {
-    if (!isWord(units.text, own.word)) continue;
-    net_.flowUnits = own.units;
-    known = true;
-    break;
-  }
-  if (!known) tell(units, Fault::syntax);
   net_.pressureUnits = net_.isUs() ? PressureUnits::psi : PressureUnits::meters;
   const OptionValue& pressure = net_.option(Option::pressure);
   if (pressure.at) {
-    const int unit = wordAt(pressure.text, kPressures);
-    if (unit < 0) {
-      tell(pressure, Fault::syntax);
-    } else {
-      net_.pressureUnits = static_cast<PressureUnits>(unit);
-    }
-  }
-  const OptionValue& headloss = net_.option(Option::headloss);
-  if (const int formula = wordAt(headloss.text, kFormulas); formula >= 0) {
-    net_.formula = static_cast<Formula>(formula);
-  } else {
-    tell(headloss, Fault::syntax);
+    net_.pressureUnits = static_cast<PressureUnits>(wordAt(pressure.text, kPressures));
   }
   const OptionValue& pattern = net_.option(Option::pattern);
   net_.defaultPattern = net_.findPattern(pattern.text);
@@ -289,14 +368,9 @@ void Reader::settleOptions() {
     record_->mentions.push_back({Thing::pattern, net_.defaultPattern, Role::option, pattern.at});
   }
   const OptionValue& quality = net_.option(Option::quality);
-  if (quality.at && isWord(quality.text, "TRACE") && !quality.more.empty()) {
-    const std::uint32_t node = net_.findNode(quality.more);
-    if (node == kNone) {
-      tell(quality, Fault::traceNode);
-    } else if (record_) {
-      const Place at{quality.at.row, static_cast<std::uint16_t>(quality.at.token + 1)};
-      record_->mentions.push_back({Thing::node, node, Role::option, at});
-    }
+  if (record_ && quality.at && isWord(quality.text, "TRACE")) {
+    const Place at{quality.at.row, static_cast<std::uint16_t>(quality.at.token + 1)};
+    record_->mentions.push_back({Thing::node, net_.findNode(quality.more), Role::option, at});
   }
 }
 

@@ -1,4 +1,6 @@
 // Quality, sources, mixing, leakage, tags, labels, and the lists of [REPORT].
+#include <algorithm>
+
 #include "epanet/lexis.h"
 #include "epanet/reader.h"
 
@@ -18,9 +20,6 @@ void Reader::readRange(RangeValue::What what, int first, int value, bool links) 
   const bool one = value == first + 1;
   range.first = end(first, one ? Role::data : Role::item);
   range.last = one ? range.first : end(first + 1, Role::item);
-  if (one && !range.first && what == RangeValue::What::quality) {
-    return problem(Fault::unknownNode, first);
-  }
   if (what == RangeValue::What::bulk || what == RangeValue::What::tank) {
     measure(Quantity::bulk, range.value);
   }
@@ -30,7 +29,12 @@ void Reader::readRange(RangeValue::What what, int first, int value, bool links) 
 
 void Reader::readQuality() {
   if (count() < 2) return;
-  readRange(RangeValue::What::quality, 0, count() == 2 ? 1 : 2, false);
+  const int last = count() == 2 ? 1 : 2;
+  if (last == 1 && net_.findNode(word(0)) == kNone) return problem(Fault::unknownNode, 0);
+  if (const auto value = numberOf(word(last)); value && *value < 0) {
+    return problem(Fault::nodeValue, last);
+  }
+  readRange(RangeValue::What::quality, 0, last, false);
 }
 
 void Reader::readSource() {
@@ -43,7 +47,8 @@ void Reader::readSource() {
   const int kind = wordAt(word(1), kKinds);
   const int strength = kind < 0 ? 1 : 2;
   if (kind >= 0) source.kind = static_cast<Source::Kind>(kind);
-  if (strength >= count()) return problem(Fault::syntax);
+  if (strength >= count()) return;
+  if (kind < 0 && !numberOf(word(1))) return problem(Fault::option, 1);
   if (!number(strength, source.strength)) return;
   if (count() > strength + 1 && !word(strength + 1).empty() && word(strength + 1) != "*") {
     source.pattern = pattern(strength + 1, Role::value);
@@ -58,9 +63,9 @@ void Reader::readMixing() {
   Mixing mixing;
   mixing.row = row_;
   mixing.tank = node(0, Role::data);
-  if (!mixing.tank || net_.nodes[mixing.tank.index].kind == NodeKind::junction) return;
+  if (!mixing.tank || net_.nodes[mixing.tank.index].kind != NodeKind::tank) return;
   const int model = wordAt(word(1), kModels);
-  if (model < 0) return problem(Fault::syntax, 1);
+  if (model < 0) return problem(Fault::option, 1);
   mixing.model = word(1);
   mixing.fraction.value = 1;
   if (model == 1 && !numberIfThere(2, mixing.fraction)) return;
@@ -74,6 +79,7 @@ void Reader::readLeakage() {
   leakage.pipe = link(0, Role::data);
   if (!leakage.pipe) return;
   if (!number(1, leakage.area) || !number(2, leakage.expansion)) return;
+  if (leakage.area.value < 0 || leakage.expansion.value < 0) return problem(Fault::nodeValue, 1);
   measure(Quantity::leakArea, leakage.area);
   measure(Quantity::leakExpansion, leakage.expansion);
   net_.leakages.push_back(leakage);
@@ -81,12 +87,13 @@ void Reader::readLeakage() {
 
 // NODE or LINK, id, one word.
 void Reader::readTag() {
-  if (count() < 3) return;
+  if (count() < 3) return problem(Fault::syntax);
   Tag tag;
   tag.row = row_;
   tag.ofNode = is(0, "NODE");
   const std::uint32_t index = tag.ofNode ? net_.findNode(word(1)) : net_.findLink(word(1));
-  if (index == kNone || (!tag.ofNode && !is(0, "LINK"))) return;
+  if (!tag.ofNode && !is(0, "LINK")) return;
+  if (index == kNone) return problem(tag.ofNode ? Fault::unknownNode : Fault::unknownLink, 1);
   tag.element = {index, at(1)};
   tag.text = word(2);
   mention(tag.ofNode ? Thing::node : Thing::link, index, Role::data, 1);
@@ -111,35 +118,52 @@ void Reader::readLabel() {
 }
 
 void Reader::readReport() {
-  const bool nodes = is(0, "NODE"), links = is(0, "LINK");
-  if (nodes || links) {
-    if (is(count() - 1, "ALL") || is(count() - 1, "NONE")) return;
-    for (int i = 1; i < count(); ++i) {
-      if (nodes) {
-        node(i, Role::item);
-      } else {
-        link(i, Role::item);
-      }
-    }
+  if (count() < 2) return problem(Fault::syntax);
+  const int last = count() - 1;
+  if (is(0, "PAGE")) {
+    Number size;
+    if (number(last, size) && (size.value < 0 || size.value > 255)) problem(Fault::option, last);
     return;
   }
-  if (count() < 3) return;
-  // A limit of a field: "Pressure BELOW 20".
+  if (is(0, "STATUS") || is(0, "SUMM") || is(0, "MESS") || is(0, "ENER") || is(0, "FILE")) return;
+  const bool nodes = is(0, "NODE"), links = is(0, "LINK");
+  if (!nodes && !links) return readReportField();
+  if (is(last, "ALL") || is(last, "NONE")) return;
+  for (int i = 1; i < count(); ++i) {
+    if (!(nodes ? node(i, Role::item) : link(i, Role::item))) return;
+  }
+}
+
+// A field and whether it is shown, or a limit to it: "Pressure BELOW 20".
+void Reader::readReportField() {
   struct Field {
     std::string_view name;
     Quantity quantity;
   };
-  constexpr Field kFields[] = {{"ELEVATION", Quantity::elevation},    {"DEMAND", Quantity::flow},
-                               {"HEADLOSS", Quantity::headlossLimit}, {"HEAD", Quantity::elevation},
-                               {"PRESSURE", Quantity::pressure},      {"LENGTH", Quantity::length},
-                               {"DIAMETER", Quantity::pipeDiameter},  {"FLOW", Quantity::flow},
-                               {"VELOCITY", Quantity::velocity}};
-  if (!is(1, "BELOW") && !is(1, "ABOVE")) return;
-  for (const Field& field : kFields) {
-    if (!is(0, field.name)) continue;
-    Number limit;
-    if (number(2, limit)) measure(field.quantity, limit);
-    return;
+  constexpr Field kFields[] = {{"ELEVATION", Quantity::elevation},
+                               {"DEMAND", Quantity::flow},
+                               {"HEADLOSS", Quantity::headlossLimit},
+                               {"HEAD", Quantity::elevation},
+                               {"PRESSURE", Quantity::pressure},
+                               {"QUALITY", Quantity::none},
+                               {"LENGTH", Quantity::length},
+                               {"DIAMETER", Quantity::pipeDiameter},
+                               {"FLOW", Quantity::flow},
+                               {"VELOCITY", Quantity::velocity},
+                               {"STATE", Quantity::none},
+                               {"SETTING", Quantity::none},
+                               {"REACTION", Quantity::none},
+                               {"F-FACTOR", Quantity::none}};
+  const auto* field = std::find_if(std::begin(kFields), std::end(kFields),
+                                   [this](const Field& own) { return is(0, own.name); });
+  if (field == std::end(kFields)) return problem(Fault::syntax);
+  if (is(1, "YES") || is(1, "NO")) return;
+  if (count() < 3) return problem(Fault::syntax);
+  const bool limit = is(1, "BELOW") || is(1, "ABOVE");
+  if (!limit && !is(1, "PREC")) return problem(Fault::option, 1);
+  Number value;
+  if (number(2, value) && limit && field->quantity != Quantity::none) {
+    measure(field->quantity, value);
   }
 }
 

@@ -47,9 +47,15 @@ class Reader {
   void setDefaults();
   void readOption();
   void readTime();
+  bool readUnitOption();
+  bool readChoice();
+  bool readPressureLimit();
+  static bool isAllowed(Option option, double number);
   void readEnergy();
+  void readGlobalEnergy();
   void readReaction();
   void readReport();
+  void readReportField();
   void readQuality();
   void readSource();
   void readMixing();
