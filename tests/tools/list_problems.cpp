@@ -1,6 +1,7 @@
 // Writes what the reader of input files makes of a file, for comparison with the solver:
 //
-//   list_problems FILE            problems: line, the solver's code (0: it says nothing), word
+//   list_problems FILE            problems: line, the solver's code (0: it says nothing), word, and
+//                                 "quotes" where it misreads the row
 //   list_problems --values FILE   the network: kind, id, field and number, under the names of the
 //                                 solver's own interface; times in seconds, indexes from 1
 #include <algorithm>
@@ -172,21 +173,20 @@ void printOptions(const Network& network) {
                            {"option", "ConcenLimit", Option::limitingPotential},
                            {"pda", "MinimumPressure", Option::minimumPressure},
                            {"pda", "RequiredPressure", Option::requiredPressure},
-                           {"pda", "PressureExponent", Option::pressureExponent},
-                           {"time", "Duration", Option::duration},
-                           {"time", "PatternStart", Option::patternStart},
-                           {"time", "StartTime", Option::startClock}};
+                           {"pda", "PressureExponent", Option::pressureExponent}};
   for (const Row& row : kRows) line(row.kind, "", row.name, network.option(row.option).number);
   line("units", "", "flow", static_cast<double>(network.flowUnits));
   line("units", "", "pressure", static_cast<double>(network.pressureUnits));
   line("units", "", "formula", static_cast<double>(network.formula));
 }
 
+long long secondsOf(const Network& network, Option option) {
+  return static_cast<long long>(network.option(option).number + 0.5);
+}
+
 // The steps that the solver takes fit into one another.
 void printSteps(const Network& network) {
-  const auto seconds = [&](Option option) {
-    return static_cast<long long>(network.option(option).number + 0.5);
-  };
+  const auto seconds = [&](Option option) { return secondsOf(network, option); };
   const long long pattern = seconds(Option::patternStep) > 0 ? seconds(Option::patternStep) : 3600;
   const long long report = seconds(Option::reportStep) > 0 ? seconds(Option::reportStep) : pattern;
   long long hydraulic = seconds(Option::hydraulicStep) > 0 ? seconds(Option::hydraulicStep) : 3600;
@@ -196,6 +196,9 @@ void printSteps(const Network& network) {
     return std::min(step > 0 ? step : hydraulic / 10, hydraulic);
   };
   const long long start = seconds(Option::reportStart);
+  line("time", "", "Duration", static_cast<double>(seconds(Option::duration)));
+  line("time", "", "PatternStart", static_cast<double>(seconds(Option::patternStart)));
+  line("time", "", "StartTime", static_cast<double>(seconds(Option::startClock)));
   line("time", "", "PatternStep", static_cast<double>(pattern));
   line("time", "", "ReportStep", static_cast<double>(report));
   line("time", "", "HydStep", static_cast<double>(hydraulic));
@@ -223,7 +226,9 @@ void printValues(const Network& network) {
 void printProblems(const Network& network) {
   for (const Problem& problem : network.problems) {
     const unsigned at = problem.row == kNoRow ? 0 : network.document().lineOf(problem.row);
-    std::cout << at << '\t' << solverCode(problem.fault) << '\t' << problem.text << '\n';
+    const std::string_view note = problem.fault == Fault::quotes ? "quotes" : "";
+    std::cout << at << '\t' << solverCode(problem.fault) << '\t' << problem.text << '\t' << note
+              << '\n';
   }
 }
 
