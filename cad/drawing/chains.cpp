@@ -1,6 +1,6 @@
 #include "cad/drawing/chains.h"
 
-#include <algorithm>
+#include <array>
 
 namespace cad {
 namespace {
@@ -43,10 +43,27 @@ resbuf* nodeOf(const TagList& tags, int& i, int end) {
   return node;
 }
 
-int digitOf(char c) {
-  if (c >= '0' && c <= '9') return c - '0';
-  const char upper = static_cast<char>(c & ~0x20);
-  return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+// What a character is as a hex digit; 16 and more for none.
+constexpr auto kDigits = [] {
+  std::array<unsigned char, 256> digits{};
+  for (std::size_t c = 0; c < 256; ++c) {
+    const std::size_t lower = c | 0x20;
+    digits[c] = static_cast<unsigned char>(c >= '0' && c <= '9'           ? c - '0'
+                                           : lower >= 'a' && lower <= 'f' ? lower - 'a' + 10
+                                                                          : 255);
+  }
+  return digits;
+}();
+
+bool readDigits(std::string_view digits, char* to) {
+  unsigned all = 0;
+  for (std::size_t k = 0; k + 1 < digits.size(); k += 2) {
+    const unsigned high = kDigits[static_cast<unsigned char>(digits[k])];
+    const unsigned low = kDigits[static_cast<unsigned char>(digits[k + 1])];
+    all |= high | low;
+    *to++ = static_cast<char>(high << 4 | low);
+  }
+  return all < 16 && digits.size() % 2 == 0;
 }
 
 }  // namespace
@@ -115,12 +132,9 @@ bool readBytes(const TagList& tags, int code, TagRange range, std::string& bytes
       continue;
     }
     while (!value.empty() && (value.back() == ' ' || value.back() == '\t')) value.remove_suffix(1);
-    if (value.size() % 2 != 0) return false;
-    for (std::size_t k = 0; k < value.size(); k += 2) {
-      const int high = digitOf(value[k]), low = digitOf(value[k + 1]);
-      if (high < 0 || low < 0) return false;
-      bytes += static_cast<char>(high << 4 | low);
-    }
+    const std::size_t before = bytes.size();
+    bytes.resize(before + value.size() / 2);
+    if (!readDigits(value, bytes.data() + before)) return false;
   }
   return true;
 }
