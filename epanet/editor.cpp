@@ -58,6 +58,14 @@ bool Editor::removed(RowId row) const {
   return at != rows_.end() && at->second.fate != Edits::Fate::stays;
 }
 
+int Editor::countTokens(RowId row) const {
+  Tokens tokens;
+  document_.tokens(row, tokens);
+  const auto at = rows_.find(row);
+  if (at == rows_.end() || at->second.tokens.empty()) return tokens.count;
+  return std::max(tokens.count, at->second.tokens.rbegin()->first + 1);
+}
+
 void Editor::insertRow(RowId after, const std::vector<std::string>& tokens) {
   rows_[after].after.push_back(styled(after, tokens));
 }

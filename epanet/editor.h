@@ -50,6 +50,8 @@ class Editor {
 
   bool empty() const { return rows_.empty() && sections_.empty(); }
   bool removed(RowId row) const;
+  // How many tokens the row has with those that have been set.
+  int countTokens(RowId row) const;
   EditResult apply() const;
 
  private:

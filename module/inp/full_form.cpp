@@ -55,14 +55,19 @@ wide50 shortest(double number) {
 FullForm::FullForm(const epanet::Network& network, const std::vector<Rename>& renames)
     : network_(network),
       words_(network.document().isUtf8()),
-      renames_(renames),
       toDrawing_(epanet::unitsOf(network), epanet::drawingUnits(epanet::unitsOf(network))),
-      places_(epanet::placesOf(network)) {}
+      places_(epanet::placesOf(network)) {
+  for (const Rename& rename : renames) {
+    nowOf_[static_cast<std::size_t>(rename.kind)][rename.kept] = rename.now;
+    if (rename.kind == RenamedKind::node) keptNode_[rename.now] = rename.kept;
+  }
+}
 
 std::u16string FullForm::currentName(RenamedKind kind, std::u16string name) const {
-  for (const Rename& rename : renames_) {
-    if (rename.kind == kind && rename.kept == name) return rename.now;
-  }
+  const Names& names = nowOf_[static_cast<std::size_t>(kind)];
+  if (names.empty()) return name;
+  const auto found = names.find(name);
+  if (found != names.end()) return found->second;
   return name;
 }
 
@@ -82,9 +87,8 @@ std::u16string FullForm::curveName(std::uint32_t curve) const {
 }
 
 std::uint32_t FullForm::nodeNamed(std::u16string_view name) const {
-  for (const Rename& rename : renames_) {
-    if (rename.kind != RenamedKind::node) continue;
-    if (rename.now == name) return nodeKeptAs(rename.kept);
+  if (const auto kept = keptNode_.find(std::u16string(name)); kept != keptNode_.end()) {
+    return nodeKeptAs(kept->second);
   }
   const std::uint32_t node = nodeKeptAs(name);
   return node != kNone && nodeName(node) == name ? node : kNone;

@@ -5,8 +5,10 @@
 // that read back. A value that several rows give is the one that the solver uses.
 #pragma once
 
+#include <array>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "epanet/network.h"
@@ -71,12 +73,14 @@ class FullForm {
   EpaCurve curve(std::uint32_t index) const;
 
  private:
+  using Names = std::unordered_map<std::u16string, std::u16string>;
   std::u16string currentName(RenamedKind kind, std::u16string name) const;
   wide50 number(epanet::Quantity quantity, double value) const;
 
   const epanet::Network& network_;
   FileText words_;
-  std::vector<Rename> renames_;
+  std::array<Names, 4> nowOf_;  // names of the drawing by those of the text, by kind
+  Names keptNode_;              // and nodes' the other way round
   epanet::Conversion toDrawing_;
   std::vector<epanet::MapPoint> places_;  // of nodes; empty when all have coordinates
 };
