@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "cad/editor/commands.h"
+#include "cad/editor/variables.h"
 #include "cad/family/family_commands.h"
 #include "cad/ui/dialog.h"
 #include "platform/files.h"
@@ -26,11 +27,12 @@ void tellWarnings() {
 
 }  // namespace
 
-platform::Result<void> startHost(cad::ui::Frontend& ui) {
+platform::Result<void> startHost(cad::ui::Frontend& ui, InpMode mode) {
   cad::Session& session = cad::Session::instance();
   session.setFrontend(&ui);
   cad::addHostCommands(session);
   cad::addFamilyCommands(session);
+  cad::setVariable(u"VSINPMODE", mode == InpMode::full ? u"FULL" : u"CLASSIC");
   const cad::Installation place = cad::findInstallation();
   if (!platform::folderExists(place.root)) {
     return platform::Error{place.root + ": " +
@@ -105,7 +107,7 @@ class JobSpan::Silent : public cad::ui::Frontend {
   void showInvalid(std::u16string_view) override {}
 };
 
-JobSpan::JobSpan() : ui_(std::make_unique<Silent>()), started_(startHost(*ui_)) {
+JobSpan::JobSpan(InpMode mode) : ui_(std::make_unique<Silent>()), started_(startHost(*ui_, mode)) {
   if (started_) {
     jobs_ = vessora::Jobs::find();
   } else if (!ui_->said.empty()) {

@@ -9,9 +9,13 @@
 
 namespace cli {
 
+// Which way INP files and results go until somebody sets VSINPMODE: in full is the way of our
+// programs, the classic one that of any other host.
+enum class InpMode { full, classic };
+
 // Points hn-cpath at the product root, makes `ui` answer, loads the module and registers its
 // commands.
-platform::Result<void> startHost(cad::ui::Frontend& ui);
+platform::Result<void> startHost(cad::ui::Frontend& ui, InpMode mode);
 void stopHost();
 
 // Opens a drawing, "-" or an empty path being a new one; what was repaired goes to standard error.
@@ -22,7 +26,7 @@ platform::Result<void> saveDrawing(const std::string& path);
 // alive.
 class JobSpan {
  public:
-  JobSpan();
+  explicit JobSpan(InpMode mode = InpMode::full);
   JobSpan(const JobSpan&) = delete;
   JobSpan& operator=(const JobSpan&) = delete;
   ~JobSpan();

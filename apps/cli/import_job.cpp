@@ -98,7 +98,7 @@ int importNetwork(const ImportOptions& o) {
   if (const std::string no = refusalOf(o.out, {{o.inp, false}, {o.base, true}}); !no.empty()) {
     return fail(no);
   }
-  JobSpan job;
+  JobSpan job(o.mode);
   if (auto opened = job.open(o.base); !opened) return fail(opened.error());
   const vessora::InpFile file = job->openInp(platform::widen(platform::absolutePath(o.inp)));
   const vessora::InpFindings found = job->examineInp(file);

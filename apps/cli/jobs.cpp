@@ -75,7 +75,7 @@ platform::Result<std::string> listingOf(const ExportOptions& o) {
 int exportNetwork(const ExportOptions& o) {
   const auto csv = listingOf(o);
   if (!csv) return fail(csv.error());
-  JobSpan job;
+  JobSpan job(o.mode);
   {
     Progress progress(words("Lettura", "Reading"));
     if (auto opened = job.open(o.drawing); !opened) return fail(opened.error());
@@ -131,7 +131,7 @@ int runScript(const RunOptions& o) {
   struct Stop {
     ~Stop() { stopHost(); }
   } const stop;
-  if (auto started = startHost(ui); !started) return fail(started.error());
+  if (auto started = startHost(ui, o.mode); !started) return fail(started.error());
   if (auto opened = openDrawing(o.drawing); !opened) return fail(opened.error());
   cad::Session& session = cad::Session::instance();
   session.commandLoop([&] { return ui.hasAnswer() && !ui.failed(); });

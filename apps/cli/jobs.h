@@ -5,22 +5,27 @@
 #include <string>
 #include <vector>
 
+#include "apps/cli/host.h"
+
 namespace cli {
 
 struct ImportOptions {
   std::string inp, out, base;
+  InpMode mode = InpMode::full;
 };
 int importNetwork(const ImportOptions& options);
 
 struct ExportOptions {
   std::string drawing, out, network;
   bool csv = false;
+  InpMode mode = InpMode::full;
 };
 int exportNetwork(const ExportOptions& options);
 
 struct ResultsOptions {
   std::string drawing, report, out, network, period;
   bool listPeriods = false, clear = false;
+  InpMode mode = InpMode::full;
 };
 // Without `out` the drawing is saved in place.
 int importResults(const ResultsOptions& options);
@@ -29,6 +34,7 @@ int showInfo(const std::string& drawing, bool json);
 
 struct RunOptions {
   std::string drawing, script, out;
+  InpMode mode = InpMode::full;
 };
 int runScript(const RunOptions& options);
 
@@ -40,6 +46,6 @@ struct RenderOptions {
 };
 int render(const RenderOptions& options);
 
-int shell(const std::string& drawing);
+int shell(const std::string& drawing, InpMode mode);
 
 }  // namespace cli

@@ -5,6 +5,18 @@
 #include "apps/cli/jobs.h"
 #include "platform/files.h"
 
+namespace {
+
+// The subcommands that read, write or may come to read or write INP files and results.
+void addClassic(CLI::App& command, cli::InpMode& mode) {
+  command.add_flag_callback(
+      "--classic", [&mode] { mode = cli::InpMode::classic; },
+      cli::words("file INP e risultati alla maniera classica (VSINPMODE=CLASSIC)",
+                 "INP files and results the classic way (VSINPMODE=CLASSIC)"));
+}
+
+}  // namespace
+
 int main(int argc, char** argv) {
   using cli::words;
   platform::endTemporaryFilesOnSignals();
@@ -27,6 +39,7 @@ int main(int argc, char** argv) {
   c->add_option("-d,--drawing", import.base,
                 words("disegno di base a cui aggiungere la rete",
                       "base drawing that the network is added to"));
+  addClassic(*c, import.mode);
   c->callback([&] { status = cli::importNetwork(import); });
 
   cli::ExportOptions exporting;
@@ -40,6 +53,7 @@ int main(int argc, char** argv) {
                       "network (else the default one, or the only one)"));
   c->add_flag("--csv", exporting.csv,
               words("scrive anche il file CSV accanto", "write the CSV file beside it too"));
+  addClassic(*c, exporting.mode);
   c->callback([&] { status = cli::exportNetwork(exporting); });
 
   cli::ResultsOptions results;
@@ -65,6 +79,7 @@ int main(int argc, char** argv) {
   auto* clear =
       c->add_flag("--clear", results.clear, words("toglie i risultati", "remove the results"))
           ->excludes(report, period, list);
+  addClassic(*c, results.mode);
   c->callback([&, report, clear] {
     if (report->count() + clear->count() == 0) throw CLI::RequiredError("REPORT");
     status = cli::importResults(results);
@@ -89,6 +104,7 @@ int main(int argc, char** argv) {
       ->required();
   c->add_option("-o,--output", run.out,
                 words("disegno DXF da scrivere alla fine", "DXF drawing to write at the end"));
+  addClassic(*c, run.mode);
   c->callback([&] { status = cli::runScript(run); });
 
   cli::RenderOptions render;
@@ -111,10 +127,12 @@ int main(int argc, char** argv) {
   c->callback([&] { status = cli::render(render); });
 
   std::string shellDrawing;
+  cli::InpMode shellMode = cli::InpMode::full;
   c = app.add_subcommand("shell",
                          words("la riga di comando interattiva", "the interactive command line"));
   c->add_option("DRAWING", shellDrawing, words("disegno DXF", "DXF drawing"));
-  c->callback([&] { status = cli::shell(shellDrawing); });
+  addClassic(*c, shellMode);
+  c->callback([&] { status = cli::shell(shellDrawing, shellMode); });
 
   try {
     app.parse(argc, argv);

@@ -118,7 +118,7 @@ int importResults(const ResultsOptions& o) {
     const std::string no = refusalOf(o.out, {{o.drawing, true}, {o.report}});
     if (!no.empty()) return fail(no);
   }
-  JobSpan job;
+  JobSpan job(o.mode);
   vessora::Report report;
   vessora::ReportPeriods periods;
   if (auto opened = job.open(o.drawing); !opened) return fail(opened.error());

@@ -44,7 +44,7 @@ bool tellLeaks() {
 
 }  // namespace
 
-int shell(const std::string& drawing) {
+int shell(const std::string& drawing, InpMode mode) {
   std::optional<LineEditor> editor;
   if (isatty(STDIN_FILENO) && isatty(STDOUT_FILENO)) editor.emplace(historyFile());
   cad::ui::TerminalFrontend* asking = nullptr;
@@ -55,7 +55,7 @@ int shell(const std::string& drawing) {
       printOut);
   asking = &ui;
   ui.setPerson(editor.has_value());
-  if (auto started = startHost(ui); !started) return fail(started.error());
+  if (auto started = startHost(ui, mode); !started) return fail(started.error());
   if (auto opened = openDrawing(drawing); !opened) {
     stopHost();
     return fail(opened.error());

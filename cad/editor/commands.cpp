@@ -33,6 +33,7 @@ constexpr HostCommand kCommands[] = {
     {u"REGENALL", u"RIGENTUTTO", kOwn, commandRegenAll, u"ridisegna"},
     {u"LOADMODULE", u"CARICAMODULO", kNone, commandLoadModule, u"carica un modulo"},
     {u"UNLOADMODULE", u"SCARICAMODULO", kNone, commandUnloadModule, u"scarica un modulo"},
+    {u"SETVAR", u"SETVAR", kOwn, commandSetVar, u"mostra o cambia una variabile"},
     {u"HELP", u"GUIDA", kNone, commandHelp, u"questo elenco"},
     {u"?", u"?", kNone, commandHelp, u"come GUIDA"},
     {u"QUIT", u"ESCI", kNone, commandQuit, u"chiude il programma"},

@@ -40,6 +40,9 @@ void commandRegenAll();
 // The arguments that a module gives the zoom command: an option and two corners.
 int zoomWindow(const resbuf* arguments);
 
+// --- variables (variable_commands.cpp)
+void commandSetVar();
+
 // --- what there is (inquiry_commands.cpp)
 void commandList();
 void commandHelp();

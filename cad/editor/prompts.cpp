@@ -1,4 +1,4 @@
-// The editor's functions over the session: selection sets, input, variables and symbols.
+// The editor's functions over the session: selection sets, input and symbols.
 #include <algorithm>
 #include <ctime>
 
@@ -305,102 +305,7 @@ int acedGetKword(std::u16string_view text, std::u16string& keyword) {
              });
 }
 
-// --- variables and symbols -----------------------------------------------------------------------
-
-namespace {
-
-// Variables that the session has besides those of the drawing's header, with their first values.
-struct SessionVariable {
-  std::u16string_view name, initial;
-  bool readOnly;
-  RbKind kind;
-};
-constexpr SessionVariable kSessionVariables[] = {
-    {u"ACADVER", u"23.2s", true, RbKind::text},      {u"APERTURE", u"5", false, RbKind::real},
-    {u"CMDECHO", u"1", false, RbKind::int16},        {u"DWGNAME", u"", true, RbKind::text},
-    {u"DWGPREFIX", u"", true, RbKind::text},         {u"EXPERT", u"0", false, RbKind::int16},
-    {u"FILEDIA", u"1", false, RbKind::int16},        {u"OSMODE", u"0", false, RbKind::int16},
-    {u"VSINPMODE", u"CLASSIC", false, RbKind::text},
-};
-
-const SessionVariable* sessionVariable(std::u16string_view key) {
-  for (const SessionVariable& v : kSessionVariables) {
-    if (v.name == key) return &v;
-  }
-  return nullptr;
-}
-
-std::u16string sessionValue(const SessionVariable& variable) {
-  Session& s = Session::instance();
-  const std::u16string path = platform::widen(s.drawingPath());
-  if (variable.name == u"DWGNAME") {
-    return path.empty() ? u"Disegno1.dxf" : std::u16string(platform::fileNameOf(path));
-  }
-  if (variable.name == u"DWGPREFIX") return std::u16string(platform::folderOf(path));
-  const auto it = s.variables.find(std::u16string(variable.name));
-  return std::u16string(it == s.variables.end() ? variable.initial : it->second);
-}
-
-}  // namespace
-
-int acedGetVar(std::u16string_view name, resbuf* result) {
-  if (!result) return RTERROR;
-  std::u16string text;
-  const std::u16string key = platform::upper(name);
-  const cad::Drawing* d = drawing();
-  if (const SessionVariable* variable = sessionVariable(key)) {
-    text = sessionValue(*variable);
-  } else if (!d || (text = d->header().text("$" + platform::narrow(key))).empty()) {
-    return RTERROR;
-  }
-  switch (acutKindOf(result->restype)) {
-    case RbKind::text:
-      acutSetText(result, text);
-      break;
-    case RbKind::real:
-      result->resval.rreal = platform::wtof(text);
-      break;
-    case RbKind::int16:
-      result->resval.rint = static_cast<std::int16_t>(platform::wtoi(text));
-      break;
-    default:
-      return RTERROR;
-  }
-  return RTNORM;
-}
-
-int acedSetVar(std::u16string_view name, const resbuf* value) {
-  if (!value) return RTERROR;
-  std::u16string text;
-  const RbKind kind = acutKindOf(value->restype);
-  switch (kind) {
-    case RbKind::text:
-      text = value->resval.rstring;
-      break;
-    case RbKind::real:
-      text = platform::format(u"%.15g", value->resval.rreal);
-      break;
-    case RbKind::int16:
-      text = platform::format(u"%d", static_cast<int>(value->resval.rint));
-      break;
-    default:
-      return RTERROR;
-  }
-  const std::u16string key = platform::upper(name);
-  if (const SessionVariable* variable = sessionVariable(key)) {
-    const bool texts = (variable->kind == RbKind::text) == (kind == RbKind::text);
-    if (variable->readOnly || !texts) return RTERROR;
-    Session::instance().variables[key] = text;
-    return RTNORM;
-  }
-  cad::Drawing* d = drawing();
-  if (!d) return RTERROR;
-  // What names a thing of the drawing must name one that is there.
-  if (key == u"CLAYER" && !d->structure().layerNamed(text, false)) return RTERROR;
-  if (key == u"CELTYPE" && !d->structure().hasLinetype(text)) return RTERROR;
-  if (key == u"TEXTSTYLE" && !d->structure().tableEntry(cad::Type::style, text)) return RTERROR;
-  return d->header().setText("$" + platform::narrow(key), text) ? RTNORM : RTERROR;
-}
+// --- symbols -------------------------------------------------------------------------------------
 
 int acedGetSym(std::u16string_view name, resbuf** chain) {
   const auto& symbols = Session::instance().symbols;

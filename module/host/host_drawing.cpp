@@ -185,4 +185,9 @@ bool readTextVariable(std::u16string_view name, std::u16string& text) {
   return true;
 }
 
+bool inpIsFull() {
+  std::u16string mode;
+  return readTextVariable(u"VSINPMODE", mode) && platform::equalNoCase(mode, u"FULL");
+}
+
 }  // namespace vessora

@@ -123,6 +123,9 @@ int RewritePolyline(const AcGePoint3dArray& points, AcDb3dPolyline* polyline, in
 bool FindTextStyle(std::u16string_view name, AcDbObjectId& id);
 // A host variable that holds a text. False when there is none of the name or it holds none.
 bool readTextVariable(std::u16string_view name, std::u16string& text);
+// Whether INP files and results go in full: the host's variable VSINPMODE says FULL now. Where the
+// host has none, or it says anything else, they go the classic way.
+bool inpIsFull();
 
 // Points that coincide within `tolerance` per axis, strictly.
 inline bool samePoint(const AcGePoint3d& a, const AcGePoint3d& b, double tolerance = 0.001) {

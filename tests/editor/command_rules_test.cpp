@@ -51,6 +51,42 @@ TEST_F(CommandTest, VariablesOfEachKind) {
   EXPECT_EQ(get(u"CLAYER", RTSTR) + get(u"VSINPMODE", RTSTR), "reteALTRO");
 }
 
+TEST_F(CommandTest, SetvarTakesWhatIsAValueAndSaysWhatIsNot) {
+  run(u"setvar", {u"vsinpmode", u"altro", u"full"});
+  EXPECT_EQ(ui.complaints, (std::vector<std::u16string>{u"Valori possibili: CLASSIC, FULL."}));
+  EXPECT_EQ(ui.prompts.back().text, u"\nNuovo valore per VSINPMODE [CLASSIC/FULL] <CLASSIC>: ");
+  EXPECT_EQ(get(u"VSINPMODE", RTSTR), "FULL") << "in the spelling of the table";
+  run(u"SETVAR", {u"VSINPMODE", u"<invio>"});
+  EXPECT_EQ(get(u"VSINPMODE", RTSTR), "FULL");
+  run(u"SETVAR", {u"manca", u"filedia", u"x", u"0.5", u"-1", u"2", u"nan", u"0"});
+  EXPECT_EQ(ui.complaints.size(), 6U);
+  EXPECT_EQ(ui.complaints.back(), u"Serve un numero intero da 0 a 1.");
+  EXPECT_EQ(get(u"FILEDIA", RTSHORT), "0");
+  EXPECT_EQ(run(u"SETVAR", {u"acadver"}), u"\nACADVER = 23.2s (sola lettura)");
+  // Of the drawing: what it checks is checked, what is not for users is shown, and undo reaches it.
+  EXPECT_NE(run(u"SETVAR", {u"handseed"}).find(u"(sola lettura)"), std::u16string::npos);
+  run(u"SETVAR", {u"clayer", u"manca", u"<esc>"});
+  EXPECT_EQ(ui.complaints.size(), 1U);
+  const std::string before = get(u"LTSCALE", RTSTR);
+  run(u"SETVAR", {u"ltscale", u"2.5"});
+  EXPECT_EQ(get(u"LTSCALE", RTREAL), "2.5");
+  run(u"U");
+  EXPECT_EQ(get(u"LTSCALE", RTSTR), before);
+  EXPECT_EQ(get(u"FILEDIA", RTSHORT), "0") << "what is the session's is not undone";
+  // The list: all, some, none.
+  const auto lines = [&](const char16_t* pattern) {
+    const std::u16string text = run(u"SETVAR", {u"?", pattern});
+    return std::count(text.begin(), text.end(), u'\n');
+  };
+  EXPECT_GT(lines(u"<invio>"), 5);
+  EXPECT_EQ(lines(u"dwg*"), 2);
+  EXPECT_EQ(lines(u"VSINPMODE"), 1);
+  EXPECT_EQ(run(u"SETVAR", {u"?", u"VSINP"}), u"\nNessuna variabile ha questo nome.");
+  session.closeDrawing();
+  run(u"SETVAR", {u"OSMODE", u"7"});
+  EXPECT_EQ(get(u"OSMODE", RTSHORT), "7") << "without a drawing too";
+}
+
 TEST_F(CommandTest, LayersAreListedAndMade) {
   for (const Texts& answers : {Texts{u"nuovo", u"B"},
                                {u"congela", u"b"},

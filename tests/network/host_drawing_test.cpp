@@ -98,6 +98,14 @@ TEST_F(HostDrawing, ClearingTakesOneApplicationOnly) {
   EXPECT_FALSE(FindTextStyle(u"Standard2", style));
   std::u16string value;
   EXPECT_FALSE(readTextVariable(u"NO-SUCH-VARIABLE", value));
+  auto& variables = cad::Session::instance().variables;
+  EXPECT_FALSE(inpIsFull()) << "until somebody says so";
+  for (const auto& [mode, full] :
+       {std::pair{u"FULL", true}, {u"full", true}, {u"CLASSIC", false}, {u"", false}}) {
+    variables[u"VSINPMODE"] = mode;
+    EXPECT_EQ(inpIsFull(), full) << platform::narrow(mode);
+  }
+  variables.clear();
 }
 
 }  // namespace
