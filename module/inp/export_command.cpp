@@ -7,6 +7,7 @@
 #include "module/host/tell.h"
 #include "module/inp/collection.h"
 #include "module/inp/csv_writer.h"
+#include "module/inp/full_export.h"
 #include "module/inp/inp_export.h"
 #include "module/inp/inp_jobs.h"
 #include "module/inp/inp_writer.h"
@@ -28,7 +29,26 @@ EpaSettings settingsOf(std::u16string_view network) {
   return settings;
 }
 
+// The listing is the classic one: it shows what is drawn.
+void exportFull(const ExportRequest& request, ExportResult& result) {
+  const auto text = fullText(request, result);
+  if (!text) {
+    result.stopped = true;
+    return;
+  }
+  const auto saved = platform::writeFile(platform::nativePath(request.path), *text);
+  result.written = static_cast<bool>(saved);
+  if (!saved) result.notices.push_back({NoticeCode::fileNotWritten, std::u16string(request.path)});
+  if (!result.written || request.csvPath.empty()) return;
+  EpaNetwork network;
+  Notices unheard;
+  CollectNetwork(request.network, network, unheard);
+  result.listed =
+      WriteNetworkCsv(request.csvPath, network, settingsOf(request.network), result.notices) == 1;
+}
+
 void exportReal(const ExportRequest& request, ExportResult& result) {
+  if (inpIsFull()) return exportFull(request, result);
   acdbRegApp(app::kSettings);
   const EpaSettings settings = settingsOf(request.network);
   EpaNetwork network;
@@ -67,7 +87,7 @@ ExportResult exportNetwork(const ExportRequest& request) {
 std::int64_t writeInpOf(std::u16string_view path, std::u16string_view network) {
   if (!acdbHostApplicationServices()->workingDatabase()) return 0;
   ExportResult result;
-  exportReal({network, path, {}, 0}, result);
+  exportReal({.network = network, .path = path, .csvPath = {}}, result);
   tell(result.notices);
   return result.written ? 1 : 0;
 }

@@ -258,6 +258,8 @@ std::vector<ChangedSetting> changedSettings(const FullForm& form, const EpaSetti
   return changes;
 }
 
+namespace {
+
 std::vector<ChangedSetting> allSettings(const EpaSettings& drawn) {
   std::vector<ChangedSetting> all;
   all.push_back({Option::units, {}, "LPS"});
@@ -277,6 +279,18 @@ std::vector<ChangedSetting> allSettings(const EpaSettings& drawn) {
     all.push_back({own.option, {}, timeText(secondsOf(drawn.*own.field))});
   }
   return all;
+}
+
+}  // namespace
+
+std::string settingRows(const EpaSettings& drawn, Section section) {
+  std::string rows;
+  for (const ChangedSetting& setting : allSettings(drawn)) {
+    const Row row = rowOf(setting.option);
+    if (row.section != section) continue;
+    rows += " " + std::string(row.name) + "\t" + setting.now + "\n";
+  }
+  return rows;
 }
 
 void writeSettings(const epanet::Network& network, const std::vector<ChangedSetting>& changes,

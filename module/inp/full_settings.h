@@ -22,8 +22,8 @@ struct ChangedSetting {
   bool operator==(const ChangedSetting&) const = default;
 };
 std::vector<ChangedSetting> changedSettings(const FullForm& form, const EpaSettings& drawn);
-// All of them, as a file without any says them.
-std::vector<ChangedSetting> allSettings(const EpaSettings& drawn);
+// All of them that stand in a section, as rows of a file.
+std::string settingRows(const EpaSettings& drawn, epanet::Section section);
 
 // Puts changed options into the row that decides, or into a new row of their section.
 void writeSettings(const epanet::Network& network, const std::vector<ChangedSetting>& changes,

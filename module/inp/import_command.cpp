@@ -3,7 +3,6 @@
 #include <algorithm>
 
 #include "module/dialogs/inp_files.h"
-#include "module/host/inp_mode.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/host/tell.h"

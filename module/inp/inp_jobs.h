@@ -3,10 +3,12 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
+#include "epanet/convert.h"
 #include "epanet/problem.h"
 #include "module/host/notices.h"
 #include "module/network/network_info.h"
@@ -58,11 +60,18 @@ struct ExportRequest {
   std::u16string_view path;     // of the INP file
   std::u16string_view csvPath;  // of the listing; empty: none. A schematic network has none.
   int formula = 0;              // of a schematic network: 0 "D-W", 1 "H-W", 2 "M-C"
+  // In full alone: from what is drawn, without the kept text; all that is drawn written anew into
+  // the kept text; in other flow units, for a release of the solver.
+  bool withoutText = false;
+  bool rewrite = false;
+  std::optional<epanet::FlowUnits> units = {};
+  epanet::SolverVersion solver = epanet::SolverVersion::v23;
 };
 struct ExportResult {
   bool written = false;
-  bool listed = false;   // the listing has been written
-  bool stopped = false;  // the drawing has a fault that the user has to mend first
+  bool listed = false;                  // the listing has been written
+  bool stopped = false;                 // the drawing has a fault that the user has to mend first
+  std::vector<epanet::Remark> remarks;  // on values in other units
   Notices notices;
 };
 

@@ -1,0 +1,129 @@
+#include "module/inp/full_export.h"
+
+#include "module/inp/full_rows.h"
+#include "module/network/settings_store.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace vessora {
+namespace {
+
+using epanet::Section;
+
+// A file that has everything but elements: rows go to the end of their sections.
+std::string emptyFile(std::u16string_view network) {
+  EpaSettings settings;
+  LoadSettings(settings, network);
+  const std::string name = platform::narrow(network);
+  std::string text = "[TITLE]\n" + name + "\n";
+  constexpr struct {
+    Section section;
+    const char* columns;
+  } kSections[] = {
+      {Section::junctions, ";ID              Elev            Demand          Pattern"},
+      {Section::reservoirs, ";ID              Head            Pattern"},
+      {Section::tanks,
+       ";ID              Elevation       InitLevel       MinLevel        MaxLevel        Diameter  "
+       "      MinVol          VolCurve"},
+      {Section::pipes,
+       ";ID              Node1           Node2           Length          Diameter        Roughness "
+       "      MinorLoss       Status"},
+      {Section::pumps, ";ID              Node1           Node2           Parameters"},
+      {Section::valves,
+       ";ID              Node1           Node2           Diameter        Type            Setting   "
+       "      MinorLoss"},
+      {Section::status, ";ID              Status/Setting"},
+      {Section::emitters, ";Junction        Coefficient"},
+      {Section::patterns, ";ID              Multipliers"},
+      {Section::curves, ";ID              X-Value         Y-Value"},
+      {Section::energy, nullptr},
+      {Section::reactions, nullptr},
+      {Section::times, nullptr},
+      {Section::options, nullptr},
+      {Section::report, " Status\tNo\n Summary\tNo\n Nodes\tAll\n Links\tAll"},
+      {Section::coordinates, ";Node            X-Coord         Y-Coord"},
+      {Section::vertices, ";Link            X-Coord         Y-Coord"},
+      {Section::end, nullptr},
+  };
+  for (const auto& own : kSections) {
+    text += "\n";
+    text += headingOf(own.section);
+    text += "\n";
+    if (own.columns) (text += own.columns) += "\n";
+    text += settingRows(settings, own.section);
+  }
+  return text;
+}
+
+// The units in which values are written: those of the text, under the formula and the exponent that
+// the drawing has now.
+epanet::Units unitsNow(const epanet::Network& network, const Comparison& comparison) {
+  epanet::Units units = epanet::unitsOf(network);
+  for (const ChangedSetting& change : comparison.settings) {
+    if (change.option == epanet::Option::headloss) {
+      units.formula = change.now == "D-W"   ? epanet::Formula::darcyWeisbach
+                      : change.now == "C-M" ? epanet::Formula::chezyManning
+                                            : epanet::Formula::hazenWilliams;
+    }
+    if (change.option == epanet::Option::emitterExponent) {
+      units.emitterExponent = platform::wtof(change.now);
+    }
+  }
+  return units;
+}
+
+// Whether an option that was changed gives roughness or emitters other numbers for what is drawn.
+bool meaningsChange(const epanet::Units& was, const epanet::Units& now) {
+  const epanet::Conversion before(was, epanet::drawingUnits(was));
+  const epanet::Conversion after(now, epanet::drawingUnits(now));
+  for (const auto quantity : {epanet::Quantity::roughness, epanet::Quantity::emitter}) {
+    if (before.factor(quantity) != after.factor(quantity)) return true;
+  }
+  return false;
+}
+
+}  // namespace
+
+std::unique_ptr<KeptFile> keptFile(std::u16string_view network, bool withoutText,
+                                   Notices& notices) {
+  KeptText kept;
+  const KeptState state = withoutText ? KeptState::none : loadKeptText(network, kept);
+  if (state == KeptState::lost || state == KeptState::damaged) {
+    notices.push_back({NoticeCode::keptTextLost, std::u16string(network)});
+    return nullptr;
+  }
+  return std::make_unique<KeptFile>(state == KeptState::whole ? std::move(kept.bytes)
+                                                              : emptyFile(network));
+}
+
+std::optional<std::string> fullText(const ExportRequest& request, ExportResult& result) {
+  const auto kept = keptFile(request.network, request.withoutText, result.notices);
+  if (!kept) return std::nullopt;
+  Comparison comparison = compareNetwork(request.network, kept->network, request.rewrite);
+  if (comparison.drawn == 0) {
+    result.notices.push_back({NoticeCode::nothingLeft, std::u16string(request.network)});
+    return std::nullopt;
+  }
+  const epanet::Units units = unitsNow(kept->network, comparison);
+  if (!request.rewrite && meaningsChange(epanet::unitsOf(kept->network), units)) {
+    comparison = compareNetwork(request.network, kept->network, true);
+  }
+  std::string text;
+  {
+    epanet::Editor editor(kept->document);
+    FullRows rows(request.network, kept->network, kept->record, units, editor, result.notices);
+    rows.write(comparison);
+    result.notices.insert(result.notices.end(), comparison.notices.begin(),
+                          comparison.notices.end());
+    if (editor.empty() && !request.units) return kept->document.text();
+    text = editor.apply().text;
+  }
+  if (!request.units) return text;
+  const KeptFile now(std::move(text));
+  epanet::Converted converted =
+      epanet::convert(now.document, now.network, now.record, *request.units, request.solver);
+  result.remarks = std::move(converted.remarks);
+  return std::move(converted.edit.text);
+}
+
+}  // namespace vessora
