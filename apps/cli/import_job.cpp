@@ -1,5 +1,6 @@
 // An INP file into a drawing. What a drawing should not get is refused before anything is drawn.
 #include "apps/cli/host.h"
+#include "apps/cli/inp_words.h"
 #include "apps/cli/jobs.h"
 #include "apps/cli/outputs.h"
 #include "cad/drawing/drawing.h"
@@ -115,6 +116,7 @@ int importNetwork(const ImportOptions& o) {
     Progress progress(words("Salvataggio", "Saving"));
     if (auto saved = saveDrawing(o.out); !saved) return fail(saved.error());
   }
+  warn(o.inp, found.problems, found.utf8);
   warn(result.reading);
   for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
   say(platform::narrow(found.name) + ": " + describe(job->network(found.name).counts));

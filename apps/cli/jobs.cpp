@@ -1,8 +1,10 @@
 #include "apps/cli/jobs.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "apps/cli/host.h"
+#include "apps/cli/inp_words.h"
 #include "apps/cli/outputs.h"
 #include "cad/ui/script_frontend.h"
 #include "platform/files.h"
@@ -12,45 +14,6 @@ namespace cli {
 namespace {
 
 using platform::narrow;
-
-std::string jsonText(const std::u16string& text) {
-  std::string out = "\"";
-  for (const char c : narrow(text)) {
-    if (c == '"' || c == '\\') {
-      (out += '\\') += c;
-    } else if (static_cast<unsigned char>(c) < 32 || c == 127) {
-      char escape[8];
-      std::snprintf(escape, sizeof escape, "\\u%04x", c);
-      out += escape;
-    } else {
-      out += c;
-    }
-  }
-  return out + "\"";
-}
-
-std::string resultsOf(const vessora::NetworkInfo& n) {
-  if (!n.hasResults) return words("nessun risultato", "no results");
-  return words("risultati", "results") +
-         (n.period.empty() ? "" : words(" del periodo ", " of period ") + narrow(n.period));
-}
-
-void showJson(const std::vector<vessora::NetworkInfo>& networks) {
-  std::printf("{\"networks\": [");
-  const char* separator = "";
-  for (const vessora::NetworkInfo& n : networks) {
-    const vessora::ElementCounts& c = n.counts;
-    std::printf(
-        "%s\n  {\"name\": %s, \"default\": %s, \"junctions\": %d, \"reservoirs\": %d, "
-        "\"tanks\": %d, \"pipes\": %d, \"pumps\": %d, \"valves\": %d, \"results\": %s, "
-        "\"period\": %s}",
-        separator, jsonText(n.name).c_str(), n.isDefault ? "true" : "false", c.junctions,
-        c.reservoirs, c.tanks, c.pipes, c.pumps, c.valves, n.hasResults ? "true" : "false",
-        n.hasResults ? jsonText(n.period).c_str() : "null");
-    separator = ",";
-  }
-  std::printf("%s]}\n", networks.empty() ? "" : "\n");
-}
 
 // Where the listing goes, if one is wanted, or why nothing can be written.
 platform::Result<std::string> listingOf(const ExportOptions& o) {
@@ -70,7 +33,34 @@ platform::Result<std::string> listingOf(const ExportOptions& o) {
   return csv;
 }
 
+// The release of the solver by its number.
+epanet::SolverVersion solverVersion(const std::string& name) {
+  return name.starts_with("2.0")   ? epanet::SolverVersion::v20
+         : name.starts_with("2.2") ? epanet::SolverVersion::v22
+                                   : epanet::SolverVersion::v23;
+}
+
+vessora::ExportRequest requestOf(const ExportOptions& o, const std::u16string& network,
+                                 const std::u16string& path, const std::u16string& csvPath) {
+  vessora::ExportRequest request{.network = network, .path = path, .csvPath = csvPath};
+  request.withoutText = o.withoutText;
+  request.rewrite = o.rewrite;
+  request.solver = solverVersion(o.solver);
+  const std::vector<std::string> names = flowUnitNames();
+  const auto unit = std::find(names.begin(), names.end(), o.units);
+  if (unit != names.end()) request.units = static_cast<epanet::FlowUnits>(unit - names.begin());
+  return request;
+}
+
 }  // namespace
+
+std::vector<std::string> flowUnitNames() {
+  std::vector<std::string> names;
+  for (int i = 0; i <= static_cast<int>(epanet::FlowUnits::cms); ++i) {
+    names.emplace_back(epanet::wordOf(static_cast<epanet::FlowUnits>(i)));
+  }
+  return names;
+}
 
 int exportNetwork(const ExportOptions& o) {
   const auto csv = listingOf(o);
@@ -88,7 +78,7 @@ int exportNetwork(const ExportOptions& o) {
   vessora::ExportResult result;
   {
     const Progress progress(words("Esportazione", "Exporting"));
-    result = job->exportNetwork({picked.name, path, csvPath, 0});
+    result = job->exportNetwork(requestOf(o, picked.name, path, csvPath));
   }
   if (!result.written || (o.csv && !result.listed && !result.notices.empty())) {
     const bool known = !result.notices.empty();
@@ -96,24 +86,9 @@ int exportNetwork(const ExportOptions& o) {
                 (known ? describe(result.notices.back()) : words("non scritto", "not written")));
   }
   warn(result.notices);
+  for (const epanet::Remark& remark : result.remarks) warn(describe(remark));
   if (o.csv && !result.listed) {
     warn(words("una rete schematica non ha file CSV", "a schematic network has no CSV file"));
-  }
-  return 0;
-}
-
-int showInfo(const std::string& drawing, bool json) {
-  JobSpan job;
-  if (auto opened = job.open(drawing); !opened) return fail(opened.error());
-  const std::vector<vessora::NetworkInfo> networks = job->networks();
-  if (json) {
-    showJson(networks);
-    return 0;
-  }
-  if (networks.empty()) say(words("nessuna rete", "no network"));
-  for (const vessora::NetworkInfo& n : networks) {
-    say(narrow(n.name) + (n.isDefault ? words(" (predefinita)", " (default)") : "") + ": " +
-        describe(n.counts) + "; " + resultsOf(n));
   }
   return 0;
 }

@@ -19,8 +19,13 @@ struct ExportOptions {
   std::string drawing, out, network;
   bool csv = false;
   InpMode mode = InpMode::full;
+  // In full alone.
+  std::string units, solver;
+  bool withoutText = false, rewrite = false;
 };
 int exportNetwork(const ExportOptions& options);
+// The words of flow units, as INP files have them.
+std::vector<std::string> flowUnitNames();
 
 struct ResultsOptions {
   std::string drawing, report, out, network, period;
@@ -30,7 +35,10 @@ struct ResultsOptions {
 // Without `out` the drawing is saved in place.
 int importResults(const ResultsOptions& options);
 
-int showInfo(const std::string& drawing, bool json);
+// Of a drawing, or of an input file by its extension.
+int showInfo(const std::string& path, bool json);
+// A text as JSON has it, quotes included.
+std::string jsonText(const std::string& text);
 
 struct RunOptions {
   std::string drawing, script, out;

@@ -53,6 +53,22 @@ int main(int argc, char** argv) {
                       "network (else the default one, or the only one)"));
   c->add_flag("--csv", exporting.csv,
               words("scrive anche il file CSV accanto", "write the CSV file beside it too"));
+  c->add_option("--units", exporting.units,
+                words("unità di portata del file: CFS, GPM, MGD, IMGD, AFD, LPS, LPM, MLD, CMH, "
+                      "CMD, CMS (altrimenti le sue)",
+                      "the file's flow units: CFS, GPM, MGD, IMGD, AFD, LPS, LPM, MLD, CMH, CMD, "
+                      "CMS (else its own)"))
+      ->transform(CLI::IsMember(cli::flowUnitNames(), CLI::ignore_case));
+  c->add_option("--for", exporting.solver,
+                words("versione di EPANET che userà il file: 2.0, 2.2 o 2.3 (con --units)",
+                      "release of EPANET that will run the file: 2.0, 2.2 or 2.3 (with --units)"))
+      ->check(CLI::IsMember({"2.0", "2.0.12", "2.2", "2.3", "2.3.5"}));
+  c->add_flag("--without-text", exporting.withoutText,
+              words("scrive ciò che è disegnato, senza il testo conservato del file",
+                    "write what is drawn, without the kept text of the file"));
+  c->add_flag("--rewrite", exporting.rewrite,
+              words("riscrive nel testo conservato tutto ciò che è disegnato",
+                    "write all that is drawn anew into the kept text"));
   addClassic(*c, exporting.mode);
   c->callback([&] { status = cli::exportNetwork(exporting); });
 
@@ -88,8 +104,10 @@ int main(int argc, char** argv) {
   std::string infoDrawing;
   bool json = false;
   c = app.add_subcommand("info",
-                         words("elenca le reti di un disegno", "list the networks of a drawing"));
-  c->add_option("DRAWING", infoDrawing, words("disegno DXF", "DXF drawing"))->required();
+                         words("elenca le reti di un disegno, o dice che cosa c'è in un file INP",
+                               "list the networks of a drawing, or tell what an INP file holds"));
+  c->add_option("FILE", infoDrawing, words("disegno DXF o file INP", "DXF drawing or INP file"))
+      ->required();
   c->add_flag("--json", json, words("in forma JSON", "as JSON"));
   c->callback([&] { status = cli::showInfo(infoDrawing, json); });
 

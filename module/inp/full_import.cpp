@@ -144,6 +144,7 @@ class Drawing {
 void examineFullFile(const FullFile& file, InpFindings& found) {
   const epanet::Network& n = file.network;
   found.full = true;
+  found.utf8 = file.document.isUtf8();
   found.problems = n.problems;
   for (const epanet::Node& node : n.nodes) {
     ++(node.kind == NodeKind::junction    ? found.counts.junctions

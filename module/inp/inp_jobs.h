@@ -31,6 +31,7 @@ struct InpFindings {
   bool outOfProportion = false;
   // Read in full: what the solver would say of the file, and what it would pass over.
   bool full = false;
+  bool utf8 = true;  // the encoding of the file's words
   std::vector<epanet::Problem> problems;
   // The name as that of layers.
   char16_t unusable = 0;         // a character that no layer can bear; 0: there is none
