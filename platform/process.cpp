@@ -60,8 +60,9 @@ struct Pipe {
   }
 };
 
-// While it lives no signal of this thread is taken: one that came between the birth of a process
-// and its entry among those that end with us would leave it behind.
+// While it lives this thread takes no signal: one that came between the birth of a process and its
+// entry among those that end with us would leave it behind, and one that the new process took
+// would run our handlers there.
 class SignalPause {
  public:
   SignalPause() {

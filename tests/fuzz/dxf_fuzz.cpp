@@ -41,8 +41,11 @@ void look(cad::Drawing& d, std::uint32_t record) {
     static_cast<AcDb3dPolyline*>(object)->getEndPoint(point);
   }
   if (object->isKindOf(AcDbPolyline::desc())) static_cast<AcDbPolyline*>(object)->vertices();
-  if (object->isKindOf(AcDbXrecord::desc()))
+  if (object->isKindOf(AcDbXrecord::desc())) {
+    std::string bytes;
     acutRelRb(static_cast<AcDbXrecord*>(object)->rbChain());
+    acutRelRb(static_cast<AcDbXrecord*>(object)->rbChain(bytes));
+  }
   if (object->isKindOf(AcDbDictionary::desc())) {
     AcDbObjectId id;
     static_cast<AcDbDictionary*>(object)->getAt(u"ACAD_GROUP", id);
