@@ -3,6 +3,7 @@
 #include <cstdio>
 #include <functional>
 
+#include "epanet/output.h"
 #include "epanet/report.h"
 #include "epanet/result_units.h"
 
@@ -117,7 +118,8 @@ std::string convertToDrawing(PeriodValues& values) {
 // --- opening -------------------------------------------------------------------------------------
 
 OpenedResults openResults(std::string bytes) {
-  return {std::make_shared<Report>(std::move(bytes))};
+  if (!Output::looksLikeOne(bytes)) return {std::make_shared<Report>(std::move(bytes))};
+  return Output::open(std::move(bytes));
 }
 
 }  // namespace epanet
