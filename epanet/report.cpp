@@ -148,6 +148,11 @@ Report::Report(std::string bytes) : bytes_(std::move(bytes)) {
   utf8_ = platform::isValidUtf8(bytes_);
 }
 
+bool Report::hasEmblem() const {
+  constexpr std::size_t kBeginning = 4096;
+  return std::string_view(bytes_).substr(0, kBeginning).find("E P A N E T") != kNone;
+}
+
 // --- values --------------------------------------------------------------------------------------
 
 namespace {

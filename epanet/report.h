@@ -65,6 +65,8 @@ class Report final : public Results {
   PeriodValues values(std::size_t k) const override;
   bool isCut() const override { return cut_; }
   bool isUtf8() const override { return utf8_; }
+  // Whether the solver's emblem stands at its beginning: other texts have no tables either.
+  bool hasEmblem() const;
 
   // The heads of a period's tables, for what else they have; null when it has no such table.
   const ReportHead* nodeHead(std::size_t k) const { return headOf(2 * k); }

@@ -21,6 +21,23 @@ enum class NoticeCode {
   pipeWithoutName,
   reportUnreadable,   // the report (subject: path)
   reportWithoutRows,  // it has no rows of nodes or none of links for the period
+
+  // What keeps results in full from being taken, or should be known of them.
+  notResults,            // the file is neither a report nor a binary results file
+  reportWithoutTables,   // nobody asked the solver for tables
+  runFailed,             // there are none because of an error (subject)
+  reportColumnsMissing,  // lines (subject) that would ask for them
+  reportUnitUnknown,     // a unit (subject) that cannot be converted
+  reportForeign,         // it knows no element of the network (subject)
+  reportCut,             // it ends in the middle of a table
+  reportRowsDoubtful,    // lines (subject) that can be read in several ways
+  resultsEndEarly,       // a later period is missing
+  outputTooShort,        // a binary file that ends before its first period does
+  outputCountsWrong,     // its counts contradict each other
+  outputUnitsUnknown,    // it has units of no version
+  outputLinksWrong,      // its links end nowhere
+  outputSizeWrong,       // its periods do not fill it
+
   tableStyleMissing,  // no table can be made
   tableNotDrawn,      // one could not (subject: the reason of the host)
 

@@ -1,20 +1,23 @@
 #include "module/results/result_import.h"
 
+#include <optional>
 #include <string>
+#include <utility>
 
 #include "module/dialogs/rpt_files.h"
+#include "module/host/inp_mode.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/host/tell.h"
 #include "module/host/translate.h"
+#include "module/host/warnings.h"
 #include "module/network/element_data.h"
 #include "module/network/settings_store.h"
+#include "module/results/full_results.h"
 #include "module/results/route.h"
 #include "platform/text.h"
 
 namespace vessora {
-
-namespace {
 
 // --- rows onto elements --------------------------------------------------------------------------
 
@@ -23,6 +26,22 @@ Chain periodData(std::u16string_view time) {
   data.text(time);
   return data.take();
 }
+
+bool removeResults(AcDbEntity& entity, const char16_t* results) {
+  const bool had = static_cast<bool>(Chain(entity.xData(results)));
+  if (had) ClearXData(&entity, results);
+  if (Chain(entity.xData(app::kPeriod))) ClearXData(&entity, app::kPeriod);
+  return had;
+}
+
+std::u16string countingName(AcDbBlockReference& block) {
+  const Chain data(block.xData(app::kImport));
+  std::u16string name(data.text(1));
+  if (name.empty()) ReadAttribute(&block, schema::kIdTag, name);
+  return name;
+}
+
+namespace {
 
 // Rows by element name, and the period that goes with them.
 template <class List>
@@ -48,15 +67,6 @@ class ResultSource {
   Chain period_;
 };
 
-// An entity that has nothing to lose is not touched: it would count as changed. Whether it had
-// results.
-bool removeResults(AcDbEntity& entity, const char16_t* results) {
-  const bool had = static_cast<bool>(Chain(entity.xData(results)));
-  if (had) ClearXData(&entity, results);
-  if (Chain(entity.xData(app::kPeriod))) ClearXData(&entity, app::kPeriod);
-  return had;
-}
-
 template <class List>
 bool writeToBlock(AcDbBlockReference& block, const ResultSource<List>& source, Notices& notices) {
   std::u16string name;
@@ -72,18 +82,6 @@ bool writeToPipe(AcDb3dPolyline& pipe, const ResultSource<LinkResultList>& sourc
     if (row.status.empty()) row.status = textAt(data, schema::kPipe.data, schema::Field::status);
   }
   return source.write(pipe, row);
-}
-
-// Lets `act` have each entity of this class that passes the filter, open for write; of how many it
-// said yes.
-template <class Entity, class Act>
-int forEachOf(resbuf* filter, Act act) {
-  int count = 0;
-  for (const AcDbObjectId id : SelectionSet(u"_X", filter)) {
-    const Opened<Entity> entity(id, AcDb::kForWrite);
-    if (entity && act(*entity)) ++count;
-  }
-  return count;
 }
 
 template <class List>
@@ -148,30 +146,37 @@ void ErasePiezometricLine(std::u16string_view network) {
 struct PeriodRows {
   NodeResultList nodes;
   LinkResultList links;
-  std::u16string time;     // empty for the only period
-  bool endsInFull = true;  // the report's last line has an end
+  std::u16string time;             // empty for the only period
+  bool endsInFull = true;          // the report's last line has an end
+  std::optional<FullPeriod> full;  // in place of all that
 
-  bool isWhole() const { return !nodes.empty() && !links.empty(); }
+  bool isWhole() const { return full ? full->hasRows() : !nodes.empty() && !links.empty(); }
 };
 
-Report openReport(std::u16string_view path) { return RptText::load(path); }
+Report openReport(std::u16string_view path) {
+  return inpIsFull() ? Report(FullReport::load(path)) : Report(RptText::load(path));
+}
 
 ReportPeriods periodsOf(const Report& report) {
+  if (report.full()) return report.full()->periods();
   ReportPeriods periods;
-  NodeResultList nodes;
-  LinkResultList links;
-  periods.readable = report != nullptr;
-  periods.several = isMultiPeriod(report, periods.lowerCaseHrs);
-  if (periods.several) ListRptTimeSteps(report, periods.times);
+  periods.readable = static_cast<bool>(report);
+  periods.several = isMultiPeriod(report.text(), periods.lowerCaseHrs);
+  if (periods.several) ListRptTimeSteps(report.text(), periods.times);
   return periods;
 }
 
 ReportRows rowsOf(const Report& report, std::u16string_view time, bool lowerCaseHrs) {
   auto rows = std::make_shared<PeriodRows>();
+  if (report.full()) {
+    rows->full.emplace(report.full(), time);
+    return rows;
+  }
+  const RptFile& text = report.text();
   rows->time = time;
-  if (report) rows->endsInFull = report->endsInFull();
-  if (ReadRpt(report, rows->nodes, rows->links) == kRptMultiPeriod) {
-    ReadRptPeriod(report, rows->nodes, rows->links, time, lowerCaseHrs);
+  if (text) rows->endsInFull = text->endsInFull();
+  if (ReadRpt(text, rows->nodes, rows->links) == kRptMultiPeriod) {
+    ReadRptPeriod(text, rows->nodes, rows->links, time, lowerCaseHrs);
   }
   return rows;
 }
@@ -193,12 +198,7 @@ class RowCheck {
   void checkBlocks(resbuf* filter, const RptRowList& rows) {
     for (const AcDbObjectId id : SelectionSet(u"_X", filter)) {
       const Opened<AcDbBlockReference> block(id);
-      if (!block) continue;
-      // The name that counts, without a word about a difference.
-      const Chain data(block->xData(app::kImport));
-      std::u16string name(data.text(1));
-      if (name.empty()) ReadAttribute(block.get(), schema::kIdTag, name);
-      check(rows, name);
+      if (block) check(rows, countingName(*block));
     }
   }
 
@@ -209,6 +209,7 @@ class RowCheck {
 }  // namespace
 
 ReportFindings examineResults(const ReportRows& rows, std::u16string_view network) {
+  if (rows->full) return rows->full->examine(network);
   ReportFindings found;
   found.hasRows = rows->isWhole();
   if (!found.hasRows) return found;
@@ -228,12 +229,17 @@ ReportFindings examineResults(const ReportRows& rows, std::u16string_view networ
 ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) {
   for (const char16_t* name : {app::kNodeResult, app::kLinkResult, app::kPeriod}) acdbRegApp(name);
   const NetworkLayers layers(network);
-  const std::u16string_view time = rows ? rows->time : std::u16string_view();
-  const LinkResultList* const links = rows ? &rows->links : nullptr;
   ResultCounts counts;
-  counts.nodes = WriteNodeResults(layers, rows ? &rows->nodes : nullptr, time, counts.nodeNotices);
-  counts.pipes = WritePipeResults(layers, links, time);
-  counts.valvesAndPumps = WriteValvePumpResults(layers, links, time, counts.linkNotices);
+  if (rows && rows->full) {
+    counts = rows->full->write(network);
+  } else {
+    const std::u16string_view time = rows ? rows->time : std::u16string_view();
+    const LinkResultList* const links = rows ? &rows->links : nullptr;
+    counts.nodes =
+        WriteNodeResults(layers, rows ? &rows->nodes : nullptr, time, counts.nodeNotices);
+    counts.pipes = WritePipeResults(layers, links, time);
+    counts.valvesAndPumps = WriteValvePumpResults(layers, links, time, counts.linkNotices);
+  }
   ResetLinkColors(layers);
   ErasePiezometricLine(network);
   return counts;
@@ -283,14 +289,22 @@ bool askForReport(Request& request) {
   return true;
 }
 
+// Results that cannot be taken: the command's own words, and the reasons for who asks for them.
+ReportRows refuse(Notices reasons) {
+  warn(std::move(reasons));
+  tell({{NoticeCode::reportWithoutRows}});
+  return nullptr;
+}
+
 // The rows that are to be written; null when there are none, which the user has been told.
-ReportRows askForRows(const std::u16string& path) {
+ReportRows askForRows(const std::u16string& path, std::u16string_view network) {
   const Report report = openReport(path);
   if (!report) {
     tell({{NoticeCode::reportUnreadable, path}});
     return nullptr;
   }
   const ReportPeriods periods = periodsOf(report);
+  if (!periods.faults.empty()) return refuse(periods.faults);
   std::u16string time;
   if (periods.several) {
     DlgRptMult dialog(periods.times);
@@ -301,9 +315,12 @@ ReportRows askForRows(const std::u16string& path) {
     time = dialog.period();
   }
   ReportRows rows = rowsOf(report, time, rptRoute.lowerCaseHrs);
-  if (rows->isWhole()) return rows;
-  tell({{NoticeCode::reportWithoutRows}});
-  return nullptr;
+  if (!rows->isWhole()) return refuse({});
+  if (!rows->full) return rows;
+  ReportFindings found = rows->full->examine(network);
+  if (!found.faults.empty()) return refuse(std::move(found.faults));
+  warn(std::move(found.remarks));
+  return rows;
 }
 
 // A clear counts as nothing written.
@@ -329,7 +346,7 @@ int EpaCommands::imprpt() {
   Request request{rptRoute.path.str(), std::u16string_view(rptRoute.network)};
   if (!rptRoute.exported && !askForReport(request)) return kAbandoned;
   const bool clears = request.path.empty();
-  const ReportRows rows = clears ? nullptr : askForRows(request.path);
+  const ReportRows rows = clears ? nullptr : askForRows(request.path, request.network);
   if (!clears && !rows) return kAbandoned;
   tellResults(writeResults(rows, request.network), clears);
   if (clears) {

@@ -13,6 +13,25 @@
 
 namespace vessora {
 
+// Calls act(entity) for each entity of this class that passes the filter, open for write; of how
+// many it said yes.
+template <class Entity, class Act>
+int forEachOf(resbuf* filter, Act act) {
+  int count = 0;
+  for (const AcDbObjectId id : SelectionSet(u"_X", filter)) {
+    const Opened<Entity> entity(id, AcDb::kForWrite);
+    if (entity && act(*entity)) ++count;
+  }
+  return count;
+}
+// The list by which an element tells the period of its results.
+Chain periodData(std::u16string_view time);
+// Takes an element's results off. An entity that has nothing to lose is not touched: it would count
+// as changed. Whether it had results.
+bool removeResults(AcDbEntity& entity, const char16_t* results);
+// The name of a valve or node that counts, without a word about a difference.
+std::u16string countingName(AcDbBlockReference& block);
+
 // What writes the results. A null list removes results and periods; else the list has at least one
 // row, and each element gets its row and `time`. The answer is how many elements were given
 // results, or had some to lose.

@@ -37,6 +37,7 @@ const std::set<std::string, std::less<>> kNotTexts = {
     "Close",
     "None",
     "Closed",
+    "Active",
     "Chemical",
     "Trace",
     "Age",
