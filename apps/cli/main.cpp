@@ -73,21 +73,24 @@ int main(int argc, char** argv) {
   c->callback([&] { status = cli::exportNetwork(exporting); });
 
   cli::ResultsOptions results;
-  c = app.add_subcommand("results",
-                         words("porta i risultati di un report RPT di EPANET su una rete disegnata",
-                               "bring the results of an EPANET RPT report onto a drawn network"));
+  c = app.add_subcommand(
+      "results", words("porta i risultati di EPANET (report RPT o file OUT) su una rete disegnata",
+                       "bring the results of EPANET (an RPT report or an OUT file) onto a "
+                       "drawn network"));
   c->add_option("DRAWING", results.drawing, words("disegno DXF", "DXF drawing"))->required();
   auto* report =
       c->add_option("REPORT", results.report,
-                    words("report RPT; il suo nome sceglie la rete, se ce n'è una così",
-                          "RPT report; its name chooses the network, if there is one so named"));
+                    words("file RPT o OUT; il suo nome sceglie la rete, se ce n'è una così",
+                          "RPT or OUT file; its name chooses the network, if there is one so "
+                          "named"));
   c->add_option("-o,--output", results.out,
                 words("disegno DXF da scrivere (altrimenti lo stesso)",
                       "DXF drawing to write (else the same one)"));
   c->add_option("-n,--network", results.network, words("rete", "network"));
-  auto* period = c->add_option("--period", results.period,
-                               words("periodo da importare, come lo scrive il report",
-                                     "period to import, as the report writes it"));
+  auto* period =
+      c->add_option("--period", results.period,
+                    words("periodo da importare, come lo scrive il file; 7:00 vale 7:00:00",
+                          "period to import, as the file writes it; 7:00 is 7:00:00"));
   auto* list = c->add_flag("--list-periods", results.listPeriods,
                            words("elenca i periodi e non cambia nulla",
                                  "list the periods and change nothing"))

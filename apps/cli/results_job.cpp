@@ -1,7 +1,10 @@
 // Results of a report onto a drawing, and off it.
+#include <algorithm>
+
 #include "apps/cli/host.h"
 #include "apps/cli/jobs.h"
 #include "apps/cli/outputs.h"
+#include "epanet/results.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -31,26 +34,56 @@ int listPeriods(const vessora::ReportPeriods& periods) {
   return 0;
 }
 
+// Periods in a line: each of them, or of many the first, the last, their number and the step.
+std::string shortList(const std::vector<std::u16string>& times) {
+  constexpr std::size_t kMost = 12;
+  if (times.size() <= kMost) return listed(times);
+  const auto seconds = [&times](std::size_t i) { return epanet::secondsOf(narrow(times[i])); };
+  const std::int64_t step = seconds(1) - seconds(0);
+  bool even = true;
+  for (std::size_t i = 1; i < times.size(); ++i) even = even && seconds(i) - seconds(i - 1) == step;
+  return narrow(times.front()) + " - " + narrow(times.back()) + ", " +
+         std::to_string(times.size()) + words(" in tutto", " in all") +
+         (even && step > 0 ? words(", ogni ", ", every ") + epanet::timeText(step) : "");
+}
+
+// The period that is asked for, as the report writes it: in full "7:00" is "7:00:00" too, and the
+// only one need not be named. Empty where there is none.
+std::u16string wantedPeriod(const ResultsOptions& o, const vessora::ReportPeriods& periods) {
+  const std::u16string wanted = platform::widen(o.period);
+  const auto& times = periods.times;
+  if (std::find(times.begin(), times.end(), wanted) != times.end()) return wanted;
+  if (!periods.full) return {};
+  if (o.period.empty()) return times.size() == 1 ? times[0] : std::u16string();
+  const std::int64_t seconds = epanet::secondsOf(o.period);
+  std::u16string found;
+  for (const std::u16string& time : times) {
+    if (seconds >= 0 && epanet::secondsOf(narrow(time)) == seconds) found = time;
+  }
+  return found;
+}
+
 // Why the wanted period cannot be taken; empty when it can.
-std::string faultOfPeriod(const ResultsOptions& o, const vessora::ReportPeriods& periods) {
+std::string faultOfPeriod(const ResultsOptions& o, const vessora::ReportPeriods& periods,
+                          const std::u16string& found) {
+  if (!found.empty()) return {};
   if (!periods.several) {
     return o.period.empty() ? ""
                             : words("il report non elenca periodi; togliere --period",
                                     "the report lists no periods; leave --period out");
   }
-  const std::u16string wanted = platform::widen(o.period);
-  for (const std::u16string& time : periods.times) {
-    if (!wanted.empty() && time == wanted) return {};
-  }
-  return (wanted.empty() ? words("indicare un periodo con --period; ci sono: ",
-                                 "name a period with --period; it has: ")
-                         : words("il periodo non c'è; ci sono: ", "no such period; it has: ")) +
-         listed(periods.times);
+  return (o.period.empty() ? words("indicare un periodo con --period; ci sono: ",
+                                   "name a period with --period; it has: ")
+                           : words("il periodo non c'è; ci sono: ", "no such period; it has: ")) +
+         (periods.full ? shortList(periods.times) : listed(periods.times));
 }
 
 // Why the rows should not go onto the network; empty when they may.
 std::string faultOfRows(const vessora::ReportFindings& found, const std::u16string& network) {
   if (!found.hasRows) return describe(vessora::Notice{vessora::NoticeCode::reportWithoutRows});
+  if (found.full && found.elements > 0) {
+    return found.faults.empty() ? std::string() : describe(found.faults.front());
+  }
   if (found.elements == 0) {
     return words("la rete non ha elementi a cui dare risultati: ",
                  "the network has no element to give results to: ") +
@@ -75,24 +108,26 @@ void warnOfMissing(const vessora::ReportFindings& found) {
   if (found.missing == 0) return;
   const bool more = found.missing > static_cast<int>(found.firstMissing.size());
   warn(std::to_string(found.missing) + " " +
-       words("elementi non compaiono in questo periodo del report: i loro valori vengono da "
-             "altre righe (",
-             "elements are not in this period of the report: their values are those of "
-             "other rows (") +
+       (found.full ? words("elementi non compaiono in questo periodo e restano senza risultati (",
+                           "elements are not in this period and have no results (")
+                   : words("elementi non compaiono in questo periodo del report: i loro valori "
+                           "vengono da altre righe (",
+                           "elements are not in this period of the report: their values are those "
+                           "of other rows (")) +
        listed(found.firstMissing) + (more ? ", ...)" : ")"));
 }
 
 int importReport(const ResultsOptions& o, JobSpan& job, const vessora::Report& report,
                  const vessora::ReportPeriods& periods, const std::u16string& network) {
-  if (const std::string no = faultOfPeriod(o, periods); !no.empty()) {
+  const std::u16string period = wantedPeriod(o, periods);
+  if (const std::string no = faultOfPeriod(o, periods, period); !no.empty()) {
     return fail(o.report + ": " + no);
   }
   vessora::ReportFindings found;
   vessora::ResultCounts written;
   {
     const Progress progress(words("Risultati", "Results"));
-    const vessora::ReportRows rows =
-        job->rowsOf(report, platform::widen(o.period), periods.lowerCaseHrs);
+    const vessora::ReportRows rows = job->rowsOf(report, period, periods.lowerCaseHrs);
     found = job->examineResults(rows, network);
     if (const std::string no = faultOfRows(found, network); !no.empty()) {
       return fail((found.hasRows && found.elements == 0 ? o.drawing : o.report) + ": " + no);
@@ -101,13 +136,14 @@ int importReport(const ResultsOptions& o, JobSpan& job, const vessora::Report& r
   }
   if (const int status = save(o)) return status;
   warnOfMissing(found);
+  warn(found.remarks);
   warn(written.nodeNotices);
   warn(written.linkNotices);
   say(narrow(network) + ": " + words("risultati su nodi", "results on nodes") + " " +
       std::to_string(written.nodes) + ", " + words("rami", "links") + " " +
       std::to_string(written.links()) + ", " +
-      (o.period.empty() ? words("periodo unico", "single period")
-                        : words("periodo ", "period ") + o.period));
+      (period.empty() ? words("periodo unico", "single period")
+                      : words("periodo ", "period ") + narrow(period)));
   return 0;
 }
 
@@ -129,6 +165,7 @@ int importResults(const ResultsOptions& o) {
       return fail(describe(
           vessora::Notice{vessora::NoticeCode::reportUnreadable, platform::widen(o.report)}));
     }
+    if (!periods.faults.empty()) return fail(o.report + ": " + describe(periods.faults.front()));
     if (o.listPeriods) return listPeriods(periods);
   }
   // The report's name may name the network.
