@@ -24,6 +24,7 @@
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
 #include "cad/ui/script_frontend.h"
+#include "epanet/results.h"
 #include "module/editing/table_jobs.h"
 #include "module/host/command_span.h"
 #include "module/host/module.h"
@@ -78,6 +79,20 @@ Seconds readInp(const std::string& path) {
   vessora::EpaSettings settings;
   vessora::parseInp(std::move(*text), network, settings);
   if (network.juncs.size() == 0) fail(path + ": no junctions were read");
+  return since(start);
+}
+
+// All periods of a report or a binary results file.
+Seconds readResults(const std::string& path) {
+  const Seconds start = now();
+  auto text = platform::readFile(path);
+  if (!text) fail(text.error());
+  const epanet::OpenedResults opened = epanet::openResults(std::move(*text));
+  if (!opened.results || opened.results->periods().empty()) fail(path + ": no results were read");
+  for (std::size_t k = 0; k < opened.results->periods().size(); ++k) {
+    const epanet::PeriodValues values = opened.results->values(k);
+    if (values.nodes.rows().empty()) fail(path + ": a period without nodes");
+  }
   return since(start);
 }
 
@@ -164,6 +179,7 @@ Seconds modifyNode(const std::string& path) {
 int runChild(const std::vector<std::string>& a) {
   Seconds seconds;
   if (a[1] == "inp-read") seconds = readInp(a[2]);
+  if (a[1] == "rpt-read" || a[1] == "out-read") seconds = readResults(a[2]);
   if (a[1] == "assign") seconds = assignMaterial(a[2]);
   if (a[1] == "dxf-load") seconds = loadDrawing(a[2]);
   if (a[1] == "dxf-save") seconds = saveDrawing(a[2], a[3]);
@@ -232,8 +248,8 @@ int repeats(std::size_t size) {
 struct Job {
   const char* name;
   const char* what;
-  const char* input;  // inp, drawn (from it), report (on drawn), solved (drawn with results), dxf,
-                      // elements (drawn, of so many elements in all)
+  const char* input;  // inp, drawn (from it), report (on drawn), output (the same), solved (drawn
+                      // with results), dxf, elements (drawn, of so many elements in all)
 };
 
 // What the commands are answered with, whatever the size of the network.
@@ -247,6 +263,8 @@ const Job kJobs[] = {
     {"inp-read", "EPANET file into records", "inp"},
     {"import", "vessora import: file to drawing", "inp"},
     {"export", "vessora export: drawing to file", "drawn"},
+    {"rpt-read", "all 5 periods of a report", "report"},
+    {"out-read", "all 5 periods of a binary results file", "output"},
     {"results", "vessora results: one of 5 periods onto the drawing", "report"},
     {"colours", "NETVIS: nodes and links in classes, with legends", "solved"},
     {"grade-line", "EPAPIEZO over the whole network", "solved"},
@@ -326,6 +344,14 @@ class Bench {
       if (!made) fail(made.error());
     }
     if (std::strcmp(job.input, "report") == 0) return report;
+    if (std::strcmp(job.input, "output") == 0) {
+      const std::string output = file("rete", size, ".out");
+      if (!fs::exists(output)) {
+        const auto made = bench::makeOutput(grid(size), 5, output);
+        if (!made) fail(made.error());
+      }
+      return output;
+    }
     const std::string solved = file("solved", size, ".dxf");
     if (!fs::exists(solved))
       run({vessora_, "results", drawn, report, "--period", "1:00:00", "-o", solved});
