@@ -5,7 +5,6 @@
 #include <utility>
 
 #include "module/dialogs/rpt_files.h"
-#include "module/host/inp_mode.h"
 #include "module/host/messages.h"
 #include "module/host/module.h"
 #include "module/host/tell.h"

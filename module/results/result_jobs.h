@@ -63,7 +63,6 @@ struct ResultCounts {
   Notices nodeNotices, linkNotices;
 };
 
-// In the way that the drawing's host has chosen (inp_mode.h), which everything below follows.
 Report openReport(std::u16string_view path);
 ReportPeriods periodsOf(const Report& report);
 // The rows of one period; of the only one when `time` is empty and the report has no others. Heads
