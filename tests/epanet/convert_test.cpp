@@ -82,6 +82,14 @@ TEST(Convert, PressuresKeepTheUnitThatTheFileChose) {
             (Rows{"UNITS CMH"}));
 }
 
+// A required pressure that no row gives is 0.1 of whatever the unit is.
+TEST(Convert, WritesOutTheRequiredPressureOfPartialDemands) {
+  const std::string metres = "[OPTIONS]\nUNITS LPS\nDEMAND MODEL PDA\nMINIMUM PRESSURE 5\n";
+  const std::string psi = converted(metres, FlowUnits::gpm).text;
+  EXPECT_NE(psi.find("MINIMUM PRESSURE 7.10793963\n"), std::string::npos) << psi;
+  EXPECT_NE(psi.find("REQUIRED PRESSURE 7.25009843\n"), std::string::npos) << psi;
+}
+
 TEST(Convert, OneStatusForLinksOfSeveralKindsIsDivided) {
   const std::string links =
       "[JUNCTIONS]\nA\nB\nC\n[VALVES]\na A B 100 PRV 50\nb B C 100 FCV 5\n[PUMPS]\nc A C POWER 1\n"
