@@ -60,8 +60,9 @@ constexpr Words kWords[] = {
      "meno decimali in [REPORT]",
      "lines of the report that can be read in several ways, and were not taken: {1}; ask for fewer "
      "decimals under [REPORT]"},
-    {Code::resultsEndEarly, "il file dei risultati è troncato: manca almeno un periodo successivo",
-     "the results file is cut short: at least a later period is missing"},
+    {Code::resultsEndEarly,
+     "il file dei risultati è troncato: un periodo successivo manca o è incompleto",
+     "the results file is cut short: a later period is missing or not complete"},
     {Code::outputTooShort, "il file dei risultati è troncato prima del primo periodo; ricalcolare",
      "the results file is cut short before its first period; solve again"},
     {Code::outputCountsWrong,

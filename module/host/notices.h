@@ -31,7 +31,7 @@ enum class NoticeCode {
   reportForeign,         // it knows no element of the network (subject)
   reportCut,             // it ends in the middle of a table
   reportRowsDoubtful,    // lines (subject) that can be read in several ways
-  resultsEndEarly,       // a later period is missing
+  resultsEndEarly,       // a later period is missing, or not complete
   outputTooShort,        // a binary file that ends before its first period does
   outputCountsWrong,     // its counts contradict each other
   outputUnitsUnknown,    // it has units of no version
