@@ -236,13 +236,15 @@ PeriodValues Output::values(std::size_t k) const {
 }
 
 std::vector<PumpUse> Output::pumpUses() const {
-  std::vector<PumpUse> uses(pumps_);
+  std::vector<PumpUse> uses;
   for (std::size_t i = 0; i < pumps_; ++i) {
     const std::size_t at = energyAt_ + kPumpRecord * i;
-    uses[i].link = intAt(at) - 1;
-    for (std::size_t f = 0; f < uses[i].figures.size(); ++f) {
-      uses[i].figures[f] = floatAt(at + 4 + 4 * f);
-    }
+    const std::int32_t link = intAt(at);
+    // A run that was stopped may not have come to this.
+    if (link < 1 || static_cast<std::size_t>(link) > links_) continue;
+    PumpUse use{link - 1, {}};
+    for (std::size_t f = 0; f < use.figures.size(); ++f) use.figures[f] = floatAt(at + 4 + 4 * f);
+    uses.push_back(use);
   }
   return uses;
 }

@@ -65,6 +65,7 @@ class Report final : public Results {
   PeriodValues values(std::size_t k) const override;
   bool isCut() const override { return cut_; }
   bool isUtf8() const override { return utf8_; }
+  const std::string& bytes() const { return bytes_; }
   // Whether the solver's emblem stands at its beginning: other texts have no tables either.
   bool hasEmblem() const;
 
