@@ -144,11 +144,8 @@ void Reader::checkValves() {
   for (std::size_t i = 0; i < net_.links.size(); ++i) {
     const Link& link = net_.links[i];
     const Valve* const valve = link.kind == LinkKind::valve ? &net_.valve(link) : nullptr;
-    const ValveKind kind = valve && valve->typeAt ? valve->type : ValveKind::tcv;
-    const bool atTank = net_.nodes[link.node1.index].kind != NodeKind::junction ||
-                        net_.nodes[link.node2.index].kind != NodeKind::junction;
-    const bool guards =
-        !atTank && (kind == ValveKind::prv || kind == ValveKind::psv || kind == ValveKind::fcv);
+    const ValveKind kind = valve ? valve->type : ValveKind::tcv;
+    const bool guards = kind == ValveKind::prv || kind == ValveKind::psv || kind == ValveKind::fcv;
     const Guard guard{kind, link.node1.index, link.node2.index};
     if (guards && seen.empty()) seen.resize(net_.nodes.size());
     if (guards && fights(guard, seen)) problemAt(Fault::valveInSeries, link.row, link.id);

@@ -163,7 +163,7 @@ void Reader::readRule() {
     return;
   }
   if (net_.rules.empty()) {
-    problem(Fault::ruleClause);
+    problem(word0 == RuleWord::none ? Fault::syntax : Fault::ruleClause, 0);
     rulesFailed_ = true;
     return;
   }
@@ -194,20 +194,50 @@ void Reader::readRule() {
       break;
     case RuleWord::priority: {
       Number priority;
-      good = (rulePart_ == RulePart::then || rulePart_ == RulePart::otherwise) && count() > 1 &&
-             number(1, priority);
+      good = (rulePart_ == RulePart::then || rulePart_ == RulePart::otherwise) &&
+             numberIfThere(1, priority);
       rule.priority = priority.value;
       rulePart_ = RulePart::done;
       break;
     }
     default:
-      good = is(0, "DISABLED") && rulePart_ != RulePart::none && rulePart_ != RulePart::premises;
+      if (!is(0, "DISABLED")) {
+        problem(Fault::syntax, 0);
+        break;
+      }
+      good = rulePart_ != RulePart::none && rulePart_ != RulePart::premises;
       rule.disabled = good;
   }
-  if (good && is(count() - 1, "DISABLED")) rule.disabled = true;
   if (good) return;
   if (net_.problems.size() == before) problem(Fault::ruleClause);
   rulesFailed_ = true;
+}
+
+// What is asked of nodes, of tanks, of links and of the whole.
+bool Reader::suits(const Clause& clause) const {
+  switch (clause.variable) {
+    case RuleVariable::demand:
+      return clause.object != Clause::Object::link;
+    case RuleVariable::head:
+    case RuleVariable::grade:
+    case RuleVariable::level:
+    case RuleVariable::pressure:
+      return clause.object == Clause::Object::node;
+    case RuleVariable::fillTime:
+    case RuleVariable::drainTime:
+      return clause.object == Clause::Object::node &&
+             net_.nodes[clause.subject.index].kind != NodeKind::junction;
+    case RuleVariable::flow:
+    case RuleVariable::status:
+    case RuleVariable::setting:
+      return clause.object == Clause::Object::link;
+    case RuleVariable::time:
+    case RuleVariable::clockTime:
+      return clause.object == Clause::Object::system;
+    case RuleVariable::power:
+      return false;
+  }
+  return false;
 }
 
 // object id variable operator value, or SYSTEM variable operator value (unit).
@@ -217,12 +247,19 @@ bool Reader::readPremise(Rule& rule, Clause::Word word0) {
     return false;
   }
   const auto object = objectOf(word(1));
-  if (!object) return false;
+  if (!object) {
+    problem(Fault::syntax, 1);
+    return false;
+  }
   Clause clause;
   clause.row = row_;
   clause.word = word0;
   clause.object = *object;
   int i = 2;
+  if (clause.object != Clause::Object::system && count() != 6) {
+    problem(Fault::syntax);
+    return false;
+  }
   if (clause.object != Clause::Object::system) {
     const bool ofNode = clause.object == Clause::Object::node;
     clause.subject = ofNode ? node(i, Role::clause) : link(i, Role::clause);
@@ -231,11 +268,11 @@ bool Reader::readPremise(Rule& rule, Clause::Word word0) {
   }
   const int variable = wordAt(word(i), kVariables);
   if (variable < 0 || wordAt(word(i + 1), kOperators) < 0) {
-    problem(Fault::ruleClause, variable < 0 ? i : i + 1);
+    problem(Fault::syntax, variable < 0 ? i : i + 1);
     return false;
   }
   clause.variable = static_cast<RuleVariable>(variable);
-  if (clause.variable == RuleVariable::power) {
+  if (!suits(clause)) {
     problem(Fault::syntax, i);
     return false;
   }
@@ -274,7 +311,7 @@ bool Reader::readClauseValue(Clause& clause, int token) {
 
 // Six words, of which the id and the last are read.
 bool Reader::readAction(Rule& rule, Clause::Word word0) {
-  if (count() < 6) {
+  if (count() != 6) {
     problem(Fault::syntax);
     return false;
   }

@@ -13,7 +13,10 @@ constexpr std::size_t kLongestId = 31;  // bytes
 
 Node* Reader::newNode(NodeKind kind) {
   const std::string_view id = word(0);
-  if (id.empty() || id.size() > kLongestId) problem(Fault::longId, 0);
+  if (id.empty() || id.size() > kLongestId) {
+    problem(Fault::longId, 0);
+    return nullptr;
+  }
   if (net_.findNode(id) != kNone) {
     problem(Fault::duplicate, 0);
     return nullptr;
@@ -28,17 +31,25 @@ Node* Reader::newNode(NodeKind kind) {
   return &node;
 }
 
-Link* Reader::newLink(LinkKind kind) {
+std::optional<Reader::Ends> Reader::readEnds() {
+  Ends ends;
+  ends.node1 = node(1, Role::end);
+  if (!ends.node1) return std::nullopt;
+  ends.node2 = node(2, Role::end);
+  if (!ends.node2) return std::nullopt;
+  if (ends.node1.index != ends.node2.index) return ends;
+  problem(Fault::sameEnds, 0);
+  return std::nullopt;
+}
+
+Link* Reader::newLink(LinkKind kind, const Ends& ends) {
   const std::string_view id = word(0);
-  if (id.empty() || id.size() > kLongestId) problem(Fault::longId, 0);
-  if (net_.findLink(id) != kNone) {
-    problem(Fault::duplicate, 0);
+  if (id.empty() || id.size() > kLongestId) {
+    problem(Fault::longId, 0);
     return nullptr;
   }
-  const Ref node1 = node(1, Role::end), node2 = node(2, Role::end);
-  if (!node1 || !node2) return nullptr;
-  if (node1.index == node2.index) {
-    problem(Fault::sameEnds, 0);
+  if (net_.findLink(id) != kNone) {
+    problem(Fault::duplicate, 0);
     return nullptr;
   }
   const auto index = static_cast<std::uint32_t>(net_.links.size());
@@ -46,8 +57,8 @@ Link* Reader::newLink(LinkKind kind) {
   link.id = id;
   link.row = row_;
   link.kind = kind;
-  link.node1 = node1;
-  link.node2 = node2;
+  link.node1 = ends.node1;
+  link.node2 = ends.node2;
   net_.names_->links.add(id, index);
   mention(Thing::link, index, Role::own, 0);
   return &link;
@@ -68,8 +79,9 @@ void Reader::readTankOrReservoir() {
   const bool few = count() <= 3;
   Node* const node = newNode(few ? NodeKind::reservoir : NodeKind::tank);
   if (!node) return;
-  if (count() < 2 || (!few && count() < 6)) return problem(Fault::syntax);
+  if (count() < 2) return problem(Fault::syntax);
   if (!number(1, node->elevation)) return;
+  if (!few && count() < 6) return problem(Fault::syntax);
   measure(Quantity::elevation, node->elevation);
   if (few) {
     if (count() > 2) node->pattern = pattern(2, Role::value);
@@ -106,7 +118,8 @@ void Reader::readTankOrReservoir() {
 
 void Reader::readPipe() {
   if (count() < 3) return problem(Fault::shortLink, 0);
-  Link* const link = newLink(LinkKind::pipe);
+  const auto ends = readEnds();
+  Link* const link = ends ? newLink(LinkKind::pipe, *ends) : nullptr;
   if (!link) return;
   link->detail = static_cast<std::uint32_t>(net_.pipes.size());
   Pipe& pipe = net_.pipes.emplace_back();
@@ -152,7 +165,8 @@ void Reader::readPipe() {
 
 void Reader::readPump() {
   if (count() < 3) return problem(Fault::shortLink, 0);
-  Link* const link = newLink(LinkKind::pump);
+  const auto ends = readEnds();
+  Link* const link = ends ? newLink(LinkKind::pump, *ends) : nullptr;
   if (!link) return;
   link->detail = static_cast<std::uint32_t>(net_.pumps.size());
   Pump& pump = net_.pumps.emplace_back();
@@ -192,24 +206,26 @@ void Reader::readPumpWords(Pump& pump) {
 void Reader::readValve() {
   if (count() < 5) return problem(Fault::shortLink, 0);
   constexpr std::string_view kKinds[] = {"PRV", "PSV", "PBV", "FCV", "TCV", "GPV", "PCV"};
-  Link* const link = newLink(LinkKind::valve);
+  const auto ends = readEnds();
+  if (!ends) return;
+  const int kind = wordAt(word(4), kKinds);
+  if (kind < 0) return problem(Fault::option, 4);
+  const auto type = static_cast<ValveKind>(kind);
+  const bool guards = type == ValveKind::prv || type == ValveKind::psv || type == ValveKind::fcv;
+  for (const int end : {1, 2}) {
+    const Ref& node = end == 1 ? ends->node1 : ends->node2;
+    if (guards && net_.nodes[node.index].kind != NodeKind::junction) {
+      return problem(Fault::tankAtValve, end);
+    }
+  }
+  Link* const link = newLink(LinkKind::valve, *ends);
   if (!link) return;
   const auto index = static_cast<std::uint32_t>(net_.links.size() - 1);
   link->status = Status::active;
   link->detail = static_cast<std::uint32_t>(net_.valves.size());
   Valve& valve = net_.valves.emplace_back();
-  const int kind = wordAt(word(4), kKinds);
-  if (kind < 0) return problem(Fault::option, 4);
-  valve.type = static_cast<ValveKind>(kind);
+  valve.type = type;
   valve.typeAt = at(4);
-  const bool guards =
-      valve.type == ValveKind::prv || valve.type == ValveKind::psv || valve.type == ValveKind::fcv;
-  for (const int end : {1, 2}) {
-    const Ref& node = end == 1 ? link->node1 : link->node2;
-    if (guards && net_.nodes[node.index].kind != NodeKind::junction) {
-      return problem(Fault::tankAtValve, end);
-    }
-  }
   if (!number(3, valve.diameter)) return;
   if (valve.diameter.value <= 0) return problem(Fault::number, 3);
   measure(Quantity::pipeDiameter, valve.diameter);
@@ -235,11 +251,11 @@ void Reader::readValve() {
 void Reader::readDemand() {
   if (count() < 2) return problem(Fault::syntax);
   if (is(0, "MULTIPLY")) return problem(Fault::unknownNode, 0);
+  Demand demand;
+  if (!number(1, demand.base)) return;
   const Ref of = node(0, Role::data);
   if (!of) return;
-  Demand demand;
   demand.node = of.index;
-  if (!number(1, demand.base)) return;
   measure(Quantity::flow, demand.base);
   Node& junction = net_.nodes[of.index];
   if (junction.kind != NodeKind::junction) return;
@@ -279,6 +295,7 @@ void Reader::readStatus() {
     if (value.value < 0) problem(Fault::linkValue, last);
     return value.value >= 0;
   };
+  if (net_.links.empty()) return problem(Fault::unknownLink, 0);
   if (!status()) return;
   if (count() == 2) {
     const Ref of = link(0, Role::data);

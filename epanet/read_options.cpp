@@ -148,8 +148,10 @@ void Reader::readOption() {
     return;
   }
   if (count() < 2) return;
-  if (numberOf(word(1))) return problem(Fault::syntax);
-  problem(Fault::number, 1);
+  const auto value = numberOf(word(1));
+  if (!value) return problem(Fault::number, 1);
+  if (*value <= 0) return problem(Fault::option, 1);
+  problem(Fault::syntax);
 }
 
 namespace {
@@ -259,7 +261,7 @@ bool Reader::readPressureLimit() {
 void Reader::readTime() {
   if (count() < 2) return problem(Fault::syntax);
   if (is(0, "STAT")) {
-    constexpr std::string_view kWords[] = {"NONE", "AVERAGE", "MINIMUM", "MAXIMUM", "RANGE"};
+    constexpr std::string_view kWords[] = {"NO", "AVERAGE", "MINIMUM", "MAXIMUM", "RANGE"};
     if (wordAt(word(count() - 1), kWords) < 0) return problem(Fault::option, count() - 1);
     return setWord(Option::statistic, count() - 1);
   }
@@ -306,51 +308,56 @@ void Reader::readEnergy() {
   }
   mention(Thing::link, index, Role::data, 1);
   Pump& pump = net_.pumps[net_.links[index].detail];
-  if (is(2, "PRICE")) {
+  const int last = count() - 1;
+  if (is(last - 1, "PRICE")) {
     Number price;
-    if (!number(3, price)) return;
-    if (price.value < 0) return problem(Fault::energy, 3);
+    if (!number(last, price)) return;
+    if (price.value < 0) return problem(Fault::energy, last);
     pump.price = price;
-  } else if (is(2, "PATT")) {
-    pump.pricePattern = pattern(3, Role::value);
-  } else if (is(2, "EFFI")) {
-    pump.efficiencyCurve = curve(3, Role::value, CurveUse::efficiency);
+  } else if (is(last - 1, "PATT")) {
+    pump.pricePattern = pattern(last, Role::value);
+  } else if (is(last - 1, "EFFI")) {
+    pump.efficiencyCurve = curve(last, Role::value, CurveUse::efficiency);
   } else {
     problem(Fault::syntax);
   }
 }
 
 void Reader::readGlobalEnergy() {
-  const bool price = is(1, "PRICE");
-  if (price || is(1, "EFFI")) {
-    const auto value = numberOf(word(2));
+  const int last = count() - 1;
+  const bool price = is(last - 1, "PRICE");
+  if (price || is(last - 1, "EFFI")) {
+    const auto value = numberOf(word(last));
     const bool bad = value && (price ? *value < 0 : *value <= 0);
-    if (bad) return problem(Fault::energy, 2);
-    return setNumber(price ? Option::globalPrice : Option::globalEfficiency, 2);
+    if (bad) return problem(Fault::energy, last);
+    return setNumber(price ? Option::globalPrice : Option::globalEfficiency, last);
   }
-  if (!is(1, "PATT")) return problem(Fault::syntax);
-  if (pattern(2, Role::option)) setWord(Option::globalPattern, 2);
+  if (!is(last - 1, "PATT")) return problem(Fault::syntax);
+  if (pattern(last, Role::option)) setWord(Option::globalPattern, last);
 }
 
 // --- [REACTIONS] ---------------------------------------------------------------------------------
 
 void Reader::readReaction() {
   if (count() < 3) return;
+  const int last = count() - 1;
   const bool bulk = is(1, "BULK"), wall = is(1, "WALL"), tank = is(1, "TANK");
   if (is(0, "ORDER")) {
+    if (!numberOf(word(last))) return problem(Fault::number, last);
     if (!bulk && !wall && !tank) return problem(Fault::option, 1);
-    return setNumber(bulk ? Option::bulkOrder : wall ? Option::wallOrder : Option::tankOrder, 2);
+    return setNumber(bulk ? Option::bulkOrder : wall ? Option::wallOrder : Option::tankOrder, last);
   }
   if (is(0, "GLOB")) {
+    if (!numberOf(word(last))) return problem(Fault::number, last);
     if (!bulk && !wall) return problem(Fault::option, 1);
-    return setNumber(bulk ? Option::globalBulk : Option::globalWall, 2,
+    return setNumber(bulk ? Option::globalBulk : Option::globalWall, last,
                      bulk ? Quantity::bulk : Quantity::wall);
   }
-  if (is(0, "LIMIT")) return setNumber(Option::limitingPotential, 2);
-  if (is(0, "ROUG")) return setNumber(Option::roughnessCorrelation, 2, Quantity::correlation);
-  if (is(0, "BULK")) return readRange(RangeValue::What::bulk, 1, count() - 1, true);
-  if (is(0, "WALL")) return readRange(RangeValue::What::wall, 1, count() - 1, true);
-  if (is(0, "TANK")) return readRange(RangeValue::What::tank, 1, count() - 1, false);
+  if (is(0, "LIMIT")) return setNumber(Option::limitingPotential, last);
+  if (is(0, "ROUG")) return setNumber(Option::roughnessCorrelation, last, Quantity::correlation);
+  if (is(0, "BULK")) return readRange(RangeValue::What::bulk, 1, last, true);
+  if (is(0, "WALL")) return readRange(RangeValue::What::wall, 1, last, true);
+  if (is(0, "TANK")) return readRange(RangeValue::What::tank, 1, last, false);
   problem(Fault::option, 0);
 }
 

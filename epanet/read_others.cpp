@@ -63,9 +63,10 @@ void Reader::readMixing() {
   Mixing mixing;
   mixing.row = row_;
   mixing.tank = node(0, Role::data);
-  if (!mixing.tank || net_.nodes[mixing.tank.index].kind != NodeKind::tank) return;
+  if (!mixing.tank || net_.nodes[mixing.tank.index].kind == NodeKind::junction) return;
   const int model = wordAt(word(1), kModels);
   if (model < 0) return problem(Fault::option, 1);
+  if (net_.nodes[mixing.tank.index].kind != NodeKind::tank) return;
   mixing.model = word(1);
   mixing.fraction.value = 1;
   if (model == 1 && !numberIfThere(2, mixing.fraction)) return;
@@ -78,8 +79,10 @@ void Reader::readLeakage() {
   leakage.row = row_;
   leakage.pipe = link(0, Role::data);
   if (!leakage.pipe) return;
-  if (!number(1, leakage.area) || !number(2, leakage.expansion)) return;
-  if (leakage.area.value < 0 || leakage.expansion.value < 0) return problem(Fault::nodeValue, 1);
+  if (!number(1, leakage.area)) return;
+  if (leakage.area.value < 0) return problem(Fault::nodeValue, 1);
+  if (!number(2, leakage.expansion)) return;
+  if (leakage.expansion.value < 0) return problem(Fault::nodeValue, 1);
   measure(Quantity::leakArea, leakage.area);
   measure(Quantity::leakExpansion, leakage.expansion);
   net_.leakages.push_back(leakage);

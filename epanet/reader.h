@@ -30,7 +30,12 @@ class Reader {
   void readCoordinates();
   void readVertex();
   Node* newNode(NodeKind kind);
-  Link* newLink(LinkKind kind);
+  // The nodes of a link, or a problem and nothing.
+  struct Ends {
+    Ref node1, node2;
+  };
+  std::optional<Ends> readEnds();
+  Link* newLink(LinkKind kind, const Ends& ends);
   void setStatus(std::uint32_t link, Place at, bool byRange);
 
   // --- patterns, curves, actions (read_actions.cpp)
@@ -42,6 +47,7 @@ class Reader {
   bool readPremise(Rule& rule, Clause::Word word);
   bool readAction(Rule& rule, Clause::Word word);
   bool readClauseValue(Clause& clause, int token);
+  bool suits(const Clause& clause) const;
 
   // --- options and the rest (read_options.cpp, read_others.cpp)
   void setDefaults();

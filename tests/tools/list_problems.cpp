@@ -32,20 +32,22 @@ void printNode(const Network& network, const Node& node) {
   const auto field = [&](std::string_view name, double number) {
     line("node", node.id, name, number);
   };
-  field("Type", static_cast<double>(node.kind));
+  // A tank without an area is a reservoir for the solver.
+  const bool tank = node.kind == NodeKind::tank && network.tanks[node.tank].diameter.value != 0;
+  field("Type", tank ? 2 : node.kind == NodeKind::junction ? 0 : 1);
   field("Elevation", node.elevation.value);
   if (node.kind == NodeKind::junction) {
     field("DemandSum", network.demandOf(node));
     field("Emitter", node.emitter.value);
   }
-  if (node.kind != NodeKind::tank) return;
-  const Tank& tank = network.tanks[node.tank];
-  field("TankLevel", tank.initLevel.value);
-  field("MinLevel", tank.minLevel.value);
-  field("MaxLevel", tank.maxLevel.value);
-  if (!tank.volumeCurve) field("TankDiam", tank.diameter.value);
-  field("VolCurve", indexOf(tank.volumeCurve));
-  field("CanOverFlow", tank.overflow);
+  if (!tank) return;
+  const Tank& levels = network.tanks[node.tank];
+  field("TankLevel", levels.initLevel.value);
+  field("MinLevel", levels.minLevel.value);
+  field("MaxLevel", levels.maxLevel.value);
+  if (!levels.volumeCurve) field("TankDiam", levels.diameter.value);
+  field("VolCurve", indexOf(levels.volumeCurve));
+  field("CanOverFlow", levels.overflow);
 }
 
 void printPipe(const Network& network, const Link& link) {
