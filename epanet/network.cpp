@@ -84,8 +84,11 @@ void Reader::readRow() {
   section_ = doc_.rows()[row_].section;
   doc_.tokens(row_, tokens_);
   if (tokens_.count == 0) return;
-  if (tokens_.more && section_ != Section::title) problem(Fault::manyTokens);
-  for (int i = 0; i + 1 < count() && section_ != Section::title; ++i) {
+  // The solver takes no words out of these.
+  const bool unparsed = section_ == Section::title || section_ == Section::labels ||
+                        section_ == Section::backdrop;
+  if (tokens_.more && !unparsed) problem(Fault::manyTokens);
+  for (int i = 0; i + 1 < count() && !unparsed; ++i) {
     if (tokens_[i].quoted) {
       problem(Fault::quotes, i);
       break;

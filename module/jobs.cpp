@@ -6,6 +6,7 @@
 #include "module/host/host_drawing.h"
 #include "module/host/translate.h"
 #include "module/host/warnings.h"
+#include "module/network/kept_text.h"
 #include "module/network/network_list.h"
 
 namespace vessora {
@@ -43,6 +44,14 @@ class ModuleJobs : public Jobs {
   }
   ExportResult exportNetwork(const ExportRequest& request) override {
     return vessora::exportNetwork(request);
+  }
+
+  DiffResult diffNetwork(std::u16string_view network, std::u16string_view path) override {
+    return vessora::diffNetwork(network, path);
+  }
+  bool hasKeptText(std::u16string_view network) override { return vessora::hasKeptText(network); }
+  bool resultsAreStale(std::u16string_view network) override {
+    return vessora::resultsAreStale(network);
   }
 
   Report openReport(std::u16string_view path) override { return vessora::openReport(path); }

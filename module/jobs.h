@@ -18,6 +18,7 @@
 #include "module/editing/manhole_jobs.h"
 #include "module/editing/settings_jobs.h"
 #include "module/editing/table_jobs.h"
+#include "module/inp/full_diff.h"
 #include "module/inp/inp_jobs.h"
 #include "module/network/network_info.h"
 #include "module/results/drawing_jobs.h"
@@ -69,6 +70,10 @@ class Jobs : public AcRxObject {
   virtual InpFindings examineInp(const InpFile& file) = 0;
   virtual ImportResult importInp(const InpFile& file, std::u16string_view name) = 0;
   virtual ExportResult exportNetwork(const ExportRequest& request) = 0;
+
+  virtual DiffResult diffNetwork(std::u16string_view network, std::u16string_view path) = 0;
+  virtual bool hasKeptText(std::u16string_view network) = 0;
+  virtual bool resultsAreStale(std::u16string_view network) = 0;
 
   virtual Report openReport(std::u16string_view path) = 0;
   virtual ReportPeriods periodsOf(const Report& report) = 0;

@@ -19,6 +19,14 @@ std::string resultsOf(const vessora::NetworkInfo& n) {
          (n.period.empty() ? "" : words(" del periodo ", " of period ") + narrow(n.period));
 }
 
+// How the network and its kept text stand to each other; empty where there is no text.
+std::string textOf(JobSpan& job, const std::u16string& network) {
+  if (!job->hasKeptText(network)) return {};
+  const vessora::DiffResult diff = job->diffNetwork(network, u"");
+  if (diff.compared) return summaryOf(diff);
+  return diff.notices.empty() ? std::string() : describe(diff.notices.back());
+}
+
 void showJson(const std::vector<vessora::NetworkInfo>& networks) {
   std::printf("{\"networks\": [");
   const char* separator = "";
@@ -48,6 +56,12 @@ int showDrawing(const std::string& drawing, bool json) {
   for (const vessora::NetworkInfo& n : networks) {
     say(narrow(n.name) + (n.isDefault ? words(" (predefinita)", " (default)") : "") + ": " +
         describe(n.counts) + "; " + resultsOf(n));
+    const std::string text = textOf(job, n.name);
+    if (!text.empty()) say("  " + text);
+    if (n.hasResults && job->resultsAreStale(n.name)) {
+      say("  " + words("la rete è cambiata da quando i risultati sono stati calcolati",
+                       "the network has changed since its results were computed"));
+    }
   }
   return 0;
 }

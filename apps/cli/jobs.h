@@ -35,6 +35,19 @@ struct ResultsOptions {
 // Without `out` the drawing is saved in place.
 int importResults(const ResultsOptions& options);
 
+struct SolveOptions {
+  std::string drawing, out, network, period, solver, keep;
+  InpMode mode = InpMode::full;
+};
+// Without `out` the drawing is saved in place.
+int solveNetwork(const SolveOptions& options);
+
+struct DiffOptions {
+  std::string drawing, inp, network;
+  bool json = false;
+};
+int showDiff(const DiffOptions& options);
+
 // Of a drawing, or of an input file by its extension.
 int showInfo(const std::string& path, bool json);
 // A text as JSON has it, quotes included.

@@ -104,6 +104,29 @@ int main(int argc, char** argv) {
     status = cli::importResults(results);
   });
 
+  cli::SolveOptions solve;
+  c = app.add_subcommand("solve",
+                         words("calcola una rete disegnata con EPANET e ne porta i "
+                               "risultati sul disegno",
+                               "solve a drawn network by EPANET and bring the results onto "
+                               "the drawing"));
+  c->add_option("DRAWING", solve.drawing, words("disegno DXF", "DXF drawing"))->required();
+  c->add_option("-n,--network", solve.network, words("rete", "network"));
+  c->add_option("-o,--output", solve.out,
+                words("disegno DXF da scrivere (altrimenti lo stesso)",
+                      "DXF drawing to write (else the same one)"));
+  c->add_option("--period", solve.period,
+                words("periodo da portare sul disegno (altrimenti il primo)",
+                      "period to bring onto the drawing (else the first)"));
+  c->add_option("--solver", solve.solver,
+                words("programma EPANET, o cartella del pacchetto epanet-js",
+                      "EPANET program, or folder of the package epanet-js"));
+  c->add_option("--keep", solve.keep,
+                words("cartella in cui lasciare i file INP, RPT e OUT",
+                      "folder in which to leave the INP, RPT and OUT files"));
+  addClassic(*c, solve.mode);
+  c->callback([&] { status = cli::solveNetwork(solve); });
+
   std::string infoDrawing;
   bool json = false;
   c = app.add_subcommand("info",
@@ -113,6 +136,20 @@ int main(int argc, char** argv) {
       ->required();
   c->add_flag("--json", json, words("in forma JSON", "as JSON"));
   c->callback([&] { status = cli::showInfo(infoDrawing, json); });
+
+  cli::DiffOptions diff;
+  c = app.add_subcommand("diff",
+                         words("che cosa il disegno dice di diverso dal testo che conserva, "
+                               "o da un file INP",
+                               "what the drawing says otherwise than its kept text, or than "
+                               "an INP file"));
+  c->add_option("DRAWING", diff.drawing, words("disegno DXF", "DXF drawing"))->required();
+  c->add_option(
+      "INP", diff.inp,
+      words("file INP (altrimenti il testo conservato)", "INP file (else the kept text)"));
+  c->add_option("-n,--network", diff.network, words("rete", "network"));
+  c->add_flag("--json", diff.json, words("in forma JSON", "as JSON"));
+  c->callback([&] { status = cli::showDiff(diff); });
 
   cli::RunOptions run;
   c = app.add_subcommand("run",

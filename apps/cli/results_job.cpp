@@ -1,8 +1,8 @@
 // Results of a report onto a drawing, and off it.
+#include "apps/cli/results_job.h"
+
 #include <algorithm>
 
-#include "apps/cli/host.h"
-#include "apps/cli/jobs.h"
 #include "apps/cli/outputs.h"
 #include "epanet/results.h"
 #include "platform/files.h"
@@ -117,7 +117,9 @@ void warnOfMissing(const vessora::ReportFindings& found) {
        listed(found.firstMissing) + (more ? ", ...)" : ")"));
 }
 
-int importReport(const ResultsOptions& o, JobSpan& job, const vessora::Report& report,
+}  // namespace
+
+int bringResults(const ResultsOptions& o, JobSpan& job, const vessora::Report& report,
                  const vessora::ReportPeriods& periods, const std::u16string& network) {
   const std::u16string period = wantedPeriod(o, periods);
   if (const std::string no = faultOfPeriod(o, periods, period); !no.empty()) {
@@ -147,8 +149,6 @@ int importReport(const ResultsOptions& o, JobSpan& job, const vessora::Report& r
   return 0;
 }
 
-}  // namespace
-
 int importResults(const ResultsOptions& o) {
   if (!o.out.empty()) {
     const std::string no = refusalOf(o.out, {{o.drawing, true}, {o.report}});
@@ -176,7 +176,7 @@ int importResults(const ResultsOptions& o) {
   if (picked.why != vessora::PickedNetwork::Why::found)
     return fail(describe(picked, o.drawing, o.network));
   return o.clear ? clearResults(o, job, picked.name)
-                 : importReport(o, job, report, periods, picked.name);
+                 : bringResults(o, job, report, periods, picked.name);
 }
 
 }  // namespace cli

@@ -28,6 +28,8 @@ std::vector<std::string> described(const vessora::Notices& notices);
 void warn(const vessora::Notices& notices);
 // "junctions 9, reservoirs 1, ..."
 std::string describe(const vessora::ElementCounts& counts);
+// How a drawing differs from its kept text, in a line.
+std::string summaryOf(const vessora::DiffResult& diff);
 // Names separated by commas.
 std::string listed(const std::vector<std::u16string>& names);
 // Why no network could be picked, for the drawing of a path.

@@ -131,11 +131,12 @@ class Wanted {
 class Comparing {
  public:
   Comparing(std::u16string_view name, const epanet::Network& network,
-            const std::vector<Rename>& renames, bool everything)
+            const std::vector<Rename>& renames, Match match)
       : name_(name),
         network_(network),
         form_(network, renames),
-        everything_(everything),
+        everything_(match == Match::everything),
+        byName_(match == Match::byName),
         wanted_(form_),
         entities_(name),
         nodes_(network.nodes.size()),
@@ -180,12 +181,13 @@ class Comparing {
 
   // The element of the text that an entity belongs to; of another kind it is none of it.
   std::uint32_t tied(const DrawnEntity& entity) const {
-    if (!entity.tie) return kNone;
+    if (!entity.tie && !byName_) return kNone;
+    const std::u16string_view id = byName_ ? entity.name() : std::u16string_view(*entity.tie);
     if (entity.isNode()) {
-      const std::uint32_t node = form_.nodeKeptAs(*entity.tie);
+      const std::uint32_t node = form_.nodeKeptAs(id);
       return node != kNone && &kindOfNode(network_.nodes[node].kind) == entity.kind ? node : kNone;
     }
-    const std::uint32_t link = form_.linkKeptAs(*entity.tie);
+    const std::uint32_t link = form_.linkKeptAs(id);
     return link != kNone && &kindOfLink(network_.links[link].kind) == entity.kind ? link : kNone;
   }
 
@@ -219,8 +221,8 @@ class Comparing {
     const bool data = value.onData && value.data != want;
     if (!attribute && !data) return;
     if (data && (!value.onAttribute || value.attribute == value.data)) {
-      unnoted_.push_back(
-          {entity.isNode() ? RenamedKind::node : RenamedKind::link, *entity.tie, value.data});
+      unnoted_.push_back({entity.isNode() ? RenamedKind::node : RenamedKind::link,
+                          entity.tie.value_or(value.data), value.data});
       return;
     }
     result_.notices.push_back(
@@ -382,7 +384,7 @@ class Comparing {
     NewElement element;
     element.kind = entity.kind;
     element.entity = entity.id;
-    const bool copy = entity.tie && tied(entity) != kNone;
+    const bool copy = tied(entity) != kNone;
     auto& names = entity.isNode() ? nodeNames_ : linkNames_;
     std::u16string wanted(entity.text(Field::id));
     if (wanted.empty()) wanted = entity.name();
@@ -530,7 +532,7 @@ class Comparing {
   std::u16string_view name_;
   const epanet::Network& network_;
   FullForm form_;
-  bool everything_;
+  bool everything_, byName_;
   Wanted wanted_;
   DrawnEntities entities_;
   std::vector<AcDbObjectId> nodes_, links_, courses_;  // of the network's elements
@@ -545,11 +547,11 @@ class Comparing {
 
 }  // namespace
 
-Comparison compareNetwork(std::u16string_view name, const epanet::Network& network,
-                          bool everything) {
-  std::vector<Rename> renames = loadRenames(name);
+Comparison compareNetwork(std::u16string_view name, const epanet::Network& network, Match match) {
+  std::vector<Rename> renames;
+  if (match != Match::byName) renames = loadRenames(name);
   for (bool again = false;; again = true) {
-    Comparing comparing(name, network, renames, everything);
+    Comparing comparing(name, network, renames, match);
     Comparison result = comparing.run();
     if (again || comparing.unnoted().empty()) return result;
     renames.insert(renames.end(), comparing.unnoted().begin(), comparing.unnoted().end());

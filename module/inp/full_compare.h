@@ -66,9 +66,13 @@ struct Comparison {
   }
 };
 
-// Compares a drawn network with a network of a file. With `everything` each field of each element,
-// and each pattern and curve, counts as changed.
+enum class Match {
+  byTie,       // elements are those that the kept text has under their ties
+  everything,  // the same; each field, and each pattern and curve, counts as changed
+  byName,      // the network is that of another file: elements are those of their names
+};
+// Compares a drawn network with a network of a file.
 Comparison compareNetwork(std::u16string_view name, const epanet::Network& network,
-                          bool everything = false);
+                          Match match = Match::byTie);
 
 }  // namespace vessora

@@ -99,14 +99,15 @@ std::unique_ptr<KeptFile> keptFile(std::u16string_view network, bool withoutText
 std::optional<std::string> fullText(const ExportRequest& request, ExportResult& result) {
   const auto kept = keptFile(request.network, request.withoutText, result.notices);
   if (!kept) return std::nullopt;
-  Comparison comparison = compareNetwork(request.network, kept->network, request.rewrite);
+  Comparison comparison = compareNetwork(request.network, kept->network,
+                                         request.rewrite ? Match::everything : Match::byTie);
   if (comparison.drawn == 0) {
     result.notices.push_back({NoticeCode::nothingLeft, std::u16string(request.network)});
     return std::nullopt;
   }
   const epanet::Units units = unitsNow(kept->network, comparison);
   if (!request.rewrite && meaningsChange(epanet::unitsOf(kept->network), units)) {
-    comparison = compareNetwork(request.network, kept->network, true);
+    comparison = compareNetwork(request.network, kept->network, Match::everything);
   }
   std::string text;
   {

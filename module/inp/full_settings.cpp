@@ -283,6 +283,8 @@ std::vector<ChangedSetting> allSettings(const EpaSettings& drawn) {
 
 }  // namespace
 
+std::string settingName(Option option) { return rowOf(option).name; }
+
 std::string settingRows(const EpaSettings& drawn, Section section) {
   std::string rows;
   for (const ChangedSetting& setting : allSettings(drawn)) {

@@ -22,6 +22,8 @@ struct ChangedSetting {
   bool operator==(const ChangedSetting&) const = default;
 };
 std::vector<ChangedSetting> changedSettings(const FullForm& form, const EpaSettings& drawn);
+// How an option is called in a file: "Demand Multiplier".
+std::string settingName(epanet::Option option);
 // All of them that stand in a section, as rows of a file.
 std::string settingRows(const EpaSettings& drawn, epanet::Section section);
 

@@ -10,7 +10,9 @@
 #include "module/host/tell.h"
 #include "module/host/translate.h"
 #include "module/host/warnings.h"
+#include "module/inp/full_diff.h"
 #include "module/network/element_data.h"
+#include "module/network/kept_text.h"
 #include "module/network/settings_store.h"
 #include "module/results/full_results.h"
 #include "module/results/route.h"
@@ -238,6 +240,12 @@ ResultCounts writeResults(const ReportRows& rows, std::u16string_view network) {
         WriteNodeResults(layers, rows ? &rows->nodes : nullptr, time, counts.nodeNotices);
     counts.pipes = WritePipeResults(layers, links, time);
     counts.valvesAndPumps = WriteValvePumpResults(layers, links, time, counts.linkNotices);
+  }
+  // Results remember which hydraulics they are of, where the drawing can tell.
+  if (rows && rows->full && counts.nodes + counts.links() > 0) {
+    saveResultMark(network, {hydraulicsOf(network), rows->time});
+  } else {
+    clearResultMark(network);
   }
   ResetLinkColors(layers);
   ErasePiezometricLine(network);

@@ -1,0 +1,203 @@
+// A drawn network solved by the real solver: written into a folder of its own, run, and the results
+// brought back onto the drawing.
+#include "apps/cli/inp_words.h"
+#include "apps/cli/outputs.h"
+#include "apps/cli/results_job.h"
+#include "cad/editor/commands.h"
+#include "epanet/solver.h"
+#include "platform/files.h"
+#include "platform/temporary_files.h"
+#include "platform/text.h"
+
+namespace cli {
+namespace {
+
+using epanet::SolverRun;
+using epanet::SolverSearch;
+
+constexpr std::size_t kShown = 8;
+
+// What is missing, and how to get it.
+std::string lackOf(const SolverSearch& search) {
+  using Lack = SolverSearch::Lack;
+  const std::string get = words("installare Node.js e poi: npm install --prefix ",
+                                "install Node.js and then: npm install --prefix ");
+  const std::string package = get + epanet::userPackageFolder() + " epanet-js@0.9.0";
+  const std::string own =
+      words("; oppure indicare un solutore EPANET con --solver o VESSORA_SOLVER",
+            "; or name an EPANET solver by --solver or VESSORA_SOLVER");
+  switch (search.lack) {
+    case Lack::chosenIsMissing:
+      return search.name + ": " +
+             words(
+                 "non è un programma né il pacchetto epanet-js; controllare "
+                 "--solver o VESSORA_SOLVER",
+                 "is neither a program nor the package epanet-js; check "
+                 "--solver or VESSORA_SOLVER");
+    case Lack::package:
+      return words("manca il solutore EPANET; ", "there is no EPANET solver; ") + package + own;
+    case Lack::node:
+      return words(
+          "c'è il pacchetto epanet-js ma non Node.js; installarlo (apt install nodejs)",
+          "the package epanet-js is there, Node.js is not; install it (apt install nodejs)");
+    case Lack::script:
+      return search.name + ": " + words("manca; reinstallare", "is missing; install again");
+    default:
+      return words("manca il solutore EPANET (runepanet); ",
+                   "there is no EPANET solver (runepanet); ") +
+             package + own;
+  }
+}
+
+// "8:00:00 Node 5: ..." with the row that the solver shows.
+std::string wordsOf(const epanet::SolverMessage& message) {
+  std::string text;
+  if (message.isError) text += words("errore ", "error ") + std::to_string(message.code) + ": ";
+  if (!message.time.empty()) text += message.time + " ";
+  text += message.words;
+  if (!message.element.empty() && message.words.find(message.element) == std::string::npos) {
+    text += " (" + message.elementKind + " " + message.element + ")";
+  }
+  if (!message.row.empty()) text += words(", riga: ", ", row: ") + message.row;
+  return text;
+}
+
+// Errors and warnings of a run, on standard error; the first error is left for the program's last
+// word.
+std::string tell(const SolverRun& run) {
+  std::string first;
+  std::size_t shown = 0;
+  for (const epanet::SolverMessage& message : run.messages) {
+    if (message.isError && first.empty()) {
+      first = wordsOf(message);
+    } else if (shown++ < kShown) {
+      warn("EPANET: " + wordsOf(message));
+    }
+  }
+  if (shown > kShown) {
+    warn("EPANET: " + words("altri messaggi: ", "more messages: ") +
+         std::to_string(shown - kShown) +
+         words("; sono nel report (--keep)", "; they are in the report (--keep)"));
+  }
+  return first;
+}
+
+std::string faultOf(const SolverRun& run, const std::string& firstError) {
+  switch (run.end) {
+    case SolverRun::End::solved:
+      return {};
+    case SolverRun::End::failed:
+      return "EPANET: " + firstError;
+    case SolverRun::End::signalled:
+      return words("il solutore è stato interrotto dal segnale ",
+                   "the solver was ended by signal ") +
+             std::to_string(run.status);
+    case SolverRun::End::cancelled:
+    case SolverRun::End::timedOut:
+      return words("il solutore è stato fermato", "the solver was stopped");
+    case SolverRun::End::notStarted:
+      return words("il solutore non si può avviare; controllare --solver o VESSORA_SOLVER",
+                   "the solver cannot be started; check --solver or VESSORA_SOLVER");
+    case SolverRun::End::noResults:
+      break;
+  }
+  return words("il solutore è finito senza risultati", "the solver ended without results") +
+         (run.words.empty() ? "" : ": " + run.words.substr(0, run.words.find('\n')));
+}
+
+// Copies the files of a run to a folder of the user's, under the network's name.
+platform::Result<void> keepFiles(const std::string& folder, const std::string& to,
+                                 const std::string& name) {
+  if (!platform::makeFolders(to)) {
+    return platform::Error{to + ": " +
+                           words("la cartella non si può creare", "the folder cannot be made")};
+  }
+  const struct {
+    const char *from, *extension;
+  } kFiles[] = {
+      {epanet::kRunInput, ".inp"}, {epanet::kRunReport, ".rpt"}, {epanet::kRunOutput, ".out"}};
+  for (const auto& file : kFiles) {
+    const std::string from = folder + "/" + file.from;
+    if (!platform::fileExists(from)) continue;
+    const auto bytes = platform::readFile(from);
+    if (!bytes) return platform::Error{bytes.error()};
+    if (auto written = platform::writeFile(to + "/" + name + file.extension, *bytes); !written) {
+      return written;
+    }
+  }
+  return {};
+}
+
+bool exportTo(JobSpan& job, const std::string& folder, const std::u16string& network,
+              const std::string& drawing) {
+  const Progress progress(words("Esportazione", "Exporting"));
+  const std::u16string path = platform::widen(folder + "/" + epanet::kRunInput);
+  const vessora::ExportResult result =
+      job->exportNetwork({.network = network, .path = path, .csvPath = {}});
+  if (!result.written) {
+    fail(drawing + ": " +
+         (result.notices.empty()
+              ? words("la rete non si può esportare", "the network cannot be exported")
+              : describe(result.notices.back())));
+    return false;
+  }
+  warn(result.notices);
+  return true;
+}
+
+int solveIn(const std::string& folder, const SolveOptions& o, JobSpan& job,
+            const std::u16string& network, const epanet::Solver& solver) {
+  if (!exportTo(job, folder, network, o.drawing)) return 1;
+  SolverRun run;
+  {
+    const Progress progress(words("Calcolo", "Solving"));
+    run = epanet::runSolver(solver, folder);
+  }
+  if (!o.keep.empty()) {
+    if (auto kept = keepFiles(folder, o.keep, platform::narrow(network)); !kept) {
+      return fail(kept.error());
+    }
+  }
+  const std::string firstError = tell(run);
+  if (const std::string no = faultOf(run, firstError); !no.empty())
+    return fail(o.drawing + ": " + no);
+  ResultsOptions results;
+  results.drawing = o.drawing;
+  results.out = o.out;
+  results.report = "EPANET";
+  results.period = o.period;
+  const vessora::Report report = job->openReport(platform::widen(run.output));
+  const vessora::ReportPeriods periods = job->periodsOf(report);
+  if (!periods.readable || !periods.faults.empty()) {
+    return fail("EPANET: " + (periods.faults.empty()
+                                  ? words("risultati illeggibili", "the results cannot be read")
+                                  : describe(periods.faults.front())));
+  }
+  // Whoever names none sees the first period.
+  if (results.period.empty() && !periods.times.empty()) {
+    results.period = platform::narrow(periods.times.front());
+  }
+  return bringResults(results, job, report, periods, network);
+}
+
+}  // namespace
+
+int solveNetwork(const SolveOptions& o) {
+  if (!o.out.empty()) {
+    if (const std::string no = refusalOf(o.out, {{o.drawing, true}}); !no.empty()) return fail(no);
+  }
+  JobSpan job(o.mode);
+  if (auto opened = job.open(o.drawing); !opened) return fail(opened.error());
+  const vessora::PickedNetwork picked = job->pickNetwork(platform::widen(o.network), u"");
+  if (picked.why != vessora::PickedNetwork::Why::found) {
+    return fail(describe(picked, o.drawing, o.network));
+  }
+  const SolverSearch search =
+      epanet::findSolver({.chosen = o.solver, .productRoot = cad::findInstallation().root});
+  if (!search.solver) return fail(lackOf(search));
+  auto folder = platform::TemporaryFolder::make();
+  if (!folder) return fail(folder.error());
+  return solveIn(folder->path(), o, job, picked.name, *search.solver);
+}
+
+}  // namespace cli
