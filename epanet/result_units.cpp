@@ -70,7 +70,8 @@ bool isNamed(std::string_view unit, std::string_view name) {
 
 constexpr std::array<std::string_view, 11> kFlowUnits = {"CFS", "GPM", "MGD", "IMGD", "AFD", "LPS",
                                                          "LPM", "MLD", "CMH", "CMD",  "CMS"};
-constexpr std::array<std::string_view, 5> kPressureUnits = {"psi", "kPa", "m", "bar", "ft"};
+// What a file says of metres does not tell the release: they are taken as those of the newest.
+constexpr std::array<std::string_view, 5> kPressureUnits = {"psi", "kPa", "METERS", "bar", "ft"};
 constexpr int kFirstMetric = 5;
 
 }  // namespace
@@ -80,6 +81,13 @@ std::optional<double> drawingFactor(ResultQuantity quantity, std::string_view un
     if (known.quantity == quantity && isNamed(unit, known.name)) return known.factor;
   }
   return std::nullopt;
+}
+
+bool growsWithGravity(std::string_view pressureUnit) {
+  for (const std::string_view unit : {"psi", "kpa", "bar", "m"}) {
+    if (isNamed(pressureUnit, unit)) return true;
+  }
+  return false;
 }
 
 std::string_view flowUnitOf(int code) {

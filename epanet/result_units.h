@@ -16,6 +16,11 @@ enum class ResultQuantity { flow, length, velocity, pressure, headloss };
 // loss of a pipe per thousand is the same number in every unit. Empty for a unit that is not known.
 std::optional<double> drawingFactor(ResultQuantity quantity, std::string_view unit);
 
+// Whether a pressure in this unit is one of weight, which grows with the specific gravity, and not
+// the height of a column of the liquid: psi, kPa, bar, and the "m" of releases before 2.3, which
+// write "METERS" for the height.
+bool growsWithGravity(std::string_view pressureUnit);
+
 // The units that a binary results file names by number; empty for a number that is none.
 std::string_view flowUnitOf(int code);
 std::string_view pressureUnitOf(int code);

@@ -77,8 +77,9 @@ struct PeriodValues {
   bool endsOpen = false;
 };
 
-// Turns the values into those of a drawing: l/s, m, m/s, per thousand, m of water. Nothing is
-// changed when a unit is not known: its name is the answer then, which else is empty.
+// Turns the values into those of a drawing: l/s, m, m/s, per thousand, m; pressures as those of
+// water (see growsWithGravity). Nothing is changed when a unit is not known: its name is the answer
+// then, which else is empty.
 std::string convertToDrawing(PeriodValues& values);
 
 // What a results file is, once read. It holds the file's bytes.

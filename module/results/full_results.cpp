@@ -5,8 +5,10 @@
 #include <utility>
 
 #include "epanet/report.h"
+#include "epanet/result_units.h"
 #include "module/inp/full_form.h"
 #include "module/network/element_data.h"
+#include "module/network/settings_store.h"
 #include "module/results/result_import.h"
 #include "platform/files.h"
 #include "platform/text.h"
@@ -109,6 +111,7 @@ FullPeriod::FullPeriod(std::shared_ptr<const FullReport> report, std::u16string_
     if (!only && platform::decodeBytes(periods[k].name) != time) continue;
     values_ = results->values(k);
     missingColumns_ = missingColumns(values_);
+    ofWeight_ = epanet::growsWithGravity(values_.units.pressure);
     unknownUnit_ = epanet::convertToDrawing(values_);
     return;
   }
@@ -126,6 +129,12 @@ const epanet::NodeValues* FullPeriod::node(std::u16string_view name) const {
 const epanet::LinkValues* FullPeriod::link(std::u16string_view name) const {
   const epanet::LinkValues* const found = values_.links.find(bytesOf(name));
   return found && found->flow && found->velocity && found->headloss ? found : nullptr;
+}
+
+double FullPeriod::columnOf(std::u16string_view network) const {
+  EpaSettings settings;
+  const bool known = ofWeight_ && LoadSettings(settings, network);
+  return known && settings.specificGravity > 0 ? 1 / settings.specificGravity : 1;
 }
 
 // --- what they are worth -------------------------------------------------------------------------
@@ -225,15 +234,15 @@ std::u16string_view textOf(const std::optional<epanet::LinkState>& state) {
   }
 }
 
-Chain listOf(const epanet::NodeValues& v) {
+Chain listOf(const epanet::NodeValues& v, double column) {
   const std::u16string quality = shortest(v.quality);
   return dataOf(EpaNodeResult{}, {{Field::demand, u"", *v.demand},
                                   {Field::head, u"", *v.head},
-                                  {Field::pressure, u"", *v.pressure},
+                                  {Field::pressure, u"", *v.pressure * column},
                                   {Field::quality, quality}});
 }
 
-Chain listOf(const epanet::LinkValues& v) {
+Chain listOf(const epanet::LinkValues& v, double) {
   return dataOf(EpaLinkResult{}, {{Field::flow, u"", *v.flow},
                                   {Field::velocity, u"", *v.velocity},
                                   {Field::headloss, u"", *v.headloss},
@@ -247,12 +256,13 @@ ResultCounts FullPeriod::write(std::u16string_view network) const {
   if (!faults().empty()) return counts;
   const NetworkLayers layers(network);
   const Chain period = periodData(platform::decodeBytes(values_.period.name));
+  const double column = columnOf(network);
   const auto put = [&](AcDbEntity& entity, const auto* values, const char16_t* application) {
     if (!values) {
       removeResults(entity, application);
       return false;
     }
-    const bool written = entity.setXData(listOf(*values).get()) == Acad::eOk;
+    const bool written = entity.setXData(listOf(*values, column).get()) == Acad::eOk;
     entity.setXData(period.get());
     return written;
   };

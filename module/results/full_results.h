@@ -31,7 +31,8 @@ class FullReport {
   epanet::OpenedResults opened_;
 };
 
-// One period, converted to the drawing's units.
+// One period. Its values are converted to the drawing's units for a network, whose liquid may be
+// heavier than water.
 class FullPeriod {
  public:
   // The only period when `time` is empty.
@@ -43,10 +44,11 @@ class FullPeriod {
   ResultCounts write(std::u16string_view network) const;
 
  private:
-  class Writer;
   // The values of an element; null when there is no row, or one without what is stored as a real.
   const epanet::NodeValues* node(std::u16string_view name) const;
   const epanet::LinkValues* link(std::u16string_view name) const;
+  // How many metres of a network's liquid stand for a metre of pressure.
+  double columnOf(std::u16string_view network) const;
   std::string bytesOf(std::u16string_view name) const;
   Notices faults() const;
 
@@ -54,6 +56,7 @@ class FullPeriod {
   epanet::PeriodValues values_;
   std::string missingColumns_;  // as [REPORT] names them
   std::string unknownUnit_;
+  bool ofWeight_ = false;  // pressures grow with the specific gravity
 };
 
 }  // namespace vessora
