@@ -85,8 +85,8 @@ void Reader::readRow() {
   doc_.tokens(row_, tokens_);
   if (tokens_.count == 0) return;
   // The solver takes no words out of these.
-  const bool unparsed = section_ == Section::title || section_ == Section::labels ||
-                        section_ == Section::backdrop;
+  const bool unparsed =
+      section_ == Section::title || section_ == Section::labels || section_ == Section::backdrop;
   if (tokens_.more && !unparsed) problem(Fault::manyTokens);
   for (int i = 0; i + 1 < count() && !unparsed; ++i) {
     if (tokens_[i].quoted) {
