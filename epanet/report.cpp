@@ -244,15 +244,22 @@ void Report::parse(const Table& table, ValueTable<Values>& values, PeriodValues&
     return true;
   });
   values.index();
-  std::uint64_t number = 1;
-  std::size_t counted = 0;
-  for (const std::size_t at : unreadable) {
-    number += static_cast<std::uint64_t>(
-        std::count(bytes_.begin() + static_cast<std::ptrdiff_t>(counted),
-                   bytes_.begin() + static_cast<std::ptrdiff_t>(at), '\n'));
+  const auto lines = linesOf(unreadable);
+  result.unreadableLines.insert(result.unreadableLines.end(), lines.begin(), lines.end());
+}
+
+// The lines that begin at these places, which ascend.
+std::vector<std::uint64_t> Report::linesOf(const std::vector<std::size_t>& places) const {
+  std::vector<std::uint64_t> lines;
+  std::uint64_t line = 1;
+  auto counted = bytes_.begin();
+  for (const std::size_t place : places) {
+    const auto at = bytes_.begin() + static_cast<std::ptrdiff_t>(place);
+    line += static_cast<std::uint64_t>(std::count(counted, at, '\n'));
     counted = at;
-    result.unreadableLines.push_back(number);
+    lines.push_back(line);
   }
+  return lines;
 }
 
 PeriodValues Report::values(std::size_t k) const {

@@ -95,6 +95,8 @@ class Report final : public Results {
   template <class Values>
   void parse(const Table& table, ValueTable<Values>& values, PeriodValues& result) const;
 
+  std::vector<std::uint64_t> linesOf(const std::vector<std::size_t>& places) const;
+
   std::string bytes_;
   std::vector<Period> periods_;
   std::vector<Table> tables_;  // of nodes and of links, for each period

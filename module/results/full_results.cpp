@@ -193,6 +193,12 @@ ReportFindings FullPeriod::examine(std::u16string_view network) const {
   }
   countBlocks(linkBlockFilter(layers), [this](const auto& name) { return link(name); });
 
+  judge(found, network);
+  return found;
+}
+
+// What the counts say of the rows.
+void FullPeriod::judge(ReportFindings& found, std::u16string_view network) const {
   const bool cut = report_->results()->isCut();
   found.cut = values_.endsOpen && (cut || found.missing > 0);
   if (found.cut) found.faults.push_back({NoticeCode::reportCut});
@@ -203,7 +209,6 @@ ReportFindings FullPeriod::examine(std::u16string_view network) const {
   if (!values_.unreadableLines.empty()) {
     found.remarks.push_back({NoticeCode::reportRowsDoubtful, numbersOf(values_.unreadableLines)});
   }
-  return found;
 }
 
 // --- onto the drawing ----------------------------------------------------------------------------

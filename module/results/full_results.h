@@ -51,6 +51,7 @@ class FullPeriod {
   double columnOf(std::u16string_view network) const;
   std::string bytesOf(std::u16string_view name) const;
   Notices faults() const;
+  void judge(ReportFindings& found, std::u16string_view network) const;
 
   std::shared_ptr<const FullReport> report_;  // whose bytes the values' ids are
   epanet::PeriodValues values_;

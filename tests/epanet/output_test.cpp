@@ -141,6 +141,9 @@ TEST(Output, DamagedFilesAreRefused) {
   EXPECT_EQ(faultOf(with(whole, 10, -1)), OutputFault::wrongUnits);
   const std::size_t ends = (60 + 760 + 8 * 32) / 4;
   EXPECT_EQ(faultOf(with(whole, ends, 4)), OutputFault::wrongLinks);
+  EXPECT_EQ(faultOf(with(whole, ends, 0)), OutputFault::wrongLinks);
+  std::string longer = whole;
+  EXPECT_EQ(faultOf(longer.insert(whole.size() - 28, 4, '\0')), OutputFault::wrongSize);
   EXPECT_EQ(faultOf(with(whole, ends + 6, 10)), OutputFault::wrongLinks);
   EXPECT_EQ(faultOf(with(whole, whole.size() / 4 - 3, 3)), OutputFault::wrongSize);
   EXPECT_EQ(faultOf(with(whole, whole.size() / 4 - 3, 0)), OutputFault::tooShort);

@@ -118,6 +118,50 @@ TEST(Report, NumbersWiderThanTheirColumns) {
   EXPECT_EQ(none.unreadableLines, std::vector<std::uint64_t>{6});
 }
 
+// An id of more than its places ends where the number's own digits can begin: numbers have no zero
+// in front, and none above a million is written without an exponent.
+TEST(Report, LongIdsThatEndInDigits) {
+  const Report report(
+      nodeTable(":", row("A", {"1.000", "2.0000", "3.00"}) +
+                         row("NODE-OF-LENGTH-17", {"248794.912", "4.0000", "5.00"}) +
+                         row("NODE-OF-LENGTH-10", {"48794.912", "6.0000", "7.00"})));
+  const PeriodValues values = report.values(0);
+  EXPECT_EQ(show(values.nodes, "NODE-OF-LENGTH-17"), "248794.912 4 5 -");
+  EXPECT_EQ(show(values.nodes, "NODE-OF-LENGTH-10"), "48794.912 6 7 -");
+  const Report fine(nodeTable(":", row("A", {"1.0000", "2.00", "3.00"}) +
+                                       row("NODE-OF-LENGTH-10", {"48794.9125", "4.00", "5.00"})));
+  EXPECT_EQ(show(fine.values(0).nodes, "NODE-OF-LENGTH-10"), "48794.9125 4 5 -");
+}
+
+TEST(Report, WhatStandsBetweenRowsIsNoRow) {
+  std::string text =
+      nodeTable(":", row("A", {"1.00", "2.00", "3.00"}) +
+                         "  WARNING: Negative pressures at 1:00:00 hrs.\n" +
+                         row("A", {"7.00", "8.00", "9.00"}) + row("B", {"4.00", "5.00", "6.00"})) +
+      "  WARNING: later\n";
+  for (std::size_t at = 0; (at = text.find('\n', at)) != text.npos; at += 2) {
+    text.insert(at, 1, '\r');
+  }
+  const Report report(text);
+  const PeriodValues values = report.values(0);
+  EXPECT_TRUE(values.unreadableLines.empty());
+  EXPECT_EQ(show(values.nodes, "A"), "1 2 3 -");  // the first of a name
+  EXPECT_EQ(show(values.nodes, "B"), "4 5 6 -");
+  EXPECT_EQ(values.units.pressure, "PSI");
+  ASSERT_EQ(report.messages().size(), 2U);
+  EXPECT_EQ(report.messages()[0].line, 7U);
+  EXPECT_EQ(report.messages()[1].line, 11U);
+}
+
+// A run can trace a node of any name.
+TEST(Report, QualityUnderTheNameOfAnotherColumn) {
+  const Report report("  Node Results:\n" + rule(4) +
+                      "                     Demand      Head  Pressure      Head\n"
+                      "  Node                  gpm        ft       PSI    % from\n" +
+                      rule(4) + row("A", {"1.00", "2.00", "3.00", "4.00"}) + "   \n");
+  EXPECT_EQ(show(report.values(0).nodes, "A"), "1 2 3 4");
+}
+
 TEST(Report, ColumnsAreKnownByTheirNamesAndWidths) {
   const Report report("  AVERAGE Node Results:\n" + rule(4) +
                       "                  Elevation    Demand      Head    a Tank\n"
@@ -201,6 +245,10 @@ TEST(Report, OneThatIsCutShortSaysSo) {
   // At the end of a row nothing is missing but the line that ends tables.
   const Report open(whole.substr(0, lastRow));
   EXPECT_TRUE(!open.isCut() && open.values(0).endsOpen);
+  const Report links(whole + linkTable(":", row("p", {"1.00", "2.00", "3.00"})));
+  EXPECT_TRUE(!links.isCut() && !links.values(0).endsOpen);
+  const std::string rest = linkTable(":", row("p", {"1.00", "2.00", "3.00"}));
+  EXPECT_TRUE(Report(whole + rest.substr(0, rest.size() - 4)).values(0).endsOpen);
   EXPECT_FALSE(Report(whole).isCut());
 }
 
