@@ -79,6 +79,9 @@ void Reader::readTankOrReservoir() {
   const bool few = count() <= 3;
   Node* const node = newNode(few ? NodeKind::reservoir : NodeKind::tank);
   if (!node) return;
+  // A row with faults makes a tank too.
+  Tank* const made = few ? nullptr : &net_.tanks.emplace_back();
+  if (made) node->tank = static_cast<std::uint32_t>(net_.tanks.size() - 1);
   if (count() < 2) return problem(Fault::syntax);
   if (!number(1, node->elevation)) return;
   if (!few && count() < 6) return problem(Fault::syntax);
@@ -87,8 +90,7 @@ void Reader::readTankOrReservoir() {
     if (count() > 2) node->pattern = pattern(2, Role::value);
     return;
   }
-  node->tank = static_cast<std::uint32_t>(net_.tanks.size());
-  Tank& tank = net_.tanks.emplace_back();
+  Tank& tank = *made;
   struct Column {
     Number& number;
     Quantity quantity;

@@ -19,9 +19,25 @@ std::string contentOf(const fs::path& file) {
   return {std::istreambuf_iterator<char>(in), {}};
 }
 
+// However bad the file, what reads a network may follow its indexes.
+void expectWhole(const epanet::Network& network) {
+  using epanet::LinkKind;
+  for (const epanet::Node& node : network.nodes) {
+    EXPECT_EQ(node.tank < network.tanks.size(), node.kind == epanet::NodeKind::tank) << node.id;
+  }
+  for (const epanet::Link& link : network.links) {
+    const std::size_t details = link.kind == LinkKind::pipe   ? network.pipes.size()
+                                : link.kind == LinkKind::pump ? network.pumps.size()
+                                                              : network.valves.size();
+    EXPECT_LT(link.detail, details) << link.id;
+    EXPECT_TRUE(link.node1 && link.node2) << link.id;
+  }
+}
+
 std::string problemsOf(const fs::path& file) {
   const epanet::Document document(contentOf(file));
   const epanet::Network network(document);
+  expectWhole(network);
   std::ostringstream out;
   out << file.filename().string() << ": " << network.nodes.size() << " nodes, "
       << network.links.size() << " links\n";
