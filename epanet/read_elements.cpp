@@ -358,7 +358,6 @@ void Reader::setStatus(std::uint32_t index, Place where, bool byRange) {
 
 void Reader::readCoordinates() {
   const std::uint32_t index = net_.findNode(word(0));
-  Number x, y;
   const auto xValue = count() > 1 ? numberOf(word(1)) : std::nullopt;
   const auto yValue = count() > 2 ? numberOf(word(2)) : std::nullopt;
   if (index == kNone || !xValue || !yValue) return problem(Fault::unknownCoordinate, 0);
