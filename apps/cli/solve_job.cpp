@@ -58,6 +58,8 @@ std::string wordsOf(const epanet::SolverMessage& message) {
   if (!message.element.empty() && message.words.find(message.element) == std::string::npos) {
     text += " (" + message.elementKind + " " + message.element + ")";
   }
+  // The solver's words of an error end where the row follows.
+  if (!message.row.empty() && text.ends_with(':')) text.pop_back();
   if (!message.row.empty()) text += words(", riga: ", ", row: ") + message.row;
   return text;
 }

@@ -58,6 +58,9 @@ void DlgListRes::onInit() {
   ModuleDialog::onInit();
   query_.action = QueryAction::showDrawing;
   filterMaterial.setEnabled(!query_.legacyNetwork);
+  if (query_.stale) {
+    message = TraduciTesto(u"La rete è cambiata da quando i risultati sono stati calcolati");
+  }
   nodeColor.select(nodeColorBy_);
   linkColor.select(linkColorBy_);
   fillList(nodes, query_.nodes, query_.filteredNodes);

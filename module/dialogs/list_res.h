@@ -26,6 +26,7 @@ struct NetworkQuery : QueryRows {
   bool colorFiltered = false;
   bool resetColors = false;
   bool legacyNetwork = false;  // of the aqueduct module: without materials
+  bool stale = false;          // the results were computed from another state of the network
 };
 
 // Ends with OK for each action; Esc ends it otherwise. Reopened, it shows the last filter.
@@ -88,6 +89,7 @@ class DlgListRes : public ModuleDialog {
   ui::Button reset{this, u"Resetta campi", &DlgListRes::onReset};
   ui::Button exportCsv{this, u"Esporta", &DlgListRes::onExport};
   ui::Button help{this, u"?", {.role = ui::Role::help}};
+  ui::Label message{this, u""};  // what is to be known of the results, or nothing
 
   void onInit() override;
   void onOk() override;

@@ -7,6 +7,7 @@
 #include "module/dialogs/list_res.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
+#include "module/inp/full_diff.h"
 #include "module/results/query_colors.h"
 #include "module/results/query_rows.h"
 
@@ -115,6 +116,7 @@ void runDialog(NetworkQuery& query, ToNode toNode, ToLink toLink) {
 bool runQuery(std::u16string_view network, NetworkQuery& query) {
   const NetworkLayers layers(network);
   if (!CollectQueryRows(layers, query)) return false;
+  query.stale = inpIsFull() && resultsAreStale(network);
   runDialog(
       query, [&](const auto& id) { zoomToNode(layers, id); },
       [&](const auto& id) { zoomToLink(layers, id); });
