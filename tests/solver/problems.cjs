@@ -15,6 +15,7 @@ const files = places.flatMap((place) =>
 
 // Properties of the newest release that the package has no names for.
 const node = { ...NodeProperty };
+const option = { ...Option, DefaultPattern: 23 };
 const link = { ...LinkProperty, LeakArea: 26, LeakExpan: 27 };
 
 // What the solver tests only when a file is solved.
@@ -105,6 +106,10 @@ const same = (a, b) => a === b || Math.abs(a - b) <= 1e-7 * Math.max(Math.abs(a)
 function nodeValue(model, id, field) {
   const index = model.getNodeIndex(id);
   if (field === 'Type') return model.getNodeType(index);
+  if (field === 'DemandPattern') {
+    const pattern = model.getDemandPattern(index, 1);
+    return pattern ? model.getPatternId(pattern) : '';
+  }
   if (field !== 'DemandSum') return model.getNodeValue(index, node[field]);
   let sum = 0;
   for (let i = 1, n = model.getNumberOfDemands(index); i <= n; ++i) sum += model.getBaseDemand(index, i);
@@ -133,7 +138,7 @@ function table(model, kind, id) {
 function whole(model, kind, field) {
   const count = { nodes: CountType.NodeCount, links: CountType.LinkCount, patterns: CountType.PatCount, curves: CountType.CurveCount, controls: CountType.ControlCount, rules: CountType.RuleCount };
   if (kind === 'count') return model.getCount(count[field]);
-  if (kind === 'option') return model.getOption(Option[field]);
+  if (kind === 'option') return model.getOption(option[field]);
   if (kind === 'time') return model.getTimeParameter(TimeParameter[field]);
   if (kind === 'pda') { const { pmin, preq, pexp } = model.getDemandModel(); return { MinimumPressure: pmin, RequiredPressure: preq, PressureExponent: pexp }[field]; }
   return field === 'flow' ? model.getFlowUnits() : field === 'formula' ? model.getOption(Option.HeadlossForm) : model.getOption(25);

@@ -39,6 +39,9 @@ void printNode(const Network& network, const Node& node) {
   if (node.kind == NodeKind::junction) {
     field("DemandSum", network.demandOf(node));
     field("Emitter", node.emitter.value);
+    const Ref pattern = network.demandPatternOf(node);
+    name("node", node.id, "DemandPattern",
+         pattern ? network.patterns[pattern.index].id : std::string_view());
   }
   if (!tank) return;
   const Tank& levels = network.tanks[node.tank];
@@ -177,6 +180,8 @@ void printOptions(const Network& network) {
                            {"pda", "RequiredPressure", Option::requiredPressure},
                            {"pda", "PressureExponent", Option::pressureExponent}};
   for (const Row& row : kRows) line(row.kind, "", row.name, network.option(row.option).number);
+  line("option", "", "DefaultPattern",
+       network.defaultPattern == kNone ? 0 : network.defaultPattern + 1.0);
   line("units", "", "flow", static_cast<double>(network.flowUnits));
   line("units", "", "pressure", static_cast<double>(network.pressureUnits));
   line("units", "", "formula", static_cast<double>(network.formula));
