@@ -85,6 +85,7 @@ Gesture Control::onDoubleClick(int) {
 }
 
 void Control::done(std::u16string_view rest, const Handler& handler) {
+  gesture_ = true;
   dialog_->journal(*this, rest);
   refresh();
   if (handler) handler(*dialog_);
@@ -93,6 +94,7 @@ void Control::done(std::u16string_view rest, const Handler& handler) {
 void Control::refresh() { dialog_->changed(*this); }
 
 void Control::resetFace() {
+  gesture_ = false;
   label_ = declaredLabel_;
   enabled_ = face_.enabled;
   visible_ = face_.visible;

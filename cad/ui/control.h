@@ -114,6 +114,9 @@ class CAD_UI_API Control {
   // What stands on the screen, as text.
   virtual std::u16string shown() const = 0;
 
+  // Whether the user has put something into it since the dialog opened, the same again included.
+  bool hasGesture() const { return gesture_; }
+
   // --- gestures; items and rows count from 0, kinds that know no such gesture refuse it
   Gesture enter(std::u16string_view text);
   Gesture choose(int item);
@@ -147,6 +150,7 @@ class CAD_UI_API Control {
   Face face_;
   std::u16string label_, declaredLabel_;
   bool enabled_, visible_;
+  bool gesture_ = false;
 };
 
 // The closed list of kinds. A new one fails to compile in each front end until it is handled.

@@ -118,6 +118,11 @@ Real& Real::operator=(double value) {
   return *this;
 }
 
+void Real::admitValue() {
+  if (min_ && value_ < *min_) min_ = value_;
+  if (max_ && value_ > *max_) max_ = value_;
+}
+
 std::optional<std::u16string> Real::store() {
   // The text that the value itself is shown as carries 15 digits; taking it for a change would lose
   // the others on each pass.

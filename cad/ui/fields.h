@@ -72,6 +72,9 @@ class CAD_UI_API Real : public Field {
   Real& operator=(double value);
   std::optional<double> min() const { return min_; }
   std::optional<double> max() const { return max_; }
+  // Takes a bound back as far as the value that is there already, so that who leaves the field
+  // alone can close the dialog.
+  void admitValue();
   void accept(Visitor& visitor) override { visitor.visit(*this); }
 
  protected:

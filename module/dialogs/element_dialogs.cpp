@@ -70,16 +70,27 @@ void ElementDialog::onInit() {
   if (!newElement && oldName.empty()) oldName = name.value();
 }
 
+void ElementDialog::opened() {
+  if (!newElement && inpIsFull()) {
+    for (ui::Control* control : controls()) {
+      if (auto* const real = dynamic_cast<ui::Real*>(control)) real->admitValue();
+    }
+  }
+  noteOpened();
+}
+
 // --- nodes ---------------------------------------------------------------------------------------
 
 void Dlgjunc::onInit() {
   ElementDialog::onInit();
   openSorted(pattern, patterns_, newElement);
+  opened();
 }
 
 void Dlgresv::onInit() {
   ElementDialog::onInit();
   openSorted(pattern, patterns_, newElement);
+  opened();
 }
 
 // A curve goes to its place among all curves, and stays out where the list is not that long yet:
@@ -92,6 +103,7 @@ void Dlgtank::onInit() {
     curve.insert(static_cast<int>(i) + 1, curves_[i].id.view());
   }
   selectByPrefix(curve);
+  opened();
 }
 
 // --- links ---------------------------------------------------------------------------------------
@@ -105,6 +117,7 @@ void Dlgpipe::onInit() {
   for (const EpaMaterial& row : table_) names.push_back(row.name.str());
   material.setItems(names);
   material.select(newElement ? 0 : std::max(material.find(chosenMaterial_), 0));
+  opened();
 }
 
 // The table's row of the line that is selected, when it can give its roughness to this network.
@@ -144,6 +157,7 @@ void Dlgvalv::onInit() {
     type.select(type.findSame(type.value()));
     status.select(status.findSame(status.value()));
   }
+  opened();
 }
 
 void Dlgpump::onInit() {
@@ -166,6 +180,7 @@ void Dlgpump::onInit() {
       selectByPrefix(*list);
     }
   }
+  opened();
 }
 
 }  // namespace vessora

@@ -4,6 +4,8 @@
 // is taken nor refuses an empty one: commands do that after OK, and open the dialog again. It then
 // shows the values last entered, and its lists are filled and selected anew.
 //
+// In full no range holds up a field that was left alone.
+//
 // The caller sets `newElement` and the fields, and reads them back after OK. Lists that are handed
 // over stay the caller's, must outlive the dialog and are only read. Texts that records keep in 50
 // characters cannot be typed longer.
@@ -35,6 +37,8 @@ class ElementDialog : public ModuleDialog {
 
   ElementDialog(std::u16string_view title, std::u16string_view pictureName,
                 std::u16string_view nameLabel);
+  // The last step of opening, when the lists are filled.
+  void opened();
 };
 
 class Dlgjunc : public ElementDialog {

@@ -47,6 +47,15 @@ void DlgEpaCalc::forEachNumber(Visit visit) {
   visit(globalEfficiency, settings_.globalEfficiency);
   visit(globalPrice, settings_.globalPrice);
   visit(demandCharge, settings_.demandCharge);
+  if (full_) visit(tolerance, settings_.tolerance);
+}
+
+template <class Visit>
+void DlgEpaCalc::forEachList(Visit visit) {
+  visit(headloss, settings_.headloss);
+  visit(unbalanced, settings_.unbalanced);
+  visit(parameter, settings_.qualityParam);
+  visit(wallOrder, settings_.wallOrder);
 }
 
 DlgEpaCalc::DlgEpaCalc(EpaSettings& settings)
@@ -54,6 +63,7 @@ DlgEpaCalc::DlgEpaCalc(EpaSettings& settings)
       settings_(settings) {
   forEachNumber([](auto& field, auto value) { field = value; });
   energyPattern = settings.energyPattern.str();
+  if (full_) traceNode = settings.traceNode.str();
   forEachTime([this](ui::TimePicker& picker, const wide50& text) {
     const PickedTime picked = pickedTime(text).value_or(PickedTime());
     picker.set(picked.time);
@@ -69,18 +79,35 @@ void DlgEpaCalc::onInit() {
   if (parameter.selected() < 0) parameter.setText(settings_.qualityParam);
   const std::u16string order = settings_.wallOrder.str();
   wallOrder.select(wallOrder.findSame(order == u"1" ? u"First" : order == u"0" ? u"Zero" : order));
+  noteOpened();
+}
+
+// Pickers have neither seconds nor days, and what the user has not set stays: the days alone do not
+// take the seconds.
+void DlgEpaCalc::takeDuration() {
+  if (!isWanted(days) && !isWanted(duration)) return;
+  std::u16string text =
+      platform::format(u"%02d:%02d", duration.value().hour, duration.value().minute);
+  const std::u16string stored = settings_.duration.str();
+  const std::size_t last = stored.rfind(u':');
+  if (!isWanted(duration) && last != stored.find(u':')) text += stored.substr(last);
+  settings_.durationDays = days.value();
+  settings_.duration = text;
 }
 
 void DlgEpaCalc::onOk() {
   if (!updateData()) return;
-  settings_.headloss = headloss.text();
-  settings_.unbalanced = unbalanced.text();
-  settings_.qualityParam = parameter.text();
-  settings_.wallOrder = wallOrder.text();
-  forEachNumber([](const auto& field, auto& value) { value = field.value(); });
-  settings_.energyPattern = energyPattern.value();
-  settings_.durationDays = days.value();
-  forEachTime([](const ui::TimePicker& picker, wide50& text) {
+  forEachList([this](const ui::Choice& field, auto& text) {
+    if (isWanted(field)) text = field.text();
+  });
+  forEachNumber([this](const auto& field, auto& value) {
+    if (isWanted(field)) value = field.value();
+  });
+  if (isWanted(energyPattern)) settings_.energyPattern = energyPattern.value();
+  if (full_ && isTouched(traceNode)) settings_.traceNode = traceNode.value();
+  takeDuration();
+  forEachTime([this](const ui::TimePicker& picker, wide50& text) {
+    if (&picker == &duration || !isWanted(picker)) return;
     text = platform::format(u"%02d:%02d", picker.value().hour, picker.value().minute);
   });
   end(ui::Outcome::ok);

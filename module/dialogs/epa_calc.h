@@ -15,8 +15,9 @@ struct PickedTime {
 // Nothing for a text whose hours are below 0 or whose minutes are no minutes.
 std::optional<PickedTime> pickedTime(std::u16string_view text);
 
-// Edits the settings that it is given: OK writes into them, "Annulla" leaves them alone. All their
-// times must be ones that pickedTime() takes. No field depends on another and none has a range.
+// Edits the settings that it is given: OK writes into them, in full only what the user has changed,
+// "Annulla" leaves them alone. All their times must be ones that pickedTime() takes. No field
+// depends on another and none has a range.
 class DlgEpaCalc : public ModuleDialog {
  public:
   explicit DlgEpaCalc(EpaSettings& settings);
@@ -38,7 +39,7 @@ class DlgEpaCalc : public ModuleDialog {
   ui::Real demandMultiplier{&hydraulics, u"Moltiplicatore della domanda"};
   ui::Real emitterExponent{&hydraulics, u"Esponente Emitter"};
 
-  // --- quality. Tracer node and tolerance are shown and asked, and go nowhere.
+  // --- quality. The classic way tracer node and tolerance are shown and asked, and go nowhere.
   ui::Group quality{this, u"Parametri Qualità"};
   ui::Label qualityUnits{&quality, u"Udm Qualità: mg/l"};
   ui::Choice parameter{&quality,
@@ -92,8 +93,13 @@ class DlgEpaCalc : public ModuleDialog {
   void forEachTime(Visit visit);
   template <class Visit>
   void forEachNumber(Visit visit);
+  template <class Visit>
+  void forEachList(Visit visit);
+  bool isWanted(const ui::Control& control) const { return !full_ || isTouched(control); }
+  void takeDuration();
 
   EpaSettings& settings_;
+  const bool full_ = inpIsFull();
 };
 
 }  // namespace vessora

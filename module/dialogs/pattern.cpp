@@ -11,7 +11,12 @@ namespace {
 
 constexpr std::size_t kNewPeriods = 24, kNewPoints = 9;
 
-std::u16string shownValue(double value) { return platform::format(u"%.3lf", value); }
+// In full a value that is left alone has to come back whole.
+std::u16string shownValue(double value) {
+  if (!inpIsFull()) return platform::format(u"%.3lf", value);
+  char digits[40];
+  return platform::widen({digits, platform::writeReal(digits, value)});
+}
 
 bool isBlank(std::u16string_view cell) { return cell.find_first_not_of(u" \t") == cell.npos; }
 
@@ -67,6 +72,7 @@ void DlgPattern::onInit() {
     ++at;
   }
   grid.number(1);
+  noteOpened();
 }
 
 void DlgPattern::setTitles(std::u16string_view curveKind) {
@@ -106,13 +112,17 @@ bool DlgPattern::nameAccepted() {
 
 void DlgPattern::takePoints() {
   curve_->id = name.value();
-  curve_->kind = kind.value();
+  if (!inpIsFull() || isNew_ || isTouched(kind)) curve_->kind = kind.value();
   curve_->points.clear();
   for (int row = 1; row < grid.rowCount(); ++row) {
     const std::u16string &x = grid.cell(row, 0), &y = grid.cell(row, 1);
     if (isBlank(x) || isBlank(y)) continue;
     curve_->points.push_back({platform::wtof(x), platform::wtof(y)});
   }
+}
+
+bool DlgPattern::hasOpenedWith(const std::u16string& cell) const {
+  return std::any_of(rows_.begin(), rows_.end(), [&](const Row& row) { return row[1] == cell; });
 }
 
 // Blank periods close up. False, with the record as it was, after telling the user of a value that
@@ -122,7 +132,7 @@ bool DlgPattern::takeMultipliers() {
   for (int row = 1; row < grid.rowCount(); ++row) {
     if (isBlank(grid.cell(row, 1))) continue;
     multipliers.push_back(platform::wtof(grid.cell(row, 1)));
-    if (multipliers.back() >= 0) continue;
+    if (multipliers.back() >= 0 || (inpIsFull() && hasOpenedWith(grid.cell(row, 1)))) continue;
     accepted_ = false;
     refuse(u"Inserire un valore numerico positivo!");
     return false;

@@ -53,6 +53,7 @@ class DlgPattern : public ModuleDialog {
   void keepRows();
   bool nameAccepted();
   bool takeMultipliers();
+  bool hasOpenedWith(const std::u16string& cell) const;
   void takePoints();
   void refuse(const char16_t* text);
 

@@ -2,8 +2,10 @@
 // the base of the module's dialogs.
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "cad/ui/dialog.h"
 #include "module/host/host_drawing.h"
@@ -31,6 +33,27 @@ class ModuleDialog : public ui::Dialog {
   std::u16string translate(std::u16string_view text) override {
     return TraduciTesto(std::u16string(text).c_str());
   }
+
+  // Whether something else stands in a control than when noteOpened() was called; before that
+  // nothing does. Of lists, which may open on another line than the stored one, whether the user
+  // has chosen any.
+  bool isTouched(const ui::Control& control) const {
+    const auto at = std::find(controls().begin(), controls().end(), &control);
+    const auto index = static_cast<std::size_t>(at - controls().begin());
+    if (index >= opened_.size()) return false;
+    const bool chosen = control.hasGesture() && dynamic_cast<const ui::ListControl*>(&control);
+    return chosen || opened_[index] != control.shown();
+  }
+
+ protected:
+  // For the end of onInit: what stands in the controls now is what the dialog opened with.
+  void noteOpened() {
+    opened_.clear();
+    for (const ui::Control* control : controls()) opened_.push_back(control->shown());
+  }
+
+ private:
+  std::vector<std::u16string> opened_;  // what the controls showed
 };
 
 }  // namespace vessora

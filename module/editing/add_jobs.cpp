@@ -84,7 +84,7 @@ AddedElement addNode(std::u16string_view network, const Record& record, const wi
 
 // Numbers as attributes show them.
 void showRounded(std::initializer_list<wide50*> fields) {
-  for (wide50* field : fields) storeReal(*field, platform::wtof(*field));
+  for (wide50* field : fields) storeShown(*field, platform::wtof(*field));
 }
 
 }  // namespace

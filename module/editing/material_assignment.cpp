@@ -78,6 +78,7 @@ void FindPipesByMaterial(std::u16string_view network, std::u16string_view materi
 AssignResult AssignMaterial(std::u16string_view network, double roughness,
                             std::u16string_view material, const PipeNames& found) {
   AssignResult result;
+  if (!found.empty()) acdbRegApp(app::kMaterial);
   // That a name stands there twice changes nothing: what would be done again is the same.
   const std::unordered_set<std::u16string_view> names(found.begin(), found.end());
   const Chain list(acutBuildList(1001, app::kMaterial, 1000, material, RTNONE));
@@ -130,8 +131,10 @@ bool assignMaterials() {
 
 int EpaCommands::hnsetmat() {
   if (!readInstallPath(installPath)) return kAbandoned;
-  acdbRegApp(app::kImport);
-  acdbRegApp(app::kMaterial);
+  if (!inpIsFull()) {
+    acdbRegApp(app::kImport);
+    acdbRegApp(app::kMaterial);
+  }
   if (!chooseNetworkToModify()) return kAbandoned;
   const bool assigned = assignMaterials();
   materials.clear();

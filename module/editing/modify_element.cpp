@@ -25,9 +25,10 @@ enum class Pass { written, abandoned };
 class ElementEditor {
  public:
   explicit ElementEditor(std::u16string& material) : material_(material) {
-    // Those of the default network, whatever network was chosen.
-    LoadPatterns(patterns_, defaultNetwork);
-    LoadCurves(curves_, defaultNetwork);
+    // The classic way those of the default network, whatever network was chosen.
+    const std::u16string_view owner = inpIsFull() ? currentNetwork.view() : defaultNetwork.view();
+    LoadPatterns(patterns_, owner);
+    LoadCurves(curves_, owner);
     Notices notices;
     CollectNetworkNames(currentNetwork, names_, notices);
     tell(notices);
@@ -44,17 +45,35 @@ class ElementEditor {
 
   static double real(const wide50& text) { return platform::wtof(text); }
 
+  // What OK takes over: all that stands in the dialog, in full only what the user has changed.
+  static bool isTaken(const ElementDialog& dialog, const ui::Control& control) {
+    return !inpIsFull() || dialog.isTouched(control);
+  }
+  template <class Control>
+  static void take(const ElementDialog& dialog, const Control& control, wide50& text) {
+    if (isTaken(dialog, control)) text = control.value();
+  }
+  static void take(const ElementDialog& dialog, const ui::Real& control, wide50& text) {
+    if (isTaken(dialog, control)) storeShown(text, control.value());
+  }
+  // Reals that go into the drawing as the dialog has them, not by way of three decimals.
+  static void takeWhole(const ElementDialog& dialog, const ui::Real& control, wide50& text) {
+    if (isTaken(dialog, control)) storeExactly(text, control.value());
+  }
+
   Pass branch(EpaJunc& junc, const std::u16string&) {
     Dlgjunc dialog(patterns_);
     dialog.elevation = real(junc.elev);
     dialog.demand = real(junc.demand);
     dialog.emitter = real(junc.emitter);
     dialog.pattern = junc.pattern;
-    if (!askName(dialog, junc.id, names_.nodes, Clash::warns)) return Pass::abandoned;
-    storeReal(junc.elev, dialog.elevation.value());
-    storeReal(junc.demand, dialog.demand.value());
-    storeExactly(junc.emitter, dialog.emitter.value());
-    junc.pattern = dialog.pattern.value();
+    const auto takeAll = [&] {
+      take(dialog, dialog.elevation, junc.elev);
+      take(dialog, dialog.demand, junc.demand);
+      takeWhole(dialog, dialog.emitter, junc.emitter);
+      take(dialog, dialog.pattern, junc.pattern);
+    };
+    if (!ask(dialog, junc.id, names_.nodes, Clash::warns, takeAll)) return Pass::abandoned;
     return write({junc, {}});
   }
 
@@ -62,9 +81,11 @@ class ElementEditor {
     Dlgresv dialog(patterns_);
     dialog.head = real(resv.head);
     dialog.pattern = resv.pattern;
-    if (!askName(dialog, resv.id, names_.nodes, Clash::warns)) return Pass::abandoned;
-    storeReal(resv.head, dialog.head.value());
-    resv.pattern = dialog.pattern.value();
+    const auto takeAll = [&] {
+      take(dialog, dialog.head, resv.head);
+      take(dialog, dialog.pattern, resv.pattern);
+    };
+    if (!ask(dialog, resv.id, names_.nodes, Clash::warns, takeAll)) return Pass::abandoned;
     return write({resv, {}});
   }
 
@@ -76,13 +97,14 @@ class ElementEditor {
         {&dialog.maxLevel, &tank.maxLevel},   {&dialog.minVolume, &tank.minVol}};
     for (const auto& [field, text] : fields) *field = real(*text);
     dialog.curve = tank.volCurve;
-    if (!askName(dialog, tank.id, names_.nodes, Clash::warns)) return Pass::abandoned;
-    for (const auto& [field, text] : fields) storeReal(*text, field->value());
-    tank.volCurve = dialog.curve.value();
+    const auto takeAll = [&] {
+      for (const auto& [field, text] : fields) take(dialog, *field, *text);
+      take(dialog, dialog.curve, tank.volCurve);
+    };
+    if (!ask(dialog, tank.id, names_.nodes, Clash::warns, takeAll)) return Pass::abandoned;
     return write({tank, {}});
   }
 
-  // Reals go into the drawing as the dialog has them, not by way of three decimals.
   Pass branch(EpaPipe& pipe, const std::u16string& material) {
     EpaSettings settings;
     LoadSettings(settings, currentNetwork);
@@ -95,11 +117,21 @@ class ElementEditor {
                                                     {&dialog.roughness, &pipe.roughness},
                                                     {&dialog.minorLoss, &pipe.minorLoss}};
     for (const auto& [field, text] : fields) *field = real(*text);
-    dialog.status = pipe.status;
-    if (!askName(dialog, pipe.id, names_.links, Clash::warns)) return Pass::abandoned;
-    for (const auto& [field, text] : fields) storeExactly(*text, field->value());
-    pipe.status = dialog.status.value();
-    return write({pipe, material_});
+    dialog.status = shownStatus(pipe.status);
+    std::u16string chosen = material;
+    const auto takeAll = [&] {
+      for (const auto& [field, text] : fields) takeWhole(dialog, *field, *text);
+      take(dialog, dialog.status, pipe.status);
+      if (isTaken(dialog, dialog.material)) chosen = material_;
+    };
+    if (!ask(dialog, pipe.id, names_.links, Clash::warns, takeAll)) return Pass::abandoned;
+    return write({pipe, chosen});
+  }
+
+  // The list has its own word for what the solver calls "Closed".
+  static std::u16string shownStatus(const wide50& status) {
+    const bool closed = inpIsFull() && platform::equalNoCase(status.view(), u"Closed");
+    return closed ? u"Close" : status.str();
   }
 
   Pass branch(EpaValv& valv, const std::u16string&) {
@@ -109,16 +141,19 @@ class ElementEditor {
     dialog.minorLoss = real(valv.minorLoss);
     dialog.type = valv.type;
     dialog.status = valv.status;
-    if (!askName(dialog, valv.id, names_.links, Clash::warns)) return Pass::abandoned;
-    storeReal(valv.diameter, dialog.diameter.value());
-    storeReal(valv.minorLoss, dialog.minorLoss.value());
-    valv.type = dialog.type.value();
-    valv.status = dialog.status.value();
-    valv.setting = dialog.setting.value();
+    const auto takeAll = [&] {
+      take(dialog, dialog.diameter, valv.diameter);
+      take(dialog, dialog.minorLoss, valv.minorLoss);
+      take(dialog, dialog.type, valv.type);
+      take(dialog, dialog.status, valv.status);
+      take(dialog, dialog.setting, valv.setting);
+    };
+    if (!ask(dialog, valv.id, names_.links, Clash::warns, takeAll)) return Pass::abandoned;
     return write({valv, {}});
   }
 
-  // Of the current network's own lists. The speed pattern is shown and stays what it was.
+  // Of the current network's own lists. The classic way the speed pattern is shown and stays what
+  // it was.
   Pass branch(EpaPump& pump, const std::u16string&) {
     std::vector<EpaPattern> patterns;
     std::vector<EpaCurve> curves;
@@ -133,26 +168,35 @@ class ElementEditor {
     dialog.price = pump.price;
     dialog.pricePattern = pump.pricePattern;
     dialog.power = pump.power;
-    if (!askName(dialog, pump.id, names_.links, Clash::refuses)) return Pass::abandoned;
-    pump.headCurve = dialog.headCurve.value();
-    pump.effCurve = dialog.efficiencyCurve.value();
-    pump.pricePattern = dialog.pricePattern.value();
-    pump.status = dialog.status.value();
-    pump.power = dialog.power.value();
-    pump.speed = dialog.speed.value();
-    pump.price = dialog.price.value();
-    if (!pump.headCurve.empty()) pump.power.clear();
+    const EpaPump before = pump;
+    const auto takeAll = [&] {
+      take(dialog, dialog.headCurve, pump.headCurve);
+      take(dialog, dialog.efficiencyCurve, pump.effCurve);
+      take(dialog, dialog.pricePattern, pump.pricePattern);
+      if (inpIsFull()) take(dialog, dialog.speedPattern, pump.speedPattern);
+      take(dialog, dialog.status, pump.status);
+      take(dialog, dialog.power, pump.power);
+      take(dialog, dialog.speed, pump.speed);
+      take(dialog, dialog.price, pump.price);
+    };
+    if (!ask(dialog, pump.id, names_.links, Clash::refuses, takeAll)) return Pass::abandoned;
+    const bool same = pump.headCurve == before.headCurve && pump.power == before.power;
+    if (!pump.headCurve.empty() && !(inpIsFull() && same)) pump.power.clear();
     return write({pump, {}});
   }
 
   // What a name that is taken leads to after the box: the change all the same, or the dialog again.
   enum class Clash { warns, refuses };
 
-  // Runs the dialog until a name stands that can be written, into `id`. False for "Annulla".
-  bool askName(ElementDialog& dialog, wide256& id, const Names& names, Clash clash) const {
+  // Runs the dialog until a name stands that can be written, into `id`; after each OK takeAll().
+  // False for "Annulla".
+  template <class Take>
+  bool ask(ElementDialog& dialog, wide256& id, const Names& names, Clash clash,
+           Take takeAll) const {
     dialog.name = id;
     for (;;) {
       if (!dialog.doModal()) return false;
+      takeAll();
       const std::u16string name = dialog.name.value();
       if (name.empty()) {
         showMessage(TraduciTesto(u"Nome assente. Inserire un nome!"));
@@ -212,8 +256,9 @@ int modifyOne(ElementEditor editor) {
 
 int EpaCommands::hnmodepa() {
   if (!readInstallPath(installPath)) return kAbandoned;
+  // In full a dialog that changes nothing leaves nothing: who writes registers.
   for (const char16_t* application : {app::kImport, app::kMaterial, app::kPattern, app::kCurve}) {
-    acdbRegApp(application);
+    if (!inpIsFull()) acdbRegApp(application);
   }
   const bool chosen = chooseNetworkToModify();
   networkNames.clear();

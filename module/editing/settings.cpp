@@ -21,15 +21,17 @@ EpaSettings settingsOf(std::u16string_view network) {
 
 Notices storeSettings(EpaSettings settings) {
   EpaSettings stored;
-  SaveSettings(settings, !LoadSettings(stored, settings.name));
+  const bool there = LoadSettings(stored, settings.name);
   Notices warnings;
+  if (there && inpIsFull() && settings == stored) return warnings;
+  SaveSettings(settings, !there);
   if (settings.energyPattern.empty()) return warnings;
   std::vector<EpaPattern> patterns;
   LoadPatterns(patterns, settings.name);
-  const bool there = std::any_of(patterns.begin(), patterns.end(), [&](const EpaPattern& pattern) {
+  const bool known = std::any_of(patterns.begin(), patterns.end(), [&](const EpaPattern& pattern) {
     return pattern.id == settings.energyPattern.str();
   });
-  if (!there) warnings.push_back({NoticeCode::energyPatternMissing, settings.energyPattern.str()});
+  if (!known) warnings.push_back({NoticeCode::energyPatternMissing, settings.energyPattern.str()});
   return warnings;
 }
 

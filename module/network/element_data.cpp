@@ -183,7 +183,7 @@ namespace {
 
 // The next item into the record, when there is one.
 template <class Record>
-void takeItem(XDataReader& data, Record& record, const Row& row) {
+void takeItem(XDataReader& data, Record& record, const Row& row, Reals reals) {
   if (data.done()) return;
   if (row.field == Field::none) return data.skip();
   if (row.type == schema::Type::text) return put(record, row.field, data.text());
@@ -194,6 +194,8 @@ void takeItem(XDataReader& data, Record& record, const Row& row) {
     if constexpr (std::is_same_v<std::remove_reference_t<decltype(member)>, wide50>) {
       if (empty) {
         member.clear();
+      } else if (reals == Reals::whole) {
+        storeExactly(member, value);
       } else {
         storeReal(member, value);
       }
@@ -220,17 +222,17 @@ void takeWholeResult(const Chain& chain, Record& result) {
 }  // namespace
 
 template <class Record>
-void takeField(const Chain& data, Record& record, Field field) {
+void takeField(const Chain& data, Record& record, Field field, Reals reals) {
   for (const Row& row : listOf<Record>().rows) {
     if (row.field != field) continue;
     XDataReader reader(data);
     for (int i = 1; i < row.place; ++i) reader.skip();
-    takeItem(reader, record, row);
+    takeItem(reader, record, row, reals);
   }
 }
 
 template <class Record>
-void takeData(const Chain& data, Record& record, bool id) {
+void takeData(const Chain& data, Record& record, bool id, Reals reals) {
   XDataReader reader(data);
   for (const Row& row : listOf<Record>().rows) {
     if (row.place == 0) break;
@@ -238,7 +240,7 @@ void takeData(const Chain& data, Record& record, bool id) {
     if (row.field == Field::id && !id) {
       reader.skip();
     } else {
-      takeItem(reader, record, row);
+      takeItem(reader, record, row, reals);
     }
   }
 }
@@ -351,6 +353,11 @@ void storeReal(wide50& field, double value) {
   field.assign({text, kept});
 }
 
+void storeShown(wide50& field, double value) {
+  storeReal(field, value);
+  if (inpIsFull() && platform::wtof(field) != value) storeExactly(field, value);
+}
+
 void storeExactly(wide50& field, double value) {
   char digits[32];
   field = platform::widen({digits, platform::writeReal(digits, value)});
@@ -365,8 +372,8 @@ void storeExactly(wide50& field, double value) {
   template bool takeAttributes(AcDbBlockReference*, Record&);                                  \
   template void writeAttributes(AcDbBlockReference*, const Record&, FieldSet);                 \
   template void writeData(AcDbObject*, const Record&, FieldSet, std::initializer_list<Given>); \
-  template void takeField(const Chain&, Record&, Field);                                       \
-  template void takeData(const Chain&, Record&, bool);
+  template void takeField(const Chain&, Record&, Field, Reals);                                \
+  template void takeData(const Chain&, Record&, bool, Reals);
 INSTANTIATE_ELEMENT(EpaJunc)
 INSTANTIATE_ELEMENT(EpaResv)
 INSTANTIATE_ELEMENT(EpaTank)

@@ -39,14 +39,19 @@ void writeAttributes(AcDbBlockReference* block, const Record& record,
 
 // --- extended data -------------------------------------------------------------------------------
 
+// How many decimals of a real go into a record.
+enum class Reals { threeDecimals, whole };
+
 // The item of one field into the record, when it is there.
 template <class Record>
-void takeField(const Chain& data, Record& record, schema::Field field);
+void takeField(const Chain& data, Record& record, schema::Field field,
+               Reals reals = Reals::threeDecimals);
 // All items. A field whose item is missing stays as it is; a real that stands for no value empties
 // its field. Of an element that has the id on an attribute too, `id` false leaves the id alone. A
 // pump's list of an older layout ends before the speed pattern, or goes on with a point there.
 template <class Record>
-void takeData(const Chain& data, Record& record, bool id = true);
+void takeData(const Chain& data, Record& record, bool id = true,
+              Reals reals = Reals::threeDecimals);
 // Results: missing items read as 0 and as empty text.
 void takeResult(const Chain& data, EpaNodeResult& result);
 void takeResult(const Chain& data, EpaLinkResult& result);
@@ -77,6 +82,8 @@ double realAt(const Chain& data, const schema::List& list, schema::Field field);
 
 // A real of extended data as records hold it: three decimals, cut at the field's capacity.
 void storeReal(wide50& field, double value);
+// A real as attributes show it: the same; in full one that three decimals would change is whole.
+void storeShown(wide50& field, double value);
 // The whole real: the shortest text that reads back as it.
 void storeExactly(wide50& field, double value);
 

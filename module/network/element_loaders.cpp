@@ -10,11 +10,15 @@ using schema::Field;
 
 namespace {
 
+Reals readReals() { return inpIsFull() ? Reals::whole : Reals::threeDecimals; }
+
 template <class Record>
 void readBlock(Record& record, AcDbBlockReference* block) {
   record.objectId = block->objectId();
   takeAttributes(block, record);
-  if (const Chain data(block->xData(app::kImport)); data) takeData(data, record, false);
+  if (const Chain data(block->xData(app::kImport)); data) {
+    takeData(data, record, false, readReals());
+  }
 }
 
 }  // namespace
@@ -35,7 +39,9 @@ void ReadValv(EpaValv& valv, AcDbBlockReference* block) {
 
 void ReadPipe(EpaPipe& pipe, std::u16string& material, AcDb3dPolyline* polyline) {
   pipe.objectId = polyline->objectId();
-  if (const Chain data(polyline->xData(app::kImport)); data) takeData(data, pipe);
+  if (const Chain data(polyline->xData(app::kImport)); data) {
+    takeData(data, pipe, true, readReals());
+  }
   const Chain data(polyline->xData(app::kMaterial));
   if (data.item(1)) material = textAt(data, schema::kMaterial, Field::type);
 }
@@ -59,6 +65,7 @@ FollowedLinks updateNode(Opened<AcDbBlockReference> block, const Node& node, Fie
   NodeChange change;
   change.oldHeight = storedHeight<Node>(block.get(), height);
   change.onlyTextItems = onlyTextItems;
+  if (inpIsFull()) change.oldName = Chain(block->xData(app::kImport)).text(1);
   writeAttributes(block.get(), node, changed);
   writeData(block.get(), node, changed, given);
   if (changed.has(height)) change.newHeight = platform::wtof(textOf(node, height));

@@ -14,7 +14,8 @@
 
 namespace vessora {
 
-// --- readers. The entity stays the caller's; without extended data the fields from there stay. ---
+// --- readers. The entity stays the caller's; without extended data the fields from there stay.
+// Reals from there have three decimals, in full all of them. ---
 
 void ReadJunc(EpaJunc& junc, AcDbBlockReference* block);
 void ReadResv(EpaResv& resv, AcDbBlockReference* block);

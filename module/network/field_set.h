@@ -24,6 +24,7 @@ class FieldSet {
   constexpr bool isAll() const { return bits_ == ~std::uint64_t{0}; }
   constexpr bool isEmpty() const { return bits_ == 0; }
   constexpr bool has(schema::Field field) const { return (bits_ & bit(field)) != 0; }
+  constexpr void add(schema::Field field) { bits_ |= bit(field); }
   // What both have.
   friend constexpr FieldSet operator&(FieldSet a, FieldSet b) {
     a.bits_ &= b.bits_;

@@ -1,5 +1,7 @@
 #include "module/network/node_update.h"
 
+#include <algorithm>
+
 #include "module/network/element_data.h"
 #include "module/network/links_at.h"
 #include "module/network/point_grid.h"
@@ -93,13 +95,29 @@ class LinkMover {
     return schema::placeOf(kind.data, atEnd ? schema::Field::node2 : schema::Field::node1);
   }
 
-  // Puts the node's name into an item, if it has a new one; false when there is no item.
-  bool rename(resbuf* item) const {
-    if (!item) return false;
+  // Puts the node's name into an item, if it has a new one; false when there is no item, or it is
+  // of another node.
+  bool rename(resbuf* item) {
+    if (!item || isOfAnother(item)) return false;
     if (change_.id && (item->restype == 1000 || !change_.onlyTextItems)) {
       setTextItem(item, *change_.id);
     }
     return true;
+  }
+
+  bool isOfAnother(const resbuf* item) {
+    if (!change_.oldName || acutKindOf(item->restype) != RbKind::text) return false;
+    const std::u16string_view name(item->resval.rstring);
+    if (name == *change_.oldName || (change_.id && name == change_.id->view())) return false;
+    if (!neighbours_) {
+      neighbours_.emplace();
+      for (const AcDbObjectId id : SelectionSet(u"_X", nodeBlockFilter(layers_))) {
+        const Opened<AcDbBlockReference> block(id);
+        if (!block || !samePlanPoint(block->position(), node_, kPlaceTolerance)) continue;
+        neighbours_->emplace_back(Chain(block->xData(app::kImport)).text(1));
+      }
+    }
+    return std::find(neighbours_->begin(), neighbours_->end(), name) != neighbours_->end();
   }
 
   // Blocks belong to a course by their place. Where several stand there, as on parallel pumps, only
@@ -123,7 +141,7 @@ class LinkMover {
   }
 
   void fixBlock(AcDbObjectId id, const schema::Kind& kind, const AcGePoint3d& to,
-                const LinkAt& link) const {
+                const LinkAt& link) {
     const Opened<AcDbBlockReference> block(id, AcDb::kForWrite);
     if (!block) return;
     if (change_.place) {
@@ -138,7 +156,7 @@ class LinkMover {
     bool named = false;
     for (const bool atEnd : {false, true}) {
       resbuf* const item = data.item(nodePlace(kind, atEnd));
-      if (!item || !(atEnd ? link.end : link.start)) continue;
+      if (!item || !(atEnd ? link.end : link.start) || isOfAnother(item)) continue;
       setTextItem(item, *change_.id);
       named = true;
     }
@@ -149,6 +167,7 @@ class LinkMover {
   const NodeChange& change_;
   const NetworkLayers layers_;
   AcGePoint3dArray points_;
+  std::optional<std::vector<std::u16string>> neighbours_;  // other nodes at the place, by name
   std::optional<BlockPlaces> valves_, pumps_;  // made when the first link of the kind is met
   std::vector<FollowedLink> followed_;
 };

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "module/network/schema.h"
@@ -13,7 +14,10 @@ struct NodeChange {
   std::optional<double> newHeight;   // m; none leaves all heights
   std::optional<wide256> id;         // the node's name from now on; none leaves the stored names
   std::optional<AcGePoint3d> place;  // in plan, its Z does not count; none leaves it where it is
-  bool onlyTextItems = false;        // leave a pipe's stored name when it is no text
+  // In full: what links have stored for the node. An end that names another node which stands at
+  // the same place is that one's, and stays.
+  std::optional<std::u16string> oldName;
+  bool onlyTextItems = false;  // leave a pipe's stored name when it is no text
 };
 
 // A link that has followed.

@@ -100,17 +100,20 @@ struct EpaCoord {
 struct EpaPattern {
   wide256 id;
   std::vector<double> multipliers;  // in time order
+  friend bool operator==(const EpaPattern&, const EpaPattern&) = default;
 };
 
 struct EpaCurvePoint {
   double x = 0;
   double y = 0;
+  friend bool operator==(const EpaCurvePoint&, const EpaCurvePoint&) = default;
 };
 
 struct EpaCurve {
   wide256 id;
   wide50 kind;  // "VOLUME", "PUMP", "EFFICIENCY" or "HEADLOSS"
   std::vector<EpaCurvePoint> points;
+  friend bool operator==(const EpaCurve&, const EpaCurve&) = default;
 };
 
 // The simulation settings of one network. A default one holds the values of a new network.
@@ -153,6 +156,7 @@ struct EpaSettings {
   wide50 reportStart = u"00:00:00";
   wide50 startClock = u"12:00:00";
   wide50 statistic = u"None";
+  friend bool operator==(const EpaSettings&, const EpaSettings&) = default;
 };
 
 // One network, in the order in which its lists are named everywhere. List order is the order of
