@@ -2,7 +2,8 @@
 // answer.
 //
 // Numbers of a record are texts of any precision. The drawing gets them whole where it keeps reals
-// (heights, extended data) and with three decimals where it shows them (attributes).
+// (heights, extended data) and, the classic way, with three decimals where it shows them
+// (attributes). In full the dialogs' status "Close" is stored as the solver's "Closed".
 #pragma once
 
 #include <string>

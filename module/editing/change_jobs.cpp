@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "module/editing/drawn_links.h"
+#include "module/editing/renames.h"
 #include "module/editing/solver_faults.h"
 #include "module/host/module.h"
 #include "module/network/element_loaders.h"
@@ -165,12 +166,45 @@ void warnOfArrow(std::u16string_view network, AcDbObjectId id, const EpaJunc& be
   warnings.push_back({NoticeCode::arrowDiffers, now.id.str()});
 }
 
+// The fields whose texts differ.
+template <class Record>
+FieldSet differing(const Record& a, const Record& b) {
+  FieldSet fields;
+  for (const schema::Row& row : kindOf<Record>().data.rows) {
+    if (row.field != Field::none && textOf(a, row.field) != textOf(b, row.field)) {
+      fields.add(row.field);
+    }
+  }
+  return fields;
+}
+
+FieldSet differing(const DrawnElement& a, const DrawnElement& b) {
+  FieldSet fields = std::visit(
+      [&](const auto& record) {
+        return differing(record, std::get<std::remove_cvref_t<decltype(record)>>(b.record));
+      },
+      a.record);
+  if (a.material != b.material) fields.add(Field::type);
+  return fields;
+}
+
+DrawnElement inSolversWords(const DrawnElement& element) {
+  DrawnElement now = element;
+  if (auto* const pipe = std::get_if<EpaPipe>(&now.record))
+    pipe->status = solversStatus(pipe->status);
+  return now;
+}
+
 }  // namespace
 
-ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
-                           const DrawnElement& element, FieldSet changed,
-                           const NetworkNames* names) {
+std::u16string_view solversStatus(std::u16string_view status) {
+  return inpIsFull() && platform::equalNoCase(status, u"Close") ? u"Closed" : status;
+}
+
+ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id, const DrawnElement& wanted,
+                           FieldSet changed, const NetworkNames* names) {
   ChangeResult result;
+  const DrawnElement element = inSolversWords(wanted);
   const std::optional<DrawnElement> before = readElement(network, id);
   if (!before || before->record.index() != element.record.index()) return result;
   // What counts is the name in the data; the attribute may have been edited by hand.
@@ -178,6 +212,13 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
   if (changed.has(Field::id) && newName.empty()) {
     result.verdict = ChangeVerdict::nameMissing;
     return result;
+  }
+  if (inpIsFull() && changed.isAll()) {
+    changed = differing(*before, element);
+    if (changed.isEmpty()) {
+      result.verdict = ChangeVerdict::done;
+      return result;
+    }
   }
   const bool node = isNodeElement(element), renamed = changed.has(Field::id) && newName != oldName;
   NetworkNames own;
@@ -187,11 +228,14 @@ ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
     names = &own;
   }
   currentNetwork = network;
+  // Before anything is written: it compares the drawing with the kept text.
+  if (renamed && inpIsFull()) noteRename(network, id, node, oldName, newName, *names);
   if (std::holds_alternative<EpaPipe>(element.record)) acdbRegApp(app::kMaterial);
   const NetworkLayers layers(network);
   const auto written =
       std::visit(ElementWriter(layers, id, changed, element.material), element.record);
   if (!written) return result;
+  if (renamed && node && inpIsFull()) nameFollows(network, oldName, newName, *names);
   result.verdict = ChangeVerdict::done;
   if (written->leftBehind) {
     result.warnings.push_back({NoticeCode::linksLeftBehind, renamed ? newName : oldName});
@@ -263,6 +307,7 @@ ChangeResult moveNode(std::u16string_view network, AcDbObjectId id, double x, do
   NodeChange change;
   change.oldHeight = storedHeight(*node);
   change.place = AcGePoint3d(x, y, 0);
+  if (inpIsFull()) change.oldName = nameOf(*block.get());
   const FollowedLinks followed = dragLinks(std::move(block), change);
   moveArrows(network, from, *change.place);
   for (const FollowedLink& link : followed.links) takeLength(layers, link, result.notices);

@@ -47,11 +47,18 @@ std::optional<DrawnElement> readElement(std::u16string_view network, AcDbObjectI
 // turn colour 3 and lose their results. Texts go to attributes as they are; reals of extended data
 // come from the texts.
 //
+// In full all fields are those whose text differs from what readElement() says, and where none does
+// nothing is written and no result goes; "Close" becomes the solver's "Closed"; a rename is noted
+// for the export and reaches links and settings by name as well as by place.
+//
 // `names` are those of the network before the change, for callers that have them; without them they
 // are collected when an element is renamed.
 ChangeResult modifyElement(std::u16string_view network, AcDbObjectId id,
                            const DrawnElement& element, FieldSet changed = FieldSet::all(),
                            const NetworkNames* names = nullptr);
+
+// A status as the solver calls it: in full the dialogs' "Close" is its "Closed".
+std::u16string_view solversStatus(std::u16string_view status);
 
 // Moves a node in plan. The ends of links that lie on it go along, with their heights as they are
 // and those of their inner vertices, which stay, interpolated anew; so do the blocks of valves and

@@ -1,5 +1,6 @@
 #include "module/editing/link_course.h"
 
+#include "module/editing/change_jobs.h"
 #include "module/editing/element_names.h"
 #include "module/editing/solver_faults.h"
 #include "module/host/module.h"
@@ -108,9 +109,11 @@ AddedElement makeWithSymbol(std::u16string_view network, AcDbObjectId course, co
 
 }  // namespace
 
-AddedElement makePipe(std::u16string_view network, AcDbObjectId course, const EpaPipe& pipe,
+AddedElement makePipe(std::u16string_view network, AcDbObjectId course, const EpaPipe& wanted,
                       std::u16string_view material, ElementNames& names) {
   AddedElement added;
+  EpaPipe pipe = wanted;
+  pipe.status = solversStatus(wanted.status);
   const Link link{schema::kPipe, network, pipe.id, pipe.node1, pipe.node2};
   if (!dress(link, course, dataOf(pipe), names, added)) return added;
   warnOfSolver(pipe, FieldSet::all(), added.warnings);
@@ -130,8 +133,8 @@ AddedElement makePump(std::u16string_view network, AcDbObjectId course, const Ep
 AddedElement makeValve(std::u16string_view network, AcDbObjectId course, const EpaValv& valve,
                        ElementNames& names) {
   EpaValv drawn = valve;
-  storeReal(drawn.diameter, platform::wtof(valve.diameter));
-  storeReal(drawn.minorLoss, platform::wtof(valve.minorLoss));
+  storeShown(drawn.diameter, platform::wtof(valve.diameter));
+  storeShown(drawn.minorLoss, platform::wtof(valve.minorLoss));
   return makeWithSymbol(network, course, valve, drawn, InsertValv, names);
 }
 

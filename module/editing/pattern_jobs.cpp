@@ -3,10 +3,13 @@
 
 #include "module/editing/some_names.h"
 #include "module/editing/table_jobs.h"
+#include "module/inp/full_form.h"
 #include "module/network/element_data.h"
+#include "module/network/kept_text.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/schema.h"
 #include "module/network/settings_store.h"
+#include "platform/text.h"
 
 namespace vessora {
 
@@ -34,6 +37,7 @@ struct Patterns {
                                  {schema::kResv, Field::pattern},
                                  {schema::kPump, Field::speedPattern},
                                  {schema::kPump, Field::pricePattern}};
+  static constexpr RenamedKind renamed = RenamedKind::pattern;
   static bool hasValues(const EpaPattern& pattern) { return !pattern.multipliers.empty(); }
 };
 struct Curves {
@@ -50,6 +54,7 @@ struct Curves {
                                  {schema::kPump, Field::headCurve},
                                  {schema::kPump, Field::efficiencyCurve},
                                  {schema::kValv, Field::setting}};
+  static constexpr RenamedKind renamed = RenamedKind::curve;
   static bool hasValues(const EpaCurve& curve) { return !curve.points.empty(); }
 };
 
@@ -117,10 +122,80 @@ TableResult add(std::u16string_view network, const typename Kind::Record& record
   return result;
 }
 
+// --- in full -------------------------------------------------------------------------------------
+
+// Puts a new name onto the block of an element that has the old one, on either of its sides.
+void renameUse(AcDbBlockReference& block, const Use& use, std::u16string_view from,
+               std::u16string_view to) {
+  const std::u16string_view tag = schema::tagOf(use.kind, use.field);
+  std::u16string text;
+  if (!tag.empty() && ReadAttribute(&block, tag, text) && text == from) {
+    WriteAttribute(&block, tag, to);
+  }
+  const Chain data(block.xData(app::kImport));
+  if (textAt(data, use.kind.data, use.field) != from) return;
+  setTextItem(data.item(schema::placeOf(use.kind.data, use.field)), to);
+  block.setXData(data.get());
+}
+
+bool isValveWithCurve(AcDbBlockReference& block) {
+  std::u16string type;
+  ReadAttribute(&block, schema::tagOf(schema::kValv, Field::type), type);
+  return type == kValveWithCurve;
+}
+
+template <class Kind>
+void renameUses(std::u16string_view network, std::u16string_view from, std::u16string_view to) {
+  for (const Use& use : Kind::uses) {
+    const std::u16string layer = schema::layerName(use.kind.layer, network);
+    for (const AcDbObjectId id : SelectionSet(u"_X", blocksOnLayerFilter(layer))) {
+      const Opened<AcDbBlockReference> block(id, AcDb::kForWrite);
+      if (!block || (use.field == Field::setting && !isValveWithCurve(*block))) continue;
+      renameUse(*block, use, from, to);
+    }
+  }
+}
+
+// The default pattern is a number in settings: of other names only what they begin with.
+void renameInSettings(std::u16string_view network, std::u16string_view from,
+                      std::u16string_view to) {
+  EpaSettings settings;
+  if (!LoadSettings(settings, network)) return;
+  const EpaSettings before = settings;
+  if (settings.energyPattern == from) settings.energyPattern = to;
+  if (shortest(settings.defaultPattern) == from) settings.defaultPattern = platform::wtof(to);
+  if (!(settings == before)) SaveSettings(settings, false);
+}
+
+// Who names a record follows its new name.
+template <class Kind>
+void rename(std::u16string_view network, std::u16string_view from, std::u16string_view to) {
+  addRename(network, Kind::renamed, from, to);
+  renameUses<Kind>(network, from, to);
+  if (std::is_same_v<Kind, Patterns>) renameInSettings(network, from, to);
+}
+
+template <class Kind>
+bool isStored(std::u16string_view network, const typename Kind::Record& record,
+              std::u16string_view oldName) {
+  std::vector<typename Kind::Record> records;
+  Kind::load(records, network);
+  const auto own = std::find_if(records.begin(), records.end(),
+                                [&](const auto& stored) { return stored.id == oldName; });
+  return own != records.end() && *own == record;
+}
+
 template <class Kind>
 TableResult replace(std::u16string_view network, const typename Kind::Record& record,
                     std::u16string_view oldName) {
   TableResult result;
+  if (inpIsFull()) {
+    if (isStored<Kind>(network, record, oldName)) return result;
+    Kind::replace(record, oldName, network);
+    if (!(record.id == oldName)) rename<Kind>(network, oldName, record.id);
+    warnOfRecord<Kind>(network, record, result.warnings);
+    return result;
+  }
   std::vector<std::u16string> networks;
   wide256 defaultName;
   ListNetworks(networks, defaultName);
@@ -147,6 +222,7 @@ TableResult replacePattern(std::u16string_view network, const EpaPattern& patter
 TableResult deletePattern(std::u16string_view network, std::u16string_view name) {
   TableResult result;
   DeletePattern(name, network);
+  if (inpIsFull()) forgetRename(network, RenamedKind::pattern, name);
   warnOfUses<Patterns>(network, name, result.warnings);
   return result;
 }
@@ -161,6 +237,7 @@ TableResult replaceCurve(std::u16string_view network, const EpaCurve& curve,
 TableResult deleteCurve(std::u16string_view network, std::u16string_view name) {
   TableResult result;
   DeleteCurve(name, network);
+  if (inpIsFull()) forgetRename(network, RenamedKind::curve, name);
   if (countOf<Curves>(network, name) > 0) {
     result.warnings.push_back({NoticeCode::curveStays, std::u16string(name)});
   }

@@ -51,8 +51,10 @@ AssignResult AssignMaterial(std::u16string_view network, double roughness,
 // --- patterns and curves -------------------------------------------------------------------------
 
 // As the store of patterns and curves does it, oddities included: a record without values is not
-// kept, replacing erases the old name in every network of the drawing, and a deleted curve stays as
-// a rule. Warns of that, of names that are there twice, and of elements that name what is gone.
+// kept; the classic way replacing erases the old name in every network of the drawing, and a
+// deleted curve stays as a rule. Warns of that, of names that are there twice, and of elements that
+// name what is gone. In full a record that is replaced by itself stays, and a new name reaches the
+// elements and settings that have the old one, and the rows of the kept text.
 TableResult addPattern(std::u16string_view network, const EpaPattern& pattern);
 TableResult replacePattern(std::u16string_view network, const EpaPattern& pattern,
                            std::u16string_view oldName);

@@ -35,8 +35,9 @@ FullRows::FullRows(std::u16string_view name, const epanet::Network& network,
       entities_(name) {}
 
 void FullRows::write(const Comparison& comparison) {
-  for (const ChangedElement& element : comparison.changed) change(element);
+  // Who names something else now overrules what the name has become.
   rename(comparison.renames);
+  for (const ChangedElement& element : comparison.changed) change(element);
   remove(Thing::node, comparison.goneNodes);
   remove(Thing::link, comparison.goneLinks);
   for (const auto& pattern : comparison.patterns) changePattern(pattern);

@@ -184,10 +184,17 @@ void fillSettings(const FullForm& form, EpaSettings& s) {
   s.trials = static_cast<std::int32_t>(n.option(Option::trials).number);
   s.unbalanced = epanet::isWord(n.option(Option::unbalanced).text, "CONT") ? u"Continue" : u"Stop";
   // A number on the drawing: of a pattern's name only what it begins with is left.
-  s.defaultPattern = platform::wtof(n.option(Option::pattern).text);
+  const std::string_view pattern = n.option(Option::pattern).text;
+  const std::uint32_t known = n.findPattern(pattern);
+  s.defaultPattern =
+      platform::wtof(known == epanet::kNone ? form.words().text(pattern) : form.patternName(known));
   const OptionValue& quality = n.option(Option::quality);
   s.qualityParam = qualityWord(quality, form.words());
-  s.traceNode = s.qualityParam == u"Trace" ? form.words().text(quality.more) : std::u16string();
+  s.traceNode.clear();
+  if (s.qualityParam == u"Trace") {
+    const std::uint32_t traced = n.findNode(quality.more);
+    s.traceNode = traced == epanet::kNone ? form.words().text(quality.more) : form.nodeName(traced);
+  }
   s.wallOrder = n.option(Option::wallOrder).number == 0 ? u"Zero" : u"First";
   s.energyPattern = form.patternName(n.findPattern(n.option(Option::globalPattern).text));
 }

@@ -233,20 +233,9 @@ std::vector<Rename> loadRenames(std::u16string_view network) {
   return renames;
 }
 
-bool addRename(std::u16string_view network, RenamedKind kind, std::u16string_view from,
-               std::u16string_view to) {
-  if (from == to || !hasKeptText(network)) return true;
-  std::vector<Rename> renames = loadRenames(network);
-  const auto before = std::find_if(renames.begin(), renames.end(), [&](const Rename& r) {
-    return r.kind == kind && r.now == from;
-  });
-  if (before == renames.end()) {
-    renames.push_back({kind, std::u16string(from), std::u16string(to)});
-  } else if (before->kept == to) {
-    renames.erase(before);
-  } else {
-    before->now = to;
-  }
+namespace {
+
+bool saveRenames(std::u16string_view network, const std::vector<Rename>& renames) {
   if (renames.empty()) {
     eraseRecord(network, kRenames);
     return true;
@@ -259,6 +248,48 @@ bool addRename(std::u16string_view network, RenamedKind kind, std::u16string_vie
   }
   const Opened<AcDbXrecord> record = makeRecord(network, kRenames);
   return record && record->setFromRbChain(list.get()) == Acad::eOk;
+}
+
+// The name that the text has for what has one now.
+std::u16string keptNameOf(const std::vector<Rename>& renames, RenamedKind kind,
+                          std::u16string_view now) {
+  for (const Rename& r : renames) {
+    if (r.kind == kind && r.now == now) return r.kept;
+  }
+  return std::u16string(now);
+}
+
+}  // namespace
+
+bool addRename(std::u16string_view network, RenamedKind kind, std::u16string_view from,
+               std::u16string_view to) {
+  return from == to || noteRename(network, kind, keptNameOf(loadRenames(network), kind, from), to);
+}
+
+bool noteRename(std::u16string_view network, RenamedKind kind, std::u16string_view kept,
+                std::u16string_view now) {
+  if (!hasKeptText(network)) return true;
+  std::vector<Rename> renames = loadRenames(network);
+  const auto before = std::find_if(renames.begin(), renames.end(), [&](const Rename& r) {
+    return r.kind == kind && r.kept == kept;
+  });
+  if (before != renames.end() && before->now == now) return true;
+  if (before == renames.end()) {
+    if (kept == now) return true;
+    renames.push_back({kind, std::u16string(kept), std::u16string(now)});
+  } else if (kept == now) {
+    renames.erase(before);
+  } else {
+    before->now = now;
+  }
+  return saveRenames(network, renames);
+}
+
+void forgetRename(std::u16string_view network, RenamedKind kind, std::u16string_view now) {
+  std::vector<Rename> renames = loadRenames(network);
+  if (std::erase_if(renames, [&](const Rename& r) { return r.kind == kind && r.now == now; }) > 0) {
+    saveRenames(network, renames);
+  }
 }
 
 // --- results -------------------------------------------------------------------------------------

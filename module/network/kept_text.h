@@ -56,6 +56,11 @@ std::vector<Rename> loadRenames(std::u16string_view network);
 // that name is no rename. Nothing is noted where no text is kept. False when it could not be noted.
 bool addRename(std::u16string_view network, RenamedKind kind, std::u16string_view from,
                std::u16string_view to);
+// The same of a thing that is known by the name that the text has for it.
+bool noteRename(std::u16string_view network, RenamedKind kind, std::u16string_view kept,
+                std::u16string_view now);
+// A renamed thing is gone; its name is free.
+void forgetRename(std::u16string_view network, RenamedKind kind, std::u16string_view now);
 
 // --- results -------------------------------------------------------------------------------------
 

@@ -116,7 +116,8 @@ template <class Kind>
 void replace(const typename Kind::Record& record, std::u16string_view oldId,
              std::u16string_view network) {
   forEachPolyline<Kind>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
-    if (idOf<Kind>(data) == oldId) polyline.erase();
+    const bool elsewhere = textAt(data, Kind::list, Field::network) != network;
+    if (idOf<Kind>(data) == oldId && !(inpIsFull() && elsewhere)) polyline.erase();
   });
   write<Kind>(record, network);
 }
@@ -164,7 +165,22 @@ void ReplaceCurve(const EpaCurve& curve, std::u16string_view oldId, std::u16stri
   replace<Curves>(curve, oldId, network);
 }
 
+namespace {
+
+// In full: of the network and the id, and nothing besides.
+template <class Kind>
+void eraseOwn(std::u16string_view id, std::u16string_view network) {
+  forEachPolyline<Kind>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
+    if (idOf<Kind>(data) == id && textAt(data, Kind::list, Field::network) == network) {
+      polyline.erase();
+    }
+  });
+}
+
+}  // namespace
+
 void DeletePattern(std::u16string_view id, std::u16string_view network) {
+  if (inpIsFull()) return eraseOwn<Patterns>(id, network);
   forEachPolyline<Patterns>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
     const std::u16string_view owner = textAt(data, schema::kPattern, Field::network);
     if (owner.empty() || (idOf<Patterns>(data) == id && owner == network)) polyline.erase();
@@ -172,6 +188,7 @@ void DeletePattern(std::u16string_view id, std::u16string_view network) {
 }
 
 void DeleteCurve(std::u16string_view id, std::u16string_view network) {
+  if (inpIsFull()) return eraseOwn<Curves>(id, network);
   forEachPolyline<Curves>(AcDb::kForWrite, [&](AcDb3dPolyline& polyline, const Chain& data) {
     // The kind and not the network is compared: drawings are used to curves that stay.
     const int place = schema::placeOf(schema::kCurve, Field::kind);

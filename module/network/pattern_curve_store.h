@@ -1,5 +1,8 @@
 // Time patterns and curves, which have no place on the plan but live in the drawing.
 //
+// What is said of other networks than the one at hand, and of kinds, is the classic way: in full
+// each call touches what has the id and the network, and nothing else.
+//
 // Each is a 3D polyline on the frozen reserved layer: its extended data name it and its network,
 // and each of its vertices, all at one place, carries one value. A record without values has no
 // existence in a drawing. Names compare exactly.
