@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <numeric>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -97,8 +98,11 @@ AcGePoint3dArray interior(const AcGePoint3dArray& points) {
 class Wanted {
  public:
   explicit Wanted(const FullForm& form) : form_(form) {}
+  const schema::Kind& kind() const { return *kind_; }
+  std::uint32_t index() const { return index_; }
   void take(const schema::Kind& kind, std::uint32_t index) {
     kind_ = &kind;
+    index_ = index;
     if (kind_ == &schema::kJunc) form_.fill(index, junc_);
     if (kind_ == &schema::kResv) form_.fill(index, resv_);
     if (kind_ == &schema::kTank) form_.fill(index, tank_);
@@ -118,6 +122,7 @@ class Wanted {
  private:
   const FullForm& form_;
   const schema::Kind* kind_ = nullptr;
+  std::uint32_t index_ = kNone;
   EpaJunc junc_;
   EpaResv resv_;
   EpaTank tank_;
@@ -143,6 +148,9 @@ class Comparing {
         links_(network.links.size()),
         courses_(network.links.size()) {
     result_.renames = renames;
+    LoadPatterns(patterns_, name);
+    LoadCurves(curves_, name);
+    if (!renames.empty()) unrenamed_.emplace(network);
   }
 
   // Renames that were made in both places of an element, but not noted: by the classic way.
@@ -236,7 +244,27 @@ class Comparing {
     if (!attribute && !data && !everything_) return;
     if (!value.onAttribute && !value.onData) return;
     const std::u16string& now = attribute || !value.onData ? value.attribute : value.data;
+    if (!everything_ && namesRenamed(field, now)) return;
     change.fields.push_back({field, std::u16string(want), now});
+  }
+
+  // Whether an element names a thing as the text does, which is called otherwise by now: its rename
+  // has not reached the element, but the row all the same. A new thing may have the name, though.
+  bool namesRenamed(Field field, std::u16string_view now) {
+    if (!unrenamed_ || !isName(field) || field == Field::status || field == Field::type) {
+      return false;
+    }
+    const auto isDrawn = [now](const auto& records) {
+      return std::any_of(records.begin(), records.end(),
+                         [now](const auto& record) { return record.id == now; });
+    };
+    if (field != Field::node1 && field != Field::node2 &&
+        (isDrawn(patterns_) || isDrawn(curves_))) {
+      return false;
+    }
+    Wanted kept(*unrenamed_);
+    kept.take(wanted_.kind(), wanted_.index());
+    return kept.text(field) == now;
   }
 
   // Heights of symbols are the attribute's second copy.
@@ -463,13 +491,9 @@ class Comparing {
   // --- patterns, curves
 
   void compareSeries() {
-    std::vector<EpaPattern> patterns;
-    LoadPatterns(patterns, name_);
-    compareSeries(patterns, network_.patterns.size(), result_.patterns,
+    compareSeries(patterns_, RenamedKind::pattern, network_.patterns, result_.patterns,
                   [this](std::uint32_t i) { return form_.pattern(i); });
-    std::vector<EpaCurve> curves;
-    LoadCurves(curves, name_);
-    compareSeries(curves, network_.curves.size(), result_.curves,
+    compareSeries(curves_, RenamedKind::curve, network_.curves, result_.curves,
                   [this](std::uint32_t i) { return form_.curve(i); });
   }
 
@@ -486,12 +510,29 @@ class Comparing {
   static bool isEmpty(const EpaPattern& pattern) { return pattern.multipliers.empty(); }
   static bool isEmpty(const EpaCurve& curve) { return curve.points.empty(); }
 
-  template <class Record, class Form>
-  void compareSeries(const std::vector<Record>& drawn, std::size_t count,
-                     std::vector<ChangedSeries<Record>>& changes, Form form) {
+  // What has been renamed goes first: it may have the name of what is gone.
+  template <class Kept>
+  std::vector<std::uint32_t> renamedFirst(RenamedKind kind, const std::vector<Kept>& kept) const {
+    std::vector<std::uint32_t> order(kept.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::unordered_set<std::u16string> renamed;
+    for (const Rename& rename : result_.renames) {
+      if (rename.kind == kind) renamed.insert(rename.kept);
+    }
+    if (renamed.empty()) return order;
+    std::stable_partition(order.begin(), order.end(), [&](std::uint32_t i) {
+      return renamed.contains(form_.words().text(kept[i].id));
+    });
+    return order;
+  }
+
+  template <class Record, class Kept, class Form>
+  void compareSeries(const std::vector<Record>& drawn, RenamedKind kind,
+                     const std::vector<Kept>& series, std::vector<ChangedSeries<Record>>& changes,
+                     Form form) {
     std::unordered_map<std::u16string, const Record*> byName;
     for (const Record& record : drawn) byName.emplace(record.id.str(), &record);
-    for (std::uint32_t i = 0; i < count; ++i) {
+    for (const std::uint32_t i : renamedFirst(kind, series)) {
       const Record kept = form(i);
       const auto found = byName.find(kept.id.str());
       if (found == byName.end()) {
@@ -532,6 +573,7 @@ class Comparing {
   std::u16string_view name_;
   const epanet::Network& network_;
   FullForm form_;
+  std::optional<FullForm> unrenamed_;  // where there are renames: with the names of the text
   bool everything_, byName_;
   Wanted wanted_;
   DrawnEntities entities_;
@@ -541,6 +583,8 @@ class Comparing {
   std::unordered_set<std::u16string> nodeNames_, linkNames_;  // of what will be in the file
   PointGrid<std::u16string> nodePlaces_{kPlaceTolerance};     // in plan
   std::unordered_multimap<std::u16string, AcGePoint3dArray> courseOfName_;  // of new ones
+  std::vector<EpaPattern> patterns_;
+  std::vector<EpaCurve> curves_;
   std::vector<Rename> unnoted_;
   Comparison result_;
 };
