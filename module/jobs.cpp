@@ -165,6 +165,8 @@ class ModuleJobs : public Jobs {
   }
 
   // --- tables
+  MendResult mendNames(std::u16string_view network) override { return vessora::mendNames(network); }
+
   MaterialTable readMaterialTable() override { return vessora::readMaterialTable(); }
   TableResult writeMaterialTable(const std::vector<EpaMaterial>& rows) override {
     return vessora::writeMaterialTable(rows);

@@ -16,6 +16,7 @@
 #include "module/editing/add_jobs.h"
 #include "module/editing/change_jobs.h"
 #include "module/editing/manhole_jobs.h"
+#include "module/editing/mend_jobs.h"
 #include "module/editing/settings_jobs.h"
 #include "module/editing/table_jobs.h"
 #include "module/inp/full_diff.h"
@@ -42,7 +43,7 @@ class Jobs : public AcRxObject {
   static constexpr char16_t kService[] = u"VESSORA_JOBS";
   // Goes up with every change of this interface, so that a program never calls a module that was
   // built for another one.
-  static constexpr char16_t kClass[] = u"VessoraJobs4";
+  static constexpr char16_t kClass[] = u"VessoraJobs5";
 
   // The jobs of the loaded module, which stay the module's; null when there are none of this
   // interface. Libraries do not share addresses of classes, so the class is known by its name.
@@ -126,6 +127,8 @@ class Jobs : public AcRxObject {
                                 double y) = 0;
   virtual ChangeResult deleteElement(std::u16string_view network, AcDbObjectId id,
                                      bool evenIfLinked) = 0;
+
+  virtual MendResult mendNames(std::u16string_view network) = 0;
 
   // --- tables: materials, patterns and curves
   virtual MaterialTable readMaterialTable() = 0;

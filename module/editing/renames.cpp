@@ -22,11 +22,6 @@ std::u16string tieOf(AcDbObjectId id) {
   return std::u16string(tie.text(schema::kKeptPlace));
 }
 
-void cutTie(AcDbObjectId id) {
-  const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
-  if (entity) ClearXData(entity.get(), app::kKept);
-}
-
 // Whether an entity is not the one that the kept text means.
 bool isCopy(std::u16string_view network, AcDbObjectId id) {
   Notices notices;
@@ -50,6 +45,11 @@ bool renameEnds(const Chain& data, const schema::Kind& kind, std::u16string_view
 }
 
 }  // namespace
+
+void cutTie(AcDbObjectId id) {
+  const Opened<AcDbEntity> entity(id, AcDb::kForWrite);
+  if (entity) ClearXData(entity.get(), app::kKept);
+}
 
 void noteRename(std::u16string_view network, AcDbObjectId id, bool node, std::u16string_view from,
                 std::u16string_view to, const NetworkNames& names) {

@@ -13,6 +13,9 @@ namespace vessora {
 void noteRename(std::u16string_view network, AcDbObjectId id, bool node, std::u16string_view from,
                 std::u16string_view to, const NetworkNames& names);
 
+// Takes the tie to the kept text off an entity.
+void cutTie(AcDbObjectId id);
+
 // Gives a node's new name to the links that still store the old one, wherever their ends lie, and
 // to the settings that trace it. Where several nodes had the old name nobody can tell whom it
 // meant, and nothing changes.
