@@ -214,7 +214,10 @@ EditResult Editor::apply() const {
       sectionsWritten = true;
     }
     const std::string before(document_.contentOf(id));
-    const std::string_view lineEnd = lineEndOf(document_.textOf(id));
+    // A piece of a long row that changes its length gets an end, lest the next piece begin
+    // elsewhere.
+    std::string_view lineEnd = lineEndOf(document_.textOf(id));
+    if (lineEnd.empty() && id + 1 < rows.size()) lineEnd = end;
     copyTo(row.start);
     if (edits.fate == Edits::Fate::removed) {
       copied = row.start + row.length;
