@@ -132,7 +132,7 @@ std::string summaryOf(const vessora::DiffResult& diff) {
   }
   std::string text = words("diverso dal testo conservato:", "differs from the kept text:");
   const auto part = [&](int count, const char* it, const char* en) {
-    if (count > 0) text += " " + std::to_string(count) + " " + words(it, en) + ",";
+    if (count > 0) text += " " + words(it, en) + " " + std::to_string(count) + ",";
   };
   part(changed, "valori", "values");
   part(added, "nuovi", "new");

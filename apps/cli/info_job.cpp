@@ -27,18 +27,26 @@ std::string textOf(JobSpan& job, const std::u16string& network) {
   return diff.notices.empty() ? std::string() : describe(diff.notices.back());
 }
 
-void showJson(const std::vector<vessora::NetworkInfo>& networks) {
+void showJson(JobSpan& job, const std::vector<vessora::NetworkInfo>& networks) {
   std::printf("{\"networks\": [");
   const char* separator = "";
   for (const vessora::NetworkInfo& n : networks) {
     const vessora::ElementCounts& c = n.counts;
+    vessora::DiffResult diff;
+    if (job->hasKeptText(n.name)) diff = job->diffNetwork(n.name, u"");
     std::printf(
         "%s\n  {\"name\": %s, \"default\": %s, \"junctions\": %d, \"reservoirs\": %d, "
         "\"tanks\": %d, \"pipes\": %d, \"pumps\": %d, \"valves\": %d, \"results\": %s, "
-        "\"period\": %s}",
+        "\"period\": %s, \"stale\": %s, \"text\": %s, \"differences\": %zu}",
         separator, jsonText(narrow(n.name)).c_str(), n.isDefault ? "true" : "false", c.junctions,
         c.reservoirs, c.tanks, c.pipes, c.pumps, c.valves, n.hasResults ? "true" : "false",
-        n.hasResults ? jsonText(narrow(n.period)).c_str() : "null");
+        n.hasResults ? jsonText(narrow(n.period)).c_str() : "null",
+        n.hasResults && job->resultsAreStale(n.name) ? "true" : "false",
+        !job->hasKeptText(n.name) ? "null"
+        : !diff.compared          ? "\"unusable\""
+        : diff.items.empty()      ? "\"same\""
+                                  : "\"differs\"",
+        diff.items.size());
     separator = ",";
   }
   std::printf("%s]}\n", networks.empty() ? "" : "\n");
@@ -49,7 +57,7 @@ int showDrawing(const std::string& drawing, bool json) {
   if (auto opened = job.open(drawing); !opened) return fail(opened.error());
   const std::vector<vessora::NetworkInfo> networks = job->networks();
   if (json) {
-    showJson(networks);
+    showJson(job, networks);
     return 0;
   }
   if (networks.empty()) say(words("nessuna rete", "no network"));

@@ -49,8 +49,25 @@ std::string lackOf(const SolverSearch& search) {
   }
 }
 
-// "8:00:00 Node 5: ..." with the row that the solver shows.
-std::string wordsOf(const epanet::SolverMessage& message) {
+// The row that an error is about: the solver shows it, or it is that of the element in the file
+// that was solved.
+std::string rowOf(const epanet::SolverMessage& message, const epanet::Document& input) {
+  if (!message.row.empty() || !message.isError) return message.row;
+  for (epanet::RowId row = 0; message.inputLine > 0 && row < input.rows().size(); ++row) {
+    if (input.lineOf(row) != message.inputLine) continue;
+    epanet::Tokens tokens;
+    input.tokens(row, tokens);
+    std::string text;
+    for (int i = 0; i < tokens.count; ++i) {
+      (text += i > 0 ? " " : "") += tokens.text(i);
+    }
+    return text;
+  }
+  return {};
+}
+
+// "8:00:00 Node 5: ..." with the row.
+std::string wordsOf(const epanet::SolverMessage& message, const epanet::Document& input) {
   std::string text;
   if (message.isError) text += words("errore ", "error ") + std::to_string(message.code) + ": ";
   if (!message.time.empty()) text += message.time + " ";
@@ -59,21 +76,23 @@ std::string wordsOf(const epanet::SolverMessage& message) {
     text += " (" + message.elementKind + " " + message.element + ")";
   }
   // The solver's words of an error end where the row follows.
-  if (!message.row.empty() && text.ends_with(':')) text.pop_back();
-  if (!message.row.empty()) text += words(", riga: ", ", row: ") + message.row;
+  if (text.ends_with(':')) text.pop_back();
+  if (const std::string row = rowOf(message, input); !row.empty()) {
+    text += words(", riga: ", ", row: ") + row;
+  }
   return text;
 }
 
 // Errors and warnings of a run, on standard error; the first error is left for the program's last
 // word.
-std::string tell(const SolverRun& run) {
+std::string tell(const SolverRun& run, const epanet::Document& input) {
   std::string first;
   std::size_t shown = 0;
   for (const epanet::SolverMessage& message : run.messages) {
     if (message.isError && first.empty()) {
-      first = wordsOf(message);
+      first = wordsOf(message, input);
     } else if (shown++ < kShown) {
-      warn("EPANET: " + wordsOf(message));
+      warn("EPANET: " + wordsOf(message, input));
     }
   }
   if (shown > kShown) {
@@ -160,7 +179,9 @@ int solveIn(const std::string& folder, const SolveOptions& o, JobSpan& job,
       return fail(kept.error());
     }
   }
-  const std::string firstError = tell(run);
+  auto input = platform::readFile(folder + "/" + epanet::kRunInput);
+  const std::string firstError =
+      tell(run, epanet::Document(input ? std::move(*input) : std::string()));
   if (const std::string no = faultOf(run, firstError); !no.empty())
     return fail(o.drawing + ": " + no);
   ResultsOptions results;
