@@ -45,7 +45,10 @@ void appendGap(std::string& row, std::string_view gap, std::ptrdiff_t growth) {
 void Editor::setToken(RowId row, int token, std::string_view text) {
   rows_[row].tokens[token] = written(text);
 }
-void Editor::removeToken(RowId row, int token) { rows_[row].dropped.push_back(token); }
+void Editor::removeToken(RowId row, int token) {
+  std::vector<int>& dropped = rows_[row].dropped;
+  if (std::find(dropped.begin(), dropped.end(), token) == dropped.end()) dropped.push_back(token);
+}
 void Editor::removeRow(RowId row) { rows_[row].fate = Edits::Fate::removed; }
 void Editor::commentOut(RowId row, std::string_view reason) {
   Edits& edits = rows_[row];
@@ -64,6 +67,12 @@ int Editor::countTokens(RowId row) const {
   const auto at = rows_.find(row);
   if (at == rows_.end() || at->second.tokens.empty()) return tokens.count;
   return std::max(tokens.count, at->second.tokens.rbegin()->first + 1);
+}
+
+int Editor::countKept(RowId row) const {
+  const auto at = rows_.find(row);
+  const std::size_t dropped = at == rows_.end() ? 0 : at->second.dropped.size();
+  return countTokens(row) - static_cast<int>(dropped);
 }
 
 void Editor::insertRow(RowId after, const std::vector<std::string>& tokens) {

@@ -52,6 +52,8 @@ class Editor {
   bool removed(RowId row) const;
   // How many tokens the row has with those that have been set.
   int countTokens(RowId row) const;
+  // The same less those that have been removed.
+  int countKept(RowId row) const;
   EditResult apply() const;
 
  private:

@@ -94,12 +94,13 @@ enum class NoticeCode {
   demandScaled,   // a junction's (subject) categories (other: how many) follow its demand
   patternInUse,   // a pattern (subject) is gone, and something (other: rows) named it
   curveInUse,
-  curveWithoutUse,  // nobody uses the curve (subject): its numbers stay as the file has them
-  seriesGone,       // a pattern or curve (subject) is drawn no more
-  courseGone,       // a pump or valve (subject) has no course: its vertices stay as kept
-  renamed,          // what the kept text calls otherwise (subject), now (other)
+  curveWithoutUse,    // nobody uses the curve (subject): its numbers stay as the file has them
+  seriesGone,         // a pattern or curve (subject) is drawn no more
+  courseGone,         // a pump or valve (subject) has no course: its vertices stay as kept
+  renamed,            // what the kept text calls otherwise (subject), now (other)
+  nameNotInEncoding,  // the file's encoding lacks characters of a name; written as (other)
 };
-constexpr NoticeCode kLastNotice = NoticeCode::renamed;  // for tables that must have all
+constexpr NoticeCode kLastNotice = NoticeCode::nameNotInEncoding;  // for tables that must have all
 
 struct Notice {
   NoticeCode code;

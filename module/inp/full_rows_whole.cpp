@@ -32,7 +32,7 @@ void FullRows::add(const NewElement& element) {
 }
 
 void FullRows::addNode(const NewElement& element, const DrawnEntity& entity) {
-  const std::string id = bytes(element.name);
+  const std::string id = newName(element.name);
   const auto real = [&](Field field, Quantity quantity) {
     return number(quantity, entity.text(field));
   };
@@ -69,7 +69,7 @@ void FullRows::addNode(const NewElement& element, const DrawnEntity& entity) {
 }
 
 void FullRows::addLink(const NewElement& element, const DrawnEntity& entity) {
-  const std::string id = bytes(element.name);
+  const std::string id = newName(element.name);
   const auto real = [&](Field field, Quantity quantity) {
     return number(quantity, entity.text(field));
   };
@@ -87,11 +87,7 @@ void FullRows::addLink(const NewElement& element, const DrawnEntity& entity) {
   } else if (element.kind == &schema::kPump) {
     addPump(element, entity);
   } else {
-    ValveKind kind = ValveKind::prv;
-    for (int i = 0; i < 7; ++i) {
-      const auto known = static_cast<ValveKind>(i);
-      if (epanet::isWord(bytes(entity.text(Field::type)), epanet::wordOf(known))) kind = known;
-    }
+    const ValveKind kind = valveKindOf(entity.text(Field::type));
     row.push_back(real(Field::diameter, Quantity::pipeDiameter));
     row.emplace_back(epanet::wordOf(kind));
     row.push_back(setting(kind, entity.text(Field::setting)));
@@ -171,19 +167,22 @@ int FullRows::drop(const Mention& mention, const std::u16string& name) {
           editor_.commentOut(i, reason);
         }
       }
-      notices_.push_back(
-          {NoticeCode::actionGone, name, words_.text(network_.document().contentOf(first))});
+      notices_.push_back({NoticeCode::actionGone, name, rowText(first)});
       return 0;
     }
     case Role::item:
+      // Ends of ranges are compared, and need not exist.
+      if (network_.document().rows()[row].section != Section::report) return 0;
+      editor_.removeToken(row, mention.at.token);
+      if (editor_.countKept(row) > 1) return 0;
+      editor_.removeRow(row);
+      return 1;
     case Role::anchor:
-      if (network_.document().rows()[row].section == Section::status) return 0;
       editor_.removeToken(row, mention.at.token);
       return 0;
     case Role::option:
       editor_.removeRow(row);
-      notices_.push_back(
-          {NoticeCode::actionGone, name, words_.text(network_.document().contentOf(row))});
+      notices_.push_back({NoticeCode::actionGone, name, rowText(row)});
       return 1;
     default:
       return 0;  // ends of links are told where links are looked at
@@ -210,11 +209,15 @@ void FullRows::remove(Thing thing, const std::vector<std::uint32_t>& gone) {
 
 // --- renames -------------------------------------------------------------------------------------
 
+namespace {
+
+std::uint64_t keyOf(Thing thing, std::uint32_t index) {
+  return static_cast<std::uint64_t>(thing) << 32 | index;
+}
+
+}  // namespace
+
 void FullRows::rename(const std::vector<Rename>& renames) {
-  std::unordered_map<std::uint64_t, std::string> names;  // by thing and index
-  const auto key = [](Thing thing, std::uint32_t index) {
-    return static_cast<std::uint64_t>(thing) << 32 | index;
-  };
   for (const Rename& rename : renames) {
     const std::string id = bytes(rename.kept);
     const auto thing = static_cast<Thing>(rename.kind);
@@ -222,13 +225,24 @@ void FullRows::rename(const std::vector<Rename>& renames) {
                                 : thing == Thing::link    ? network_.findLink(id)
                                 : thing == Thing::pattern ? network_.findPattern(id)
                                                           : network_.findCurve(id);
-    if (index != kNone) names[key(thing, index)] = bytes(rename.now);
+    if (index != kNone) renamed_[keyOf(thing, index)] = newName(rename.now);
   }
-  if (names.empty()) return;
+  if (renamed_.empty()) return;
   for (const Mention& mention : record_.mentions) {
-    const auto found = names.find(key(mention.thing, mention.index));
-    if (found != names.end()) editor_.setToken(mention.at.row, mention.at.token, found->second);
+    const auto found = renamed_.find(keyOf(mention.thing, mention.index));
+    if (found != renamed_.end()) {
+      editor_.setToken(mention.at.row, mention.at.token, found->second);
+    }
   }
+}
+
+std::string FullRows::idOf(const epanet::Node& node) const {
+  const auto found = renamed_.find(keyOf(Thing::node, network_.findNode(node.id)));
+  return found == renamed_.end() ? std::string(node.id) : found->second;
+}
+std::string FullRows::idOf(const epanet::Link& link) const {
+  const auto found = renamed_.find(keyOf(Thing::link, network_.findLink(link.id)));
+  return found == renamed_.end() ? std::string(link.id) : found->second;
 }
 
 // --- patterns, curves ----------------------------------------------------------------------------
@@ -296,30 +310,28 @@ void FullRows::changeCurve(const ChangedSeries<EpaCurve>& change) {
   } else if (change.now->kind == u"HEADLOSS") {
     use = epanet::CurveUse::headloss;
   }
-  const auto x = [&](double value) { return epanet::textOf(back_.curveX(use, value)); };
-  const auto y = [&](double value) { return epanet::textOf(back_.curveY(use, value)); };
   const auto& now = change.now->points;
   if (change.index == kNone) {
     editor_.addText(Section::curves, ";" + platform::narrow(change.now->kind.view()) + ":");
     for (const EpaCurvePoint& point : now) {
-      editor_.addRow(Section::curves, {id, x(point.x), y(point.y)});
+      editor_.addRow(Section::curves, {id, curveX(use, point.x), curveY(use, point.y)});
     }
     return;
   }
   const auto& kept = network_.curves[change.index].points;
   RowId last = epanet::kNoRow;
-  const auto set = [&](const epanet::Number& number, const std::string& text) {
-    last = number.at.row;
-    const auto written = epanet::numberOf(text);
-    if (!written || *written != number.value) editor_.setToken(last, number.at.token, text);
+  const auto set = [this](const epanet::Number& number, const std::string& text) {
+    editor_.setToken(number.at.row, number.at.token, text);
   };
   for (std::size_t i = 0; i < std::min(kept.size(), now.size()); ++i) {
-    set(kept[i].x, x(now[i].x));
-    set(kept[i].y, y(now[i].y));
+    const auto& [x, y] = kept[i];
+    last = x.at.row;
+    if (forth_.curveX(use, x.value) != now[i].x) set(x, curveX(use, now[i].x));
+    if (forth_.curveY(use, y.value) != now[i].y) set(y, curveY(use, now[i].y));
   }
   for (std::size_t i = now.size(); i < kept.size(); ++i) editor_.removeRow(kept[i].x.at.row);
   for (std::size_t i = kept.size(); i < now.size(); ++i) {
-    editor_.insertRow(last, {id, x(now[i].x), y(now[i].y)});
+    editor_.insertRow(last, {id, curveX(use, now[i].x), curveY(use, now[i].y)});
   }
 }
 
@@ -337,7 +349,7 @@ void FullRows::removeSeries(Thing thing, std::uint32_t index, std::u16string_vie
     if (editor_.removed(mention.at.row)) continue;
     if (count++ < 5) {
       if (!users.empty()) users += u"; ";
-      users += words_.text(network_.document().contentOf(mention.at.row));
+      users += rowText(mention.at.row);
     }
     if (thing == Thing::curve) continue;
     const Section section = network_.document().rows()[mention.at.row].section;
