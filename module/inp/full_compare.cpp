@@ -62,6 +62,12 @@ bool sameText(Field field, std::u16string_view a, std::u16string_view b) {
   a = trimmed(a);
   b = trimmed(b);
   if (a == b) return true;
+  if (field == Field::speed) {
+    // A drawn 0 is no speed, which is 1; only where the file itself has 0 it says the same.
+    const double drawn = platform::parseReal(a).value_or(0);
+    const double kept = b.empty() ? 1 : platform::parseReal(b).value_or(0);
+    return sameReal(drawn == 0 && kept != 0 ? 1 : drawn, kept);
+  }
   if (field == Field::status || field == Field::type) {
     return platform::equalNoCase(statusWord(a), statusWord(b));
   }
@@ -240,7 +246,9 @@ class Comparing {
   void compareField(Field field, const DrawnEntity::Value& value, ChangedElement& change) {
     const std::u16string_view want = wanted_.text(field);
     const bool attribute = value.onAttribute && !sameText(field, value.attribute, want);
-    const bool data = value.onData && !sameText(field, value.data, want);
+    // Without kept rows nothing tells which of two copies was edited: what is read on the plan.
+    const bool second = value.onData && !(byName_ && value.onAttribute);
+    const bool data = second && !sameText(field, value.data, want);
     if (!attribute && !data && !everything_) return;
     if (!value.onAttribute && !value.onData) return;
     const std::u16string& now = attribute || !value.onData ? value.attribute : value.data;
@@ -273,6 +281,7 @@ class Comparing {
     if (!sameSpot(entity.position, kept) || (everything_ && !form_.isPlacedByUs(index))) {
       change.place = entity.position;
     }
+    if (byName_) return;
     const Field height = entity.kind == &schema::kResv ? Field::head : Field::elevation;
     const bool told = std::any_of(change.fields.begin(), change.fields.end(),
                                   [&](const ChangedField& f) { return f.field == height; });
@@ -394,13 +403,18 @@ class Comparing {
       if (!entities_.read(id) || !entities_.entity().isCourse) continue;
       courseOfName_.emplace(courseKey(entities_.entity()), entities_.entity().points);
     }
+    // Links end on nodes; copies have to leave their names to what is not one.
     for (const bool nodes : {true, false}) {
-      for (const AcDbObjectId id : others_) {
-        if (!entities_.read(id)) continue;
-        const DrawnEntity entity = entities_.entity();
-        if (entity.isCourse || entity.isNode() != nodes) continue;
-        takeNew(entity);
-      }
+      for (const bool copies : {false, true}) takeNew(nodes, copies);
+    }
+  }
+
+  void takeNew(bool nodes, bool copies) {
+    for (const AcDbObjectId id : others_) {
+      if (!entities_.read(id)) continue;
+      const DrawnEntity entity = entities_.entity();
+      if (entity.isCourse || entity.isNode() != nodes) continue;
+      if ((tied(entity) != kNone) == copies) takeNew(entity);
     }
   }
 
