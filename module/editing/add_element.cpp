@@ -1,10 +1,13 @@
 // The command that manages the networks of a drawing and adds one element to the default one.
 #include "module/editing/add_element.h"
 
+#include "module/editing/element_names.h"
 #include "module/host/module.h"
 #include "module/host/tell.h"
 #include "module/host/translate.h"
 #include "module/host/warnings.h"
+#include "module/inp/full_export.h"
+#include "module/network/kept_text.h"
 #include "platform/format.h"
 #include "platform/text.h"
 
@@ -48,6 +51,27 @@ void proposeNames(const ElementNames& names) {
   if (!names.links.empty()) nextLinkNumber = static_cast<std::int32_t>(names.links.size()) + 1;
 }
 
+// In full a proposal is neither the name of what is drawn nor that of what the kept text has.
+void proposeFreeNames(const ElementNames& names) {
+  Notices notices;
+  if (!inpIsFull() || !hasKeptText(currentNetwork)) return;
+  const auto kept = keptFile(currentNetwork, false, notices);
+  if (!kept) return;
+  const auto isTaken = [](std::int32_t number, const std::vector<std::u16string>& drawn,
+                          auto isKept) {
+    return LinkNameExists(proposed(number), drawn) || isKept(std::to_string(number));
+  };
+  const epanet::Network& text = kept->network;
+  while (isTaken(nextNodeNumber, names.nodes,
+                 [&](const std::string& id) { return text.findNode(id) != epanet::kNone; })) {
+    ++nextNodeNumber;
+  }
+  while (isTaken(nextLinkNumber, names.links,
+                 [&](const std::string& id) { return text.findLink(id) != epanet::kNone; })) {
+    ++nextLinkNumber;
+  }
+}
+
 }  // namespace
 
 AcGePoint3d toWorld(const AcGePoint3d& point) { return converted(point, kUser, kWorld); }
@@ -67,6 +91,7 @@ int EpaCommands::hnaddepa() {
   ElementNames names = namesOfNetwork(currentNetwork);
   tell(names.notices);
   proposeNames(names);
+  proposeFreeNames(names);
   switch (platform::upper(askForKind())) {
     case u'N':
       addJunctionAtPoint(names);
