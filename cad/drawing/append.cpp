@@ -26,11 +26,47 @@ Acad::ErrorStatus Drawing::append(std::uint32_t owner, AcDbObject& object) {
   tags.transcode(format());
   Place place;
   if (const auto s = placeOf(owner, tags, place); s != Acad::eOk) return s;
-  if (const auto s = checkNames(tags, place); s != Acad::eOk) return s;
+  const Record* const known = knownLike(tags, place);
+  const Record like = known ? *known : Record();
+  if (!known) {
+    if (const auto s = checkNames(tags, place); s != Acad::eOk) return s;
+  }
   if (place.child) place.before = endOfParts(owner, place);
-  settleReferences(tags, place);
-  adopt(object, place);
+  if (!known) settleReferences(tags, place);
+  adopt(object, place, known ? &like : nullptr);
   return Acad::eOk;
+}
+
+// Stamps for objects without handle and owner hold as long as all that they name stays.
+Stamps& Drawing::freshStamps() {
+  if (stampsOf_ != history_.definitions()) {
+    stamps_.clear();
+    stampsOf_ = history_.definitions();
+  }
+  return stamps_;
+}
+
+// A record of the make of a new entity, all of whose names the drawing has; null when none is
+// known.
+const Record* Drawing::knownLike(const TagList& tags, const Place& place) {
+  return place.entity && !place.paper ? freshStamps().find(tags) : nullptr;
+}
+
+// Adds an object whose names are settled. `like` is what knownLike said.
+std::uint32_t Drawing::addNew(TagList& tags, const Place& place, const Record* like) {
+  if (like) return writer_.addLike(tags, place, *like);
+  std::unique_ptr<Stamp> stamp;
+  if (place.entity && !place.paper && format().hasHandlesAndMarkers() && Stamp::suits(tags) &&
+      tags.size() > 1 && tags[1].code == 100) {
+    stamp = std::make_unique<Stamp>(tags);
+  }
+  const int size = tags.size();
+  const std::uint32_t i = writer_.addComplete(tags, place);
+  if (stamp && tags.size() == size + 2) {
+    stamp->like = records_[i];
+    freshStamps().keep(std::move(stamp));
+  }
+  return i;
 }
 
 // Where a new object belongs, by what its owner is.
@@ -135,13 +171,13 @@ std::uint32_t Drawing::addSequenceEnd(std::uint32_t owner, std::uint32_t before,
   place.before = before;
   place.owner = owner;
   place.child = true;
-  return writer_.addComplete(*tags, place);
+  return addNew(*tags, place, knownLike(*tags, place));
 }
 
 // The one place where an object becomes the drawing's; it stays open for write.
-void Drawing::adopt(AcDbObject& object, const Place& place) {
+void Drawing::adopt(AcDbObject& object, const Place& place, const Record* like) {
   ViewState& v = *object.view_;
-  const std::uint32_t i = writer_.addComplete(*v.tags, place);
+  const std::uint32_t i = addNew(*v.tags, place, like);
   if (records_[place.owner].type == Type::table) {
     structure_.enterName(i, records_[i].name);
   }

@@ -140,7 +140,10 @@ class CAD_API Drawing {
 
  private:
   AcDbObject* makeView(std::uint32_t record, ViewState* state) const;
-  void adopt(AcDbObject& object, const Place& place);
+  void adopt(AcDbObject& object, const Place& place, const Record* like);
+  Stamps& freshStamps();
+  const Record* knownLike(const TagList& tags, const Place& place);
+  std::uint32_t addNew(TagList& tags, const Place& place, const Record* like);
   Acad::ErrorStatus placeOf(std::uint32_t owner, const TagList& tags, Place& place);
   std::uint32_t endOfParts(std::uint32_t owner, const Place& place);
   std::uint32_t addSequenceEnd(std::uint32_t owner, std::uint32_t before, const Place& like);
@@ -168,6 +171,8 @@ class CAD_API Drawing {
   bool renumbered_ = false;     // opening gave objects handles that the file does not have
   bool erasedMembers_ = false;  // an entity was erased that groups or drawing orders may list
   std::uint32_t lastOwner_ = 0, lastEnd_ = 0;  // where the latest part went, for the next one
+  Stamps stamps_;  // of objects as they come, while no definition has changed since
+  std::uint64_t stampsOf_ = 0;
   std::unordered_map<std::uint32_t, bool> highlighted_;
 };
 

@@ -22,6 +22,7 @@ void History::keep(std::uint32_t record) {
   changed_ = true;
   ++revision_;
   Record& r = records_.edit(record);
+  if (!r.is(Record::space)) ++definitions_;
   if (!running_ || r.is(Record::touched)) return;
   now_.before.emplace_back(record, r);
   records_.hold(r);
@@ -115,6 +116,7 @@ void History::swap(Step& step) {
   bytes_ += step.bytes;
   changed_ = true;
   ++revision_;
+  ++definitions_;
 }
 
 std::u16string History::step(std::vector<Step>& from, std::vector<Step>& to) {

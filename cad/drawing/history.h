@@ -38,6 +38,9 @@ class CAD_API History {
   // Grows with every change, also of what is only shown.
   std::uint64_t revision() const { return revision_; }
   void touch() { ++revision_; }
+  // Grows with every change of what is no entity of a space nor a part of one: layers, styles,
+  // applications, blocks and what is in them.
+  std::uint64_t definitions() const { return definitions_; }
   // Memory that the kept states hold on to.
   std::size_t bytes() const { return bytes_; }
   void setLimit(std::size_t bytes) { limit_ = bytes; }
@@ -72,7 +75,7 @@ class CAD_API History {
   Index& index_;
   bool running_ = false, changed_ = false;
   bool changedBefore_ = false;  // what stood in `changed_` when the running command began
-  std::uint64_t revision_ = 0;
+  std::uint64_t revision_ = 0, definitions_ = 0;
   Step now_;
   std::vector<Step> undo_, redo_;
   std::size_t bytes_ = 0;

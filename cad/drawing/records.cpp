@@ -91,13 +91,25 @@ const TagList* Records::definitionTags(std::uint32_t i) const {
   return parsed.tags.get();
 }
 
-void Records::replaceText(std::uint32_t i, const TagList& tags, std::string_view text) {
+void Records::replaceText(std::uint32_t i, const TagList& tags, std::string_view text,
+                          const Record* like) {
   Record& r = list_[i];
   const Record before = r;
   r.bytes = text.data();
   r.size = static_cast<std::uint32_t>(text.size());
-  indexTags(r, tags, {names_, types_, sets_});
-  r.handle = before.handle ? before.handle : r.handle;
+  const bool stamped = !like && before.handle && Stamp::suits(tags);
+  if (stamped) like = stamps_.find(tags);
+  if (like) {
+    copyIndex(r, *like);
+  } else {
+    indexTags(r, tags, {names_, types_, sets_});
+    r.handle = before.handle ? before.handle : r.handle;
+    if (stamped) {
+      auto stamp = std::make_unique<Stamp>(tags);
+      stamp->like = r;
+      stamps_.keep(std::move(stamp));
+    }
+  }
   if (before.is(Record::hasParts)) r.set(Record::hasParts);
   r.set(Record::changed);
   r.set(Record::stored);

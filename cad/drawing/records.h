@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "cad/api/export.h"
+#include "cad/drawing/stamps.h"
 #include "cad/drawing/texts.h"
 #include "cad/dxf/scanner.h"
 
@@ -77,9 +78,10 @@ class CAD_API Records {
   // Null for other objects.
   const TagList* definitionTags(std::uint32_t i) const;
   // Gives a record the text of these tags and indexes it. False, and nothing has changed, when it
-  // has this very text already; `keep` is called before the first change.
+  // has this very text already; `keep` is called before the first change. `like`, if given, is a
+  // record of the same make (see stamps.h), and the handle is there already.
   template <class Keep>
-  bool setText(std::uint32_t i, const TagList& tags, Keep&& keep);
+  bool setText(std::uint32_t i, const TagList& tags, const Record* like, Keep&& keep);
   // A copy of a record's state refers to its text, or no longer does.
   void hold(const Record& state) {
     if (state.is(Record::stored)) texts_.hold(state.bytes);
@@ -90,7 +92,7 @@ class CAD_API Records {
   std::size_t textBytes() const { return texts_.bytes(); }
 
  private:
-  void replaceText(std::uint32_t i, const TagList& tags, std::string_view text);
+  void replaceText(std::uint32_t i, const TagList& tags, std::string_view text, const Record* like);
 
   Format format_;
   std::vector<Block> sources_;
@@ -100,6 +102,7 @@ class CAD_API Records {
   std::uint32_t first_ = 0, last_ = 0;
   NameTable names_, types_;
   NameSets sets_;
+  Stamps stamps_;  // of objects that have their handles
 
   std::vector<std::uint32_t> denseHandles_;
   std::unordered_map<std::uint64_t, std::uint32_t> sparseHandles_;
@@ -114,14 +117,14 @@ class CAD_API Records {
 };
 
 template <class Keep>
-bool Records::setText(std::uint32_t i, const TagList& tags, Keep&& keep) {
+bool Records::setText(std::uint32_t i, const TagList& tags, const Record* like, Keep&& keep) {
   const std::string_view text = texts_.store(tags);
   if (list_[i].bytes && list_[i].text() == text) {
     texts_.forget(text);
     return false;
   }
   keep();
-  replaceText(i, tags, text);
+  replaceText(i, tags, text, like);
   return true;
 }
 

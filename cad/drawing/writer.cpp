@@ -59,10 +59,10 @@ void setOwner(TagList& tags, int handleCode, std::uint64_t owner) {
 
 }  // namespace
 
-void Writer::rewrite(std::uint32_t record, const TagList& tags) {
+void Writer::rewrite(std::uint32_t record, const TagList& tags, const Record* like) {
   VESSORA_CHECK(record > 0 && record < records_.count(), "no such record to be written");
   Record before;
-  if (records_.setText(record, tags, [&] {
+  if (records_.setText(record, tags, like, [&] {
         history_.keep(record);
         before = records_[record];
       })) {
@@ -70,17 +70,18 @@ void Writer::rewrite(std::uint32_t record, const TagList& tags) {
   }
 }
 
-std::uint32_t Writer::add(const TagList& tags, const Place& place) {
+std::uint32_t Writer::add(const TagList& tags, const Place& place, std::uint64_t handle,
+                          const Record* like) {
   Record fresh;
+  fresh.handle = handle;
+  fresh.owner = place.owner;
+  fresh.set(Record::space, place.space);
+  fresh.set(Record::child, place.child);
   fresh.set(Record::erased);  // taking the change back must take the record away
   const std::uint32_t i = records_.link(fresh, place.before);
   history_.keep(i);
-  Record& r = records_.edit(i);
-  r.set(Record::erased, false);
-  r.owner = place.owner;
-  r.set(Record::space, place.space);
-  r.set(Record::child, place.child);
-  rewrite(i, tags);
+  records_.edit(i).set(Record::erased, false);
+  rewrite(i, tags, like);
   if (records_[i].handle) records_.registerHandle(records_[i].handle, i);
   const Type type = records_[i].type;
   if (place.space && type != Type::polyline && type != Type::seqend && type != Type::attrib &&
@@ -89,6 +90,12 @@ std::uint32_t Writer::add(const TagList& tags, const Place& place) {
   }
   if (observer_ && (i & 0xFFF) == 0) observer_(i);
   return i;
+}
+
+std::uint32_t Writer::addLike(TagList& tags, const Place& place, const Record& like) {
+  const std::uint64_t handle = records_.newHandle();
+  tags.insertHandles(handle, records_[place.owner].handle);
+  return add(tags, place, handle, &like);
 }
 
 std::uint32_t Writer::addComplete(TagList& tags, const Place& place) {

@@ -30,11 +30,16 @@ class CAD_API Writer {
 
   // Replaces the text of a record. Nothing happens when it has this text already. Views that are
   // open on the record do not notice.
-  void rewrite(std::uint32_t record, const TagList& tags);
+  void rewrite(std::uint32_t record, const TagList& tags) { rewrite(record, tags, nullptr); }
   // A new record from tags that are complete already.
-  std::uint32_t add(const TagList& tags, const Place& place);
+  std::uint32_t add(const TagList& tags, const Place& place) {
+    return add(tags, place, 0, nullptr);
+  }
   // The same, after giving them a handle and what else depends on the drawing (see complete).
   std::uint32_t addComplete(TagList& tags, const Place& place);
+  // The same for an entity of the make of `like`, for which completing adds handle and owner behind
+  // the type and changes nothing else.
+  std::uint32_t addLike(TagList& tags, const Place& place, const Record& like);
   // Gives new tags what depends on the drawing: encoding, handle, owner, and only what its version
   // may hold.
   void complete(TagList& tags, std::uint64_t handle, const Place& place) const;
@@ -47,6 +52,10 @@ class CAD_API Writer {
   const std::unordered_map<std::uint32_t, AcDbExtents>& drawn() const { return drawn_; }
 
  private:
+  void rewrite(std::uint32_t record, const TagList& tags, const Record* like);
+  std::uint32_t add(const TagList& tags, const Place& place, std::uint64_t handle,
+                    const Record* like);
+
   Records& records_;
   Index& index_;
   History& history_;

@@ -405,11 +405,24 @@ platform::Result<ScannedFile> scanDxf(std::string_view whole, const std::string&
   return scanned;
 }
 
+namespace {
+// What the tags of a record do not say.
+constexpr std::uint16_t kKept = Record::erased | Record::space | Record::child | Record::open |
+                                Record::touched | Record::changed | Record::synthetic |
+                                Record::stored;
+}  // namespace
+
+void copyIndex(Record& record, const Record& like) {
+  record.type = like.type;
+  record.typeName = like.typeName;
+  record.layer = like.layer;
+  record.name = like.name;
+  record.apps = like.apps;
+  record.flags = static_cast<std::uint16_t>((record.flags & kKept) | (like.flags & ~kKept));
+}
+
 void indexTags(Record& record, const TagList& tags, NameTables names) {
-  constexpr std::uint16_t kept = Record::erased | Record::space | Record::child | Record::open |
-                                 Record::touched | Record::changed | Record::synthetic |
-                                 Record::stored;
-  record.flags &= kept;
+  record.flags &= kKept;
   record.layer = record.apps = record.name = 0;
   record.handle = 0;
   Indexer index(tags.format(), names);

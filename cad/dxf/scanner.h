@@ -129,6 +129,8 @@ platform::Result<ScannedFile> scanDxf(std::string_view bytes, const std::string&
                                       NameTables names);
 // Picks up the same from the tags of one record made or changed later.
 void indexTags(Record& record, const TagList& tags, NameTables names);
+// Gives a record what indexTags gave another one whose tags say the same to it. The handle stays.
+void copyIndex(Record& record, const Record& like);
 
 // Enters the names of the known types, so that their numbers equal the values of Type.
 void enterTypeNames(NameTable& types);

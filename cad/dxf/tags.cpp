@@ -447,12 +447,19 @@ void TagList::setInteger(int i, std::int64_t value) {
   if ((*this)[i].size == 0 || integer(i) != value) at(i) = makeInteger((*this)[i].code, value);
 }
 
+Tag TagList::makeHandle(int code, std::uint64_t handle) {
+  char digits[16];
+  char* const end = digits + sizeof digits;
+  char* first = end;
+  do {
+    *--first = "0123456789ABCDEF"[handle & 15];
+    handle >>= 4;
+  } while (handle != 0);
+  return make(code, {first, static_cast<std::size_t>(end - first)});
+}
+
 void TagList::setHandle(int i, std::uint64_t handle) {
-  char buffer[20];
-  char* end = std::to_chars(buffer, buffer + sizeof buffer, handle, 16).ptr;
-  std::transform(buffer, end, buffer,
-                 [](char c) { return c >= 'a' ? static_cast<char>(c - 32) : c; });
-  at(i) = make((*this)[i].code, {buffer, static_cast<std::size_t>(end - buffer)});
+  at(i) = makeHandle((*this)[i].code, handle);
 }
 
 void TagList::insertText(int at, int code, std::u16string_view text) {
@@ -464,8 +471,12 @@ void TagList::insertInteger(int at, int code, std::int64_t value) {
   place(at, makeInteger(code, value));
 }
 void TagList::insertHandle(int at, int code, std::uint64_t handle) {
-  place(at, make(code, {}));
-  setHandle(at, handle);
+  place(at, makeHandle(code, handle));
+}
+
+void TagList::insertHandles(std::uint64_t own, std::uint64_t owner) {
+  const Tag both[] = {makeHandle(5, own), makeHandle(330, owner)};
+  tags_.insert(tags_.begin() + 1, std::begin(both), std::end(both));
 }
 
 void TagList::erase(int from, int to) { tags_.erase(tags_.begin() + from, tags_.begin() + to); }

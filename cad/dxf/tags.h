@@ -90,6 +90,8 @@ class TagList {
   void insertReal(int at, int code, double value);
   void insertInteger(int at, int code, std::int64_t value);
   void insertHandle(int at, int code, std::uint64_t handle);
+  // The handles of an object (5) and of its owner (330), right behind the type.
+  void insertHandles(std::uint64_t own, std::uint64_t owner);
   void erase(int from, int to);
   // The same at the end.
   void addText(int code, std::u16string_view text) { insertText(size(), code, text); }
@@ -125,6 +127,7 @@ class TagList {
   Tag makeText(int code, std::u16string_view text);
   Tag makeReal(int code, double value);
   Tag makeInteger(int code, std::int64_t value);
+  Tag makeHandle(int code, std::uint64_t handle);
   void place(int at, const Tag& tag) { tags_.insert(tags_.begin() + at, tag); }
   bool parseAscii(std::string_view text);
   bool parseBinary(std::string_view text);

@@ -135,6 +135,59 @@ TEST_F(ObjectsTest, WhatEntitiesReferToIsThere) {
   for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
 }
 
+// The third of a row of equal entities is checked like the first, whatever became of what they
+// name.
+TEST_F(ObjectsTest, EntitiesOfOneMakeSeeWhatBecameOfTheirNames) {
+  const auto addText = [&] {
+    auto* text = new AcDbText({1, 2, 0}, u"x", 1);
+    text->setLayer(u"RETE");
+    text->setTextStyleName(u"STILE");
+    setXData(*text, acutBuildList(1001, u"DATI", 1070, 1, RTNONE));
+    const AcDbObjectId id = append(*db, text);
+    text->close();
+    return id;
+  };
+  const auto layer = [&] { return drawing().structure().layerNamed(u"RETE", false); };
+  {
+    AcDbTextStyleTable* styles = nullptr;
+    ASSERT_EQ(db->getTextStyleTable(styles, AcDb::kForWrite), Acad::eOk);
+    auto* style = new AcDbTextStyleTableRecord;
+    style->setName(u"STILE");
+    AcDbObjectId id;
+    EXPECT_EQ(styles->add(id, style), Acad::eOk);
+    style->close();
+    styles->close();
+  }
+  command(u"UNO", [&] {
+    addText();
+    addText();
+  });
+  EXPECT_NE(drawing().undo(), u"");
+  EXPECT_EQ(layer(), 0u);
+  AcDbObjectId second;
+  command(u"DUE", [&] {
+    addText();
+    second = addText();
+  });
+  EXPECT_NE(layer(), 0u) << "made again";
+  {
+    Open<AcDbLayerTableRecord> renamed(drawing().idOf(layer()), AcDb::kForWrite);
+    EXPECT_EQ(renamed->setName(u"ALTRA"), Acad::eOk);
+    Open<AcDbTextStyleTableRecord> style(
+        drawing().idOf(drawing().structure().tableEntry(cad::Type::style, u"STILE")),
+        AcDb::kForWrite);
+    EXPECT_EQ(style->setName(u"ALTRO"), Acad::eOk);
+  }
+  const AcDbObjectId third = addText();
+  EXPECT_NE(layer(), 0u);
+  EXPECT_EQ((Open<AcDbText>(third)->textStyleName()), u"Standard");
+  EXPECT_EQ((Open<AcDbText>(second)->textStyleName()), u"ALTRO");
+  EXPECT_EQ((Open<AcDbText>(second)->layer()), u"ALTRA");
+  EXPECT_EQ(drawing().index().onLayer(drawing().names().find(u"RETE")).size(), 1u);
+  EXPECT_EQ(drawing().index().withApplication(drawing().names().find(u"DATI")).size(), 3u);
+  for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
+}
+
 TEST_F(ObjectsTest, TableEntriesHaveUsableAndSingleNames) {
   AcDbLayerTable* table = nullptr;
   ASSERT_EQ(db->getLayerTable(table, AcDb::kForWrite), Acad::eOk);
