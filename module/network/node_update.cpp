@@ -121,7 +121,7 @@ class LinkMover {
   }
 
   // Blocks belong to a course by their place. Where several stand there, as on parallel pumps, only
-  // those of the course's own name leave it.
+  // those of the course's own name leave it, and in full only those are touched at all.
   void fixBlocks(bool valv, const AcGePoint3dArray& before, const LinkAt& link,
                  std::u16string_view name) {
     AcGePoint3d from, to;
@@ -129,7 +129,7 @@ class LinkMover {
     std::optional<BlockPlaces>& blocks = valv ? valves_ : pumps_;
     if (!blocks) blocks.emplace(valv ? layers_.valv : layers_.pump);
     std::vector<AcDbObjectId> there = blocks->at(from);
-    if (change_.place && there.size() > 1) {
+    if ((change_.place || change_.oldName) && there.size() > 1) {
       std::vector<AcDbObjectId> own;
       for (const AcDbObjectId id : there) {
         if (hasName(id, name)) own.push_back(id);
