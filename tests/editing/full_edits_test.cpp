@@ -260,9 +260,9 @@ class FullEdits : public DrawnNetwork, public ::testing::WithParamInterface<unsi
   }
 
   // --- the file
-  std::string exported() const {
+  static std::string exported(std::u16string_view network = u"Rete") {
     ExportRequest request;
-    request.network = u"Rete";
+    request.network = network;
     ExportResult result;
     return fullText(request, result).value_or("");
   }
@@ -412,6 +412,58 @@ TEST_P(FullEditing, StatusGoesRound) {
     FullForm(file.network).fill(file.network.findLink("V"), valve);
     EXPECT_EQ(valve.status.str(), status);
   }
+}
+
+TEST_P(FullEditing, ARenameReachesWhoNamesTheNodeAndNobodyElse) {
+  // Pipe 3 does not lie on node 3 any more; a node of its own stands on node 3, with a pipe.
+  {
+    const Opened<AcDb3dPolyline> pipe(thing(false, "3").id, AcDb::kForWrite);
+    RewritePolyline({{100, 0, 0}, {130, 100, 0}}, pipe.get(), 256, u"", nullptr);
+  }
+  ElementNames names = namesOfNetwork(u"Rete");
+  EpaJunc twin;
+  twin.id = u"twin";
+  addJunction(u"Rete", {100, 100, 0}, twin, names);
+  EpaPipe own;
+  own.id = u"own";
+  own.node1 = u"1";
+  own.node2 = u"twin";
+  const AcDbObjectId other = addPipe(u"Rete", {{0, 0, 0}, {100, 100, 0}}, own, u"", names).id;
+  auto element = readElement(u"Rete", thing(true, "3").id);
+  std::get<EpaJunc>(element->record).id = u"tre";
+  EXPECT_TRUE(modifyElement(u"Rete", thing(true, "3").id, *element).warnings.empty());
+  const auto endOf = [](AcDbObjectId id) {
+    return std::get<EpaPipe>(readElement(u"Rete", id)->record).node2.str();
+  };
+  EXPECT_EQ(endOf(thing(false, "3").id), u"tre");
+  EXPECT_EQ(endOf(other), u"twin");
+  EXPECT_NE(exported().find("\nLINK 2 CLOSED IF NODE tre ABOVE"), std::string::npos);
+}
+
+TEST_P(FullEditing, PatternsAndCurvesOfAnotherNetworkStay) {
+  {
+    const CommandSpan span;
+    drawFullFile(FullFile(text_), u"Altra");
+  }
+  EpaPattern pattern;
+  pattern.id = u"giorno";
+  pattern.multipliers = {1, 2};
+  EXPECT_TRUE(replacePattern(u"Rete", pattern, u"day").warnings.empty());
+  EXPECT_EQ(deletePattern(u"Rete", u"night").warnings.size(), 1U) << "who names it";
+  EXPECT_EQ(deleteCurve(u"Rete", u"c").warnings.size(), 1U);
+  EXPECT_EQ(exported(u"Altra"), text_);
+  const std::string file = exported();
+  for (const char* row :
+       {"\n L 150 giorno\r", "\n giorno 1 2\r", "\n Pattern giorno\r", "\n 3 1 giorno ;a\r"}) {
+    EXPECT_NE(file.find(row), file.npos) << row << file;
+  }
+  for (const char* gone : {"day", "night", "\n c 100"}) {
+    EXPECT_EQ(file.find(gone), file.npos) << gone << file;
+  }
+  // What has the name of a deleted one afterwards is new.
+  pattern.id = u"night";
+  replacePattern(u"Rete", pattern, u"giorno");
+  EXPECT_NE(exported().find("\n L 150 night\r"), std::string::npos);
 }
 
 INSTANTIATE_TEST_SUITE_P(Units, FullEditing, ::testing::Values(4U, 5U));
