@@ -22,12 +22,11 @@ void appendGap(std::string& row, std::string_view gap, std::ptrdiff_t growth) {
     row += gap;
     return;
   }
-  const std::size_t blanks = gap.size() - (gap.find_last_not_of(' ') + 1);
   if (growth < 0) {
-    // Where tabs lead to the next column they lead there still, as a rule.
-    const bool padded = blanks == gap.size() && blanks > 1;
-    row += gap;
+    // A tab leads to the next column still; blanks before one are part of the word's width.
+    const bool padded = gap[0] == ' ' && gap != " ";
     if (padded) row.append(static_cast<std::size_t>(-growth), ' ');
+    row += gap;
     return;
   }
   std::size_t leading = gap.find_first_not_of(' ');
@@ -87,9 +86,28 @@ void Editor::addText(Section section, std::string_view row) {
   const RowId last = document_.lastOf(section);
   if (last == kNoRow) {
     sections_[section].emplace_back(row);
+    if (const RowId anchor = anchorOf(section); anchor != kNoRow) rows_[anchor];
   } else {
     rows_[last].after.emplace_back(row);
   }
+}
+
+// The row behind which a missing section of elements goes: what names elements is read after them.
+RowId Editor::anchorOf(Section section) const {
+  const auto last = [this](std::initializer_list<Section> sections) {
+    RowId row = kNoRow;
+    for (const Section own : sections) {
+      if (document_.has(own) && (row == kNoRow || row < document_.lastOf(own))) {
+        row = document_.lastOf(own);
+      }
+    }
+    return row;
+  };
+  if (section < Section::junctions || section > Section::valves) return kNoRow;
+  const RowId nodes = last({Section::junctions, Section::reservoirs, Section::tanks});
+  if (section < Section::pipes) return nodes;
+  const RowId links = last({Section::pipes, Section::pumps, Section::valves});
+  return links == kNoRow ? nodes : links;
 }
 
 // The last row of data of a section, after whose columns new rows are written.
@@ -156,12 +174,20 @@ std::string Editor::changedRow(RowId id, const Edits& edits) const {
       continue;
     }
     appendGap(row, text.substr(at, token.start - at), i == 0 ? 0 : growth);
+    // Quotes divide words too, until one of them loses them.
+    if (i > 0 && token.start == at && !row.empty()) row += ' ';
     at = token.start + token.length;
     const auto set = edits.tokens.find(i);
     const std::string_view old = text.substr(token.start, token.length);
     const std::string_view now = set == edits.tokens.end() ? old : std::string_view(set->second);
     row += now;
     growth = static_cast<std::ptrdiff_t>(now.size()) - static_cast<std::ptrdiff_t>(old.size());
+  }
+  if (tokens.count > 0 && edits.tokens.lower_bound(tokens.count) != edits.tokens.end()) {
+    const Token& last = tokens[tokens.count - 1];
+    const std::string_view old = text.substr(last.start, last.length);
+    const bool open = last.quoted && (old.size() < 2 || old.back() != '"');
+    if (open && !edits.tokens.contains(tokens.count - 1)) row += '"';
   }
   for (auto more = edits.tokens.lower_bound(tokens.count); more != edits.tokens.end(); ++more) {
     if (!row.empty()) row += tokens.count > 0 && text.find('\t') != text.npos ? '\t' : ' ';
@@ -197,14 +223,17 @@ EditResult Editor::apply() const {
     out += end;
     result.changes.push_back({Change::What::inserted, after, section, {}, row});
   };
-  const auto insertSections = [&] {
+  const auto insertSections = [&](RowId anchor) {
+    bool any = false;
     for (const auto& [section, lines] : sections_) {
+      if (anchorOf(section) != anchor) continue;
+      any = true;
       ensureLineEnd();
       out += end;
-      insert(kNoRow, section, std::string(headingOf(section)));
-      for (const std::string& line : lines) insert(kNoRow, section, line);
+      insert(anchor, section, std::string(headingOf(section)));
+      for (const std::string& line : lines) insert(anchor, section, line);
     }
-    if (!sections_.empty() && document_.has(Section::end)) out += end;
+    if (any && anchor == kNoRow && document_.has(Section::end)) out += end;
   };
   // Rows of text are copied in runs between the edited ones.
   const auto copyTo = [&](std::size_t place) {
@@ -219,7 +248,7 @@ EditResult Editor::apply() const {
     const Row& row = rows[id];
     if (!sectionsWritten && row.start >= firstEnd) {
       copyTo(firstEnd);
-      insertSections();
+      insertSections(kNoRow);
       sectionsWritten = true;
     }
     const std::string before(document_.contentOf(id));
@@ -249,10 +278,11 @@ EditResult Editor::apply() const {
       copyTo(row.start + row.length);
     }
     for (const std::string& line : edits.after) insert(id, row.section, line);
+    insertSections(id);
   }
   if (!sectionsWritten) {
     copyTo(firstEnd);
-    insertSections();
+    insertSections(kNoRow);
   }
   copyTo(text.size());
   return result;

@@ -40,7 +40,7 @@ class Editor {
   // of the section; the comment mark of a neighbour that has nothing behind it is copied too.
   void insertRow(RowId after, const std::vector<std::string>& tokens);
   // The same at the end of a section, behind what was put there before. A section that the file
-  // lacks is made, before [END] or at the end.
+  // lacks is made: one of elements behind others of its kind, any other before [END] or at the end.
   void addRow(Section section, const std::vector<std::string>& tokens);
   // A row as it stands, without line end.
   void addText(Section section, std::string_view row);
@@ -66,6 +66,7 @@ class Editor {
   };
   std::string changedRow(RowId row, const Edits& edits) const;
   std::string styled(RowId neighbour, const std::vector<std::string>& tokens) const;
+  RowId anchorOf(Section section) const;
   RowId modelRow(Section section) const;
 
   const Document& document_;
