@@ -142,12 +142,13 @@ class Wanted {
 class Comparing {
  public:
   Comparing(std::u16string_view name, const epanet::Network& network,
-            const std::vector<Rename>& renames, Match match)
+            const std::vector<Rename>& renames, Match match, const std::vector<Field>& counted)
       : name_(name),
         network_(network),
         form_(network, renames),
         everything_(match == Match::everything),
         byName_(match == Match::byName),
+        counted_(counted),
         wanted_(form_),
         entities_(name),
         nodes_(network.nodes.size()),
@@ -167,6 +168,7 @@ class Comparing {
     sortOutCopies();
     findGone();
     takeNew();
+    checkEnds();
     compareSeries();
     EpaSettings settings;
     if (LoadSettings(settings, name_)) result_.settings = changedSettings(form_, settings);
@@ -222,11 +224,20 @@ class Comparing {
         compareName(entity, value);
         continue;
       }
-      compareField(row.field, value, change);
+      if (!isFormerEnd(row.field, value, index)) compareField(row.field, value, change);
     }
     if (entity.isNode()) comparePlace(entity, index, change);
     if (entity.kind == &schema::kPipe) compareVertices(entity, index, change);
     keep(std::move(change));
+  }
+
+  // Whether the field is an end of a link that still has the name from before the node's rename.
+  bool isFormerEnd(Field field, const DrawnEntity::Value& value, std::uint32_t index) const {
+    if (field != Field::node1 && field != Field::node2) return false;
+    const epanet::Link& link = network_.links[index];
+    const std::uint32_t end = field == Field::node1 ? link.node1.index : link.node2.index;
+    return value.data == form_.words().text(network_.nodes[end].id) &&
+           form_.nodeNamed(value.data) == kNone;
   }
 
   void compareName(const DrawnEntity& entity, const DrawnEntity::Value& value) {
@@ -249,7 +260,7 @@ class Comparing {
     // Without kept rows nothing tells which of two copies was edited: what is read on the plan.
     const bool second = value.onData && !(byName_ && value.onAttribute);
     const bool data = second && !sameText(field, value.data, want);
-    if (!attribute && !data && !everything_) return;
+    if (!attribute && !data && !everything_ && std::ranges::count(counted_, field) == 0) return;
     if (!value.onAttribute && !value.onData) return;
     const std::u16string& now = attribute || !value.onData ? value.attribute : value.data;
     if (!everything_ && namesRenamed(field, now)) return;
@@ -277,6 +288,8 @@ class Comparing {
 
   // Heights of symbols are the attribute's second copy.
   void comparePlace(const DrawnEntity& entity, std::uint32_t index, ChangedElement& change) {
+    // A file without a place for a node says nothing of it.
+    if (byName_ && form_.isPlacedByUs(index)) return;
     const AcGePoint3d kept = form_.placeOf(index);
     if (!sameSpot(entity.position, kept) || (everything_ && !form_.isPlacedByUs(index))) {
       change.place = entity.position;
@@ -455,6 +468,19 @@ class Comparing {
     result_.added.push_back(std::move(element));
   }
 
+  // Ends that have been changed to what nobody is called.
+  void checkEnds() {
+    for (const ChangedElement& element : result_.changed) {
+      for (const ChangedField& field : element.fields) {
+        if (field.field != Field::node1 && field.field != Field::node2) continue;
+        const std::uint32_t node = form_.nodeNamed(field.now);
+        if ((node != kNone && !nodes_[node].isNull()) || nodeNames_.contains(field.now)) continue;
+        result_.notices.push_back(
+            {NoticeCode::endUnknown, form_.linkName(element.index), field.now});
+      }
+    }
+  }
+
   static std::u16string courseKey(const DrawnEntity& entity) {
     return entity.kind->layer + std::u16string(entity.name());
   }
@@ -589,6 +615,7 @@ class Comparing {
   FullForm form_;
   std::optional<FullForm> unrenamed_;  // where there are renames: with the names of the text
   bool everything_, byName_;
+  const std::vector<Field>& counted_;
   Wanted wanted_;
   DrawnEntities entities_;
   std::vector<AcDbObjectId> nodes_, links_, courses_;  // of the network's elements
@@ -605,11 +632,12 @@ class Comparing {
 
 }  // namespace
 
-Comparison compareNetwork(std::u16string_view name, const epanet::Network& network, Match match) {
+Comparison compareNetwork(std::u16string_view name, const epanet::Network& network, Match match,
+                          std::vector<schema::Field> counted) {
   std::vector<Rename> renames;
   if (match != Match::byName) renames = loadRenames(name);
   for (bool again = false;; again = true) {
-    Comparing comparing(name, network, renames, match);
+    Comparing comparing(name, network, renames, match, counted);
     Comparison result = comparing.run();
     if (again || comparing.unnoted().empty()) return result;
     renames.insert(renames.end(), comparing.unnoted().begin(), comparing.unnoted().end());

@@ -71,8 +71,8 @@ enum class Match {
   everything,  // the same; each field, and each pattern and curve, counts as changed
   byName,      // the network is that of another file: elements are those of their names
 };
-// Compares a drawn network with a network of a file.
+// Compares a drawn network with a network of a file. The fields `counted` count as changed.
 Comparison compareNetwork(std::u16string_view name, const epanet::Network& network,
-                          Match match = Match::byTie);
+                          Match match = Match::byTie, std::vector<schema::Field> counted = {});
 
 }  // namespace vessora

@@ -72,14 +72,17 @@ epanet::Units unitsNow(const epanet::Network& network, const Comparison& compari
   return units;
 }
 
-// Whether an option that was changed gives roughness or emitters other numbers for what is drawn.
-bool meaningsChange(const epanet::Units& was, const epanet::Units& now) {
+// The fields that an option which was changed gives other numbers for what is drawn.
+std::vector<schema::Field> otherMeanings(const epanet::Units& was, const epanet::Units& now) {
   const epanet::Conversion before(was, epanet::drawingUnits(was));
   const epanet::Conversion after(now, epanet::drawingUnits(now));
-  for (const auto quantity : {epanet::Quantity::roughness, epanet::Quantity::emitter}) {
-    if (before.factor(quantity) != after.factor(quantity)) return true;
-  }
-  return false;
+  std::vector<schema::Field> fields;
+  const auto compare = [&](epanet::Quantity quantity, schema::Field field) {
+    if (before.factor(quantity) != after.factor(quantity)) fields.push_back(field);
+  };
+  compare(epanet::Quantity::roughness, schema::Field::roughness);
+  compare(epanet::Quantity::emitter, schema::Field::emitter);
+  return fields;
 }
 
 }  // namespace
@@ -106,8 +109,9 @@ std::optional<std::string> fullText(const ExportRequest& request, ExportResult& 
     return std::nullopt;
   }
   const epanet::Units units = unitsNow(kept->network, comparison);
-  if (!request.rewrite && meaningsChange(epanet::unitsOf(kept->network), units)) {
-    comparison = compareNetwork(request.network, kept->network, Match::everything);
+  const auto others = otherMeanings(epanet::unitsOf(kept->network), units);
+  if (!request.rewrite && !others.empty()) {
+    comparison = compareNetwork(request.network, kept->network, Match::byTie, others);
   }
   std::string text;
   {

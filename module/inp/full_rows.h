@@ -4,6 +4,7 @@
 // those that are gone take their rows along; controls and rules that name them stay as comments.
 #pragma once
 
+#include <map>
 #include <optional>
 #include <string>
 #include <unordered_map>
@@ -46,6 +47,8 @@ class FullRows {
   void changeValveState(const epanet::Link& link, std::u16string_view status,
                         const std::string& setting, epanet::ValveKind kind);
   void changeStatus(const epanet::Link& link, const std::string& now);
+  // What a row of [STATUS] says of a link that is as in the file.
+  std::string stateOf(const epanet::Link& link) const;
   // Whether without the row that decides another row of [STATUS] would.
   bool hasMoreStatusRows(const epanet::Link& link);
   void changeVertices(const epanet::Link& link, const AcGePoint3dArray& vertices);
@@ -67,6 +70,10 @@ class FullRows {
   void remove(epanet::Thing thing, const std::vector<std::uint32_t>& gone);
   int drop(const epanet::Mention& mention, const std::u16string& name);
   void rename(const std::vector<Rename>& renames);
+  bool isRangeEnd(const epanet::Mention& mention) const;
+  bool inStatusRange(std::string_view id) const;
+  void keepInRanges();
+  void keepQuality(std::string_view was, const std::string& now);
 
   // --- patterns, curves
   void changePattern(const ChangedSeries<EpaPattern>& change);
@@ -94,7 +101,7 @@ class FullRows {
   epanet::Editor& editor_;
   Notices& notices_;
   DrawnEntities entities_;
-  std::unordered_map<std::uint64_t, std::string> renamed_;  // by thing and index
+  std::map<std::uint64_t, std::string> renamed_;  // by thing and index
   // Of links: how many rows of [STATUS] name them; filled when first wanted.
   std::optional<std::unordered_map<std::uint32_t, int>> statusRows_;
 };

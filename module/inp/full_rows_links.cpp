@@ -129,6 +129,13 @@ void FullRows::changeStatus(const Link& link, const std::string& now) {
   editor_.addRow(Section::status, {idOf(link), now});
 }
 
+std::string FullRows::stateOf(const Link& link) const {
+  if (link.status == Status::closed) return "Closed";
+  if (link.kind == LinkKind::pump) return epanet::textOf(network_.pump(link).speed.value);
+  if (link.status != Status::active) return "Open";
+  return epanet::textOf(network_.valve(link).setting.value);
+}
+
 bool FullRows::hasMoreStatusRows(const Link& link) {
   if (!statusRows_) {
     statusRows_.emplace();

@@ -83,7 +83,9 @@ void FullRows::addLink(const NewElement& element, const DrawnEntity& entity) {
     row.push_back(status.empty()                                  ? "Open"
                   : platform::upper(status).starts_with(u"CLOSE") ? "Closed"
                                                                   : bytes(status));
+    const std::string own = row.back();
     editor_.addRow(Section::pipes, row);
+    if (own != "CV" && inStatusRange(id)) editor_.addRow(Section::status, {id, own});
   } else if (element.kind == &schema::kPump) {
     addPump(element, entity);
   } else {
@@ -127,6 +129,9 @@ void FullRows::addPump(const NewElement& element, const DrawnEntity& entity) {
   editor_.addRow(Section::pumps, row);
   if (platform::upper(entity.text(Field::status)).starts_with(u"CLOSE")) {
     editor_.addRow(Section::status, {id, "Closed"});
+  } else if (inStatusRange(id)) {
+    const double speed = value(Field::speed);
+    editor_.addRow(Section::status, {id, epanet::textOf(speed > 0 ? speed : 1)});
   }
   const auto energy = [&](const char* word, const std::string& text) {
     editor_.addRow(Section::energy, {"Pump", id, word, text});
@@ -181,9 +186,9 @@ int FullRows::drop(const Mention& mention, const std::u16string& name) {
       editor_.removeToken(row, mention.at.token);
       return 0;
     case Role::option:
-      editor_.removeRow(row);
+      editor_.commentOut(row, bytes(name) + " non esiste piu'");
       notices_.push_back({NoticeCode::actionGone, name, rowText(row)});
-      return 1;
+      return 0;
     default:
       return 0;  // ends of links are told where links are looked at
   }
@@ -230,10 +235,72 @@ void FullRows::rename(const std::vector<Rename>& renames) {
   if (renamed_.empty()) return;
   for (const Mention& mention : record_.mentions) {
     const auto found = renamed_.find(keyOf(mention.thing, mention.index));
-    if (found != renamed_.end()) {
-      editor_.setToken(mention.at.row, mention.at.token, found->second);
-    }
+    if (found == renamed_.end() || isRangeEnd(mention)) continue;
+    editor_.setToken(mention.at.row, mention.at.token, found->second);
   }
+  keepInRanges();
+}
+
+// Ranges take elements by their names: one that is called otherwise may fall out, or in.
+bool FullRows::isRangeEnd(const Mention& mention) const {
+  return mention.role == Role::item &&
+         network_.document().rows()[mention.at.row].section != Section::report;
+}
+
+namespace {
+
+// As the solver compares: as numbers where both ends begin with one above 0, else by bytes.
+bool isBetween(std::string_view id, std::string_view first, std::string_view last) {
+  const double low = epanet::leadingNumber(first), high = epanet::leadingNumber(last);
+  const double own = epanet::leadingNumber(id);
+  if (low > 0 && high > 0) return own >= low && own <= high;
+  return id >= first && id <= last;
+}
+
+}  // namespace
+
+bool FullRows::inStatusRange(std::string_view id) const {
+  epanet::Tokens tokens;
+  for (const Mention& mention : record_.mentions) {
+    const RowId row = mention.at.row;
+    if (!isRangeEnd(mention) || network_.document().rows()[row].section != Section::status) {
+      continue;
+    }
+    network_.document().tokens(row, tokens);
+    if (isBetween(id, tokens.text(0), tokens.text(1))) return true;
+  }
+  return false;
+}
+
+// What has been renamed gets rows of its own where a range decides, or would now.
+void FullRows::keepInRanges() {
+  for (const auto& [key, now] : renamed_) {
+    const auto thing = static_cast<Thing>(key >> 32);
+    const auto index = static_cast<std::uint32_t>(key);
+    if (thing == Thing::link) {
+      const epanet::Link& link = network_.links[index];
+      if (link.statusByRange || inStatusRange(now))
+        editor_.addRow(Section::status, {now, stateOf(link)});
+    }
+    if (thing == Thing::node) keepQuality(network_.nodes[index].id, now);
+  }
+}
+
+void FullRows::keepQuality(std::string_view was, const std::string& now) {
+  const epanet::RangeValue *before = nullptr, *after = nullptr;
+  epanet::Tokens tokens;
+  for (const epanet::RangeValue& range : network_.rangeValues) {
+    if (range.what != epanet::RangeValue::What::quality) continue;
+    const bool one = range.first.at == range.last.at;
+    network_.document().tokens(range.row, tokens);
+    if (one ? tokens.text(0) == was : isBetween(was, tokens.text(0), tokens.text(1)))
+      before = &range;
+    if (one ? tokens.text(0) == was : isBetween(now, tokens.text(0), tokens.text(1)))
+      after = &range;
+  }
+  const double value = before ? before->value.value : 0;
+  if (value == (after ? after->value.value : 0)) return;
+  editor_.addRow(Section::quality, {now, epanet::textOf(value)});
 }
 
 std::string FullRows::idOf(const epanet::Node& node) const {
