@@ -73,6 +73,13 @@ std::uint32_t Drawing::addNew(TagList& tags, const Place& place, const Record* l
 Acad::ErrorStatus Drawing::placeOf(std::uint32_t owner, const TagList& tags, Place& place) {
   const Record& o = records_[owner];
   place.owner = owner;
+  if (o.type == Type::polyline || o.type == Type::insert) {
+    place.before = o.next;
+    place.entity = place.child = true;
+    place.space = o.is(Record::space);
+    place.paper = o.is(Record::paper);
+    return place.before ? Acad::eOk : Acad::eKeyNotFound;
+  }
   if (structure_.block(owner)) {
     if (structure_.isSpace(owner)) structure_.sectionEnd(u"ENTITIES");
     place.before = structure_.endOf(owner);
@@ -81,13 +88,6 @@ Acad::ErrorStatus Drawing::placeOf(std::uint32_t owner, const TagList& tags, Pla
     place.space = structure_.isSpace(owner) || records_[place.before].type == Type::endsec;
     place.paper = owner == structure_.paperSpace();
     return Acad::eOk;
-  }
-  if (o.type == Type::polyline || o.type == Type::insert) {
-    place.before = o.next;
-    place.entity = place.child = true;
-    place.space = o.is(Record::space);
-    place.paper = o.is(Record::paper);
-    return place.before ? Acad::eOk : Acad::eKeyNotFound;
   }
   if (o.type == Type::table) {
     const Type entryType = structure_.entryTypeOf(owner);

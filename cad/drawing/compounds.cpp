@@ -55,7 +55,7 @@ AcDb3dPolylineVertex::AcDb3dPolylineVertex(const AcGePoint3d& position) {
   TagList& t = beginEntity(*this, "VERTEX", "AcDbVertex");
   t.addLiteral(100, "AcDb3dPolylineVertex");
   t.addPoint(10, position);
-  t.addInteger(70, 32);
+  t.addLiteral(70, "32");
 }
 AcGePoint3d AcDb3dPolylineVertex::position() const { return get(*this, kVertexPosition); }
 Acad::ErrorStatus AcDb3dPolylineVertex::setPosition(const AcGePoint3d& position) {
@@ -64,9 +64,9 @@ Acad::ErrorStatus AcDb3dPolylineVertex::setPosition(const AcGePoint3d& position)
 
 AcDb3dPolyline::AcDb3dPolyline() {
   TagList& t = beginEntity(*this, "POLYLINE", "AcDb3dPolyline");
-  t.addInteger(66, 1);
-  t.addPoint(10, {});
-  t.addInteger(70, 8);
+  t.addLiteral(66, "1");
+  for (const int code : {10, 20, 30}) t.addLiteral(code, "0.0");
+  t.addLiteral(70, "8");
 }
 
 AcDbObjectIterator* AcDb3dPolyline::vertexIterator() const {
@@ -78,7 +78,7 @@ Acad::ErrorStatus AcDb3dPolyline::appendVertex(AcDbObjectId& id, AcDb3dPolylineV
   if (const auto s = writable(*this); s != Acad::eOk) return s;
   if (!vertex) return Acad::eNullObjectPointer;
   TagList& t = Inside::tagsForWrite(*vertex);
-  if (const int i = t.find(8, t.body()); i >= 0) t.setText(i, layer());
+  if (const int i = t.findOwn(8); i >= 0) t.setText(i, layer());
   const Acad::ErrorStatus s = view_->drawing->append(view_->record, *vertex);
   if (s == Acad::eOk) id = vertex->objectId();
   return s;
@@ -286,12 +286,12 @@ Acad::ErrorStatus AcDbBlockReference::appendAttribute(AcDbObjectId& id, AcDbAttr
   if (!attribute) return Acad::eNullObjectPointer;
   TagList& t = Inside::tagsForWrite(*attribute);
   // What lies on layer 0 in the definition goes along with the reference's layer.
-  if (const int i = t.find(8, t.body()); i >= 0 && t.is(i, "0")) t.setText(i, layer());
+  if (const int i = t.findOwn(8); i >= 0 && t.is(i, "0")) t.setText(i, layer());
   const Acad::ErrorStatus s = view_->drawing->append(view_->record, *attribute);
   if (s != Acad::eOk) return s;
   id = attribute->objectId();
   TagList& own = tagsForWrite();
-  if (own.find(66, own.body()) < 0) {
+  if (own.findOwn(66) < 0) {
     own.insertInteger(own.subclass("AcDbBlockReference").begin, 66, 1);
   }
   return Acad::eOk;

@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "cad/drawing/attribute_form.h"
 #include "cad/drawing/drawing.h"
 #include "cad/drawing/fields.h"
 #include "platform/text.h"
@@ -47,14 +48,14 @@ constexpr NumberField kAttributeFlags{"AcDbAttribute", 70, 0, 0, 255};
 
 TagList& cad::beginEntity(AcDbObject& object, std::string_view type, std::string_view marker) {
   TagList& t = Inside::tagsForWrite(object);
-  t.create(neutralFormat(), type);
+  t.createLiteral(neutralFormat(), type);
   t.addLiteral(100, "AcDbEntity");
   // New entities lie on the current layer until somebody puts them elsewhere.
   const AcDbDatabase* current = acdbHostApplicationServices()->workingDatabase();
-  if (current) {
+  if (current && current->drawing().header().currentLayer() != u"0") {
     t.addText(8, current->drawing().header().currentLayer());
   } else {
-    t.addAscii(8, "0");
+    t.addLiteral(8, "0");
   }
   t.addLiteral(100, marker);
   return t;
@@ -76,7 +77,7 @@ Acad::ErrorStatus AcDbEntity::setLayer(std::u16string_view name) {
   if (view_->drawing && !view_->drawing->structure().layerNamed(name, true))
     return Acad::eInvalidInput;
   TagList& t = tagsForWrite();
-  const int i = t.find(8, t.body());
+  const int i = t.findOwn(8);
   if (i >= 0) {
     t.setText(i, name);
   } else {
@@ -241,12 +242,12 @@ bool AcDbAttributeDefinition::isConstant() const { return get(*this, kDefinition
 
 AcDbAttribute::AcDbAttribute() {
   TagList& t = beginEntity(*this, "ATTRIB", "AcDbText");
-  t.addPoint(10, {});
-  t.addReal(40, 1);
-  t.addAscii(1, "");
+  for (const int code : {10, 20, 30}) t.addLiteral(code, "0.0");
+  t.addLiteral(40, "1.0");
+  t.addLiteral(1, "");
   t.addLiteral(100, "AcDbAttribute");
-  t.addAscii(2, "");
-  t.addInteger(70, 0);
+  t.addLiteral(2, "");
+  t.addLiteral(70, "0");
 }
 
 std::u16string AcDbAttribute::tag() const { return get(*this, kTag); }
@@ -256,55 +257,6 @@ Acad::ErrorStatus AcDbAttribute::setAttributeFromBlock(const AcDbAttributeDefini
                                                        const AcGeMatrix3d& transform) {
   if (!definition) return Acad::eNullObjectPointer;
   if (const auto s = writable(*this); s != Acad::eOk) return s;
-  const TagList& from = Inside::tags(*definition);
-  const bool old = !from.format().hasHandlesAndMarkers();  // one stretch holds everything there
-  const TagRange common = from.subclass("AcDbEntity"), text = from.subclass("AcDbText"),
-                 own = from.subclass("AcDbAttributeDefinition");
-  TagList& t = tagsForWrite();
-  t.create(from.format(), "ATTRIB");
-  t.addLiteral(100, "AcDbEntity");
-  for (int i = common.begin; i < common.end; ++i) {
-    switch (from[i].code) {
-      case 8:
-      case 6:
-      case 62:
-      case 48:
-      case 60:
-      case 370:
-      case 420:
-        t.insertCopy(t.size(), from, i);
-        break;
-      default:
-        break;
-    }
-  }
-  t.addLiteral(100, "AcDbText");
-  const double scale =
-      AcGeVector3d(transform.entry[0][1], transform.entry[1][1], transform.entry[2][1]).length();
-  const double turn = std::atan2(transform.entry[1][0], transform.entry[0][0]);
-  bool turned = false;
-  for (int i = text.begin; i < text.end; ++i) {
-    const int code = from[i].code;
-    if (code == 10 || code == 11) {
-      t.addPoint(code, transform * from.point(i));
-      while (i + 1 < text.end && (from[i + 1].code == code + 10 || from[i + 1].code == code + 20))
-        ++i;
-    } else if (code == 40 && scale != 1) {
-      t.addReal(40, from.real(i) * scale);
-    } else if (code == 50) {
-      t.addReal(50, from.real(i) + turn / kDegree);
-      turned = true;
-    } else if (!old || (code != 2 && code != 3 && code != 70 && code != 73 && code != 74 &&
-                        code != 8 && code != 6 && code != 62 && code != 5)) {
-      t.insertCopy(t.size(), from, i);
-    }
-  }
-  if (!turned && turn != 0) t.addReal(50, turn / kDegree);
-  // Tag, flags, field length and vertical alignment have the same codes in both.
-  t.addLiteral(100, "AcDbAttribute");
-  for (const int code : {2, 70, 73, 74}) {
-    const int i = from.find(code, own);
-    if (i >= 0) t.insertCopy(t.size(), from, i);
-  }
+  cad::makeAttribute(*definition, transform, tagsForWrite());
   return Acad::eOk;
 }

@@ -104,8 +104,12 @@ std::uint32_t Structure::nextTableEntry(std::uint32_t table, std::uint32_t entry
 }
 
 SectionInfo Structure::section(std::u16string_view name) const {
+  // Every new entity asks for the same one.
+  if (lastSection_ && lastSection_->first == name) return lastSection_->second;
   const auto it = sections_.find(name);
-  return it == sections_.end() ? SectionInfo() : it->second;
+  if (it == sections_.end()) return {};
+  lastSection_ = &*it;
+  return it->second;
 }
 
 bool Structure::hasLinetype(std::u16string_view name) const {

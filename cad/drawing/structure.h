@@ -116,7 +116,8 @@ class CAD_API Structure {
   std::unordered_map<std::uint32_t, std::uint32_t> blockOfName_;  // name -> record
   std::uint32_t modelSpace_ = 0, paperSpace_ = 0;
   std::unordered_map<int, TableInfo> tables_;
-  std::map<std::u16string, SectionInfo, std::less<>> sections_;
+  std::map<std::u16string, SectionInfo, std::less<>> sections_;  // none is ever taken out
+  mutable const std::pair<const std::u16string, SectionInfo>* lastSection_ = nullptr;
   std::uint32_t namedObjects_ = 0;
   std::vector<std::uint32_t> marks_;
   std::u16string lastLayerName_;  // the layer asked for last, its record and that one's name

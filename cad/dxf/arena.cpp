@@ -1,15 +1,8 @@
 #include "cad/dxf/arena.h"
 
 #include <algorithm>
-#include <cstring>
 
 namespace cad {
-
-std::string_view Arena::store(std::string_view text) {
-  char* p = allocate(text.size());
-  if (!text.empty()) std::memcpy(p, text.data(), text.size());
-  return {p, text.size()};
-}
 
 void Arena::reset() {
   if (blocks_.size() > 1) blocks_.resize(1);

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstddef>
+#include <cstring>
 #include <string_view>
 #include <vector>
 
@@ -26,7 +27,11 @@ class Arena {
     at_ -= unused;
     left_ += unused;
   }
-  std::string_view store(std::string_view text);
+  std::string_view store(std::string_view text) {
+    char* const p = allocate(text.size());
+    if (!text.empty()) std::memcpy(p, text.data(), text.size());
+    return {p, text.size()};
+  }
   // Forgets everything and keeps one block for the next use.
   void reset();
 

@@ -206,6 +206,26 @@ void TagList::create(const Format& format, std::string_view type) {
   addAscii(0, type);
 }
 
+void TagList::createLiteral(const Format& format, std::string_view type) {
+  clear();
+  format_ = &format;
+  addLiteral(0, type);
+}
+
+void TagList::copy(const TagList& made) {
+  clear();
+  format_ = made.format_;
+  tags_ = made.tags_;
+  std::size_t bytes = 0;
+  for (const Tag& t : tags_) bytes += t.size;
+  char* to = arena_.allocate(bytes);
+  for (Tag& t : tags_) {
+    if (t.size) std::memcpy(to, t.value, t.size);
+    t.value = to;
+    to += t.size;
+  }
+}
+
 void TagList::transcode(const Format& to) {
   if (&to == format_) return;
   const bool same = to.sameEncoding(*format_) && to.crlf == format_->crlf;
@@ -265,6 +285,15 @@ int TagList::find(int code, int from, int to) const {
   if (to < 0) to = size();
   for (int i = from; i < to; ++i) {
     if (tags_[static_cast<std::size_t>(i)].code == code) return i;
+  }
+  return -1;
+}
+
+int TagList::findOwn(int code) const {
+  for (int i = 1; i < size(); ++i) {
+    const int c = (*this)[i].code;
+    if (c == code) return i;
+    if (c == 1001) break;
   }
   return -1;
 }
@@ -408,7 +437,23 @@ Tag TagList::makeInteger(int code, std::int64_t value) {
   return make(code, {buffer, static_cast<std::size_t>(n)});
 }
 
+// Whether the text's bytes are its characters, in every encoding.
+static bool isPlain(std::u16string_view text) {
+  bool plain = true;
+  for (const char16_t c : text) plain &= c >= 32 && c < 127 && c != u'^';
+  return plain;
+}
+
 Tag TagList::makeText(int code, std::u16string_view text) {
+  if (isPlain(text) && (!format_->binary || kindOf(code) != ValueKind::bytes)) {
+    char* const bytes = arena_.allocate(text.size());
+    for (std::size_t i = 0; i < text.size(); ++i) bytes[i] = static_cast<char>(text[i]);
+    Tag t;
+    t.value = bytes;
+    t.size = static_cast<std::uint32_t>(text.size());
+    t.code = static_cast<std::int16_t>(code);
+    return t;
+  }
   scratch_.clear();
   if (format_->binary && kindOf(code) == ValueKind::bytes) {
     // A length byte stands before the value.
@@ -435,6 +480,11 @@ std::u16string TagList::text(int i) const {
 
 // What has the value already keeps its spelling: a write that changes nothing leaves no trace.
 void TagList::setText(int i, std::u16string_view text) {
+  // Without escapes a text of fewer bytes than characters cannot be the same.
+  if ((*this)[i].size < text.size() && !format_->binary) {
+    at(i) = makeText((*this)[i].code, text);
+    return;
+  }
   if (this->text(i) != text) at(i) = makeText((*this)[i].code, text);
 }
 void TagList::setAscii(int i, std::string_view text) { at(i) = make((*this)[i].code, text); }
@@ -485,6 +535,13 @@ void TagList::addPoint(int code, const AcGePoint3d& p) {
   addReal(code, p.x);
   addReal(code + 10, p.y);
   addReal(code + 20, p.z);
+}
+
+void TagList::replacePoint(int i, const AcGePoint3d& p) {
+  const int code = (*this)[i].code;
+  at(i) = makeReal(code, p.x);
+  at(i + 1) = makeReal(code + 10, p.y);
+  at(i + 2) = makeReal(code + 20, p.z);
 }
 
 void TagList::putReal(int code, double value, TagRange range) {

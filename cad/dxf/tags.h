@@ -43,6 +43,10 @@ class TagList {
   bool parse(const Format& format, std::string_view text);
   // Starts an object of its own: "0 TYPE".
   void create(const Format& format, std::string_view type);
+  // The same of a type's name that outlives the list.
+  void createLiteral(const Format& format, std::string_view type);
+  // Becomes a copy of tags that were made, not read.
+  void copy(const TagList& made);
   // Turns every value into another format's encoding.
   void transcode(const Format& to);
   void clear();
@@ -54,6 +58,8 @@ class TagList {
   // --- finding. All give -1 when there is none. Indices shift when tags are inserted or erased.
   int find(int code, int from = 0, int to = -1) const;
   int find(int code, TagRange range) const { return find(code, range.begin, range.end); }
+  // In body(), with one walk.
+  int findOwn(int code) const;
   // Tags between the marker "100 name" and the next marker or the extended data. Objects of
   // drawings without markers are one single stretch, from the second tag to the extended data.
   TagRange subclass(std::string_view name, int occurrence = 1) const;
@@ -108,6 +114,8 @@ class TagList {
   void addInteger(int code, std::int64_t v) { insertInteger(size(), code, v); }
   void addHandle(int code, std::uint64_t h) { insertHandle(size(), code, h); }
   void addPoint(int code, const AcGePoint3d& p);
+  // Sets the three tags of a whole point, whatever they say.
+  void replacePoint(int i, const AcGePoint3d& p);
   // Sets a value inside a stretch, inserting the tag at the stretch's end (or `before` the first
   // tag of one of the codes, in order of codes) when it has none.
   void putReal(int code, double value, TagRange range);
