@@ -3,17 +3,17 @@
 #include <algorithm>
 #include <array>
 
+#include "epanet/constants.h"
+#include "epanet/network.h"
+
 namespace epanet {
 namespace {
 
-constexpr double kLitresPerCubicFoot = 28.317;
-constexpr double kMetresPerFoot = 0.3048;
-constexpr double kPsiPerFoot = 0.4333;
-constexpr double kKpaPerPsi = 6.895;
-constexpr double kBarPerPsi = 0.068948;
-constexpr double kMetresPerPsi = kMetresPerFoot / kPsiPerFoot;
+constexpr double kMetersPerPsi = kMetersPerFoot / kPsiPerFoot;
 
-constexpr double flow(double perCubicFoot) { return kLitresPerCubicFoot / perCubicFoot; }
+constexpr double flow(FlowUnits units) {
+  return kLitersPerCubicFoot / kFlowPerCfs[static_cast<std::size_t>(units)];
+}
 
 struct Unit {
   ResultQuantity quantity;
@@ -25,40 +25,40 @@ using Q = ResultQuantity;
 constexpr Unit kUnits[] = {
     {Q::flow, "l/s", 1},
     {Q::flow, "lps", 1},
-    {Q::flow, "gpm", flow(448.831)},
-    {Q::flow, "cfs", flow(1)},
-    {Q::flow, "mgd", flow(0.64632)},
-    {Q::flow, "imgd", flow(0.5382)},
-    {Q::flow, "afd", flow(1.9837)},
-    {Q::flow, "a-f/d", flow(1.9837)},
-    {Q::flow, "lpm", flow(1699.0)},
-    {Q::flow, "l/min", flow(1699.0)},
-    {Q::flow, "mld", flow(2.4466)},
-    {Q::flow, "ml/d", flow(2.4466)},
-    {Q::flow, "cmh", flow(101.94)},
-    {Q::flow, "m3/h", flow(101.94)},
-    {Q::flow, "cmd", flow(2446.6)},
-    {Q::flow, "m3/d", flow(2446.6)},
-    {Q::flow, "cms", flow(0.028317)},
-    {Q::flow, "m3/s", flow(0.028317)},
+    {Q::flow, "gpm", flow(FlowUnits::gpm)},
+    {Q::flow, "cfs", flow(FlowUnits::cfs)},
+    {Q::flow, "mgd", flow(FlowUnits::mgd)},
+    {Q::flow, "imgd", flow(FlowUnits::imgd)},
+    {Q::flow, "afd", flow(FlowUnits::afd)},
+    {Q::flow, "a-f/d", flow(FlowUnits::afd)},
+    {Q::flow, "lpm", flow(FlowUnits::lpm)},
+    {Q::flow, "l/min", flow(FlowUnits::lpm)},
+    {Q::flow, "mld", flow(FlowUnits::mld)},
+    {Q::flow, "ml/d", flow(FlowUnits::mld)},
+    {Q::flow, "cmh", flow(FlowUnits::cmh)},
+    {Q::flow, "m3/h", flow(FlowUnits::cmh)},
+    {Q::flow, "cmd", flow(FlowUnits::cmd)},
+    {Q::flow, "m3/d", flow(FlowUnits::cmd)},
+    {Q::flow, "cms", flow(FlowUnits::cms)},
+    {Q::flow, "m3/s", flow(FlowUnits::cms)},
     {Q::length, "m", 1},
-    {Q::length, "ft", kMetresPerFoot},
+    {Q::length, "ft", kMetersPerFoot},
     {Q::velocity, "m/s", 1},
-    {Q::velocity, "fps", kMetresPerFoot},
-    {Q::velocity, "ft/s", kMetresPerFoot},
+    {Q::velocity, "fps", kMetersPerFoot},
+    {Q::velocity, "ft/s", kMetersPerFoot},
     {Q::pressure, "m", 1},
     {Q::pressure, "meters", 1},
-    {Q::pressure, "psi", kMetresPerPsi},
-    {Q::pressure, "kpa", kMetresPerPsi / kKpaPerPsi},
-    {Q::pressure, "bar", kMetresPerPsi / kBarPerPsi},
-    {Q::pressure, "ft", kMetresPerFoot},
-    {Q::pressure, "feet", kMetresPerFoot},
+    {Q::pressure, "psi", kMetersPerPsi},
+    {Q::pressure, "kpa", kMetersPerPsi / kKpaPerPsi},
+    {Q::pressure, "bar", kMetersPerPsi / kBarPerPsi},
+    {Q::pressure, "ft", kMetersPerFoot},
+    {Q::pressure, "feet", kMetersPerFoot},
     {Q::headloss, "/1000m", 1},
     {Q::headloss, "m/km", 1},
     {Q::headloss, "m/1000m", 1},
-    {Q::headloss, "/1000ft", kMetresPerFoot},
-    {Q::headloss, "ft/kft", kMetresPerFoot},
-    {Q::headloss, "ft/1000ft", kMetresPerFoot},
+    {Q::headloss, "/1000ft", kMetersPerFoot},
+    {Q::headloss, "ft/kft", kMetersPerFoot},
+    {Q::headloss, "ft/1000ft", kMetersPerFoot},
 };
 
 char lower(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c + 32) : c; }

@@ -3,22 +3,15 @@
 #include <algorithm>
 #include <cmath>
 
+#include "epanet/constants.h"
 #include "epanet/lexis.h"
 
 namespace epanet {
 
 namespace {
 
-// The solver's constants.
-constexpr double kMetersPerFoot = 0.3048;
 constexpr double kInchesPerFoot = 12;
 constexpr double kMillimetersPerFoot = 1000 * kMetersPerFoot;
-constexpr double kPsiPerFoot = 0.4333;
-constexpr double kKpaPerPsi = 6.895;
-constexpr double kBarPerPsi = 0.068948;
-constexpr double kKilowattsPerHorsepower = 0.7457;
-constexpr std::array kFlowPerCfs{1.0,    448.831, 0.64632, 0.5382, 1.9837,  28.317,
-                                 1699.0, 2.4466,  101.94,  2446.6, 0.028317};
 // Viscosity and diffusivity up to these numbers are absolute, greater ones are multiples of water's
 // (in square feet a second).
 constexpr double kViscosityMultipliersFrom = 1e-3, kViscosity = 1.1e-5;
