@@ -215,7 +215,8 @@ EditResult Editor::apply() const {
   out.reserve(text.size() + 4096);
   std::size_t copied = 0;  // of the text
   const auto ensureLineEnd = [&] {
-    if (!out.empty() && out.back() != '\n' && out.back() != '\r') out += end;
+    const std::size_t mark = document_.hasMark() ? 3 : 0;
+    if (out.size() > mark && out.back() != '\n' && out.back() != '\r') out += end;
   };
   const auto insert = [&](RowId after, Section section, const std::string& row) {
     ensureLineEnd();

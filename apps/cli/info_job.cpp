@@ -21,7 +21,6 @@ std::string resultsOf(const vessora::NetworkInfo& n) {
 
 // How the network and its kept text stand to each other; empty where there is no text.
 std::string textOf(JobSpan& job, const std::u16string& network) {
-  if (!job->hasKeptText(network)) return {};
   const vessora::DiffResult diff = job->diffNetwork(network, u"");
   if (diff.compared) return summaryOf(diff);
   return diff.notices.empty() ? std::string() : describe(diff.notices.back());

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 
+#include "epanet/lexis.h"
 #include "platform/text.h"
 
 namespace vessora {
@@ -111,9 +112,7 @@ void DrawnEntities::readData(AcDbEntity* entity) {
     if (acutKindOf(items.code()) == RbKind::text) {
       value.data = items.text();
     } else {
-      char digits[40];
-      char* const end = platform::writeReal(digits, items.real());
-      value.data = platform::widen({digits, end});
+      value.data = platform::widen(epanet::textOf(items.real()));
     }
   }
 }
