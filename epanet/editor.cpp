@@ -216,7 +216,7 @@ EditResult Editor::apply() const {
   std::size_t copied = 0;  // of the text
   const auto ensureLineEnd = [&] {
     const std::size_t mark = document_.hasMark() ? 3 : 0;
-    if (out.size() > mark && out.back() != '\n' && out.back() != '\r') out += end;
+    if (out.size() > mark && out.back() != end.back()) out += end;
   };
   const auto insert = [&](RowId after, Section section, const std::string& row) {
     ensureLineEnd();
