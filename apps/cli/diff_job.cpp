@@ -119,6 +119,24 @@ void showJson(const std::u16string& network, const vessora::DiffResult& diff) {
   std::printf("%s]}\n", diff.items.empty() ? "" : "\n");
 }
 
+int mendDrawing(const DiffOptions& o, JobSpan& job, const std::u16string& network) {
+  if (!o.out.empty()) {
+    if (const std::string no = refusalOf(o.out, {{o.drawing, true}}); !no.empty()) return fail(no);
+  }
+  const vessora::MendResult mended = job->mendNames(network);
+  if (mended.copies.empty() && !mended.notices.empty()) {
+    return fail(o.drawing + ": " + describe(mended.notices.back()));
+  }
+  const auto saved = saveDrawing(o.out.empty() ? o.drawing : o.out);
+  if (!saved) return fail(saved.error());
+  warn(mended.notices);
+  for (const vessora::MendedName& copy : mended.copies) {
+    say(narrow(copy.was) + " -> " + narrow(copy.now));
+  }
+  if (mended.copies.empty()) say(words("nulla da correggere", "nothing to mend"));
+  return 0;
+}
+
 }  // namespace
 
 std::string summaryOf(const vessora::DiffResult& diff) {
@@ -149,6 +167,7 @@ int showDiff(const DiffOptions& o) {
   if (picked.why != vessora::PickedNetwork::Why::found) {
     return fail(describe(picked, o.drawing, o.network));
   }
+  if (o.mend) return mendDrawing(o, job, picked.name);
   const std::u16string path =
       o.inp.empty() ? std::u16string() : platform::widen(platform::absolutePath(o.inp));
   const vessora::DiffResult diff = job->diffNetwork(picked.name, path);

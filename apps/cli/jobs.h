@@ -43,9 +43,11 @@ struct SolveOptions {
 int solveNetwork(const SolveOptions& options);
 
 struct DiffOptions {
-  std::string drawing, inp, network;
-  bool json = false;
+  std::string drawing, inp, network, out;
+  bool json = false, mend = false;
 };
+// To mend is to give copies in the drawing the names that an export gives them; without `out` the
+// drawing is saved in place.
 int showDiff(const DiffOptions& options);
 
 // Of a drawing, or of an input file by its extension.

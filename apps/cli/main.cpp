@@ -148,7 +148,15 @@ int main(int argc, char** argv) {
       "INP", diff.inp,
       words("file INP (altrimenti il testo conservato)", "INP file (else the kept text)"));
   c->add_option("-n,--network", diff.network, words("rete", "network"));
-  c->add_flag("--json", diff.json, words("in forma JSON", "as JSON"));
+  auto* asJson = c->add_flag("--json", diff.json, words("in forma JSON", "as JSON"));
+  auto* mend = c->add_flag("--mend", diff.mend,
+                           words("dà alle copie nel disegno i nomi che hanno nel file",
+                                 "give copies in the drawing the names that they have in the file"))
+                   ->excludes(asJson);
+  c->add_option("-o,--output", diff.out,
+                words("disegno DXF da scrivere (altrimenti lo stesso)",
+                      "DXF drawing to write (else the same one)"))
+      ->needs(mend);
   c->callback([&] { status = cli::showDiff(diff); });
 
   cli::RunOptions run;
