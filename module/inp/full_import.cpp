@@ -1,5 +1,7 @@
 #include "module/inp/full_import.h"
 
+#include <future>
+
 #include "module/host/module.h"
 #include "module/inp/full_form.h"
 #include "module/inp/full_settings.h"
@@ -162,6 +164,9 @@ void examineFullFile(const FullFile& file, InpFindings& found) {
 
 ImportResult drawFullFile(const FullFile& file, std::u16string_view name) {
   ImportResult result;
+  // Deflating needs no drawing and takes a tenth of the whole: it goes on beside.
+  std::future<PackedText> packed = std::async(std::launch::async | std::launch::deferred,
+                                              [&file] { return packText(file.document.text()); });
   for (const char16_t* application :
        {app::kImport, app::kSettings, app::kPattern, app::kCurve, app::kKept}) {
     acdbRegApp(application);
@@ -179,7 +184,7 @@ ImportResult drawFullFile(const FullFile& file, std::u16string_view name) {
   SaveSettings(settings, true);
   drawing.drawElements(result);
   drawing.storeTables();
-  if (!saveKeptText(currentNetwork, file.document.text())) {
+  if (!saveKeptText(currentNetwork, packed.get())) {
     result.reading.push_back({NoticeCode::textNotKept, currentNetwork.str()});
   }
   return result;

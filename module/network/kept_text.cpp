@@ -185,18 +185,26 @@ KeptState loadKeptText(std::u16string_view network, KeptText& text) {
 
 bool hasKeptText(std::u16string_view network) { return bool(openRecord(network, kText)); }
 
-bool saveKeptText(std::u16string_view network, std::string_view bytes) {
-  if (bytes.size() > std::size_t{std::numeric_limits<std::int32_t>::max()}) return false;
+namespace {
+constexpr std::size_t kLargestText = std::numeric_limits<std::int32_t>::max();
+}  // namespace
+
+PackedText packText(std::string_view bytes) {
+  if (bytes.size() > kLargestText) return {bytes.size(), 0, {}};
+  return {bytes.size(), platform::crc32(bytes), platform::deflated(bytes)};
+}
+
+bool saveKeptText(std::u16string_view network, const PackedText& text) {
+  if (text.size > kLargestText) return false;
   const Opened<AcDbXrecord> record = makeRecord(network, kText);
   if (!record) return false;
-  const std::uint32_t checksum = platform::crc32(bytes);
   RecordBuilder head(network);
-  head.number(static_cast<std::uint32_t>(bytes.size()));
-  head.number(checksum);
-  if (record->setFromRbChain(head.get(), platform::deflated(bytes)) != Acad::eOk) return false;
+  head.number(static_cast<std::uint32_t>(text.size));
+  head.number(text.checksum);
+  if (record->setFromRbChain(head.get(), text.deflated) != Acad::eOk) return false;
   eraseRecord(network, kRenames);
   eraseRecord(network, kResults);
-  setMarks(network, hexadecimal(checksum, 8));
+  setMarks(network, hexadecimal(text.checksum, 8));
   return true;
 }
 
