@@ -132,8 +132,33 @@ std::string textOf(double number) {
   return {digits, static_cast<std::size_t>(shortest.ptr - digits)};
 }
 
+namespace {
+
+// Powers of ten that a double holds exactly.
+constexpr double kPowers[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,
+                              1e8,  1e9,  1e10, 1e11, 1e12, 1e13, 1e14, 1e15,
+                              1e16, 1e17, 1e18, 1e19, 1e20, 1e21, 1e22};
+
+// Rounds by arithmetic where that gives the very number that reading nine digits gives: the digits
+// are a whole number below 2^53 and the power is exact, so that one division rounds as reading
+// does. False near a half, where the product's own rounding could decide.
+bool roundQuickly(double number, double& rounded) {
+  const double size = std::fabs(number);
+  if (size < 1e-13 || size >= 1e8) return false;
+  std::size_t power = 0;
+  while (size * kPowers[power] < 1e8) ++power;
+  const double digits = size * kPowers[power];
+  const double whole = std::floor(digits), rest = digits - whole;
+  if (digits >= 999999999 || std::fabs(rest - 0.5) < 1e-5) return false;
+  rounded = std::copysign((rest > 0.5 ? whole + 1 : whole) / kPowers[power], number);
+  return true;
+}
+
+}  // namespace
+
 double roundedTo9(double number) {
   if (!std::isfinite(number) || number == 0) return number;
+  if (double quick = 0; roundQuickly(number, quick)) return quick;
   char digits[40];
   const auto end =
       std::to_chars(digits, digits + sizeof digits, number, std::chars_format::scientific, 8);

@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
 
 #include "epanet/lexis.h"
 
@@ -49,6 +52,24 @@ TEST(Units, ComeBackToTheNumberThatStoodThere) {
   }
   const Conversion to(us(), si()), back(si(), us());
   EXPECT_EQ(textOf(back(Quantity::pipeDiameter, to(Quantity::pipeDiameter, 12))), "12");
+}
+
+// The quick way must give what printing and reading gives, to the bit, also near halves.
+TEST(Units, RoundingToNineDigitsIsThatOfPrinting) {
+  const auto check = [](double number) {
+    char digits[40];
+    std::snprintf(digits, sizeof digits, "%.8e", number);
+    EXPECT_EQ(roundedTo9(number), std::strtod(digits, nullptr)) << digits;
+  };
+  std::uint64_t state = 1;
+  for (int i = 0; i < 200000; ++i) {
+    state = state * 6364136223846793005U + 1442695040888963407U;
+    const double part = static_cast<double>(state >> 11) / 9007199254740992.0;
+    const double power = std::pow(10, i % 33 - 16);
+    check((i % 2 ? part : -part) * power);
+    check((std::floor(part * 1e9) + 0.5) / 1e9 * power);
+    check(std::nextafter(power, i % 2 ? 0 : 1e300));
+  }
 }
 
 TEST(Units, LeaveNumbersOfTheSameUnitsToTheBit) {
