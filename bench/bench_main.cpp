@@ -24,6 +24,7 @@
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
 #include "cad/ui/script_frontend.h"
+#include "epanet/network.h"
 #include "epanet/results.h"
 #include "module/editing/table_jobs.h"
 #include "module/host/command_span.h"
@@ -79,6 +80,17 @@ Seconds readInp(const std::string& path) {
   vessora::EpaSettings settings;
   vessora::parseInp(std::move(*text), network, settings);
   if (network.juncs.size() == 0) fail(path + ": no junctions were read");
+  return since(start);
+}
+
+// As the full way reads a file: its rows, and what they mean.
+Seconds parseInp(const std::string& path) {
+  const Seconds start = now();
+  auto text = platform::readFile(path);
+  if (!text) fail(text.error());
+  const epanet::Document document(std::move(*text));
+  const epanet::Network network(document);
+  if (network.nodes.empty()) fail(path + ": no nodes were read");
   return since(start);
 }
 
@@ -179,6 +191,7 @@ Seconds modifyNode(const std::string& path) {
 int runChild(const std::vector<std::string>& a) {
   Seconds seconds;
   if (a[1] == "inp-read") seconds = readInp(a[2]);
+  if (a[1] == "inp-parse") seconds = parseInp(a[2]);
   if (a[1] == "rpt-read" || a[1] == "out-read") seconds = readResults(a[2]);
   if (a[1] == "assign") seconds = assignMaterial(a[2]);
   if (a[1] == "dxf-load") seconds = loadDrawing(a[2]);
@@ -260,9 +273,10 @@ const char kGradeLine[] = "EPAPIEZO\n2\ntutto\n<invio>\n";
 const char kTables[] = "EPATABLES\n[Disegna Tabelle]\nRisultati Nodi\nOK\n";
 
 const Job kJobs[] = {
-    {"inp-read", "EPANET file into records", "inp"},
-    {"import", "vessora import: file to drawing", "inp"},
-    {"export", "vessora export: drawing to file", "drawn"},
+    {"inp-read", "EPANET file into records, the classic way", "inp"},
+    {"inp-parse", "EPANET file into document and network, the full way", "inp"},
+    {"import", "vessora import: file to drawing, in full", "inp"},
+    {"export", "vessora export: unedited drawing to file, in full", "drawn"},
     {"rpt-read", "all 5 periods of a report", "report"},
     {"out-read", "all 5 periods of a binary results file", "output"},
     {"results", "vessora results: one of 5 periods onto the drawing", "report"},
