@@ -33,17 +33,18 @@ enum class KeptState {
 KeptState loadKeptText(std::u16string_view network, KeptText& text);
 // Whether there is a text, whole or not, without a look at it.
 bool hasKeptText(std::u16string_view network);
-// Keeps a text in place of the one before, whose renames and results go with it, and puts its
-// checksum onto the settings points of the network, if there are any yet. False when this drawing
-// cannot keep it (R12, or more than 2 GB), and nothing has changed.
+// A text as the drawing keeps it.
 struct PackedText {
   std::size_t size = 0;  // of the text
   std::uint32_t checksum = 0;
   std::string deflated;
 };
-bool saveKeptText(std::u16string_view network, const PackedText& text);
 // The part of the work that needs no drawing and may go on beside others.
 PackedText packText(std::string_view bytes);
+// Keeps a text in place of the one before, whose renames and results go with it, and puts its
+// checksum onto the settings points of the network, if there are any yet. False when this drawing
+// cannot keep it (R12, or more than 2 GB), and nothing has changed.
+bool saveKeptText(std::u16string_view network, const PackedText& text);
 inline bool saveKeptText(std::u16string_view network, std::string_view bytes) {
   return saveKeptText(network, packText(bytes));
 }
