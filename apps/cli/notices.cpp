@@ -265,6 +265,8 @@ constexpr Words kWords[] = {
      "{1}: pattern or curve no longer in the drawing; its rows were taken out of the file"},
     {Code::courseGone, "{1}: manca il tracciato; i suoi vertici restano quelli del file",
      "{1}: its course is missing; its vertices stay those of the file"},
+    {Code::notNumber, "{1}: \"{2}\" non è un numero; resta il valore del file",
+     "{1}: \"{2}\" is no number; the file's value stays"},
     {Code::nameNotInEncoding,
      "{1}: il file INP è in Windows-1252, che non ha tutti i caratteri del nome; scritto {2}",
      "{1}: the INP file is in Windows-1252, which lacks characters of the name; written as {2}"},

@@ -99,8 +99,9 @@ enum class NoticeCode {
   courseGone,         // a pump or valve (subject) has no course: its vertices stay as kept
   renamed,            // what the kept text calls otherwise (subject), now (other)
   nameNotInEncoding,  // the file's encoding lacks characters of a name; written as (other)
+  notNumber,          // what the drawing has for a number of an element (subject; other: the text)
 };
-constexpr NoticeCode kLastNotice = NoticeCode::nameNotInEncoding;  // for tables that must have all
+constexpr NoticeCode kLastNotice = NoticeCode::notNumber;  // for tables that must have all
 
 struct Notice {
   NoticeCode code;

@@ -166,6 +166,7 @@ class Comparing {
   Comparison run() {
     entities_.visit([this](const DrawnEntity& entity) { meet(entity); });
     sortOutCopies();
+    adoptByName();
     findGone();
     takeNew();
     checkEnds();
@@ -184,9 +185,7 @@ class Comparing {
       if (entity.hasData) others_.push_back(entity.id);
       return;
     }
-    AcDbObjectId& place = entity.isNode()   ? nodes_[index]
-                          : entity.isCourse ? courses_[index]
-                                            : links_[index];
+    AcDbObjectId& place = placeOf(entity, index);
     if (!place.isNull()) {
       twice_.push_back({entity.id, index});
       return;
@@ -195,16 +194,24 @@ class Comparing {
     compare(entity, index);
   }
 
-  // The element of the text that an entity belongs to; of another kind it is none of it.
+  // The element of the text that an entity belongs to.
   std::uint32_t tied(const DrawnEntity& entity) const {
     if (!entity.tie && !byName_) return kNone;
-    const std::u16string_view id = byName_ ? entity.name() : std::u16string_view(*entity.tie);
+    return ofKind(entity, byName_ ? entity.name() : std::u16string_view(*entity.tie));
+  }
+
+  // The element that the text calls so; none when it is of another kind.
+  std::uint32_t ofKind(const DrawnEntity& entity, std::u16string_view id) const {
     if (entity.isNode()) {
       const std::uint32_t node = form_.nodeKeptAs(id);
       return node != kNone && &kindOfNode(network_.nodes[node].kind) == entity.kind ? node : kNone;
     }
     const std::uint32_t link = form_.linkKeptAs(id);
     return link != kNone && &kindOfLink(network_.links[link].kind) == entity.kind ? link : kNone;
+  }
+
+  AcDbObjectId& placeOf(const DrawnEntity& entity, std::uint32_t index) {
+    return entity.isNode() ? nodes_[index] : entity.isCourse ? courses_[index] : links_[index];
   }
 
   void compare(const DrawnEntity& entity, std::uint32_t index) {
@@ -264,6 +271,12 @@ class Comparing {
     if (!value.onAttribute && !value.onData) return;
     const std::u16string& now = attribute || !value.onData ? value.attribute : value.data;
     if (!everything_ && namesRenamed(field, now)) return;
+    const bool byCurve = field == Field::setting && wanted_.text(Field::type) == u"GPV";
+    if (!isName(field) && field != Field::none && !byCurve && !isNumber(now) && !retyped(change)) {
+      result_.notices.push_back(
+          {NoticeCode::notNumber, std::u16string(wanted_.text(Field::id)), now});
+      return;
+    }
     change.fields.push_back({field, std::u16string(want), now});
   }
 
@@ -284,6 +297,16 @@ class Comparing {
     Wanted kept(*unrenamed_);
     kept.take(wanted_.kind(), wanted_.index());
     return kept.text(field) == now;
+  }
+
+  static bool isNumber(std::u16string_view text) {
+    text = trimmed(text);
+    return text.empty() || platform::parseReal(text).has_value();
+  }
+  // A valve of another type may have a curve for a setting.
+  static bool retyped(const ChangedElement& change) {
+    return std::ranges::any_of(change.fields,
+                               [](const ChangedField& own) { return own.field == Field::type; });
   }
 
   // Heights of symbols are the attribute's second copy.
@@ -337,9 +360,7 @@ class Comparing {
     for (const auto& [id, index] : twice_) {
       if (!entities_.read(id)) continue;
       const DrawnEntity second = entities_.entity();
-      AcDbObjectId& first = second.isNode()   ? nodes_[index]
-                            : second.isCourse ? courses_[index]
-                                              : links_[index];
+      AcDbObjectId& first = placeOf(second, index);
       if (atKeptPlace(second, index) && entities_.read(first) &&
           !atKeptPlace(entities_.entity(), index)) {
         forget(second, index);
@@ -369,6 +390,23 @@ class Comparing {
       const bool course = change.fields.empty() && change.vertices && entity.kind != &schema::kPipe;
       return change.kind == entity.kind && change.index == index &&
              (entity.isNode() || course == entity.isCourse);
+    });
+  }
+
+  // What has no tie, because a program has dropped it or somebody has drawn the element again, is
+  // the element of its name and kind, if that is not drawn otherwise.
+  void adoptByName() {
+    std::erase_if(others_, [this](AcDbObjectId id) {
+      if (!entities_.read(id) || entities_.entity().tie || byName_) return false;
+      const DrawnEntity entity = entities_.entity();
+      const std::uint32_t index = ofKind(entity, entity.name());
+      if (index == kNone) return false;
+      AcDbObjectId& place = placeOf(entity, index);
+      const std::u16string now = entity.isNode() ? form_.nodeName(index) : form_.linkName(index);
+      if (!place.isNull() || now != entity.name()) return false;
+      place = id;
+      compare(entity, index);
+      return true;
     });
   }
 

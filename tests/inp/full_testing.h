@@ -225,9 +225,9 @@ class FullNetwork : public DrawnNetwork {
   }
 
   // --- edits: "J1 elevation=12", "J1 at=1,2", "P1 course=1,2 3,4", "J1 erased", "J1 copied=5,5",
-  // "J1 called=J9", "day values=1 2", "lift points=1,2", "lift last=1,2", "option duration=48:00".
-  // "data:" or "attribute:" before a field changes one of two copies alone. Several edits divided
-  // by ";".
+  // "J1 called=J9", "J1 untied", "day values=1 2", "lift points=1,2", "lift last=1,2", "option
+  // duration=48:00". "data:" or "attribute:" before a field changes one of two copies alone.
+  // Several edits divided by ";".
   void edit(const std::string& edits) {
     const CommandSpan span;
     std::istringstream all(edits);
@@ -265,6 +265,8 @@ class FullNetwork : public DrawnNetwork {
         return "course gone";
       case NoticeCode::nothingLeft:
         return "nothing left";
+      case NoticeCode::notNumber:
+        return "no number";
       case NoticeCode::nameNotInEncoding:
         return "letters";
       default:
@@ -348,6 +350,11 @@ class FullNetwork : public DrawnNetwork {
       const Found found = find(name);
       for (const AcDbObjectId part : {found.id, found.course}) {
         if (!part.isNull()) Opened<AcDbEntity>(part, AcDb::kForWrite)->erase(true);
+      }
+    } else if (what == "untied") {
+      const Found found = find(name);
+      for (const AcDbObjectId part : {found.id, found.course}) {
+        if (!part.isNull()) ClearXData(Opened<AcDbEntity>(part, AcDb::kForWrite).get(), app::kKept);
       }
     } else if (what == "at") {
       const Opened<AcDbBlockReference> block(find(name).id, AcDb::kForWrite);
