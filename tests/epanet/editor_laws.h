@@ -80,40 +80,63 @@ class EditorLaws {
     }
   }
 
-  std::string compare() {
-    const Document now(editor_.apply().text);
-    Tokens tokens;
-    std::size_t next = 0, extra = 0;
-    const auto& rows = now.rows();
+  // The rows that there must be, by what the editor says that it did.
+  std::vector<std::string> expected(const EditResult& result,
+                                    std::map<RowId, RowId>& places) const {
+    std::multimap<RowId, const Change*> changes;
+    for (const Change& change : result.changes) changes.emplace(change.row, &change);
+    std::vector<std::string> rows;
     for (RowId row = 0; row < document_.rows().size(); ++row) {
-      if (gone_.contains(row)) continue;
-      const std::string_view content = document_.contentOf(row);
-      const bool touched = wanted_.contains(row) || commented_.contains(row);
-      // A row that has been put in comes before the next old one.
-      while (next < rows.size() && !touched && now.contentOf(static_cast<RowId>(next)) != content) {
-        ++next;
-        if (++extra > added_) return "untouched rows stay";
-      }
-      if (next >= rows.size()) return "untouched rows stay";
-      if (wanted_.contains(row) && !commented_.contains(row)) {
-        for (;; ++next) {
-          if (next >= rows.size()) return "changed rows have their words";
-          now.tokens(static_cast<RowId>(next), tokens);
-          std::vector<std::string> got;
-          for (int k = 0; k < tokens.count; ++k) got.emplace_back(tokens.text(k));
-          if (got == wanted_[row]) break;
-          if (++extra > added_) return "changed rows have their words";
-        }
-      } else if (commented_.contains(row)) {
-        while (next < rows.size() &&
-               !now.contentOf(static_cast<RowId>(next)).starts_with(";reason: ")) {
-          ++next;
-          if (++extra > added_) return "a comment takes the row's place";
+      std::string content(document_.contentOf(row));
+      std::vector<std::string> behind;
+      bool stays = true;
+      const auto [from, to] = changes.equal_range(row);
+      for (auto at = from; at != to; ++at) {
+        const Change& change = *at->second;
+        if (change.what == Change::What::inserted) {
+          behind.push_back(change.after);
+        } else {
+          stays = change.what != Change::What::removed;
+          content = change.after;
         }
       }
-      ++next;
+      places[row] = static_cast<RowId>(rows.size());
+      if (stays) rows.push_back(content);
+      rows.insert(rows.end(), behind.begin(), behind.end());
     }
-    return {};
+    return rows;
+  }
+
+  std::string compare() {
+    const EditResult result = editor_.apply();
+    const Document now(result.text);
+    // What is first now may begin with the bytes of a mark.
+    if (now.hasMark() != document_.hasMark()) return {};
+    std::map<RowId, RowId> places;  // of old rows among the new ones
+    const std::vector<std::string> rows = expected(result, places);
+    if (rows.size() != now.rows().size()) return "as many rows as were left and put in";
+    for (RowId row = 0; row < now.rows().size(); ++row) {
+      if (now.contentOf(row) != rows[row]) return "untouched rows stay, others are what was told";
+    }
+    std::size_t added = 0;
+    for (const Change& change : result.changes) {
+      const auto wanted = wanted_.find(change.row);
+      if (change.what == Change::What::inserted) {
+        ++added;
+      } else if (change.what == Change::What::commentedOut) {
+        if (!change.after.starts_with(";reason: ")) return "a comment takes the row's place";
+      } else if (change.what == Change::What::changed) {
+        if (wanted == wanted_.end()) return "changed rows were to change";
+        Tokens tokens;
+        now.tokens(places[change.row], tokens);
+        std::vector<std::string> got;
+        for (int k = 0; k < tokens.count; ++k) got.emplace_back(tokens.text(k));
+        if (got != wanted->second) return "changed rows have their words";
+      } else if (!gone_.contains(change.row)) {
+        return "what goes was to go";
+      }
+    }
+    return added == added_ ? std::string() : "each new row is there";
   }
 
   std::string text_;
