@@ -2,10 +2,11 @@
 
 #include <algorithm>
 #include <cmath>
-#include <numeric>
 #include <unordered_map>
 #include <unordered_set>
 
+#include "module/inp/full_series.h"
+#include "module/inp/full_values.h"
 #include "module/network/element_data.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/point_grid.h"
@@ -22,60 +23,6 @@ using epanet::NodeKind;
 using schema::Field;
 
 constexpr double kSamePlace = 1e-6;  // per axis
-constexpr double kSameReal = 1e-9;   // relative
-
-bool isName(Field field) {
-  switch (field) {
-    case Field::id:
-    case Field::node1:
-    case Field::node2:
-    case Field::pattern:
-    case Field::volumeCurve:
-    case Field::headCurve:
-    case Field::speedPattern:
-    case Field::efficiencyCurve:
-    case Field::pricePattern:
-    case Field::status:
-    case Field::type:
-      return true;
-    default:
-      return false;
-  }
-}
-
-bool sameReal(double a, double b) {
-  return a == b || std::fabs(a - b) <= kSameReal * std::max(std::fabs(a), std::fabs(b));
-}
-
-std::u16string_view trimmed(std::u16string_view text) {
-  while (!text.empty() && (text.front() == u' ' || text.front() == u'\t')) text.remove_prefix(1);
-  while (!text.empty() && (text.back() == u' ' || text.back() == u'\t')) text.remove_suffix(1);
-  return text;
-}
-
-// "Close" is how dialogs call what the solver calls "Closed".
-std::u16string_view statusWord(std::u16string_view text) {
-  return platform::equalNoCase(text, u"Close") ? std::u16string_view(u"Closed") : text;
-}
-
-bool sameText(Field field, std::u16string_view a, std::u16string_view b) {
-  a = trimmed(a);
-  b = trimmed(b);
-  if (a == b) return true;
-  if (field == Field::speed) {
-    // A drawn 0 is no speed, which is 1; only where the file itself has 0 it says the same.
-    const double drawn = platform::parseReal(a).value_or(0);
-    const double kept = b.empty() ? 1 : platform::parseReal(b).value_or(0);
-    return sameReal(drawn == 0 && kept != 0 ? 1 : drawn, kept);
-  }
-  if (field == Field::status || field == Field::type) {
-    return platform::equalNoCase(statusWord(a), statusWord(b));
-  }
-  if (isName(field)) return false;
-  const auto x = platform::parseReal(a), y = platform::parseReal(b);
-  if (a.empty() || b.empty()) return x.value_or(0) == 0 && y.value_or(0) == 0;
-  return x && y && sameReal(*x, *y);
-}
 
 bool sameSpot(const AcGePoint3d& a, const AcGePoint3d& b) {
   return std::fabs(a.x - b.x) <= kSamePlace && std::fabs(a.y - b.y) <= kSamePlace;
@@ -170,7 +117,7 @@ class Comparing {
     findGone();
     takeNew();
     checkEnds();
-    compareSeries();
+    compareSeries(form_, everything_, patterns_, curves_, result_);
     EpaSettings settings;
     if (LoadSettings(settings, name_)) result_.settings = changedSettings(form_, settings);
     keepLiveRenames();
@@ -564,67 +511,6 @@ class Comparing {
       best = at->second;
     }
     return best;
-  }
-
-  // --- patterns, curves
-
-  void compareSeries() {
-    compareSeries(patterns_, RenamedKind::pattern, network_.patterns, result_.patterns,
-                  [this](std::uint32_t i) { return form_.pattern(i); });
-    compareSeries(curves_, RenamedKind::curve, network_.curves, result_.curves,
-                  [this](std::uint32_t i) { return form_.curve(i); });
-  }
-
-  static bool sameValues(const EpaPattern& a, const EpaPattern& b) {
-    return std::equal(a.multipliers.begin(), a.multipliers.end(), b.multipliers.begin(),
-                      b.multipliers.end(), sameReal);
-  }
-  static bool sameValues(const EpaCurve& a, const EpaCurve& b) {
-    return std::equal(a.points.begin(), a.points.end(), b.points.begin(), b.points.end(),
-                      [](const EpaCurvePoint& p, const EpaCurvePoint& q) {
-                        return sameReal(p.x, q.x) && sameReal(p.y, q.y);
-                      });
-  }
-  static bool isEmpty(const EpaPattern& pattern) { return pattern.multipliers.empty(); }
-  static bool isEmpty(const EpaCurve& curve) { return curve.points.empty(); }
-
-  // What has been renamed goes first: it may have the name of what is gone.
-  template <class Kept>
-  std::vector<std::uint32_t> renamedFirst(RenamedKind kind, const std::vector<Kept>& kept) const {
-    std::vector<std::uint32_t> order(kept.size());
-    std::iota(order.begin(), order.end(), 0U);
-    std::unordered_set<std::u16string> renamed;
-    for (const Rename& rename : result_.renames) {
-      if (rename.kind == kind) renamed.insert(rename.kept);
-    }
-    if (renamed.empty()) return order;
-    std::stable_partition(order.begin(), order.end(), [&](std::uint32_t i) {
-      return renamed.contains(form_.words().text(kept[i].id));
-    });
-    return order;
-  }
-
-  template <class Record, class Kept, class Form>
-  void compareSeries(const std::vector<Record>& drawn, RenamedKind kind,
-                     const std::vector<Kept>& series, std::vector<ChangedSeries<Record>>& changes,
-                     Form form) {
-    std::unordered_map<std::u16string, const Record*> byName;
-    for (const Record& record : drawn) byName.emplace(record.id.str(), &record);
-    for (const std::uint32_t i : renamedFirst(kind, series)) {
-      const Record kept = form(i);
-      const auto found = byName.find(kept.id.str());
-      if (found == byName.end()) {
-        // A record without values has no existence in a drawing.
-        if (!isEmpty(kept)) changes.push_back({i, std::nullopt});
-        continue;
-      }
-      if (everything_ || !sameValues(*found->second, kept)) changes.push_back({i, *found->second});
-      byName.erase(found);
-    }
-    for (const Record& record : drawn) {
-      const auto left = byName.find(record.id.str());
-      if (left != byName.end() && left->second == &record) changes.push_back({kNone, record});
-    }
   }
 
   // A rename of what is gone needs no row.
