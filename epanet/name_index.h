@@ -57,7 +57,7 @@ class NameIndex {
       name.remove_prefix(8);
     }
     std::uint64_t word = 0;
-    std::memcpy(&word, name.data(), name.size());
+    if (!name.empty()) std::memcpy(&word, name.data(), name.size());  // which may have no data
     hash = (hash ^ word) * 0xFF51AFD7ED558CCDu;
     hash ^= hash >> 29;
     hash *= 0xC4CEB9FE1A85EC53u;
