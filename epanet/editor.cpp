@@ -16,6 +16,17 @@ std::string written(std::string_view text) {
   return quote ? "\"" + std::string(text) + "\"" : std::string(text);
 }
 
+// A comment that the solver would cut, and read its rest as a row, goes on in comments of its own.
+std::string inPieces(std::string comment, std::string_view end) {
+  constexpr std::size_t kLongest = 1000;
+  std::string pieces;
+  while (comment.size() > kLongest) {
+    (pieces += comment.substr(0, kLongest)) += end;
+    comment = ";" + comment.substr(kLongest);
+  }
+  return pieces + comment;
+}
+
 // Appends the blanks between two tokens after the first one has grown by `growth` bytes.
 void appendGap(std::string& row, std::string_view gap, std::ptrdiff_t growth) {
   if (growth == 0 || gap.empty()) {
@@ -263,7 +274,7 @@ EditResult Editor::apply() const {
       result.changes.push_back({Change::What::removed, id, row.section, before, {}});
     } else if (edits.fate == Edits::Fate::commentedOut) {
       copied = row.start + row.length;
-      const std::string after = ";" + edits.reason + ": " + before;
+      const std::string after = inPieces(";" + edits.reason + ": " + before, end);
       out += after;
       out += lineEnd;
       result.changes.push_back({Change::What::commentedOut, id, row.section, before, after});

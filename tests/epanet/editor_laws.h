@@ -50,6 +50,8 @@ class EditorLaws {
     for (int i = 0; i < 8; ++i) {
       const auto row = static_cast<RowId>(pick(document_.rows().size()));
       if (document_.rows()[row].kind != RowKind::data || isPiece(row)) continue;
+      // Longer rows would be cut by the solver, or go on in further comments.
+      if (document_.contentOf(row).size() > 900) continue;
       document_.tokens(row, tokens);
       switch (pick(5)) {
         case 0:
@@ -65,7 +67,7 @@ class EditorLaws {
           editor_.insertRow(row, {word(), word()});
           break;
         default: {
-          if (tokens.count >= kMostTokens - 1 || document_.contentOf(row).size() > 900) break;
+          if (tokens.count >= kMostTokens - 1) break;
           auto& want = wanted_[row];
           if (want.empty()) {
             for (int k = 0; k < tokens.count; ++k) want.emplace_back(tokens.text(k));
