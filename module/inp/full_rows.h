@@ -71,7 +71,7 @@ class FullRows {
   int drop(const epanet::Mention& mention, const std::u16string& name);
   void rename(const std::vector<Rename>& renames);
   bool isRangeEnd(const epanet::Mention& mention) const;
-  bool inStatusRange(std::string_view id) const;
+  bool inStatusRange(std::string_view id);
   void keepInRanges();
   void keepQuality(std::string_view was, const std::string& now);
 
@@ -102,6 +102,7 @@ class FullRows {
   Notices& notices_;
   DrawnEntities entities_;
   std::map<std::uint64_t, std::string> renamed_;  // by thing and index
+  std::optional<std::vector<std::pair<std::string_view, std::string_view>>> statusRanges_;
   // Of links: how many rows of [STATUS] name them; filled when first wanted.
   std::optional<std::unordered_map<std::uint32_t, int>> statusRows_;
 };

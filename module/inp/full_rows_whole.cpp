@@ -259,17 +259,21 @@ bool isBetween(std::string_view id, std::string_view first, std::string_view las
 
 }  // namespace
 
-bool FullRows::inStatusRange(std::string_view id) const {
-  epanet::Tokens tokens;
-  for (const Mention& mention : record_.mentions) {
-    const RowId row = mention.at.row;
-    if (!isRangeEnd(mention) || network_.document().rows()[row].section != Section::status) {
-      continue;
+// The ranges are looked up once: there may be as many new links as the network has rows.
+bool FullRows::inStatusRange(std::string_view id) {
+  if (!statusRanges_) {
+    statusRanges_.emplace();
+    epanet::Tokens tokens;
+    const epanet::Document& document = network_.document();
+    for (RowId row = 0; row < document.rows().size(); ++row) {
+      const epanet::Row& own = document.rows()[row];
+      if (own.section != Section::status || own.kind != epanet::RowKind::data) continue;
+      document.tokens(row, tokens);
+      if (tokens.count > 2) statusRanges_->emplace_back(tokens.text(0), tokens.text(1));
     }
-    network_.document().tokens(row, tokens);
-    if (isBetween(id, tokens.text(0), tokens.text(1))) return true;
   }
-  return false;
+  return std::any_of(statusRanges_->begin(), statusRanges_->end(),
+                     [id](const auto& range) { return isBetween(id, range.first, range.second); });
 }
 
 // What has been renamed gets rows of its own where a range decides, or would now.
