@@ -134,7 +134,8 @@ class Placing {
     std::vector<Index> layer{first}, next;
     placed_[first] = true;
     while (!layer.empty()) {
-      double up = low;
+      // Each layer amid the others, lest long ones hang on one side.
+      double up = low - step_ * static_cast<double>(layer.size() - 1) / 2;
       next.clear();
       for (const Index node : layer) {
         places_[node] = {left, up};
