@@ -161,11 +161,12 @@ int FullRows::drop(const Mention& mention, const std::u16string& name) {
       RowId first = row, last = row;
       // A rule without one of its clauses is another rule: it goes as a whole.
       if (section == Section::rules) {
-        for (const epanet::Rule& rule : network_.rules) {
-          if (row < rule.first || row > rule.last) continue;
-          first = rule.first;
-          last = rule.last;
-        }
+        // Rules stand in the order of their rows.
+        const auto after =
+            std::upper_bound(network_.rules.begin(), network_.rules.end(), row,
+                             [](RowId own, const epanet::Rule& rule) { return own < rule.first; });
+        first = std::prev(after)->first;
+        last = std::prev(after)->last;
       }
       for (RowId i = first; i <= last; ++i) {
         if (network_.document().rows()[i].kind == epanet::RowKind::data) {
