@@ -18,11 +18,27 @@ void History::begin(std::u16string_view command) {
   changedBefore_ = changed_;
 }
 
-void History::keep(std::uint32_t record) {
+void History::noteChange(const Record& record) {
   changed_ = true;
   ++revision_;
+  if (!record.is(Record::space)) ++definitions_;
+}
+
+void History::made(std::uint32_t record) {
   Record& r = records_.edit(record);
-  if (!r.is(Record::space)) ++definitions_;
+  noteChange(r);
+  if (!running_) return;
+  r.set(Record::touched);
+  if (!now_.made.empty() && now_.made.back().end == record) {
+    ++now_.made.back().end;
+    return;
+  }
+  now_.made.push_back({record, record + 1});
+}
+
+void History::keep(std::uint32_t record) {
+  Record& r = records_.edit(record);
+  noteChange(r);
   if (!running_ || r.is(Record::touched)) return;
   now_.before.emplace_back(record, r);
   records_.hold(r);
@@ -35,6 +51,7 @@ void History::keep(std::uint32_t record) {
 bool History::end() {
   if (!running_) return false;
   running_ = false;
+  settleMade(now_);
   const auto kept = std::remove_if(
       now_.before.begin(), now_.before.end(), [&](const std::pair<std::uint32_t, Record>& entry) {
         Record& r = records_.edit(entry.first);
@@ -42,7 +59,7 @@ bool History::end() {
         r.set(Record::touched, false);
         const bool flags =
             r.is(Record::erased) == before.is(Record::erased) && r.owner == before.owner;
-        if (!before.bytes || !flags || r.text() != before.text()) return false;
+        if (!flags || r.text() != before.text()) return false;
         const std::size_t cost = costOf(before);
         now_.bytes -= cost;
         bytes_ -= cost;
@@ -57,7 +74,7 @@ bool History::end() {
         return true;
       });
   now_.before.erase(kept, now_.before.end());
-  if (now_.before.empty()) return false;
+  if (now_.before.empty() && now_.made.empty()) return false;
   now_.before.shrink_to_fit();
   undo_.push_back(std::move(now_));
   now_ = Step();
@@ -67,10 +84,38 @@ bool History::end() {
   return true;
 }
 
+// Leaves the records that the command made and did not erase again: the others are away either way.
+void History::settleMade(Step& step) {
+  std::vector<Run> stay;
+  for (const Run& run : step.made) {
+    for (std::uint32_t i = run.begin; i < run.end; ++i) {
+      Record& r = records_.edit(i);
+      r.set(Record::touched, false);
+      if (r.is(Record::erased)) continue;
+      if (!stay.empty() && stay.back().end == i) {
+        ++stay.back().end;
+      } else {
+        stay.push_back({i, i + 1});
+      }
+    }
+  }
+  step.made = std::move(stay);
+}
+
+void History::setAway(const Step& step, bool away) {
+  for (const Run& run : step.made) {
+    for (std::uint32_t i = run.begin; i < run.end; ++i) {
+      VESSORA_CHECK(!records_[i].is(Record::open), "a command was taken back under an open object");
+      records_.edit(i).set(Record::erased, away);
+      if (!away) index_.note(i, Record());
+    }
+  }
+}
+
 void History::abandon() {
   if (!running_) return;
   if (end()) {
-    swap(undo_.back());
+    swap(undo_.back(), true);
     forget(undo_.back());
     undo_.pop_back();
   }
@@ -90,8 +135,9 @@ void History::trim() {
   undo_.erase(undo_.begin(), undo_.begin() + static_cast<std::ptrdiff_t>(dropped));
 }
 
-// Exchanges the records' states with those kept; the places in the file order stay.
-void History::swap(Step& step) {
+// Exchanges the records' states with those kept, and takes away or brings back what was made; the
+// places in the file order stay.
+void History::swap(Step& step, bool away) {
   bytes_ -= step.bytes;
   step.bytes = 0;
   for (auto it = step.before.rbegin(); it != step.before.rend(); ++it) {
@@ -104,26 +150,21 @@ void History::swap(Step& step) {
     then.set(Record::touched, false);
     then.set(Record::open, false);  // it was kept while the command had the object open
     now = then;
-    // A state that was never in the file has no text: the record is simply away.
-    if (now.bytes == nullptr) {
-      now = it->second;
-      records_.hold(now);
-      now.set(Record::erased);
-    }
     if (!now.is(Record::erased)) index_.note(it->first, Record());
     step.bytes += costOf(it->second);
   }
   bytes_ += step.bytes;
+  setAway(step, away);
   changed_ = true;
   ++revision_;
   ++definitions_;
 }
 
-std::u16string History::step(std::vector<Step>& from, std::vector<Step>& to) {
+std::u16string History::step(std::vector<Step>& from, std::vector<Step>& to, bool away) {
   if (from.empty() || running_) return {};
   Step step = std::move(from.back());
   from.pop_back();
-  swap(step);
+  swap(step, away);
   to.push_back(std::move(step));
   return to.back().name;
 }

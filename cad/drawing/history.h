@@ -1,6 +1,7 @@
 // What changed and how to take it back: the state of each record before a command's first write to
 // it, command by command. Texts are never overwritten, so a state is 56 bytes and a share in a
-// text. Older commands are forgotten when what they keep takes too much memory.
+// text; of records that a command has made it is enough to know which. Older commands are forgotten
+// when what they keep takes too much memory.
 #pragma once
 
 #include <cstddef>
@@ -28,9 +29,11 @@ class CAD_API History {
   bool running() const { return running_; }
   // Keeps the record's state, if the running command has not yet; marks the drawing as changed.
   void keep(std::uint32_t record);
+  // The record, the last of the list, is new: taking the running command back takes it away.
+  void made(std::uint32_t record);
   // Name of the command taken back or brought back; empty when there is none.
-  std::u16string undo() { return step(undo_, redo_); }
-  std::u16string redo() { return step(redo_, undo_); }
+  std::u16string undo() { return step(undo_, redo_, true); }
+  std::u16string redo() { return step(redo_, undo_, false); }
 
   // The drawing differs from its file.
   bool isChanged() const { return changed_; }
@@ -60,13 +63,20 @@ class CAD_API History {
   };
 
  private:
+  struct Run {
+    std::uint32_t begin = 0, end = 0;
+  };
   struct Step {
     std::u16string name;
+    std::vector<Run> made;  // in the order of the list
     std::vector<std::pair<std::uint32_t, Record>> before;
     std::size_t bytes = 0;
   };
-  std::u16string step(std::vector<Step>& from, std::vector<Step>& to);
-  void swap(Step& step);
+  std::u16string step(std::vector<Step>& from, std::vector<Step>& to, bool away);
+  void noteChange(const Record& record);
+  void settleMade(Step& step);
+  void setAway(const Step& step, bool away);
+  void swap(Step& step, bool away);
   void forget(Step& step);
   void trim();
   static std::size_t costOf(const Record& state);

@@ -77,10 +77,8 @@ std::uint32_t Writer::add(const TagList& tags, const Place& place, std::uint64_t
   fresh.owner = place.owner;
   fresh.set(Record::space, place.space);
   fresh.set(Record::child, place.child);
-  fresh.set(Record::erased);  // taking the change back must take the record away
   const std::uint32_t i = records_.link(fresh, place.before);
-  history_.keep(i);
-  records_.edit(i).set(Record::erased, false);
+  history_.made(i);
   rewrite(i, tags, like);
   if (records_[i].handle) records_.registerHandle(records_[i].handle, i);
   const Type type = records_[i].type;
