@@ -1,10 +1,12 @@
 // Points by position, for "what lies here" with a tolerance per axis.
 #pragma once
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <cstring>
-#include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "module/host/host_drawing.h"
 
@@ -18,7 +20,9 @@ class PointGrid {
   explicit PointGrid(double tolerance) : tolerance_(tolerance), cell_(10 * tolerance) {}
 
   void add(const AcGePoint3d& point, const Value& value) {
-    items_.emplace(cellOf(point), Item{point, value});
+    if (items_.size() >= heads_.size()) spread();
+    items_.push_back({point, value, kNone});
+    enter(static_cast<std::uint32_t>(items_.size() - 1));
   }
 
   // Calls take(value) for each point that differs from this one by less than the tolerance in each
@@ -58,9 +62,11 @@ class PointGrid {
       return static_cast<std::size_t>(h);
     }
   };
+  static constexpr std::uint32_t kNone = ~std::uint32_t{0};
   struct Item {
     AcGePoint3d point;
     Value value;
+    std::uint32_t next;  // in the same chain
   };
 
   // Cells are centred on the round numbers that coordinates like to be, lest most points lie on a
@@ -70,17 +76,43 @@ class PointGrid {
     return {round(p.x), round(p.y), round(p.z)};
   }
 
+  // The chain of a cell, which other cells may share.
+  std::uint32_t& headOf(const Cell& cell) { return heads_[Hash()(cell) & (heads_.size() - 1)]; }
+
+  void enter(std::uint32_t item) {
+    std::uint32_t& head = headOf(cellOf(items_[item].point));
+    items_[item].next = head;
+    head = item;
+  }
+
+  // Twice as many chains.
+  void spread() {
+    std::vector<std::uint32_t> old(std::max<std::size_t>(64, 2 * heads_.size()), kNone);
+    old.swap(heads_);
+    for (std::uint32_t item : old) {
+      while (item != kNone) enter(std::exchange(item, items_[item].next));
+    }
+  }
+
   template <class Take>
   void visitCell(const Cell& cell, const AcGePoint3d& point, Take& take) {
-    auto [at, end] = items_.equal_range(cell);
-    while (at != end) {
-      const bool leaves = samePoint(at->second.point, point, tolerance_) && take(at->second.value);
-      at = leaves ? items_.erase(at) : std::next(at);
+    if (heads_.empty()) return;
+    std::uint32_t* at = &headOf(cell);
+    while (*at != kNone) {
+      Item& item = items_[*at];
+      const bool leaves = samePoint(item.point, point, tolerance_) && cellOf(item.point) == cell &&
+                          take(item.value);
+      if (leaves) {
+        *at = item.next;
+      } else {
+        at = &item.next;
+      }
     }
   }
 
   double tolerance_, cell_;
-  std::unordered_multimap<Cell, Item, Hash> items_;
+  std::vector<std::uint32_t> heads_;  // a power of two of them
+  std::vector<Item> items_;           // those that have left are in no chain
 };
 
 }  // namespace vessora
