@@ -72,12 +72,27 @@ void Reader::read() {
   checkText();
   findPatternsAndCurves();
   const auto& rows = doc_.rows();
+  makeRoom(rows);
   for (row_ = 0; row_ < rows.size(); ++row_) {
     if (rows[row_].kind == RowKind::data) readRow();
   }
   row_ = kNoRow;
   settleOptions();
   check();
+}
+
+// Lists of a large network are not to grow by copies.
+void Reader::makeRoom(const std::vector<Row>& rows) {
+  std::array<std::size_t, kSections> count{};
+  for (const Row& row : rows) {
+    if (row.kind == RowKind::data) ++count[static_cast<std::size_t>(row.section)];
+  }
+  const auto of = [&](Section section) { return count[static_cast<std::size_t>(section)]; };
+  net_.nodes.reserve(of(Section::junctions) + of(Section::reservoirs) + of(Section::tanks));
+  net_.links.reserve(of(Section::pipes) + of(Section::pumps) + of(Section::valves));
+  net_.pipes.reserve(of(Section::pipes));
+  net_.demands.reserve(of(Section::demands));
+  net_.vertices.reserve(of(Section::vertices));
 }
 
 void Reader::readRow() {

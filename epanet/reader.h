@@ -81,6 +81,7 @@ class Reader {
   void checkValves();
   void checkCurves();
 
+  void makeRoom(const std::vector<Row>& rows);
   void readRow();
   void settleOptions();
 
