@@ -6,13 +6,15 @@
 #include <new>
 #include <utility>
 
+#include "platform/beside.h"
+
 namespace platform {
 
 namespace {
 
+constexpr std::size_t kSmallPage = 4096;
 constexpr std::size_t kHugePage = std::size_t{2} << 20;
-// Below this the heap is as good, and rounding up to large pages would waste memory.
-constexpr std::size_t kLarge = 2 * kHugePage;
+static_assert(kLarge >= kHugePage);
 
 constexpr std::size_t roundedUp(std::size_t bytes) {
   return (bytes + kHugePage - 1) & ~(kHugePage - 1);
@@ -62,6 +64,20 @@ Block& Block::operator=(Block&& other) noexcept {
   std::swap(data_, other.data_);
   std::swap(size_, other.size_);
   return *this;
+}
+
+Block BlocksAhead::take() {
+  Block now = next_.valid() ? next_.get() : Block(size_);
+  next_ = beside([size = size_] {
+    Block block(size);
+    // Writing to a page is what makes it; where the kernel cannot do it for all at once, one by
+    // one.
+    if (madvise(block.data(), size, MADV_POPULATE_WRITE) != 0) {
+      for (std::size_t at = 0; at < size; at += kSmallPage) block.data()[at] = 0;
+    }
+    return block;
+  });
+  return now;
 }
 
 }  // namespace platform

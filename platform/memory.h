@@ -4,8 +4,14 @@
 #pragma once
 
 #include <cstddef>
+#include <future>
+#include <utility>
 
 namespace platform {
+
+// From this size on memory comes in large pages; below it the heap is as good, and rounding up
+// would waste memory.
+constexpr std::size_t kLarge = std::size_t{4} << 20;
 
 // Memory of `bytes`, cleared when large, aligned for any record. Throws std::bad_alloc when there
 // is none. The same number must be given to release it; releasing null does nothing.
@@ -23,6 +29,8 @@ class Block {
   Block() = default;
   explicit Block(std::size_t size)
       : data_(size ? static_cast<char*>(allocateLarge(size)) : nullptr), size_(size) {}
+  // Takes over memory that came from allocateLarge.
+  Block(void* memory, std::size_t size) : data_(static_cast<char*>(memory)), size_(size) {}
   Block(Block&& other) noexcept : data_(other.data_), size_(other.size_) {
     other.data_ = nullptr;
     other.size_ = 0;
@@ -31,10 +39,25 @@ class Block {
   ~Block() { releaseLarge(data_, size_); }
   char* data() const { return data_; }
   std::size_t size() const { return size_; }
+  // The memory, which is the caller's to release from now on.
+  char* release() { return std::exchange(data_, nullptr); }
 
  private:
   char* data_ = nullptr;
   std::size_t size_ = 0;
+};
+
+// Blocks of one large size, one after another: while the caller fills one, another thread has the
+// system make the next one ready, which takes as long as filling it.
+class BlocksAhead {
+ public:
+  explicit BlocksAhead(std::size_t size) : size_(size) {}
+  // Throws std::bad_alloc.
+  Block take();
+
+ private:
+  std::size_t size_;
+  std::future<Block> next_;
 };
 
 }  // namespace platform

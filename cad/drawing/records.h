@@ -98,7 +98,7 @@ class CAD_API Records {
   std::vector<Block> sources_;
   TextStore texts_;
   std::string_view preamble_, trailer_;
-  std::vector<Record> list_;
+  RecordList list_;
   std::uint32_t first_ = 0, last_ = 0;
   NameTable names_, types_;
   NameSets sets_;

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <utility>
 
 #include "platform/check.h"
 #include "platform/memory.h"
@@ -11,6 +12,8 @@ namespace {
 // Blocks begin at a multiple of this, so that a text's address tells its block. A text begins in
 // the first stretch of its block, however long it is.
 constexpr std::size_t kAlignment = std::size_t{1} << 18;
+// A drawing that has so much of its own takes memory for many blocks at once, in large pages.
+constexpr std::size_t kMany = 32 * kAlignment;
 }  // namespace
 
 struct TextStore::Block {
@@ -21,16 +24,29 @@ struct TextStore::Block {
 
 TextStore::~TextStore() {
   while (all_) free(all_);
+  if (spareLeft_) platform::releaseAligned(spare_, spareLeft_);
 }
 
 TextStore::Block* TextStore::blockOf(const char* text) {
   return reinterpret_cast<Block*>(reinterpret_cast<std::uintptr_t>(text) & ~(kAlignment - 1));
 }
 
+// Memory for a block, which goes back by itself, whatever it was taken with.
+void* TextStore::take(std::size_t size) {
+  if (size != kAlignment || bytes_ < kMany) return platform::allocateAligned(size, kAlignment);
+  if (spareLeft_ == 0) {
+    platform::Block blocks = ahead_.take();
+    spareLeft_ = blocks.size();
+    spare_ = blocks.release();
+  }
+  spareLeft_ -= size;
+  return std::exchange(spare_, spare_ + size);
+}
+
 void TextStore::grow(std::size_t room) {
   const std::size_t size =
       (std::max(room + sizeof(Block), kAlignment) + kAlignment - 1) & ~(kAlignment - 1);
-  auto* block = static_cast<Block*>(platform::allocateAligned(size, kAlignment));
+  auto* block = static_cast<Block*>(take(size));
   *block = {all_, nullptr, size, 0};
   if (all_) all_->previous = block;
   all_ = block;

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "cad/dxf/tags.h"
+#include "platform/memory.h"
 
 namespace cad {
 
@@ -34,12 +35,16 @@ class TextStore {
   struct Block;
   static Block* blockOf(const char* text);
   void grow(std::size_t room);
+  void* take(std::size_t size);
   void free(Block* block);
 
   Block* all_ = nullptr;  // chain of every block
   Block* current_ = nullptr;
   char* at_ = nullptr;
   std::size_t left_ = 0, bytes_ = 0;
+  char* spare_ = nullptr;  // memory for the next blocks
+  std::size_t spareLeft_ = 0;
+  platform::BlocksAhead ahead_{std::size_t{8} << 20};
   std::uint64_t generation_ = 0;
 };
 

@@ -255,8 +255,7 @@ std::string quoted(std::string_view s) {
 platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::string& name,
                                         ScannedFile file, NameTables names) {
   LineFinder lines(bytes);
-  std::vector<Record>& records = file.records;
-  records.reserve(bytes.size() / 128 + 16);
+  RecordList& records = file.records;
   records.emplace_back();
   Indexer index(file.format, names);
   std::size_t at = 0;
@@ -334,8 +333,7 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
 
 platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::string& name,
                                          ScannedFile file, NameTables names) {
-  std::vector<Record>& records = file.records;
-  records.reserve(bytes.size() / 96 + 16);
+  RecordList& records = file.records;
   records.emplace_back();
   Indexer index(file.format, names);
   std::size_t at = 22;

@@ -8,6 +8,7 @@
 #include <string_view>
 #include <vector>
 
+#include "cad/dxf/chunked_list.h"
 #include "cad/dxf/names.h"
 #include "cad/dxf/tags.h"
 #include "platform/result.h"
@@ -109,11 +110,13 @@ struct Record {
   std::string_view text() const { return {bytes, size}; }
 };
 
+using RecordList = ChunkedList<Record>;
+
 struct ScannedFile {
   Format format;
-  std::string_view preamble;    // what stands before the first record
-  std::vector<Record> records;  // in file order; [0] is unused
-  std::string_view trailer;     // blank bytes behind the last record of a file without end mark
+  std::string_view preamble;  // what stands before the first record
+  RecordList records;         // in file order; [0] is unused
+  std::string_view trailer;   // blank bytes behind the last record of a file without end mark
   bool sawEof = false;
 };
 
