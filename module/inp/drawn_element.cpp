@@ -32,14 +32,14 @@ std::u16string_view DrawnEntity::name() const {
   return own->onData ? own->data : own->attribute;
 }
 
-bool DrawnEntities::read(AcDbObjectId id) {
-  const Opened<AcDbEntity> entity(id);
-  if (auto* const block = entity.as<AcDbBlockReference>()) return readBlock(block);
-  if (auto* const polyline = entity.as<AcDb3dPolyline>()) return readPolyline(polyline);
+bool DrawnEntities::read(AcDbObjectId id, DrawnEntity& entity) {
+  const Opened<AcDbEntity> drawn(id);
+  if (auto* const block = drawn.as<AcDbBlockReference>()) return readBlock(block, entity);
+  if (auto* const polyline = drawn.as<AcDb3dPolyline>()) return readPolyline(polyline, entity);
   return false;
 }
 
-bool DrawnEntities::readBlock(AcDbBlockReference* block) {
+bool DrawnEntities::readBlock(AcDbBlockReference* block, DrawnEntity& entity) {
   const std::u16string layer = block->layer();
   const struct {
     const std::u16string& layer;
@@ -52,60 +52,60 @@ bool DrawnEntities::readBlock(AcDbBlockReference* block) {
   const auto own = std::find_if(std::begin(kKinds), std::end(kKinds),
                                 [&](const auto& known) { return known.layer == layer; });
   if (own == std::end(kKinds)) return false;
-  entity_.id = block->objectId();
-  entity_.kind = &own->kind;
-  entity_.isCourse = false;
-  entity_.position = block->position();
-  entity_.points.clear();
-  readData(block);
+  entity.id = block->objectId();
+  entity.kind = &own->kind;
+  entity.isCourse = false;
+  entity.position = block->position();
+  entity.points.clear();
+  readData(block, entity);
   std::array<std::u16string_view, 8> tags;
   std::array<std::u16string, 8> texts;
   std::array<std::size_t, 8> places;
   int count = 0;
-  for (std::size_t i = 0; i < entity_.kind->data.rows.size(); ++i) {
-    const Row& row = entity_.kind->data.rows[i];
-    entity_.values[i].onAttribute = false;
+  for (std::size_t i = 0; i < entity.kind->data.rows.size(); ++i) {
+    const Row& row = entity.kind->data.rows[i];
+    entity.values[i].onAttribute = false;
     if (row.tag.empty()) continue;
     tags[static_cast<std::size_t>(count)] = row.tag;
     places[static_cast<std::size_t>(count++)] = i;
   }
   const unsigned found = readAttributes(block, tags.data(), texts.data(), count);
   for (std::size_t i = 0; i < static_cast<std::size_t>(count); ++i) {
-    DrawnEntity::Value& value = entity_.values[places[i]];
+    DrawnEntity::Value& value = entity.values[places[i]];
     value.onAttribute = (found >> i & 1U) != 0;
     value.attribute = std::move(texts[i]);
   }
   return true;
 }
 
-bool DrawnEntities::readPolyline(AcDb3dPolyline* polyline) {
+bool DrawnEntities::readPolyline(AcDb3dPolyline* polyline, DrawnEntity& entity) {
   const std::u16string layer = polyline->layer();
   const Kind* const kind = layer == layers_.pipe   ? &schema::kPipe
                            : layer == layers_.pump ? &schema::kPump
                            : layer == layers_.valv ? &schema::kValv
                                                    : nullptr;
   if (!kind) return false;
-  entity_.id = polyline->objectId();
-  entity_.kind = kind;
-  entity_.isCourse = kind != &schema::kPipe;
-  entity_.points.clear();
-  ReadVertices(polyline, entity_.points);
-  readData(polyline);
-  for (DrawnEntity::Value& value : entity_.values) value.onAttribute = false;
-  return entity_.hasData || entity_.tie;
+  entity.id = polyline->objectId();
+  entity.kind = kind;
+  entity.isCourse = kind != &schema::kPipe;
+  entity.points.clear();
+  ReadVertices(polyline, entity.points);
+  readData(polyline, entity);
+  for (DrawnEntity::Value& value : entity.values) value.onAttribute = false;
+  return entity.hasData || entity.tie;
 }
 
-void DrawnEntities::readData(AcDbEntity* entity) {
-  entity_.tie.reset();
-  if (const Chain tie(entity->xData(schema::app::kKept)); tie.item(schema::kKeptPlace)) {
-    entity_.tie = tie.text(schema::kKeptPlace);
+void DrawnEntities::readData(AcDbEntity* drawn, DrawnEntity& entity) {
+  entity.tie.reset();
+  if (const Chain tie(drawn->xData(schema::app::kKept)); tie.item(schema::kKeptPlace)) {
+    entity.tie = tie.text(schema::kKeptPlace);
   }
-  const Chain data(entity->xData(schema::app::kImport));
-  entity_.hasData = static_cast<bool>(data);
+  const Chain data(drawn->xData(schema::app::kImport));
+  entity.hasData = static_cast<bool>(data);
   XDataReader items(data);
-  for (std::size_t i = 0; i < entity_.kind->data.rows.size(); ++i) {
-    const Row& row = entity_.kind->data.rows[i];
-    DrawnEntity::Value& value = entity_.values[i];
+  for (std::size_t i = 0; i < entity.kind->data.rows.size(); ++i) {
+    const Row& row = entity.kind->data.rows[i];
+    DrawnEntity::Value& value = entity.values[i];
     value.data.clear();
     value.onData = data && row.place != 0 && !items.done();
     if (!value.onData) continue;

@@ -7,6 +7,7 @@
 #include <string_view>
 
 #include "module/network/schema.h"
+#include "platform/beside.h"
 #include "schema/element.h"
 
 namespace vessora {
@@ -39,29 +40,40 @@ struct DrawnEntity {
   std::u16string_view name() const;
 };
 
-// Calls visit(entity) for the entities of a network in drawing order. The reference is valid during
-// the call.
 class DrawnEntities {
  public:
   explicit DrawnEntities(std::u16string_view network) : layers_(network) {}
+  // Calls visit(entity) for the entities of a network in drawing order, in another thread while the
+  // next entities are read: it must not ask the drawing. The reference is valid during the call.
   template <class Visit>
-  void visit(Visit visit) {
-    const SelectionSet set(u"_X", wholeNetworkFilter(layers_));
-    for (const AcDbObjectId id : set) {
-      if (read(id)) visit(static_cast<const DrawnEntity&>(entity_));
-    }
-  }
+  void visitBeside(Visit visit);
   // One entity; false when it is none of the network.
-  bool read(AcDbObjectId id);
+  bool read(AcDbObjectId id) { return read(id, entity_); }
   const DrawnEntity& entity() const { return entity_; }
 
  private:
-  bool readBlock(AcDbBlockReference* block);
-  bool readPolyline(AcDb3dPolyline* polyline);
-  void readData(AcDbEntity* entity);
+  bool read(AcDbObjectId id, DrawnEntity& entity);
+  bool readBlock(AcDbBlockReference* block, DrawnEntity& entity);
+  bool readPolyline(AcDb3dPolyline* polyline, DrawnEntity& entity);
+  static void readData(AcDbEntity* drawn, DrawnEntity& entity);
 
   NetworkLayers layers_;
   DrawnEntity entity_;
 };
+
+template <class Visit>
+void DrawnEntities::visitBeside(Visit visit) {
+  const SelectionSet set(u"_X", wholeNetworkFilter(layers_));
+  auto next = set.begin();
+  const auto readNext = [&](DrawnEntity& entity) {
+    while (next != set.end()) {
+      const AcDbObjectId id = *next;
+      ++next;
+      if (read(id, entity)) return true;
+    }
+    return false;
+  };
+  platform::Stages<DrawnEntity>::takeBeside(readNext, visit);
+}
 
 }  // namespace vessora

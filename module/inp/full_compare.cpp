@@ -111,7 +111,7 @@ class Comparing {
   const std::vector<Rename>& unnoted() const { return unnoted_; }
 
   Comparison run() {
-    entities_.visit([this](const DrawnEntity& entity) { meet(entity); });
+    entities_.visitBeside([this](const DrawnEntity& entity) { meet(entity); });
     sortOutCopies();
     adoptByName();
     findGone();
@@ -125,6 +125,7 @@ class Comparing {
   }
 
  private:
+  // Asks nothing of the drawing: it goes on beside the reading.
   void meet(const DrawnEntity& entity) {
     if (entity.hasData && !entity.isCourse) ++result_.drawn;
     const std::uint32_t index = tied(entity);

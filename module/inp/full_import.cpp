@@ -1,7 +1,5 @@
 #include "module/inp/full_import.h"
 
-#include <future>
-
 #include "module/host/module.h"
 #include "module/inp/full_form.h"
 #include "module/inp/full_settings.h"
@@ -11,6 +9,7 @@
 #include "module/network/pattern_curve_store.h"
 #include "module/network/schema.h"
 #include "module/network/settings_store.h"
+#include "platform/beside.h"
 #include "platform/format.h"
 #include "platform/text.h"
 
@@ -58,14 +57,33 @@ class Drawing {
   template <class Record>
   void drawNodes(NodeKind kind, DrawnKind& drawn) {
     const std::u16string layer = layerOf<Record>();
-    Record record;
-    for (std::uint32_t i = 0; i < network_.nodes.size(); ++i) {
-      if (network_.nodes[i].kind != kind) continue;
-      form_.fill(i, record);
+    struct Node {
+      std::uint32_t index;
+      Record record;
+      AcGePoint3d place;
+    };
+    const auto fill = [this](Node& node) {
+      form_.fill(node.index, node.record);
+      node.place = form_.placeOf(node.index);
+    };
+    drawAll<Node>(network_.nodes, kind, fill, [&](const Node& node) {
       AcDbObjectId made;
-      drawn.drawn += insert(form_.placeOf(i), layer, record, drawn.notices, made);
-      if (form_.isPlacedByUs(i)) markPlaced(i, made);
-    }
+      drawn.drawn += insert(node.place, layer, node.record, drawn.notices, made);
+      if (form_.isPlacedByUs(node.index)) markPlaced(node.index, made);
+    });
+  }
+
+  // Draws the elements of a kind. What they look like is worked out beside, without the drawing.
+  template <class Item, class Element, class Kind, class Fill, class Draw>
+  void drawAll(const std::vector<Element>& elements, Kind kind, Fill fill, Draw draw) {
+    const auto make = [&, next = std::uint32_t{0}](Item& item) mutable {
+      while (next < elements.size() && elements[next].kind != kind) ++next;
+      if (next == elements.size()) return false;
+      item.index = next++;
+      fill(item);
+      return true;
+    };
+    platform::Stages<Item>::makeBeside(make, draw);
   }
 
   static int insert(const AcGePoint3d& place, std::u16string_view layer, const EpaJunc& junction,
@@ -95,14 +113,18 @@ class Drawing {
   template <class Record>
   void drawLinks(LinkKind kind, DrawnKind& drawn) {
     const std::u16string layer = layerOf<Record>();
-    Record record;
-    AcGePoint3dArray points;
-    for (std::uint32_t i = 0; i < network_.links.size(); ++i) {
-      if (network_.links[i].kind != kind) continue;
-      form_.fill(i, record);
-      form_.course(i, points);
-      drawn.drawn += drawLink(layer, record, points, drawn.notices);
-    }
+    struct Link {
+      std::uint32_t index;
+      Record record;
+      AcGePoint3dArray points;
+    };
+    const auto fill = [this](Link& link) {
+      form_.fill(link.index, link.record);
+      form_.course(link.index, link.points);
+    };
+    drawAll<Link>(network_.links, kind, fill, [&](const Link& link) {
+      drawn.drawn += drawLink(layer, link.record, link.points, drawn.notices);
+    });
   }
 
   static bool drawLink(std::u16string_view layer, const EpaPipe& pipe,
@@ -165,8 +187,8 @@ void examineFullFile(const FullFile& file, InpFindings& found) {
 ImportResult drawFullFile(const FullFile& file, std::u16string_view name) {
   ImportResult result;
   // Deflating needs no drawing and takes a tenth of the whole: it goes on beside.
-  std::future<PackedText> packed = std::async(std::launch::async | std::launch::deferred,
-                                              [&file] { return packText(file.document.text()); });
+  std::future<PackedText> packed =
+      platform::beside([&file] { return packText(file.document.text()); });
   for (const char16_t* application :
        {app::kImport, app::kSettings, app::kPattern, app::kCurve, app::kKept}) {
     acdbRegApp(application);

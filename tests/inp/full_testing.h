@@ -313,7 +313,7 @@ class FullNetwork : public DrawnNetwork {
   };
   static Found find(const std::string& name) {
     Found found;
-    DrawnEntities(u"Rete").visit([&](const DrawnEntity& entity) {
+    DrawnEntities(u"Rete").visitBeside([&](const DrawnEntity& entity) {
       if (!entity.tie || *entity.tie != platform::widen(name)) return;
       (entity.isCourse ? found.course : found.id) = entity.id;
       if (!entity.isCourse) found.kind = entity.kind;
@@ -441,7 +441,7 @@ class FullNetwork : public DrawnNetwork {
     setField(found, "id", name);
     if (link) return;
     std::vector<std::pair<Found, std::string>> ends;
-    DrawnEntities(u"Rete").visit([&](const DrawnEntity& entity) {
+    DrawnEntities(u"Rete").visitBeside([&](const DrawnEntity& entity) {
       if (entity.isNode() || entity.isCourse) return;
       if (entity.text(schema::Field::node1) == id) {
         ends.push_back({{entity.id, entity.kind, {}}, "node1"});
