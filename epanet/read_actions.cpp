@@ -1,4 +1,6 @@
 // Patterns, curves, controls and rules.
+#include <cmath>
+
 #include "epanet/lexis.h"
 #include "epanet/reader.h"
 
@@ -95,7 +97,7 @@ void Reader::readControl() {
     const auto time = timeOf(word(5), words > 6 ? word(6) : std::string_view());
     if (!time || *time < 0) return problem(Fault::option, 5);
     control.level = {*time, at(5)};
-    if (clock) control.level.value = static_cast<double>(static_cast<long long>(*time) % 86400);
+    if (clock) control.level.value = std::fmod(std::trunc(*time), 86400);
   } else {
     if (words < 8) return problem(Fault::syntax);
     control.node = node(5, Role::clause);
