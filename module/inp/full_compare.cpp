@@ -2,16 +2,17 @@
 
 #include <algorithm>
 #include <cmath>
-#include <unordered_map>
+#include <map>
+#include <tuple>
 #include <unordered_set>
 
+#include "module/inp/full_added.h"
 #include "module/inp/full_series.h"
 #include "module/inp/full_values.h"
+#include "module/inp/full_wanted.h"
 #include "module/network/element_data.h"
 #include "module/network/pattern_curve_store.h"
-#include "module/network/point_grid.h"
 #include "module/network/settings_store.h"
-#include "platform/format.h"
 #include "platform/text.h"
 
 namespace vessora {
@@ -27,62 +28,6 @@ constexpr double kSamePlace = 1e-6;  // per axis
 bool sameSpot(const AcGePoint3d& a, const AcGePoint3d& b) {
   return std::fabs(a.x - b.x) <= kSamePlace && std::fabs(a.y - b.y) <= kSamePlace;
 }
-
-const schema::Kind& kindOfNode(NodeKind kind) {
-  return kind == NodeKind::junction    ? schema::kJunc
-         : kind == NodeKind::reservoir ? schema::kResv
-                                       : schema::kTank;
-}
-const schema::Kind& kindOfLink(LinkKind kind) {
-  return kind == LinkKind::pipe   ? schema::kPipe
-         : kind == LinkKind::pump ? schema::kPump
-                                  : schema::kValv;
-}
-
-AcGePoint3dArray interior(const AcGePoint3dArray& points) {
-  return points.size() < 3 ? AcGePoint3dArray()
-                           : AcGePoint3dArray(points.begin() + 1, points.end() - 1);
-}
-
-// --- the texts that an element of the file would have --------------------------------------------
-
-// The records of the element at hand, one of each kind: they are large, and one is filled for each
-// element.
-class Wanted {
- public:
-  explicit Wanted(const FullForm& form) : form_(form) {}
-  const schema::Kind& kind() const { return *kind_; }
-  std::uint32_t index() const { return index_; }
-  void take(const schema::Kind& kind, std::uint32_t index) {
-    kind_ = &kind;
-    index_ = index;
-    if (kind_ == &schema::kJunc) form_.fill(index, junc_);
-    if (kind_ == &schema::kResv) form_.fill(index, resv_);
-    if (kind_ == &schema::kTank) form_.fill(index, tank_);
-    if (kind_ == &schema::kPipe) form_.fill(index, pipe_);
-    if (kind_ == &schema::kPump) form_.fill(index, pump_);
-    if (kind_ == &schema::kValv) form_.fill(index, valv_);
-  }
-  std::u16string_view text(Field field) const {
-    if (kind_ == &schema::kJunc) return textOf(junc_, field);
-    if (kind_ == &schema::kResv) return textOf(resv_, field);
-    if (kind_ == &schema::kTank) return textOf(tank_, field);
-    if (kind_ == &schema::kPipe) return textOf(pipe_, field);
-    if (kind_ == &schema::kPump) return textOf(pump_, field);
-    return textOf(valv_, field);
-  }
-
- private:
-  const FullForm& form_;
-  const schema::Kind* kind_ = nullptr;
-  std::uint32_t index_ = kNone;
-  EpaJunc junc_;
-  EpaResv resv_;
-  EpaTank tank_;
-  EpaPipe pipe_;
-  EpaPump pump_;
-  EpaValv valv_;
-};
 
 // --- the comparison ------------------------------------------------------------------------------
 
@@ -305,13 +250,14 @@ class Comparing {
 
   // Of entities with one tie the one at its kept place is the original, else the first.
   void sortOutCopies() {
+    std::map<Part, std::size_t> copiesUpTo;  // among the changes
     for (const auto& [id, index] : twice_) {
       if (!entities_.read(id)) continue;
       const DrawnEntity second = entities_.entity();
       AcDbObjectId& first = placeOf(second, index);
       if (atKeptPlace(second, index) && entities_.read(first) &&
           !atKeptPlace(entities_.entity(), index)) {
-        forget(second, index);
+        copiesUpTo[{second.kind, index, second.isCourse}] = result_.changed.size();
         others_.push_back(first);
         first = id;
         compare(second, index);
@@ -319,6 +265,13 @@ class Comparing {
         others_.push_back(id);
       }
     }
+    if (copiesUpTo.empty()) return;
+    std::size_t at = 0;
+    std::erase_if(result_.changed, [&](const ChangedElement& change) {
+      const bool course = change.fields.empty() && change.vertices && change.kind != &schema::kPipe;
+      const auto known = copiesUpTo.find({change.kind, change.index, course});
+      return at++ < (known == copiesUpTo.end() ? 0 : known->second);
+    });
   }
 
   bool atKeptPlace(const DrawnEntity& entity, std::uint32_t index) const {
@@ -331,14 +284,6 @@ class Comparing {
     }
     return sameSpot(entity.points.front(), course.front()) &&
            sameSpot(entity.points.back(), course.back());
-  }
-
-  void forget(const DrawnEntity& entity, std::uint32_t index) {
-    std::erase_if(result_.changed, [&](const ChangedElement& change) {
-      const bool course = change.fields.empty() && change.vertices && entity.kind != &schema::kPipe;
-      return change.kind == entity.kind && change.index == index &&
-             (entity.isNode() || course == entity.isCourse);
-    });
   }
 
   // What has no tie, because a program has dropped it or somebody has drawn the element again, is
@@ -391,67 +336,12 @@ class Comparing {
   void takeNew() {
     if (others_.empty()) return;
     for (std::uint32_t i = 0; i < nodes_.size(); ++i) {
-      if (nodes_[i].isNull()) continue;
-      nodeNames_.insert(form_.nodeName(i));
-      if (entities_.read(nodes_[i])) addPlace(entities_.entity().position, form_.nodeName(i));
+      if (!nodes_[i].isNull()) new_.knowNode(form_.nodeName(i), nodes_[i]);
     }
     for (std::uint32_t i = 0; i < links_.size(); ++i) {
-      if (!links_[i].isNull()) linkNames_.insert(form_.linkName(i));
+      if (!links_[i].isNull()) new_.knowLink(form_.linkName(i));
     }
-    for (const AcDbObjectId id : others_) {
-      if (!entities_.read(id) || !entities_.entity().isCourse) continue;
-      courseOfName_.emplace(courseKey(entities_.entity()), entities_.entity().points);
-    }
-    // Links end on nodes; copies have to leave their names to what is not one.
-    for (const bool nodes : {true, false}) {
-      for (const bool copies : {false, true}) takeNew(nodes, copies);
-    }
-  }
-
-  void takeNew(bool nodes, bool copies) {
-    for (const AcDbObjectId id : others_) {
-      if (!entities_.read(id)) continue;
-      const DrawnEntity entity = entities_.entity();
-      if (entity.isCourse || entity.isNode() != nodes) continue;
-      if ((tied(entity) != kNone) == copies) takeNew(entity);
-    }
-  }
-
-  void addPlace(const AcGePoint3d& place, const std::u16string& name) {
-    nodePlaces_.add({place.x, place.y, 0}, name);
-  }
-
-  void takeNew(const DrawnEntity& entity) {
-    NewElement element;
-    element.kind = entity.kind;
-    element.entity = entity.id;
-    const bool copy = tied(entity) != kNone;
-    auto& names = entity.isNode() ? nodeNames_ : linkNames_;
-    std::u16string wanted(entity.text(Field::id));
-    if (wanted.empty()) wanted = entity.name();
-    if (wanted.empty()) wanted = entity.kind->layer[0] == u'P' ? u"P1" : u"N1";
-    element.name = names.contains(wanted) ? freeName(wanted, names) : wanted;
-    names.insert(element.name);
-    if (element.name != wanted) {
-      element.copyOf = wanted;
-      result_.notices.push_back({NoticeCode::elementCopied, wanted, element.name});
-    }
-    if (entity.isNode()) {
-      element.place = entity.position;
-      addPlace(entity.position, element.name);
-    } else {
-      const AcGePoint3dArray course =
-          entity.kind == &schema::kPipe ? entity.points : courseOf(entity);
-      element.vertices = interior(course);
-      element.node1 = endOf(entity, Field::node1, copy, course, true);
-      element.node2 = endOf(entity, Field::node2, copy, course, false);
-      for (const std::u16string& end : {element.node1, element.node2}) {
-        if (!nodeNames_.contains(end)) {
-          result_.notices.push_back({NoticeCode::endUnknown, element.name, end});
-        }
-      }
-    }
-    result_.added.push_back(std::move(element));
+    new_.take(others_, [this](const DrawnEntity& entity) { return tied(entity) != kNone; });
   }
 
   // Ends that have been changed to what nobody is called.
@@ -460,58 +350,11 @@ class Comparing {
       for (const ChangedField& field : element.fields) {
         if (field.field != Field::node1 && field.field != Field::node2) continue;
         const std::uint32_t node = form_.nodeNamed(field.now);
-        if ((node != kNone && !nodes_[node].isNull()) || nodeNames_.contains(field.now)) continue;
+        if ((node != kNone && !nodes_[node].isNull()) || new_.hasNode(field.now)) continue;
         result_.notices.push_back(
             {NoticeCode::endUnknown, form_.linkName(element.index), field.now});
       }
     }
-  }
-
-  static std::u16string courseKey(const DrawnEntity& entity) {
-    return entity.kind->layer + std::u16string(entity.name());
-  }
-
-  static std::u16string freeName(std::u16string_view wanted,
-                                 const std::unordered_set<std::u16string>& names) {
-    for (int n = 2;; ++n) {
-      const std::u16string tail = platform::format(u"-%d", n);
-      std::u16string name(wanted.substr(0, 31 - tail.size()));
-      name += tail;
-      if (!names.contains(name)) return name;
-    }
-  }
-
-  // A copy ends on the nodes that it lies on, a new link on those that it names.
-  std::u16string endOf(const DrawnEntity& entity, Field field, bool copy,
-                       const AcGePoint3dArray& course, bool first) {
-    const std::u16string named(entity.text(field));
-    if (!copy && nodeNames_.contains(named)) return named;
-    if (!course.empty()) {
-      const AcGePoint3d& at = first ? course.front() : course.back();
-      std::u16string found;
-      nodePlaces_.visit({at.x, at.y, 0}, [&](const std::u16string& name) {
-        found = name;
-        return false;
-      });
-      if (!found.empty()) return found;
-    }
-    return named;
-  }
-
-  // The course that belongs to a new pump or valve: of its name, and of several the nearest.
-  AcGePoint3dArray courseOf(const DrawnEntity& entity) const {
-    AcGePoint3dArray best;
-    double nearest = HUGE_VAL;
-    const auto [from, to] = courseOfName_.equal_range(courseKey(entity));
-    for (auto at = from; at != to; ++at) {
-      AcGePoint3d place;
-      if (!linkBlockPlace(at->second, place)) continue;
-      const double distance = std::hypot(place.x - entity.position.x, place.y - entity.position.y);
-      if (distance >= nearest) continue;
-      nearest = distance;
-      best = at->second;
-    }
-    return best;
   }
 
   // A rename of what is gone needs no row.
@@ -545,14 +388,14 @@ class Comparing {
   DrawnEntities entities_;
   std::vector<AcDbObjectId> nodes_, links_, courses_;  // of the network's elements
   std::vector<AcDbObjectId> others_;                   // that the text does not have
+  // The entity of an element, or the course of a pump or valve.
+  using Part = std::tuple<const schema::Kind*, std::uint32_t, bool>;
   std::vector<std::pair<AcDbObjectId, std::uint32_t>> twice_;
-  std::unordered_set<std::u16string> nodeNames_, linkNames_;  // of what will be in the file
-  PointGrid<std::u16string> nodePlaces_{kPlaceTolerance};     // in plan
-  std::unordered_multimap<std::u16string, AcGePoint3dArray> courseOfName_;  // of new ones
   std::vector<EpaPattern> patterns_;
   std::vector<EpaCurve> curves_;
   std::vector<Rename> unnoted_;
   Comparison result_;
+  NewElements new_{entities_, result_};
 };
 
 }  // namespace
