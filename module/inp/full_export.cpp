@@ -85,7 +85,23 @@ std::vector<schema::Field> otherMeanings(const epanet::Units& was, const epanet:
   return fields;
 }
 
+// The kept text with what has been changed, which is said.
+std::string changedText(std::u16string_view network, const KeptFile& kept,
+                        const Comparison& comparison, const epanet::Units& units,
+                        Notices& notices) {
+  const epanet::Record record = kept.record();
+  epanet::Editor editor(kept.document);
+  FullRows(network, kept.network, record, units, editor, notices).write(comparison);
+  return editor.empty() ? kept.document.text() : editor.apply().text;
+}
+
 }  // namespace
+
+epanet::Record KeptFile::record() const {
+  epanet::Record record;
+  const epanet::Network again(document, &record);
+  return record;
+}
 
 std::unique_ptr<KeptFile> keptFile(std::u16string_view network, bool withoutText,
                                    Notices& notices) {
@@ -113,20 +129,15 @@ std::optional<std::string> fullText(const ExportRequest& request, ExportResult& 
   if (!request.rewrite && !others.empty()) {
     comparison = compareNetwork(request.network, kept->network, Match::byTie, others);
   }
+  const bool same = comparison.empty() && !request.units;
   std::string text;
-  {
-    epanet::Editor editor(kept->document);
-    FullRows rows(request.network, kept->network, kept->record, units, editor, result.notices);
-    rows.write(comparison);
-    result.notices.insert(result.notices.end(), comparison.notices.begin(),
-                          comparison.notices.end());
-    if (editor.empty() && !request.units) return kept->document.text();
-    text = editor.apply().text;
-  }
+  if (!same) text = changedText(request.network, *kept, comparison, units, result.notices);
+  result.notices.insert(result.notices.end(), comparison.notices.begin(), comparison.notices.end());
+  if (same) return kept->document.text();
   if (!request.units) return text;
   const KeptFile now(std::move(text));
   epanet::Converted converted =
-      epanet::convert(now.document, now.network, now.record, *request.units, request.solver);
+      epanet::convert(now.document, now.network, now.record(), *request.units, request.solver);
   result.remarks = std::move(converted.remarks);
   return std::move(converted.edit.text);
 }

@@ -15,9 +15,11 @@ namespace vessora {
 // The text of a network's file and what it means. For a network without kept text: that of a file
 // which has its settings and nothing else.
 struct KeptFile {
-  explicit KeptFile(std::string bytes) : document(std::move(bytes)), network(document, &record) {}
+  explicit KeptFile(std::string bytes) : document(std::move(bytes)), network(document) {}
+  // Where it names things and gives quantities, read anew: only who changes the text needs it.
+  epanet::Record record() const;
+
   epanet::Document document;
-  epanet::Record record;
   epanet::Network network;
 };
 // Null, with a notice, when the drawing has a text that cannot be used.

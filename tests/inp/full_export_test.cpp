@@ -82,7 +82,7 @@ TEST_F(FullExport, WritesWhatIsDrawnInEveryUnit) {
        {epanet::FlowUnits::lps, epanet::FlowUnits::cms, epanet::FlowUnits::mgd}) {
     const KeptFile file(kTown);
     const std::string text =
-        epanet::convert(file.document, file.network, file.record, units).edit.text;
+        epanet::convert(file.document, file.network, file.record(), units).edit.text;
     import(text);
     const std::string drawn = bytes();
     for (const auto& [edits_, left] : edits) {
