@@ -292,6 +292,32 @@ TEST_F(ObjectsTest, UndoAndRedoByCommand) {
   for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
 }
 
+TEST_F(ObjectsTest, WhatACommandMakesAndErasesIsAwayEitherWay) {
+  std::vector<AcDbObjectId> made;
+  command(u"PROVA", [&] {
+    for (int i = 0; i < 5; ++i) made.push_back(addLine(u"A"));
+    for (const int i : {0, 2, 4}) {
+      Open<AcDbEntity>(made[static_cast<std::size_t>(i)], AcDb::kForWrite)->erase();
+    }
+  });
+  const auto standing = [&] {
+    std::string s;
+    for (const AcDbObjectId id : made) s += erased(id) ? '-' : 'x';
+    return s;
+  };
+  EXPECT_EQ(standing(), "-x-x-");
+  command(u"CAMBIA", [&] { Open<AcDbEntity>(made[1], AcDb::kForWrite)->setColorIndex(3); });
+  drawing().undo();
+  EXPECT_EQ(drawing().undo(), u"PROVA");
+  EXPECT_EQ(standing(), "-----");
+  EXPECT_EQ(drawing().redo(), u"PROVA");
+  EXPECT_EQ(standing(), "-x-x-");
+  EXPECT_EQ(Open<AcDbEntity>(made[1])->colorIndex(), 256);
+  drawing().redo();
+  EXPECT_EQ(Open<AcDbEntity>(made[1])->colorIndex(), 3);
+  for (const std::string& f : checking::checkDrawing(drawing().toBytes())) ADD_FAILURE() << f;
+}
+
 // The end mark of a sequence that a command made and undo took away must come back with the next
 // part.
 TEST_F(ObjectsTest, PartsAddedAfterUndo) {

@@ -194,6 +194,17 @@ TEST_F(Files, BytesArriveUnchangedInPiecesOfAnySize) {
   EXPECT_EQ(entries(), 1u);  // nothing to back up, nothing left behind
 }
 
+TEST_F(Files, ALargeFileArrivesWhole) {
+  for (const std::size_t size : {kLarge - 1, kLarge, kLarge + 1, 3 * kLarge + 7}) {
+    std::string bytes(size, '\0');
+    for (std::size_t i = 0; i < size; ++i) bytes[i] = static_cast<char>(i * 7919 >> 3);
+    ASSERT_TRUE(writeFile(at("large"), bytes));
+    const auto read = readOrdinaryFile(at("large"));
+    ASSERT_TRUE(read);
+    EXPECT_TRUE(std::string_view(read->memory.data(), read->size) == bytes) << size;
+  }
+}
+
 TEST_F(Files, ASaveKeepsPermissionsBackupAndLinks) {
   ASSERT_TRUE(writeFile(at("plan.dxf"), "one"));
   ASSERT_EQ(chmod(at("plan.dxf").c_str(), 0640), 0);
