@@ -8,6 +8,7 @@
 #include <cmath>
 #include <memory>
 
+#include "cad/view/placed.h"
 #include "platform/text.h"
 
 namespace cad::view {
@@ -17,7 +18,6 @@ constexpr double kMargin = 0.03;       // of the larger side
 constexpr double kCapHeight = 0.73;    // of the em, in the fonts at hand
 constexpr double kLargestText = 1e12;  // square pixels of an em
 constexpr double kSmallestText = 1.6;  // pixels: below that letters are dust
-constexpr double kPixelsPerMillimetre = 4;
 
 struct Spot {
   double x = 0, y = 0;
@@ -39,19 +39,7 @@ class Projection {
       grow({options.window->x1, options.window->y1});
       grow({options.window->x2, options.window->y2});
     } else {
-      for (const Item& item : picture.items) {
-        if (item.endless) continue;
-        if (item.kind == Kind::text) {
-          growText(picture, item, grow);
-          continue;
-        }
-        for (std::uint32_t i = 0; i < item.count; ++i) {
-          const AcGePoint3d& p = picture.points[item.first + i];
-          if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 &&
-              std::fabs(p.y) < 1e15)
-            grow(flat(p));
-        }
-      }
+      for (const Item& item : picture.items) growItem(picture, item, grow);
     }
     if (low[0] > high[0]) low[0] = low[1] = 0, high[0] = high[1] = 1;
     double w = high[0] - low[0], h = high[1] - low[1];
@@ -65,12 +53,34 @@ class Projection {
     top_ = (low[1] + high[1]) / 2 + height / scale / 2;
   }
 
+  explicit Projection(const Placement& at)
+      : width(at.width),
+        height(at.height),
+        scale(at.scale),
+        thinnest(at.thinnest),
+        left_(at.left),
+        top_(at.top) {}
+
   Spot operator()(const AcGePoint3d& p) const {
     const Spot s = flat(p);
     return {(s.x - left_) * scale, (top_ - s.y) * scale};
   }
 
   double width = 0, height = 0, scale = 1;
+  double thinnest = 1;  // line
+
+  // Hands over what an item reaches.
+  template <class Grow>
+  void growItem(const Picture& picture, const Item& item, Grow&& grow) const {
+    if (item.endless) return;
+    if (item.kind == Kind::text) return growText(picture, item, grow);
+    for (std::uint32_t i = 0; i < item.count; ++i) {
+      const AcGePoint3d& p = picture.points[item.first + i];
+      if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 &&
+          std::fabs(p.y) < 1e15)
+        grow(flat(p));
+    }
+  }
 
  private:
   // A text reaches as far as its letters do, by an average of their width.
@@ -92,12 +102,30 @@ class Projection {
     return {(p.x - p.y) / std::sqrt(2.0),
             (p.x + p.y) / std::sqrt(6.0) + p.z * std::sqrt(2.0 / 3.0)};
   }
-  bool iso_;
+  bool iso_ = false;
   double left_ = 0, top_ = 0;
 };
 
-// The text without halves of characters, which a file may hold and no font has: one of them would
-// end the whole picture.
+}  // namespace
+
+Shade shownOn(const Color& c, bool dark) {
+  double r = c.red / 255.0, g = c.green / 255.0, b = c.blue / 255.0;
+  const double light = 0.299 * r + 0.587 * g + 0.114 * b;
+  if (!dark && light > 0.7) {
+    const double f = 0.62 / light;
+    r *= f;
+    g *= f;
+    b *= f;
+  }
+  if (dark && light < 0.25) {
+    const double lift = 0.35;
+    r += (1 - r) * lift;
+    g += (1 - g) * lift;
+    b += (1 - b) * lift;
+  }
+  return {r, g, b};
+}
+
 std::u16string wholeCharacters(std::u16string text) {
   for (std::size_t i = 0; i < text.size(); ++i) {
     if ((text[i] & 0xF800) != 0xD800) continue;
@@ -111,9 +139,16 @@ std::u16string wholeCharacters(std::u16string text) {
   return text;
 }
 
+namespace {
+
 cairo_status_t append(void* closure, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
   return CAIRO_STATUS_SUCCESS;
+}
+
+// The same picture is the same file, whenever it was made.
+void withoutTime(cairo_surface_t* pdf) {
+  cairo_pdf_surface_set_metadata(pdf, CAIRO_PDF_METADATA_CREATE_DATE, "");
 }
 
 class Painter {
@@ -121,9 +156,12 @@ class Painter {
   Painter(cairo_t* cr, const Picture& picture, const PaintOptions& options, const Projection& at)
       : cr_(cr), p_(picture), o_(options), at_(at) {}
 
-  void run() {
+  void ground() {
     o_.dark ? cairo_set_source_rgb(cr_, 0.13, 0.14, 0.16) : cairo_set_source_rgb(cr_, 1, 1, 1);
     cairo_paint(cr_);
+  }
+
+  void run() {
     cairo_set_line_join(cr_, CAIRO_LINE_JOIN_ROUND);
     cairo_set_line_cap(cr_, CAIRO_LINE_CAP_ROUND);
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
@@ -148,27 +186,13 @@ class Painter {
  private:
   Spot spot(std::uint32_t i) const { return at_(p_.points[i]); }
 
-  // Colours of the lightest kind cannot be told from white paper.
   void source(const Pen& pen) {
     Color c = pen.index < 0 ? pen.exact : indexedColor(pen.index, o_.dark);
     if (haveColor_ && c == color_) return;
     color_ = c;
     haveColor_ = true;
-    double r = c.red / 255.0, g = c.green / 255.0, b = c.blue / 255.0;
-    const double light = 0.299 * r + 0.587 * g + 0.114 * b;
-    if (!o_.dark && light > 0.7) {
-      const double f = 0.62 / light;
-      r *= f;
-      g *= f;
-      b *= f;
-    }
-    if (o_.dark && light < 0.25) {
-      const double lift = 0.35;
-      r += (1 - r) * lift;
-      g += (1 - g) * lift;
-      b += (1 - b) * lift;
-    }
-    cairo_set_source_rgb(cr_, r, g, b);
+    const Shade shade = shownOn(c, o_.dark);
+    cairo_set_source_rgb(cr_, shade.red, shade.green, shade.blue);
   }
 
   bool outside(const Item& item) const {
@@ -197,7 +221,7 @@ class Painter {
 
   void line(const Item& item) {
     if (outside(item)) return;
-    const double wide = std::max(1.0, item.pen.weight * kPixelsPerMillimetre);
+    const double wide = std::max(at_.thinnest, item.pen.weight * kDotsPerMillimetre);
     cairo_set_line_width(cr_, wide);
     Spot before = spot(item.first);
     cairo_move_to(cr_, before.x, before.y);
@@ -280,6 +304,31 @@ class Painter {
 
 bool isEmpty(const Picture& picture) { return picture.items.empty(); }
 
+void paintPlaced(cairo_t* cr, const Picture& picture, const Placement& placement) {
+  Painter(cr, picture, {}, Projection(placement)).run();
+}
+
+std::optional<Window> boundsOf(const Picture& picture, const Item& item) {
+  Window box{1e300, 1e300, -1e300, -1e300};
+  Projection(Placement()).growItem(picture, item, [&](Spot s) {
+    box = {std::min(box.x1, s.x), std::min(box.y1, s.y), std::max(box.x2, s.x),
+           std::max(box.y2, s.y)};
+  });
+  return box.x1 <= box.x2 ? std::optional(box) : std::nullopt;
+}
+
+std::optional<Window> boundsOf(const Picture& picture) {
+  std::optional<Window> all;
+  for (const Item& item : picture.items) {
+    const auto box = boundsOf(picture, item);
+    if (!box) continue;
+    if (!all) all = *box;
+    *all = {std::min(all->x1, box->x1), std::min(all->y1, box->y1), std::max(all->x2, box->x2),
+            std::max(all->y2, box->y2)};
+  }
+  return all;
+}
+
 platform::Result<std::string> paint(const Picture& picture, const PaintOptions& options) {
   const Projection at(picture, options);
   std::string bytes;
@@ -294,6 +343,7 @@ platform::Result<std::string> paint(const Picture& picture, const PaintOptions& 
       break;
     case Format::pdf:
       made = cairo_pdf_surface_create_for_stream(append, &bytes, at.width, at.height);
+      withoutTime(made);
       break;
   }
   const std::unique_ptr<cairo_surface_t, void (*)(cairo_surface_t*)> surface(made,
@@ -301,7 +351,9 @@ platform::Result<std::string> paint(const Picture& picture, const PaintOptions& 
   {
     const std::unique_ptr<cairo_t, void (*)(cairo_t*)> cr(cairo_create(surface.get()),
                                                           cairo_destroy);
-    Painter(cr.get(), picture, options, at).run();
+    Painter painter(cr.get(), picture, options, at);
+    painter.ground();
+    painter.run();
     cairo_show_page(cr.get());
     if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS) {
       return platform::Error{cairo_status_to_string(cairo_status(cr.get()))};

@@ -45,7 +45,8 @@ struct Styled {
 
 class Taker {
  public:
-  Taker(const Drawing& drawing, const Selection& selection) : d_(drawing) {
+  Taker(const Drawing& drawing, const Selection& selection)
+      : d_(drawing), without_(selection.without) {
     for (const std::u16string& name : selection.layers) only_.insert(d_.names().find(name));
   }
 
@@ -54,7 +55,7 @@ class Taker {
     for (std::uint32_t e = d_.structure().firstEntity(space); e;
          e = d_.structure().nextEntity(space, e)) {
       if (!only_.empty() && !only_.count(d_.record(e).layer)) continue;
-      if (!look(d_.record(e).layer).shown) continue;
+      if (!look(d_.record(e).layer).shown || without_.count(e)) continue;
       entity(
           e, [&](Styled&& p) { emit(std::move(p)); }, 0);
       if (picture_.tooMany) break;
@@ -291,6 +292,7 @@ class Taker {
   }
 
   const Drawing& d_;
+  const std::set<std::uint32_t>& without_;
   Picture picture_;
   std::set<std::uint32_t> only_, underWay_;
   std::vector<LayerLook> looks_;

@@ -7,6 +7,7 @@
 
 #include <cstdint>
 #include <map>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -60,6 +61,7 @@ struct Picture {
 
 struct Selection {
   std::vector<std::u16string> layers;  // only these, when any is named
+  std::set<std::uint32_t> without;     // entities that are left out, by their records
 };
 
 // Everything that model space shows.
