@@ -1,0 +1,13 @@
+// Texts of a drawing at a height that can be read on paper.
+#pragma once
+
+#include "cad/view/picture.h"
+
+namespace cad::view {
+
+// Makes texts that would be lower than `least` drawing units so high, each where it stands; one
+// that would then lie on another text is left out. Texts that are high enough stay as they are.
+// Returns how many are left out.
+int raiseTexts(Picture& picture, double least);
+
+}  // namespace cad::view
