@@ -73,6 +73,7 @@ class ModuleJobs : public Jobs {
     const CommandSpan span;
     return vessora::colorNetwork(network, request);
   }
+  std::vector<DrawnLegend> drawnLegends() override { return vessora::drawnLegends(); }
   Notices highlightElements(std::u16string_view network, const QueryRows& rows) override {
     return vessora::highlightElements(network, rows);
   }

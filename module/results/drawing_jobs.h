@@ -54,6 +54,17 @@ struct ColorResult {
   Notices notices;
 };
 
+// A legend that stands in the drawing: its classes from the first, with host colour indices.
+struct DrawnLegend {
+  struct Class {
+    int color = 0;
+    std::u16string range;
+  };
+  AcDbObjectId id;
+  std::u16string title;
+  std::vector<Class> classes;
+};
+
 // A profile along links. Without a place it has no frame and stands about the drawing's origin.
 struct ProfileRequest {
   std::vector<std::u16string> links;    // names, in the order in which they join
@@ -83,6 +94,8 @@ QueryResult queryNetwork(std::u16string_view network, const QueryRequest& reques
 // Bounds come from the network's rows; colours go to every element with results, of whatever
 // network. Nothing remembers the colour that an element had before.
 ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request);
+// The legends of nodes and links that the drawing has, in drawing order.
+std::vector<DrawnLegend> drawnLegends();
 // The elements of these rows in orange, or back in the colours in which symbols and links are
 // drawn.
 Notices highlightElements(std::u16string_view network, const QueryRows& rows);
