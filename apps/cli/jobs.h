@@ -2,10 +2,12 @@
 // standard error.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "apps/cli/host.h"
+#include "cad/view/painter.h"
 
 namespace cli {
 
@@ -66,8 +68,18 @@ struct RenderOptions {
   std::vector<std::string> layers;
   bool dark = false;
   int width = 1600;
+  // On a sheet of paper, when one is named.
+  std::string paper, scale = "auto", title, network, date;
+  bool landscape = false;
+  int dpi = 150;
+  double textHeight = 1.4;  // least, mm of paper
 };
 int render(const RenderOptions& options);
+// The same on a sheet; of form and window the caller has made sure.
+int renderSheet(const RenderOptions& options, cad::view::Format format,
+                const std::optional<cad::view::Window>& window);
+// What a picture could not show, as warnings; the exit status of a failure when it is of no use.
+int judgePicture(const cad::view::Picture& picture, const std::string& drawing);
 
 int shell(const std::string& drawing, InpMode mode);
 

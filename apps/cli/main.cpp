@@ -15,6 +15,34 @@ void addClassic(CLI::App& command, cli::InpMode& mode) {
                  "INP files and results the classic way (VSINPMODE=CLASSIC)"));
 }
 
+// A sheet of paper in place of a picture.
+void addSheet(CLI::App& command, cli::RenderOptions& render) {
+  using cli::words;
+  auto* paper = command.add_option("--paper", render.paper,
+                                   words("tavola in scala su carta A4, A3, A2, A1 o A0",
+                                         "sheet at scale on A4, A3, A2, A1 or A0 paper"));
+  for (const char* other : {"--dark", "--width"}) paper->excludes(command.get_option(other));
+  const auto add = [&](const char* name, auto& value, const std::string& help) {
+    return command.add_option(name, value, help)->needs(paper);
+  };
+  command.add_flag("--landscape", render.landscape, words("foglio orizzontale", "lying paper"))
+      ->needs(paper);
+  add("--scale", render.scale,
+      words("scala della tavola, 1:2000, o auto", "scale of the sheet, 1:2000, or auto"));
+  add("--title", render.title,
+      words("titolo della tavola (altrimenti il nome del file)",
+            "title of the sheet (else the file's name)"));
+  add("--date", render.date,
+      words("data da scrivere (altrimenti oggi)", "date to write (else today)"));
+  add("-n,--network", render.network, words("rete del cartiglio", "network of the title block"));
+  add("--text-height", render.textHeight,
+      words("altezza minima sulla carta dei testi del disegno [mm]; chi non trova posto si omette",
+            "least height on paper of the drawing's texts [mm]; those without room are left out"))
+      ->check(CLI::Range(0.1, 100.0));
+  add("--dpi", render.dpi, words("punti per pollice di un PNG", "dots per inch of a PNG"))
+      ->check(CLI::Range(30, 600));
+}
+
 }  // namespace
 
 int main(int argc, char** argv) {
@@ -190,6 +218,7 @@ int main(int argc, char** argv) {
   c->add_option("--window", render.window, words("finestra x1,y1,x2,y2", "window x1,y1,x2,y2"));
   c->add_option("--layers", render.layers, words("solo questi layer", "only these layers"))
       ->delimiter(',');
+  addSheet(*c, render);
   c->callback([&] { status = cli::render(render); });
 
   std::string shellDrawing;

@@ -34,6 +34,31 @@ bool parseWindow(const std::string& text, cad::view::Window& window) {
 
 }  // namespace
 
+int judgePicture(const cad::view::Picture& picture, const std::string& drawing) {
+  if (picture.tooMany) {
+    return fail(
+        drawing + ": " +
+        words("mostra troppe forme, una volta ripetuti i suoi blocchi; disegnare meno layer "
+              "(--layers), o togliere i blocchi annidati",
+              "it shows too many shapes once its blocks are repeated; draw fewer layers "
+              "(--layers), or remove the nested blocks"));
+  }
+  for (const auto& [type, count] : picture.unknown) {
+    warn(std::to_string(count) + " " +
+         words("oggetti non mostrati di tipo ", "objects not shown of type ") +
+         platform::narrow(type));
+  }
+  if (picture.tooDeep > 0) {
+    warn(words("i blocchi annidati oltre 64 livelli non sono mostrati",
+               "blocks nested deeper than 64 levels are not shown"));
+  }
+  if (cad::view::isEmpty(picture)) {
+    warn(words("non c'è nulla da mostrare; la pagina è vuota",
+               "there is nothing to show; the page is empty"));
+  }
+  return 0;
+}
+
 int render(const RenderOptions& o) {
   cad::view::PaintOptions paint;
   if (!formatOf(o.out, paint.format)) {
@@ -53,6 +78,7 @@ int render(const RenderOptions& o) {
     paint.window = window;
   }
   if (const std::string no = refusalOf(o.out, {{o.drawing}}); !no.empty()) return fail(no);
+  if (!o.paper.empty()) return renderSheet(o, paint.format, paint.window);
   AcDbDatabase database(false);
   std::vector<std::string> warnings;
   auto loaded = database.drawing().load(o.drawing, warnings);
@@ -60,27 +86,7 @@ int render(const RenderOptions& o) {
   cad::view::Selection selection;
   for (const std::string& name : o.layers) selection.layers.push_back(platform::widen(name));
   const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
-  if (picture.tooMany) {
-    return fail(
-        o.drawing + ": " +
-        words("mostra troppe forme, una volta ripetuti i suoi blocchi; disegnare meno layer "
-              "(--layers), o togliere i blocchi annidati",
-              "it shows too many shapes once its blocks are repeated; draw fewer layers "
-              "(--layers), or remove the nested blocks"));
-  }
-  for (const auto& [type, count] : picture.unknown) {
-    warn(std::to_string(count) + " " +
-         words("oggetti non mostrati di tipo ", "objects not shown of type ") +
-         platform::narrow(type));
-  }
-  if (picture.tooDeep > 0) {
-    warn(words("i blocchi annidati oltre 64 livelli non sono mostrati",
-               "blocks nested deeper than 64 levels are not shown"));
-  }
-  if (cad::view::isEmpty(picture)) {
-    warn(words("non c'è nulla da mostrare; la pagina è vuota",
-               "there is nothing to show; the page is empty"));
-  }
+  if (const int failed = judgePicture(picture, o.drawing)) return failed;
   auto bytes = cad::view::paint(picture, paint);
   if (!bytes) return fail(o.out + ": " + bytes.error());
   auto written = platform::writeFile(o.out, *bytes);

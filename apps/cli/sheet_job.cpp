@@ -1,0 +1,177 @@
+// Sheets of paper: what stands in the title block, which files come of it.
+#include <cstdlib>
+#include <ctime>
+
+#include "apps/cli/jobs.h"
+#include "apps/cli/outputs.h"
+#include "cad/drawing/drawing.h"
+#include "cad/view/sheet.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace cli {
+namespace {
+
+using cad::view::Sheet;
+using cad::view::SheetFault;
+using cad::view::SheetField;
+using platform::widen;
+
+std::u16string wide(const char* it, const char* en) { return widen(words(it, en)); }
+
+// "1:2000", "2000" or "2:1" as the number behind "1:"; nothing for what is no scale.
+std::optional<double> parseScale(std::string_view text) {
+  const std::size_t colon = text.find(':');
+  const auto number = [](std::string_view part) { return platform::parseReal(widen(part)); };
+  const auto paper = colon == text.npos ? std::optional(1.0) : number(text.substr(0, colon));
+  const auto ground = number(colon == text.npos ? text : text.substr(colon + 1));
+  if (!paper || !ground || !(*paper > 0) || !(*ground > 0)) return std::nullopt;
+  const double scale = *ground / *paper;
+  return scale >= 1e-6 && scale <= 1e9 ? std::optional(scale) : std::nullopt;
+}
+
+// Today, or the day that whoever builds reproducibly asks for.
+std::string today() {
+  std::time_t now = std::time(nullptr);
+  std::tm day{};
+  const char* const fixed = std::getenv("SOURCE_DATE_EPOCH");
+  if (fixed && *fixed) {
+    now = static_cast<std::time_t>(std::strtoll(fixed, nullptr, 10));
+    gmtime_r(&now, &day);
+  } else {
+    localtime_r(&now, &day);
+  }
+  char text[32];
+  std::strftime(text, sizeof text, italian() ? "%d/%m/%Y" : "%Y-%m-%d", &day);
+  return text;
+}
+
+// The network whose results the sheet shows; its data only when it is clear which one it is.
+void addNetwork(vessora::Jobs& jobs, const std::string& name, std::vector<SheetField>& fields) {
+  const vessora::PickedNetwork picked = jobs.pickNetwork(widen(name), u"");
+  const bool found = picked.why == vessora::PickedNetwork::Why::found;
+  fields.push_back({wide("Rete", "Network"), found ? picked.name : widen(listed(picked.names))});
+  if (!found) return;
+  const vessora::NetworkInfo info = jobs.network(picked.name);
+  std::u16string period = info.period;
+  if (period.empty()) {
+    period = info.hasResults ? wide("unico", "single") : wide("nessun risultato", "no results");
+  }
+  fields.push_back({wide("Periodo dei risultati", "Period of the results"), period, true});
+  // In the drawing they are always metric.
+  const std::u16string units = jobs.settingsOf(picked.name).flowUnits.str();
+  fields.push_back({wide("Portate", "Flows"), units == u"LPS" ? u"l/s" : units, true});
+}
+
+std::string refusal(SheetFault fault, const RenderOptions& o) {
+  switch (fault) {
+    case SheetFault::tooManyPages:
+      return words("la scala chiede più di ", "the scale asks for more than ") +
+             std::to_string(cad::view::kMostPages) +
+             words(
+                 " fogli: scegliere una carta più grande, un'altra scala o una finestra (--window)",
+                 " pages: take larger paper, another scale or a window (--window)");
+    case SheetFault::noRoom:
+      return words("legende e cartiglio non lasciano posto su ",
+                   "legends and title block leave no room on ") +
+             o.paper + words(": scegliere una carta più grande", ": take larger paper");
+    case SheetFault::tooManyPixels:
+      return words("troppi punti per un PNG: abbassare --dpi, o scrivere un PDF",
+                   "too many dots for a PNG: lower --dpi, or write a PDF");
+    case SheetFault::none:
+      break;
+  }
+  return {};
+}
+
+// The files of a sheet: of several, each has its number before the extension.
+std::vector<std::string> pathsOf(const std::string& path, std::size_t count) {
+  if (count == 1) return {path};
+  const std::size_t dot = path.find_last_of('.');
+  std::vector<std::string> paths;
+  for (std::size_t i = 1; i <= count; ++i) {
+    paths.push_back(path.substr(0, dot) + "-" + std::to_string(i) + path.substr(dot));
+  }
+  return paths;
+}
+
+int writePages(const cad::view::Picture& picture, const Sheet& sheet, const RenderOptions& o) {
+  const cad::view::SheetLayout layout = cad::view::layOutSheet(picture, sheet);
+  if (layout.fault != SheetFault::none) return fail(o.out + ": " + refusal(layout.fault, o));
+  const bool single = sheet.format == cad::view::Format::pdf;
+  const auto paths = pathsOf(o.out, single ? 1 : layout.pages.pages.size());
+  for (const std::string& path : paths) {
+    if (const std::string no = refusalOf(path, {{o.drawing}}); !no.empty()) return fail(no);
+  }
+  const auto files = cad::view::paintSheet(sheet, layout);
+  if (!files) return fail(o.out + ": " + files.error());
+  for (std::size_t i = 0; i < paths.size(); ++i) {
+    const auto written = platform::writeFile(paths[i], (*files)[i]);
+    if (!written) return fail(written.error());
+  }
+  say(words("scala ", "scale ") + platform::narrow(cad::view::scaleText(layout.pages.scale)) +
+      words(", fogli ", ", pages ") + std::to_string(layout.pages.pages.size()) +
+      (layout.leftOut > 0
+           ? words(", testi senza posto ", ", texts without room ") + std::to_string(layout.leftOut)
+           : ""));
+  return 0;
+}
+
+}  // namespace
+
+int renderSheet(const RenderOptions& o, cad::view::Format format,
+                const std::optional<cad::view::Window>& window) {
+  Sheet sheet;
+  const auto paper = cad::view::paperNamed(o.paper, o.landscape);
+  if (!paper) {
+    return fail(o.paper + ": " +
+                words("la carta è A4, A3, A2, A1 o A0", "paper is A4, A3, A2, A1 or A0"));
+  }
+  if (o.view != "plan") {
+    return fail(words("una tavola in scala mostra la pianta: togliere --view iso",
+                      "a sheet at scale shows the plan: leave out --view iso"));
+  }
+  sheet.paper = *paper;
+  if (!platform::equalNoCase(widen(o.scale), u"auto")) {
+    sheet.scale = parseScale(o.scale);
+    if (!sheet.scale) {
+      return fail(
+          o.scale + ": " +
+          words("la scala si scrive 1:2000, o auto", "the scale is written 1:2000, or auto"));
+    }
+  }
+  sheet.format = format;
+  sheet.window = window;
+  sheet.dpi = o.dpi;
+  sheet.leastText = o.textHeight;
+  const std::string file = o.drawing.substr(0, o.drawing.find_last_of('.'));
+  sheet.title =
+      o.title.empty() ? std::u16string(platform::fileNameOf(widen(file))) : widen(o.title);
+  sheet.words = {wide("Titolo", "Title"), wide("Scala", "Scale"), wide("Foglio", "Sheet"),
+                 wide("Quadro d'unione", "Key plan")};
+  JobSpan jobs;
+  if (auto opened = jobs.open(o.drawing); !opened) return fail(opened.error());
+  if (!o.network.empty()) {
+    const vessora::PickedNetwork picked = jobs->pickNetwork(widen(o.network), u"");
+    if (picked.why != vessora::PickedNetwork::Why::found) {
+      return fail(describe(picked, o.drawing, o.network));
+    }
+  }
+  addNetwork(*jobs.operator->(), o.network, sheet.fields);
+  sheet.fields.push_back({wide("Data", "Date"), widen(o.date.empty() ? today() : o.date)});
+  cad::view::Selection selection;
+  for (const std::string& name : o.layers) selection.layers.push_back(widen(name));
+  // Legends stand beside the plan, in a size for the paper.
+  for (vessora::DrawnLegend& legend : jobs->drawnLegends()) {
+    selection.without.insert(legend.id.index());
+    auto& shown = sheet.legends.emplace_back();
+    shown.title = std::move(legend.title);
+    for (auto& c : legend.classes) shown.classes.push_back({c.color, std::move(c.range)});
+  }
+  const auto& drawing = cad::Session::instance().database()->drawing();
+  const cad::view::Picture picture = cad::view::takePicture(drawing, selection);
+  if (const int failed = judgePicture(picture, o.drawing)) return failed;
+  return writePages(picture, sheet, o);
+}
+
+}  // namespace cli
