@@ -6,7 +6,10 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
+#include "cad/api/ge.h"
+#include "cad/api/object_id.h"
 #include "cad/api/rxobject.h"
 
 namespace AcRx {
@@ -48,6 +51,18 @@ class CAD_API AcRxDynamicLinker : public AcRxObject {
   virtual bool unlockApplication(void* packet) = 0;
   // The module works with several open drawings.
   virtual bool registerAppMDIAware(void* packet) = 0;
+};
+
+// Keeps together what the host's own commands would part. Registered by a module under this name,
+// one for the session; a host that does not know it moves entities all the same.
+class AcEdFollower : public AcRxObject {
+ public:
+  static constexpr char16_t kService[] = u"TRANSFORM_FOLLOWER";
+  // The entities, and no others, stand now where the matrix has put them: moved, turned about an
+  // upright axis or scaled alike. What belongs to them is brought after them, within the same step
+  // of undo. The answer is for the user, empty when there is nothing to say. Nothing is open.
+  virtual std::u16string follow(const std::vector<AcDbObjectId>& entities,
+                                const AcGeMatrix3d& matrix) = 0;
 };
 
 using AcRxFunctionPtr = void (*)();

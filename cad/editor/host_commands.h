@@ -31,6 +31,13 @@ void commandUndo();
 void commandRedo();
 void commandErase();
 
+// --- places (move_commands.cpp)
+void commandMove();
+void commandCopy();
+void commandScale();
+void commandRotate();
+void commandDistance();
+
 // --- layers (layer_commands.cpp)
 void commandLayer();
 
