@@ -1,6 +1,7 @@
 // The jobs that the module offers in the system registry.
 #include "module/jobs.h"
 
+#include "module/editing/followers.h"
 #include "module/entry.h"
 #include "module/host/command_span.h"
 #include "module/host/host_drawing.h"
@@ -209,17 +210,32 @@ class ModuleJobs : public Jobs {
   }
 };
 
+// What goes along when the host's own commands move elements.
+class ModuleFollower : public AcEdFollower {
+ public:
+  std::u16string follow(const std::vector<AcDbObjectId>& entities,
+                        const AcGeMatrix3d& matrix) override {
+    return describe(followMoved(entities, matrix));
+  }
+};
+
 ModuleJobs jobs;
+ModuleFollower follower;
 
 }  // namespace
 
 void offerJobs() {
-  if (AcRxDictionary* registry = acrxSysRegistry()) registry->atPut(Jobs::kService, &jobs);
+  AcRxDictionary* const registry = acrxSysRegistry();
+  if (!registry) return;
+  registry->atPut(Jobs::kService, &jobs);
+  registry->atPut(AcEdFollower::kService, &follower);
 }
 
 void withdrawJobs() {
   AcRxDictionary* registry = acrxSysRegistry();
-  if (registry && registry->at(Jobs::kService) == &jobs) registry->remove(Jobs::kService);
+  if (!registry) return;
+  if (registry->at(Jobs::kService) == &jobs) registry->remove(Jobs::kService);
+  if (registry->at(AcEdFollower::kService) == &follower) registry->remove(AcEdFollower::kService);
 }
 
 }  // namespace vessora
