@@ -73,6 +73,8 @@ struct RenderOptions {
   bool landscape = false;
   int dpi = 150;
   double textHeight = 1.4;  // least, mm of paper
+  std::string profile;      // a longitudinal profile in place of the plan, by its name
+  double heights = 0;       // how many times larger than lengths; 0 chooses
 };
 int render(const RenderOptions& options);
 // The same on a sheet; of form and window the caller has made sure.

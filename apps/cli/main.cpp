@@ -39,6 +39,14 @@ void addSheet(CLI::App& command, cli::RenderOptions& render) {
       words("altezza minima sulla carta dei testi del disegno [mm]; chi non trova posto si omette",
             "least height on paper of the drawing's texts [mm]; those without room are left out"))
       ->check(CLI::Range(0.1, 100.0));
+  auto* profile = add("--profile", render.profile,
+                      words("un profilo longitudinale al posto della pianta, per nome",
+                            "a longitudinal profile in place of the plan, by its name"));
+  add("--heights", render.heights,
+      words("quante volte le altezze del profilo sono ingrandite (altrimenti 10, o quanto sta)",
+            "how many times heights of the profile are enlarged (else 10, or what fits)"))
+      ->needs(profile)
+      ->check(CLI::Range(1.0, 1000.0));
   add("--dpi", render.dpi, words("punti per pollice di un PNG", "dots per inch of a PNG"))
       ->check(CLI::Range(30, 600));
 }

@@ -5,8 +5,10 @@
 #include "apps/cli/jobs.h"
 #include "apps/cli/outputs.h"
 #include "cad/drawing/drawing.h"
+#include "cad/family/profile_sheet.h"
 #include "cad/view/sheet.h"
 #include "platform/files.h"
+#include "platform/format.h"
 #include "platform/text.h"
 
 namespace cli {
@@ -117,6 +119,85 @@ int writePages(const cad::view::Picture& picture, const Sheet& sheet, const Rend
   return 0;
 }
 
+cad::Drawing& drawing() { return cad::Session::instance().database()->drawing(); }
+
+int renderPlan(vessora::Jobs& jobs, Sheet& sheet, const RenderOptions& o) {
+  cad::view::Selection selection;
+  for (const std::string& name : o.layers) selection.layers.push_back(widen(name));
+  // Legends stand beside the plan, in a size for the paper.
+  for (vessora::DrawnLegend& legend : jobs.drawnLegends()) {
+    selection.without.insert(legend.id.index());
+    auto& shown = sheet.legends.emplace_back();
+    shown.title = std::move(legend.title);
+    for (auto& c : legend.classes) shown.classes.push_back({c.color, std::move(c.range)});
+  }
+  const cad::view::Picture picture = cad::view::takePicture(drawing(), selection);
+  if (const int failed = judgePicture(picture, o.drawing)) return failed;
+  return writePages(picture, sheet, o);
+}
+
+// Scales that are asked for, or the largest ones that fit on one page.
+void chooseScales(const cad::ProfileTitle& title, Sheet& sheet, double& heights) {
+  const cad::view::Window room = cad::view::drawingRoom(sheet);
+  const double wide = room.x2 - room.x1, high = room.y2 - room.y1;
+  const auto fits = [&](double scale, double times) {
+    const cad::ProfileSize size = cad::profileSize(title, scale, times);
+    return size.width <= wide && size.height <= high;
+  };
+  const double least = heights > 0 ? heights : 1;
+  for (double power = 1; !sheet.scale; power *= 10) {
+    for (const double step : {1.0, 2.0, 2.5, 5.0}) {
+      if (!sheet.scale && (fits(power * step, least) || power > 1e9)) sheet.scale = power * step;
+    }
+  }
+  if (heights > 0) return;
+  for (const double times : {10.0, 5.0, 2.0, 1.0}) {
+    heights = times;
+    if (fits(*sheet.scale, times)) return;
+  }
+}
+
+int renderProfile(Sheet& sheet, const RenderOptions& o) {
+  const cad::DrawnProfile* chosen = nullptr;
+  const auto profiles = cad::drawnProfiles(drawing());
+  std::vector<std::u16string> names;
+  for (const cad::DrawnProfile& profile : profiles) {
+    names.push_back(profile.title.name);
+    if (platform::equalNoCase(profile.title.name, widen(o.profile))) chosen = &profile;
+  }
+  if (!chosen) {
+    return fail(o.drawing + ": " + words("il profilo non c'è: ", "no such profile: ") + o.profile +
+                (names.empty() ? words(" (il disegno non ha profili)", " (it has no profile)")
+                               : words("; ci sono: ", "; it has: ") + listed(names)));
+  }
+  sheet.north = false;
+  sheet.words.scale = wide("Scala lunghezze", "Scale of lengths");
+  sheet.fields.insert(sheet.fields.begin(), {wide("Profilo", "Profile"), chosen->title.name});
+  sheet.fields.push_back({wide("Scala altezze", "Scale of heights"), u"1:1"});  // takes room
+  double heights = o.heights;
+  chooseScales(chosen->title, sheet, heights);
+  sheet.fields.back().value = cad::view::scaleText(*sheet.scale / heights);
+  if (heights != 1) {
+    sheet.fields.back().value +=
+        platform::format(u" (%s %g)", wide("altezze x", "heights x"), heights);
+  }
+  const auto at = cad::layOutProfile(drawing(), *chosen, *sheet.scale, heights);
+  if (!at) {
+    return fail(o.drawing + ": " +
+                words("il profilo non si può disegnare: ", "the profile cannot be drawn: ") +
+                o.profile);
+  }
+  cad::view::Selection selection;
+  selection.only = at->entities;
+  cad::view::Picture picture = cad::view::takePicture(drawing(), selection);
+  if (const int failed = judgePicture(picture, o.drawing)) return failed;
+  cad::view::exaggerate(
+      picture,
+      {at->left, at->datum, at->areaLeft, at->areaRight, at->areaTop, at->referenceLevel, at->unit},
+      heights);
+  return writePages(picture, sheet, o);
+}
+
 }  // namespace
 
 int renderSheet(const RenderOptions& o, cad::view::Format format,
@@ -159,19 +240,7 @@ int renderSheet(const RenderOptions& o, cad::view::Format format,
   }
   addNetwork(*jobs.operator->(), o.network, sheet.fields);
   sheet.fields.push_back({wide("Data", "Date"), widen(o.date.empty() ? today() : o.date)});
-  cad::view::Selection selection;
-  for (const std::string& name : o.layers) selection.layers.push_back(widen(name));
-  // Legends stand beside the plan, in a size for the paper.
-  for (vessora::DrawnLegend& legend : jobs->drawnLegends()) {
-    selection.without.insert(legend.id.index());
-    auto& shown = sheet.legends.emplace_back();
-    shown.title = std::move(legend.title);
-    for (auto& c : legend.classes) shown.classes.push_back({c.color, std::move(c.range)});
-  }
-  const auto& drawing = cad::Session::instance().database()->drawing();
-  const cad::view::Picture picture = cad::view::takePicture(drawing, selection);
-  if (const int failed = judgePicture(picture, o.drawing)) return failed;
-  return writePages(picture, sheet, o);
+  return o.profile.empty() ? renderPlan(*jobs.operator->(), sheet, o) : renderProfile(sheet, o);
 }
 
 }  // namespace cli

@@ -46,7 +46,7 @@ struct Styled {
 class Taker {
  public:
   Taker(const Drawing& drawing, const Selection& selection)
-      : d_(drawing), without_(selection.without) {
+      : d_(drawing), without_(selection.without), chosen_(selection.only) {
     for (const std::u16string& name : selection.layers) only_.insert(d_.names().find(name));
   }
 
@@ -56,6 +56,7 @@ class Taker {
          e = d_.structure().nextEntity(space, e)) {
       if (!only_.empty() && !only_.count(d_.record(e).layer)) continue;
       if (!look(d_.record(e).layer).shown || without_.count(e)) continue;
+      if (!chosen_.empty() && !chosen_.count(e)) continue;
       entity(
           e, [&](Styled&& p) { emit(std::move(p)); }, 0);
       if (picture_.tooMany) break;
@@ -292,7 +293,7 @@ class Taker {
   }
 
   const Drawing& d_;
-  const std::set<std::uint32_t>& without_;
+  const std::set<std::uint32_t>&without_, &chosen_;
   Picture picture_;
   std::set<std::uint32_t> only_, underWay_;
   std::vector<LayerLook> looks_;

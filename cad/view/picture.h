@@ -62,6 +62,7 @@ struct Picture {
 struct Selection {
   std::vector<std::u16string> layers;  // only these, when any is named
   std::set<std::uint32_t> without;     // entities that are left out, by their records
+  std::set<std::uint32_t> only;        // these alone, when there are any
 };
 
 // Everything that model space shows.

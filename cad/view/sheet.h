@@ -38,6 +38,16 @@ struct SheetField {
   bool half = false;
 };
 
+// Where the elevations of a longitudinal profile stand in a picture.
+struct Elevations {
+  double left = 0, datum = 0;  // what stands right of and above these belongs to them
+  // The drawing area, with the level at its foot, and the height of texts.
+  double areaLeft = 0, areaRight = 0, areaTop = 0, referenceLevel = 0, unit = 0;
+};
+// Draws them so many times larger; texts and what stands below stay as they are. Marks of levels
+// come between those that are there, as near as they can be read.
+CAD_API void exaggerate(Picture& picture, const Elevations& at, double times);
+
 // The words that sheets add of themselves.
 struct SheetWords {
   std::u16string title, scale, sheet, keyPlan;
@@ -69,6 +79,9 @@ struct SheetPages {
   };
   std::vector<Page> pages;  // tiles that show anything, row by row
 };
+
+// How much room one page has for the drawing, mm from the paper's corner.
+CAD_API Window drawingRoom(const Sheet& sheet);
 
 // Why a sheet cannot be made as it is asked for.
 enum class SheetFault { none, tooManyPages, noRoom, tooManyPixels };

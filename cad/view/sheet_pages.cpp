@@ -167,6 +167,11 @@ SheetFault spread(const Picture& picture, const Sheet& sheet, SheetPages& pages)
 
 }  // namespace
 
+Window drawingRoom(const Sheet& sheet) {
+  const Box room = frameSheet(sheet, false).drawing;
+  return {room.x + kAir, room.y + kAir, room.right() - kAir, room.bottom() - kAir};
+}
+
 SheetLayout layOutSheet(const Picture& picture, const Sheet& sheet) {
   SheetLayout result;
   SheetPages& pages = result.pages;

@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstdlib>
+#include <map>
 #include <string>
 
 namespace cad::view {
@@ -151,6 +152,35 @@ TEST(Sheet, LowTextsBecomeReadableOrAreLeftOutAndNothingIsCut) {
   // The long name at the end reaches beyond the line, and the page beyond the name.
   const double right = layout.pages.left + layout.pages.tileWidth;
   EXPECT_GT(right, 1000 + 19 * 0.85 * 1.4 * layout.pages.scale / 1000);
+}
+
+TEST(Sheet, HeightsOfAProfileAreLargerAndTextsAreNot) {
+  Picture p;
+  addLine(p, {{50, 98, 0}, {50, 104, 0}});    // beside the elevations
+  addLine(p, {{110, 95, 0}, {110, 104, 0}});  // from the band up
+  addText(p, {120, 101, 0}, 2, u"pozzetto");
+  addText(p, {120, 99, 0}, 2, u"banda");
+  // 20 units high from level 197.2, texts of 2: the frame has marks at 200, 205, 210 and 215.
+  exaggerate(p, {100, 100, 110, 300, 120, 197.2, 2}, 5);
+  const auto point = [&](std::size_t item, std::uint32_t i) {
+    return p.points[p.items[item].first + i];
+  };
+  EXPECT_EQ(point(0, 1).y, 104);
+  EXPECT_EQ(point(1, 0).y, 95);
+  EXPECT_EQ(point(1, 1).y, 120);
+  EXPECT_EQ(point(2, 0).y, 105);
+  EXPECT_EQ(point(2, 2).y, 107);
+  EXPECT_EQ(point(3, 0).y, 99);
+  // Every metre has room now; 198 would stand on the number of the foot but for the larger heights.
+  std::map<std::u16string, double> numbers;
+  for (const Item& item : p.items) {
+    if (item.kind == Kind::text) numbers[p.texts[item.text].text] = p.points[item.first].y;
+  }
+  EXPECT_NEAR(numbers.at(u"198.000"), 104, 1e-9);
+  EXPECT_NEAR(numbers.at(u"217.000"), 199, 1e-9);
+  EXPECT_EQ(numbers.count(u"205.000"), 0U) << "the frame's own";
+  EXPECT_EQ(numbers.count(u"200.000"), 0U);
+  EXPECT_EQ(numbers.size(), 2U + 16U);
 }
 
 TEST(Sheet, TheSameSheetIsTheSameFile) {
