@@ -77,12 +77,16 @@ int raiseTexts(Picture& picture, double least) {
     if (const auto box = boundsOf(picture, item)) taken.add(*box);
   }
   int leftOut = 0;
+  std::uint32_t nameless = 0;  // the entity whose latest text has been left out
   std::erase_if(picture.items, [&](const Item& item) {
     const double height = isText(item) ? heightOf(picture, item) : least;
     if (!(height < least * (1 - 1e-9)) || height <= 0) return false;
     enlarge(picture, item, least / height);
     const auto box = boundsOf(picture, item);
-    if (!box || taken.take(*box)) return false;
+    // What stands under a name says nothing without it.
+    const bool follows = item.entity != 0 && item.entity == nameless;
+    if (!follows && (!box || taken.take(*box))) return false;
+    nameless = item.entity;
     ++leftOut;
     return true;
   });

@@ -6,8 +6,8 @@
 namespace cad::view {
 
 // Makes texts that would be lower than `least` drawing units so high, each where it stands; one
-// that would then lie on another text is left out. Texts that are high enough stay as they are.
-// Returns how many are left out.
+// that would then lie on another text is left out, with those that follow it in its entity. Texts
+// that are high enough stay as they are. Returns how many are left out.
 int raiseTexts(Picture& picture, double least);
 
 }  // namespace cad::view

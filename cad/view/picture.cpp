@@ -57,6 +57,7 @@ class Taker {
       if (!only_.empty() && !only_.count(d_.record(e).layer)) continue;
       if (!look(d_.record(e).layer).shown || without_.count(e)) continue;
       if (!chosen_.empty() && !chosen_.count(e)) continue;
+      current_ = e;
       entity(
           e, [&](Styled&& p) { emit(std::move(p)); }, 0);
       if (picture_.tooMany) break;
@@ -174,6 +175,7 @@ class Taker {
     }
     Item item;
     item.kind = p.kind;
+    item.entity = current_;
     item.closed = p.closed;
     item.endless = p.endless;
     item.pen = resolve(styled.style, l);
@@ -300,6 +302,7 @@ class Taker {
   std::map<std::u16string, int> linetypes_;
   std::map<std::uint32_t, std::unique_ptr<BlockPicture>> blocks_;
   std::size_t inBlocks_ = 0;
+  std::uint32_t current_ = 0;  // the entity of model space that is taken
 };
 
 }  // namespace

@@ -42,8 +42,9 @@ struct Item {
   bool endless = false;  // a ray or construction line: does not count for the size of the picture
   Pen pen;
   std::uint32_t first = 0, count = 0;  // points, see shape::Primitive
-  std::uint32_t loops = 0;  // fills: number of loops, whose lengths stand in Picture::loopSizes
-  std::uint32_t text = 0;   // texts: number in Picture::texts
+  std::uint32_t loops = 0;   // fills: number of loops, whose lengths stand in Picture::loopSizes
+  std::uint32_t text = 0;    // texts: number in Picture::texts
+  std::uint32_t entity = 0;  // record of the entity of the space that shows it
 };
 
 struct Picture {

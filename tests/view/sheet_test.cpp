@@ -138,8 +138,12 @@ TEST(Sheet, LowTextsBecomeReadableOrAreLeftOutAndNothingIsCut) {
   addText(p, {500, 100, 0}, 30, u"grande");   // high enough as it is
   addText(p, {505, 105, 0}, 0.5, u"dentro");  // would lie on that
   addText(p, {1000, 500, 0}, 0.5, u"in fondo alla linea");
+  addText(p, {900, 20, 0}, 0.5, u"200.5");  // has room, and belongs to "dentro"
+  p.items.back().entity = 77;
+  std::swap(p.items[5], p.items[6]);
+  p.items[4].entity = 77;
   const SheetLayout layout = layOutSheet(p, lying("A4"));
-  EXPECT_EQ(layout.leftOut, 2);
+  EXPECT_EQ(layout.leftOut, 3);
   std::vector<std::u16string> shown;
   for (const Item& item : layout.picture.items) {
     if (item.kind != Kind::text) continue;
