@@ -39,9 +39,10 @@ class ModuleJobs : public Jobs {
 
   InpFile openInp(std::u16string_view path) override { return vessora::openInp(path); }
   InpFindings examineInp(const InpFile& file) override { return vessora::examineInp(file); }
-  ImportResult importInp(const InpFile& file, std::u16string_view name) override {
+  ImportResult importInp(const InpFile& file, std::u16string_view name,
+                         std::optional<double> scale) override {
     const CommandSpan span;
-    return vessora::importInp(file, name);
+    return vessora::importInp(file, name, scale);
   }
   ExportResult exportNetwork(const ExportRequest& request) override {
     return vessora::exportNetwork(request);

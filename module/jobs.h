@@ -69,7 +69,8 @@ class Jobs : public AcRxObject {
 
   virtual InpFile openInp(std::u16string_view path) = 0;
   virtual InpFindings examineInp(const InpFile& file) = 0;
-  virtual ImportResult importInp(const InpFile& file, std::u16string_view name) = 0;
+  virtual ImportResult importInp(const InpFile& file, std::u16string_view name,
+                                 std::optional<double> scale) = 0;
   virtual ExportResult exportNetwork(const ExportRequest& request) = 0;
 
   virtual DiffResult diffNetwork(std::u16string_view network, std::u16string_view path) = 0;

@@ -5,6 +5,7 @@
 #include "apps/cli/outputs.h"
 #include "cad/drawing/drawing.h"
 #include "platform/files.h"
+#include "platform/format.h"
 #include "platform/text.h"
 
 namespace cli {
@@ -78,17 +79,30 @@ std::string faultOfContent(const vessora::InpFindings& found) {
   return {};
 }
 
-vessora::ImportResult draw(JobSpan& job, const vessora::InpFile& file, const std::u16string& name) {
+// Nothing: it is chosen by the network.
+std::optional<double> scaleOf(const ImportOptions& o) {
+  if (o.scale.empty() && o.mode == InpMode::classic) return 1;
+  if (o.scale.empty() || o.scale == "auto") return std::nullopt;
+  return platform::parseReal(platform::widen(o.scale));
+}
+
+vessora::ImportResult draw(JobSpan& job, const vessora::InpFile& file, const std::u16string& name,
+                           std::optional<double> scale) {
   Progress progress(words("Disegno della rete:", "Drawing the network:"));
   auto& drawing = cad::Session::instance().database()->drawing().writer();
   drawing.setObserver(
       [&](std::uint32_t n) { progress.show(std::to_string(n) + words(" oggetti", " objects")); });
-  vessora::ImportResult result = job->importInp(file, name);
+  vessora::ImportResult result = job->importInp(file, name, scale);
   drawing.setObserver({});
   return result;
 }
 
 }  // namespace
+
+bool isScale(const std::string& text) {
+  const auto number = platform::parseReal(platform::widen(text));
+  return text == "auto" || (number && *number > 0 && *number < 1e9);
+}
 
 int importNetwork(const ImportOptions& o) {
   if (platform::folderExists(o.inp) || !platform::fileExists(o.inp)) {
@@ -107,7 +121,7 @@ int importNetwork(const ImportOptions& o) {
   for (const std::string& fault : {faultOfName(found), faultOfContent(found)}) {
     if (!fault.empty()) return fail(o.inp + ": " + fault);
   }
-  const vessora::ImportResult result = draw(job, file, found.name);
+  const vessora::ImportResult result = draw(job, file, found.name, scaleOf(o));
   if (result.drawn() == 0) {
     for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
     return fail(o.inp + ": " + words("non è stato disegnato nulla", "nothing was drawn"));
@@ -120,6 +134,10 @@ int importNetwork(const ImportOptions& o) {
   warn(result.reading);
   for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
   say(platform::narrow(found.name) + ": " + describe(job->network(found.name).counts));
+  if (found.full || !o.scale.empty()) {
+    say(words("scala dei simboli: ", "scale of symbols: ") +
+        platform::narrow(platform::format(u"%g", result.scale)));
+  }
   return 0;
 }
 

@@ -13,9 +13,12 @@ namespace cli {
 
 struct ImportOptions {
   std::string inp, out, base;
+  std::string scale;  // of symbols: a number or "auto"; empty: auto, in the classic way 1
   InpMode mode = InpMode::full;
 };
 int importNetwork(const ImportOptions& options);
+// Whether a text says a scale of symbols.
+bool isScale(const std::string& text);
 
 struct ExportOptions {
   std::string drawing, out, network;

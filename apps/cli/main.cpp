@@ -75,6 +75,17 @@ int main(int argc, char** argv) {
   c->add_option("-d,--drawing", import.base,
                 words("disegno di base a cui aggiungere la rete",
                       "base drawing that the network is added to"));
+  c->add_option("--scale", import.scale,
+                words("scala di simboli, scritte e frecce: un numero, o auto, dalla lunghezza dei "
+                      "rami (auto; con --classic 1)",
+                      "scale of symbols, texts and arrows: a number, or auto, by the length of the "
+                      "links (auto; with --classic 1)"))
+      ->type_name("auto|S")
+      ->check([](const std::string& text) {
+        return cli::isScale(text) ? std::string()
+                                  : cli::words("serve un numero maggiore di 0, o auto",
+                                               "must be a number above 0, or auto");
+      });
   addClassic(*c, import.mode);
   c->callback([&] { status = cli::importNetwork(import); });
 

@@ -1,6 +1,7 @@
 #include "module/inp/draw_network.h"
 
 #include "module/host/module.h"
+#include "module/inp/symbol_scale.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
 #include "module/network/schema.h"
@@ -241,6 +242,20 @@ std::int64_t NetworkDrawing::size() {
   addLinks(network_.pumps);
   addLinks(network_.valves);
   return size;
+}
+
+double NetworkDrawing::fittingScale() {
+  std::vector<double> lengths;
+  const auto measure = [&](const auto& links) {
+    drawLinks(links, [&](const auto&, const LinkPath& path, Notices&) {
+      lengths.push_back(planLength(path.points()));
+      return true;
+    });
+  };
+  measure(network_.pipes);
+  measure(network_.pumps);
+  measure(network_.valves);
+  return vessora::fittingScale(std::move(lengths));
 }
 
 }  // namespace vessora

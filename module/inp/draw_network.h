@@ -49,6 +49,8 @@ class NetworkDrawing {
 
   // How many symbols, links and points of links there are to draw: rows of equal ids multiply.
   std::int64_t size();
+  // The scale of symbols that fits the links (symbol_scale.h).
+  double fittingScale();
 
  private:
   class LinkPath;

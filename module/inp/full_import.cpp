@@ -3,6 +3,7 @@
 #include "module/host/module.h"
 #include "module/inp/full_form.h"
 #include "module/inp/full_settings.h"
+#include "module/inp/symbol_scale.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
 #include "module/network/kept_text.h"
@@ -27,6 +28,17 @@ constexpr std::size_t kNamed = 5;
 class Drawing {
  public:
   explicit Drawing(const FullFile& file) : form_(file.network), network_(file.network) {}
+
+  double fittingScale() const {
+    std::vector<double> lengths;
+    lengths.reserve(network_.links.size());
+    AcGePoint3dArray points;
+    for (std::uint32_t i = 0; i < network_.links.size(); ++i) {
+      form_.course(i, points);
+      lengths.push_back(planLength(points));
+    }
+    return vessora::fittingScale(std::move(lengths));
+  }
 
   void drawElements(ImportResult& result) {
     drawNodes<EpaJunc>(NodeKind::junction, result.kinds[0]);
@@ -184,7 +196,8 @@ void examineFullFile(const FullFile& file, InpFindings& found) {
   found.drawn = static_cast<std::int64_t>(n.nodes.size() + n.links.size() + n.vertices.size());
 }
 
-ImportResult drawFullFile(const FullFile& file, std::u16string_view name) {
+ImportResult drawFullFile(const FullFile& file, std::u16string_view name,
+                          std::optional<double> scale) {
   ImportResult result;
   // Deflating needs no drawing and takes a tenth of the whole: it goes on beside.
   std::future<PackedText> packed =
@@ -204,6 +217,8 @@ ImportResult drawFullFile(const FullFile& file, std::u16string_view name) {
   // The first network of a drawing is its default one.
   if (names.empty()) settings.isDefault = 1;
   SaveSettings(settings, true);
+  result.scale = scale ? *scale : drawing.fittingScale();
+  useSymbolScale(currentNetwork, result.scale);
   drawing.drawElements(result);
   drawing.storeTables();
   if (!saveKeptText(currentNetwork, packed.get())) {

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -19,7 +20,8 @@ struct FullFile {
 // What would be drawn.
 void examineFullFile(const FullFile& file, InpFindings& found);
 // Draws every node and link of the file once, under a name that the drawing does not have yet, with
-// settings, patterns and curves, and keeps the file's text.
-ImportResult drawFullFile(const FullFile& file, std::u16string_view name);
+// settings, patterns and curves, and keeps the file's text. `scale` is that of importInp.
+ImportResult drawFullFile(const FullFile& file, std::u16string_view name,
+                          std::optional<double> scale);
 
 }  // namespace vessora

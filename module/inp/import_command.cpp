@@ -11,6 +11,7 @@
 #include "module/inp/full_import.h"
 #include "module/inp/inp_jobs.h"
 #include "module/inp/inp_reader.h"
+#include "module/inp/symbols.h"
 #include "module/network/network_list.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/settings_store.h"
@@ -113,9 +114,9 @@ InpFindings examineInp(const InpFile& file) {
   return found;
 }
 
-ImportResult importInp(const InpFile& file, std::u16string_view name) {
+ImportResult importInp(const InpFile& file, std::u16string_view name, std::optional<double> scale) {
   if (file->full) {
-    if (networkLike(name).empty()) return drawFullFile(*file->full, name);
+    if (networkLike(name).empty()) return drawFullFile(*file->full, name, scale);
     ImportResult taken;
     taken.reading.push_back({NoticeCode::networkTaken, std::u16string(name)});
     return taken;
@@ -138,6 +139,8 @@ ImportResult importInp(const InpFile& file, std::u16string_view name) {
   // The first network of a drawing is its default one.
   if (names.empty()) file->settings.isDefault = 1;
   SaveSettings(file->settings, true);
+  result.scale = scale ? *scale : drawing.fittingScale();
+  useSymbolScale(currentNetwork, result.scale);
   drawNetwork(drawing, file->network, result);
   return result;
 }
@@ -179,6 +182,7 @@ void tellImport(const ImportResult& result) {
     tell(result.kinds[i].notices);
     acutPrintf(TraduciTesto(kWords[i][result.kinds[i].drawn > 0 ? 0 : 1]));
   }
+  if (inpIsFull()) acutPrintf(TraduciTesto(u"\nScala dei simboli: %g"), result.scale);
   showMessage(TraduciTesto(u"Importazione terminata!"));
 }
 
@@ -189,7 +193,9 @@ int EpaCommands::impinp() {
   std::u16string path;
   wide256 name;
   if (!askForFile(path, name)) return kAbandoned;
-  const ImportResult result = importInp(openInp(path), name);
+  // The classic way draws symbols as they are.
+  const std::optional<double> scale = inpIsFull() ? std::nullopt : std::optional(1.0);
+  const ImportResult result = importInp(openInp(path), name, scale);
   tellImport(result);
   if (inpIsFull()) warn(result.reading);
   return kRan;

@@ -49,6 +49,7 @@ struct ImportResult {
   Notices reading;
   // In the order of drawing: junctions, reservoirs, tanks, pipes, pumps, valves.
   DrawnKind kinds[6];
+  double scale = 1;  // of the symbols
   int drawn() const {
     int all = 0;
     for (const DrawnKind& kind : kinds) all += kind.drawn;
@@ -79,8 +80,9 @@ struct ExportResult {
 InpFile openInp(std::u16string_view path);
 InpFindings examineInp(const InpFile& file);
 // Draws the file's network under a name, with settings, patterns and curves. A network of the name
-// that is there already is not looked for. The file's records are of no use afterwards.
-ImportResult importInp(const InpFile& file, std::u16string_view name);
+// that is there already is not looked for. The file's records are of no use afterwards. Without a
+// scale of its symbols, above 0, it has the one that fits its links.
+ImportResult importInp(const InpFile& file, std::u16string_view name, std::optional<double> scale);
 // Writes the files of a drawn network, real or schematic.
 ExportResult exportNetwork(const ExportRequest& request);
 

@@ -10,6 +10,7 @@
 #include "module/host/command_span.h"
 #include "module/host/module.h"
 #include "module/host/translate.h"
+#include "module/inp/symbol_scale.h"
 #include "module/network/element_data.h"
 #include "module/network/point_grid.h"
 #include "module/network/schema.h"
@@ -39,6 +40,7 @@ struct Memory {
   AcGeVector3d normal;                                      // the user's Z axis in the world
   std::map<std::u16string, Symbol, std::less<>> symbols;    // by block name
   std::map<std::u16string, ArrowGrid, std::less<>> arrows;  // by layer
+  std::map<std::u16string, double, std::less<>> scales;     // by network
 };
 std::optional<Memory> memory;
 
@@ -141,6 +143,16 @@ struct Placement {
   double scale = 1;
 };
 
+// The scale of a network's symbols: that of those it has, so that what is added later fits. The
+// classic way knows no scale but 1.
+double scaleOf(Memory& known, std::u16string_view network) {
+  auto at = known.scales.find(network);
+  if (at == known.scales.end()) {
+    at = known.scales.emplace(network, inpIsFull() ? drawnScale(network) : 1).first;
+  }
+  return at->second;
+}
+
 // A new reference in model space, open for write; null when it could not be made.
 Opened<AcDbBlockReference> place(const Memory& known, const Symbol& symbol, const Placement& at,
                                  const resbuf* xdata = nullptr) {
@@ -206,13 +218,17 @@ template <class Record>
 Opened<AcDbBlockReference> insertElement(const AcGePoint3d& point, std::u16string_view layer,
                                          const Record& record, const resbuf* early,
                                          const resbuf* late, Notices& notices) {
+  Memory* const known = remembered();
+  if (!known) return {};
+  const std::u16string_view network =
+      layer.substr(std::u16string_view(kindOf<Record>().layer).size());
   std::array<Value, 8> values;
   std::size_t count = 0;
   for (const schema::Row& row : kindOf<Record>().data.rows) {
     if (!row.tag.empty()) values[count++] = {row.tag, textOf(record, row.field)};
   }
-  return insertSymbol(kindOf<Record>().block, {point, layer}, std::span(values.data(), count),
-                      early, late, notices);
+  return insertSymbol(kindOf<Record>().block, {point, layer, 0, scaleOf(*known, network)},
+                      std::span(values.data(), count), early, late, notices);
 }
 
 // --- flow arrows ---------------------------------------------------------------------------------
@@ -228,11 +244,6 @@ ArrowGrid readArrows(std::u16string_view layer) {
   return arrows;
 }
 
-bool eraseArrow(AcDbObjectId id) {
-  if (const Opened<AcDbBlockReference> arrow(id, AcDb::kForWrite); arrow) arrow->erase(true);
-  return true;
-}
-
 int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcGePoint3d& point,
                 std::u16string_view network, Notices& notices) {
   Memory* const known = remembered();
@@ -244,8 +255,16 @@ int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcG
   if (arrows == known->arrows.end()) {
     arrows = known->arrows.emplace(name, readArrows(name)).first;
   }
-  arrows->second.visit(point, eraseArrow);
-  const Opened<AcDbBlockReference> arrow = place(*known, *symbol, {point, name});
+  // One that takes another's place keeps its size, which somebody may have chosen.
+  double scale = scaleOf(*known, network);
+  arrows->second.visit(point, [&](AcDbObjectId id) {
+    if (const Opened<AcDbBlockReference> older(id, AcDb::kForWrite); older) {
+      if (inpIsFull()) scale = older->scaleFactors().sx;
+      older->erase(true);
+    }
+    return true;
+  });
+  const Opened<AcDbBlockReference> arrow = place(*known, *symbol, {point, name, 0, scale});
   if (!arrow) return 0;
   arrows->second.add(point, arrow->objectId());
   return 1;
@@ -254,6 +273,12 @@ int insertArrow(std::u16string_view block, std::u16string_view prefix, const AcG
 }  // namespace
 
 void forgetSymbols() { memory.reset(); }
+
+void useSymbolScale(std::u16string_view network, double scale) {
+  if (Memory* const known = remembered()) {
+    known->scales.insert_or_assign(std::u16string(network), scale);
+  }
+}
 
 namespace {
 
@@ -312,7 +337,8 @@ int InsertFlowOut(const AcGePoint3d& point, std::u16string_view network, Notices
 
 // The title's tag is a word of the drawing's language, unlike all other tags.
 int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
-                 const std::array<std::u16string, 10>& classes, int kind, Notices& notices) {
+                 const std::array<std::u16string, 10>& classes, int kind, double scale,
+                 Notices& notices) {
   constexpr const char16_t* kTags[] = {u"C1", u"C2", u"C3", u"C4", u"C5",
                                        u"C6", u"C7", u"C8", u"C9", u"C10"};
   const std::u16string titleTag = TraduciTesto(u"TITOLO");
@@ -321,8 +347,8 @@ int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
   XDataBuilder data(schema::kLegend.application);
   data.text(title);
   data.integer(kind);
-  return insertSymbol(classes[5].empty() ? u"LEG_5" : u"LEG_10", {point, {}}, values, nullptr,
-                      data.take().get(), notices)
+  return insertSymbol(classes[5].empty() ? u"LEG_5" : u"LEG_10", {point, {}, 0, scale}, values,
+                      nullptr, data.take().get(), notices)
              ? 1
              : 0;
 }

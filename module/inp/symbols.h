@@ -6,7 +6,9 @@
 // has the element, if it has it. The result is 1 when a reference was made, else 0, with a notice.
 // The symbols of elements tell their id to whom wants it.
 //
-// Block definitions and the places of flow arrows are remembered for the length of one command.
+// Symbols and arrows of a network have the scale of those it has already (symbol_scale.h), or the
+// one that a command has it use; in the classic way 1. Block definitions, scales and the places of
+// flow arrows are remembered for the length of one command.
 #pragma once
 
 #include <array>
@@ -38,12 +40,16 @@ int InsertFlowIn(const AcGePoint3d& point, std::u16string_view network, Notices&
 int InsertFlowOut(const AcGePoint3d& point, std::u16string_view network, Notices& notices);
 // A colour legend on the current layer: ten classes when the sixth text is given, else five.
 int InsertLegend(const AcGePoint3d& point, std::u16string_view title,
-                 const std::array<std::u16string, 10>& classes, int kind, Notices& notices);
+                 const std::array<std::u16string, 10>& classes, int kind, double scale,
+                 Notices& notices);
 // A block of the product by its name, at a rotation in radians and a scale in all three axes.
 int InsertNamedBlock(const AcGePoint3d& point, std::u16string_view layer, std::u16string_view name,
                      std::u16string_view code, std::u16string_view description,
                      std::u16string_view blockName, double rotation, double scale,
                      Notices& notices);
+
+// Gives the symbols of a network this scale, above 0, until the command ends.
+void useSymbolScale(std::u16string_view network, double scale);
 
 // Drops what is remembered: for a command that itself moves or erases arrows between insertions.
 void forgetSymbols();

@@ -10,6 +10,7 @@
 
 #include "module/host/tell.h"
 #include "module/host/translate.h"
+#include "module/inp/symbol_scale.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
 #include "module/results/drawing_jobs.h"
@@ -203,9 +204,19 @@ ColorResult colorElements(const ColorClasses& classes, const Colored& by) {
 
 // --- the user's wish -----------------------------------------------------------------------------
 
-// Where the legend of this kind and title goes; false when the user refuses to say.
-bool placeOfLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
-  if (TakeColorLegend(title, point, kind)) return true;
+// The scale of a new legend. The classic way draws it as it is.
+double legendScale(std::u16string_view network) {
+  return inpIsFull() ? fittingLegendScale(network) : 1;
+}
+
+// Where the legend of this kind and title goes, in place of an older one and then as large, where
+// somebody may have chosen both; false when the user refuses to say.
+bool placeOfLegend(std::u16string_view title, AcGePoint3d& point, int kind, double& scale) {
+  double older = scale;
+  if (TakeColorLegend(title, point, kind, &older)) {
+    if (inpIsFull()) scale = older;
+    return true;
+  }
   AcGePoint3d picked;
   if (acedGetPoint(nullptr, TraduciTesto(u"\nSelezionare un punto..."), picked) != RTNORM) {
     return false;
@@ -213,22 +224,23 @@ bool placeOfLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
   return acdbUcs2Wcs(picked, point, false);
 }
 
-void colorPicked(const NetworkQuery& query, Quantity quantity) {
+void colorPicked(std::u16string_view network, const NetworkQuery& query, Quantity quantity) {
   const Colored* const by = coloredBy(quantity);
   if (!by) return;
   const ColorClasses classes = classesOf(query, quantity, query.classCount);
   tell(colorElements(classes, *by).notices);
   const std::u16string title = TraduciTesto(by->title);
   AcGePoint3d point;
-  if (!placeOfLegend(title, point, by->legend())) return;
+  double scale = legendScale(network);
+  if (!placeOfLegend(title, point, by->legend(), scale)) return;
   Notices notices;
-  InsertClassLegend(classes, title, point, by->legend(), notices);
+  InsertClassLegend(classes, title, point, by->legend(), scale, notices);
   tell(notices);
 }
 
 }  // namespace
 
-bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
+bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind, double* scale) {
   bool found = false;
   for (const AcDbObjectId id : SelectionSet(u"_X", acutBuildList(1001, app::kColor, RTNONE))) {
     const Opened<AcDbBlockReference> legend(id);
@@ -237,6 +249,7 @@ bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
     if (realAt(data, schema::kLegend, schema::Field::kind) != kind) continue;
     if (textAt(data, schema::kLegend, schema::Field::title) == title) {
       point = legend->position();
+      if (scale) *scale = legend->scaleFactors().sx;
       found = true;
     }
     if (legend->upgradeOpen() == Acad::eOk) legend->erase(true);
@@ -245,14 +258,14 @@ bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind) {
 }
 
 void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
-                       const AcGePoint3d& point, int kind, Notices& notices) {
+                       const AcGePoint3d& point, int kind, double scale, Notices& notices) {
   if (classes.count != 5 && classes.count != 10) return;
   std::array<std::u16string, 10> labels;
   std::size_t i = 0;
   classes.forEach([&](double lower, double upper) {
     labels[i++] = platform::format(u"%.3lf ÷ %.3lf", lower, upper);
   });
-  InsertLegend(point, title, labels, kind, notices);
+  InsertLegend(point, title, labels, kind, scale, notices);
 }
 
 Notices highlightElements(std::u16string_view network, const QueryRows& rows) {
@@ -274,7 +287,8 @@ ColorResult colorNetwork(std::u16string_view network, const ColorRequest& reques
   const std::u16string title = TraduciTesto(by->title);
   AcGePoint3d older;
   TakeColorLegend(title, older, by->legend());
-  InsertClassLegend(classes, title, request.legend, by->legend(), result.notices);
+  InsertClassLegend(classes, title, request.legend, by->legend(), legendScale(network),
+                    result.notices);
   return result;
 }
 
@@ -288,8 +302,8 @@ void applyQueryColors(std::u16string_view network, const NetworkQuery& query) {
   const auto chosen = [](int choice, Quantity first, Quantity second) {
     return choice == 1 ? first : choice == 2 ? second : Quantity::none;
   };
-  colorPicked(query, chosen(query.nodeColorBy, Quantity::pressure, Quantity::demand));
-  colorPicked(query, chosen(query.linkColorBy, Quantity::flow, Quantity::velocity));
+  colorPicked(network, query, chosen(query.nodeColorBy, Quantity::pressure, Quantity::demand));
+  colorPicked(network, query, chosen(query.linkColorBy, Quantity::flow, Quantity::velocity));
 }
 
 }  // namespace vessora

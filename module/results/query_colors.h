@@ -19,10 +19,11 @@ void applyQueryColors(std::u16string_view network, const NetworkQuery& query);
 inline constexpr int kNodeLegend = 1, kLinkLegend = 2;
 
 // Erases the legends of a kind. True when one of them had the title; `point` is then where it
-// stood.
-bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind);
+// stood, and `scale`, if wanted, how large it was.
+bool TakeColorLegend(std::u16string_view title, AcGePoint3d& point, int kind,
+                     double* scale = nullptr);
 // Puts a legend of 5 or 10 classes at a point; of another number of classes, none.
 void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
-                       const AcGePoint3d& point, int kind, Notices& notices);
+                       const AcGePoint3d& point, int kind, double scale, Notices& notices);
 
 }  // namespace vessora

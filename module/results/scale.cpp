@@ -10,13 +10,16 @@ namespace {
 
 resbuf* scalableFilter(std::u16string_view network) {
   const NetworkLayers layers(network);
-  const auto tables = [network](std::u16string_view prefix) {
+  const auto own = [network](std::u16string_view prefix) {
     return schema::layerName(prefix, network);
   };
+  // The classic way leaves flow arrows as they are; otherwise they go with the symbols.
+  const std::u16string in = inpIsFull() ? own(layer::kFlowIn) : layers.junc;
+  const std::u16string out = inpIsFull() ? own(layer::kFlowOut) : layers.junc;
   return acutBuildList(-4, u"<or", 8, layers.junc, 8, layers.resv, 8, layers.tank, 8, layers.pump,
-                       8, layers.valv, 8, layers.pipe, 8, tables(layer::kNodeTables), 8,
-                       tables(layer::kLinkTables), 8, tables(layer::kPipeTables), -4, u"or>",
-                       RTNONE);
+                       8, layers.valv, 8, layers.pipe, 8, own(layer::kNodeTables), 8,
+                       own(layer::kLinkTables), 8, own(layer::kPipeTables), 8, in, 8, out, -4,
+                       u"or>", RTNONE);
 }
 
 void scaleTable(AcDbTable& table, double factor) {

@@ -61,7 +61,7 @@ class FullEdits : public DrawnNetwork, public ::testing::WithParamInterface<unsi
     const FullFile file(text_);
     ASSERT_TRUE(file.network.problems.empty());
     const CommandSpan span;
-    ASSERT_EQ(drawFullFile(file, u"Rete").drawn(), 14);
+    ASSERT_EQ(drawFullFile(file, u"Rete", 1).drawn(), 14);
     takeModel(FullForm(file.network));
   }
   void TearDown() override {
@@ -443,7 +443,7 @@ TEST_P(FullEditing, ARenameReachesWhoNamesTheNodeAndNobodyElse) {
 TEST_P(FullEditing, PatternsAndCurvesOfAnotherNetworkStay) {
   {
     const CommandSpan span;
-    drawFullFile(FullFile(text_), u"Altra");
+    drawFullFile(FullFile(text_), u"Altra", 1);
   }
   EpaPattern pattern;
   pattern.id = u"giorno";

@@ -45,7 +45,7 @@ class JobsTest : public ::testing::Test {
       acdbRegApp(name);
     }
     const std::u16string folder = platform::widen(VESSORA_TESTS_DIR "/cases/draw/profile/");
-    jobs->importInp(jobs->openInp(folder + u"rete.inp"), u"rete");
+    jobs->importInp(jobs->openInp(folder + u"rete.inp"), u"rete", 1);
     const vessora::Report report = jobs->openReport(folder + u"rete.rpt");
     jobs->writeResults(jobs->rowsOf(report, u"", jobs->periodsOf(report).lowerCaseHrs), u"rete");
     if (orange) jobs->highlightElements(u"rete", jobs->queryNetwork(u"rete", {}).rows);

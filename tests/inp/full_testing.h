@@ -186,7 +186,7 @@ class FullNetwork : public DrawnNetwork {
   void import(const std::string& text) {
     const CommandSpan span;
     const FullFile file(text);
-    const ImportResult result = drawFullFile(file, u"Rete");
+    const ImportResult result = drawFullFile(file, u"Rete", 1);
     for (const DrawnKind& kind : result.kinds) EXPECT_TRUE(kind.notices.empty());
   }
   // The drawing's text; what it says beside stands in `said` as "code subject other; ".

@@ -92,7 +92,7 @@ TEST_F(Modules, SignalsTakeTheUnfinishedFilesOfAllAway) {
   auto* const jobs = vessora::Jobs::find();
   ASSERT_NE(jobs, nullptr);
   const vessora::InpFile borgo = jobs->openInp(platform::widen(VESSORA_EXAMPLES "borgo.inp"));
-  ASSERT_GT(jobs->importInp(borgo, u"borgo").drawn(), 0u);
+  ASSERT_GT(jobs->importInp(borgo, u"borgo", 1).drawn(), 0u);
   for (const bool module : {false, true}) {
     const pid_t child = fork();
     if (child == 0) {

@@ -333,7 +333,7 @@ TEST_F(QueryColors, ALegendKeepsItsPlaceAndReplacesTheOtherOfItsKind) {
   EXPECT_TRUE(TakeColorLegend(u"Portata dei rami [l/s]", at, 2));
   EXPECT_EQ(at.x, 7);
   EXPECT_TRUE(legends().empty());
-  InsertClassLegend({0, 1, 7}, u"Sette", at, 2, notices_);
+  InsertClassLegend({0, 1, 7}, u"Sette", at, 2, 1, notices_);
   EXPECT_TRUE(legends().empty());
 }
 
