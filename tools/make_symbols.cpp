@@ -148,6 +148,12 @@ void hidden(Drawing& d, Point at, std::initializer_list<std::pair<const char*, c
   }
 }
 
+Point onCircle(double radius, double degrees) {
+  const double a = degrees * std::acos(-1.0) / 180;
+  return {std::round(radius * std::cos(a) * 1e6) / 1e6,
+          std::round(radius * std::sin(a) * 1e6) / 1e6};
+}
+
 // --- nodes and links -----------------------------------------------------------------------------
 
 // A ring with a dot on the very node.
@@ -189,22 +195,25 @@ void tank(Drawing& d) {
           {"MINVOL", "Volume minimo [m3]"}});
 }
 
-// Two triangles tip to tip under a spindle.
+// Symbols of links stand upright on pipes of any direction, so they look the same from four sides.
+
+// Two triangles tip to tip, along and across: one of the pairs lies on the pipe.
 void valve(Drawing& d) {
   d.polyline({{-2.5, 1.5}, {2.5, -1.5}, {2.5, 1.5}, {-2.5, -1.5}}, true);
-  d.line({0, 0}, {0, 2});
-  d.line({-1, 2}, {1, 2});
+  d.polyline({{-1.5, 2.5}, {1.5, -2.5}, {-1.5, -2.5}, {1.5, 2.5}}, true);
   d.attribute("ID", "Nome", {3.4, 0.5}, kText);
   d.attribute("TYPE", "Tipo", {3.4, -2.3}, kText);
   d.attribute("SET", "Taratura", {10.4, -2.3}, kText);
   hidden(d, {3.4, -5.1}, {{"D", "Diametro [mm]"}, {"MLOSS", "Perdita localizzata"}});
 }
 
-// A circle with a triangle that points the way of the flow.
+// A wheel of four blades in its housing. Which way it pumps the link tells.
 void pump(Drawing& d) {
+  constexpr double kTip = 2.1, kRoot = 1.2;
   d.circle({0, 0}, 2.5);
-  const double x = -1.25, y = 2.5 * std::sqrt(3.0) / 2;
-  d.triangle({x, -y}, {2.5, 0}, {x, y});
+  for (const int angle : {45, 135, 225, 315}) {
+    d.triangle({0, 0}, onCircle(kTip, angle), onCircle(kRoot, angle + 50));
+  }
   d.attribute("ID", "Nome", {3.4, 0.5}, kText);
   d.attribute("ST", "Stato", {3.4, -2.3}, kText);
 }
@@ -261,12 +270,6 @@ void rectangle(Drawing& d, double halfWidth, double halfHeight) {
               {halfWidth, halfHeight},
               {-halfWidth, halfHeight}},
              true);
-}
-
-Point onCircle(double radius, double degrees) {
-  const double a = degrees * std::acos(-1.0) / 180;
-  return {std::round(radius * std::cos(a) * 1e6) / 1e6,
-          std::round(radius * std::sin(a) * 1e6) / 1e6};
 }
 
 void roundInRound(Drawing& d) {
