@@ -237,7 +237,7 @@ void outflow(Drawing& d) { arrow(d, {-1.2, -1.2}, {-5.5, -5.5}); }
 // A title over a scale of colours with its highest class on top. The insertion point is the upper
 // left corner. `colours` run from the lowest class upward, as do the attributes C1, C2...
 void legend(Drawing& d, const std::vector<int>& colours) {
-  constexpr double kHeight = 3, kSwatch = 4, kRow = 5.5, kWidth = 84, kMargin = 3;
+  constexpr double kHeight = 3, kSwatch = 4, kRow = 5.5, kWidth = 70, kMargin = 3;
   constexpr double kTitleEnd = -kHeight - 5;
   d.attribute("TITOLO", "Titolo", {kMargin, kTitleEnd + 2.5}, kHeight);
   const auto rows = static_cast<double>(colours.size());

@@ -10,7 +10,10 @@
 #include "cad/editor/session.h"
 #include "cad/family/family_commands.h"
 #include "cad/family/profile.h"
+#include "platform/decimals.h"
+#include "platform/files.h"
 #include "platform/format.h"
+#include "platform/ini.h"
 #include "platform/text.h"
 
 using cad::BlockInfo;
@@ -221,11 +224,11 @@ bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
   }
 
   const BlockInfo titleBlock = newBlock(d, u"HN-CARTIGLIO_", {});
-  drawProfileTitle(d, titleBlock, layout);
+  drawProfileTitle(d, titleBlock, layout, title);
   markAttributes(d, titleBlock);
   namespace tag = cad::profile_tag;
   const auto meters = [](std::u16string_view text) {
-    return platform::format(u"%.3lf", platform::wtof(text));
+    return platform::threeDecimals(platform::wtof(text));
   };
   const auto reference = place(d, titleBlock, s.insertion, 1, kLayer,
                                {{tag::kNetwork, title.network},
@@ -242,6 +245,50 @@ bool GestioneOggetto::Disegna_HNPX_HNRR(AcDbDatabase* database) {
 
 void GestioneOggetto::SetXdataProfSewer(const resbuf* names) { state_->links = namesOf(names); }
 
+namespace {
+
+// The levels of the ground over the stations: those of the line on the layer of the settings file
+// that has a vertex over each, the last drawn of several. A profile of which nobody asked for the
+// ground has its line elsewhere.
+void readGround(Drawing& d, const AcGePoint3d& origin, double start, ProfileChainData& chain) {
+  std::u16string root;
+  resbuf* symbol = nullptr;
+  if (acedGetSym(u"hn-cpath", &symbol) != RTNORM || !symbol) return;
+  root = symbol->resval.rstring;
+  acutRelRb(symbol);
+  const std::string file = platform::nativePath(root + u"DEFAULTSETTINGS.INI");
+  const std::uint32_t layer =
+      d.names().find(platform::iniValue(file, u"LAYER", u"TERRENO", u"TERRENO", 255));
+  std::vector<ProfileStation>& stations = chain.stations;
+  for (const std::uint32_t e : d.index().onLayer(layer)) {
+    const Opened<AcDbPolyline> line(d.idOf(e));
+    if (!line) continue;
+    const auto vertices = line->vertices();
+    if (stations.empty() || vertices.size() != stations.size()) continue;
+    bool over = true;
+    for (std::size_t i = 0; i < stations.size(); ++i) {
+      over =
+          over && std::fabs(vertices[i].point.x - origin.x - start - stations[i].chainage) < 1e-3;
+    }
+    if (!over) continue;
+    for (std::size_t i = 0; i < stations.size(); ++i) {
+      stations[i].ground = vertices[i].point.y - origin.y;
+    }
+    chain.hasGround = true;
+  }
+}
+
+// Empties a block definition, for what is drawn anew.
+BlockInfo emptied(Drawing& d, std::uint32_t id) {
+  std::vector<std::uint32_t> old;
+  for (std::uint32_t e = d.structure().firstEntity(id); e; e = d.structure().nextEntity(id, e))
+    old.push_back(e);
+  for (const std::uint32_t e : old) d.erase(e, true);
+  return *d.structure().block(id);
+}
+
+}  // namespace
+
 bool GestioneOggetto::UpdateXdata() {
   State& s = *state_;
   {
@@ -250,17 +297,20 @@ bool GestioneOggetto::UpdateXdata() {
   }
 
   Drawing& d = *s.drawing();
-  const std::uint32_t frame = d.byHandle(s.frame);
-  const std::uint32_t id = frame ? d.structure().blockByName(d.record(frame).name) : 0;
-  const BlockInfo* info = d.structure().block(id);
-  if (!info) return true;  // the user has taken the frame away
-  const BlockInfo block = *info;
-  const ProfileChainData chain = cad::readProfileChain(d, s.title.network, s.links);
-  std::vector<std::uint32_t> old;
-  for (std::uint32_t e = d.structure().firstEntity(id); e; e = d.structure().nextEntity(id, e))
-    old.push_back(e);
-  for (const std::uint32_t e : old) d.erase(e, true);
-  drawProfileFrame(d, block, ProfileLayout(s.title), chain);
+  ProfileChainData chain = cad::readProfileChain(d, s.title.network, s.links);
+  const ProfileLayout plain(s.title);
+  readGround(d, GetOrigin(), plain.start, chain);
+  const ProfileLayout layout(s.title, chain.hasGround);
+  const auto blockOf = [&](std::uint32_t reference) {
+    return reference ? d.structure().blockByName(d.record(reference).name) : 0;
+  };
+  const std::uint32_t frame = blockOf(d.byHandle(s.frame));
+  // The user may have taken the frame away.
+  if (d.structure().block(frame)) drawProfileFrame(d, emptied(d, frame), layout, chain);
+  const std::uint32_t title = blockOf(s.titleBlock.index());
+  if (chain.hasGround && d.structure().block(title)) {
+    drawProfileTitle(d, emptied(d, title), layout, s.title);
+  }
   return true;
 }
 

@@ -68,7 +68,9 @@ class CAD_API GestioneOggetto {
   // chain stays the caller's.
   void SetXdataProfSewer(const resbuf* names);
   // Puts the names on the title block and completes the band from the network's elements in the
-  // drawing. False when the profile is not in the drawing or the names do not fit on it.
+  // drawing, with a row for the levels of the ground where its line stands over the profile (layer
+  // TERRENO of the settings file). False when the profile is not in the drawing or the names do not
+  // fit on it.
   bool UpdateXdata();
   // The names as they stand on the title block, header included; null when there are none. The
   // caller owns the chain.

@@ -4,6 +4,7 @@
 #include <cmath>
 
 #include "cad/drawing/block_pen.h"
+#include "platform/decimals.h"
 #include "platform/format.h"
 #include "platform/text.h"
 
@@ -19,10 +20,21 @@ constexpr double kStationGap = 1.6;  // texts of neighbouring stations
 constexpr double kTitleLine = 2.4;
 
 // The rows of the band from above, with the texts of the title block's column.
-enum Row { kNames, kLevels, kHeads, kPressures, kReachLengths, kChainages, kReachNames, kRowCount };
+enum Row {
+  kNames,
+  kLevels,
+  kGround,
+  kHeads,
+  kPressures,
+  kReachLengths,
+  kChainages,
+  kReachNames,
+  kRowCount
+};
 constexpr const char16_t* kRowLabels[kRowCount] = {
     u"NODI",
     u"QUOTE NODI [m]",
+    u"QUOTE TERRENO [m]",
     u"CARICHI PIEZOMETRICI [m]",
     u"PRESSIONI [m]",
     u"DISTANZE PARZIALI [m]",
@@ -30,12 +42,30 @@ constexpr const char16_t* kRowLabels[kRowCount] = {
     u"RAMI - DIAMETRI [mm]",
 };
 
-double rowHeight(int row) { return row == kNames ? kNameRow : kNumberRow; }
-// Upper edge of a row, in text heights above the band's foot.
-double rowTop(int row) {
-  double y = 0;
-  for (int r = kRowCount - 1; r >= row; --r) y += rowHeight(r);
-  return y;
+// The rows of a band, in text heights above the lower left corner of the title block.
+class Band {
+ public:
+  explicit Band(bool ground) : ground_(ground) {}
+  bool has(int row) const { return ground_ || row != kGround; }
+  double foot() const { return ground_ ? -kNumberRow : 0; }
+  double height(int row) const { return row == kNames ? kNameRow : has(row) ? kNumberRow : 0; }
+  double top(int row) const {
+    double y = foot();
+    for (int r = kRowCount - 1; r >= row; --r) y += height(r);
+    return y;
+  }
+  double middle(int row) const { return top(row) - height(row) / 2; }
+
+ private:
+  bool ground_;
+};
+
+// A text that cannot be condensed to its width is smaller.
+PenText fitted(PenText text) {
+  constexpr double kNarrowest = 0.36;  // mean width of a character, in heights
+  const double least = kNarrowest * static_cast<double>(text.text.size());
+  if (text.width > 0 && least * text.height > text.width) text.height = text.width / least;
+  return text;
 }
 
 double positiveOr(std::u16string_view text, double fallback) {
@@ -43,7 +73,7 @@ double positiveOr(std::u16string_view text, double fallback) {
   return value > 0 ? value : fallback;
 }
 
-std::u16string number(double value) { return platform::format(u"%.3lf", value); }
+std::u16string number(double value) { return platform::threeDecimals(value); }
 
 // The smallest of 1, 2, 5, 10, 20... that is not below `least`.
 double niceStep(double least) {
@@ -94,7 +124,7 @@ class FramePainter {
  public:
   FramePainter(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout,
                const ProfileChainData& chain)
-      : pen_(drawing, block), at_(layout), chain_(chain), u_(layout.unit) {
+      : pen_(drawing, block), at_(layout), band_(layout.ground), chain_(chain), u_(layout.unit) {
     for (const ProfileStation& s : chain.stations) x_.push_back(layout.firstStation + s.chainage);
     text_ = spread(x_, kStationGap * u_, layout.left + u_, layout.right - u_);
     right_ = std::max(layout.right, text_.empty() ? 0 : text_.back() + u_);
@@ -153,14 +183,17 @@ class FramePainter {
   void band() {
     pen_.color(0);
     for (int row = 0; row < kRowCount; ++row) {
-      pen_.line(at_.titleWidth, rowTop(row) * u_, right_, rowTop(row) * u_);
+      if (band_.has(row))
+        pen_.line(at_.titleWidth, band_.top(row) * u_, right_, band_.top(row) * u_);
     }
-    pen_.line(at_.titleWidth, 0, right_, 0);
-    pen_.line(right_, 0, right_, at_.bandTop);
+    const double foot = band_.foot() * u_;
+    pen_.line(at_.titleWidth, foot, right_, foot);
+    pen_.line(right_, foot, right_, at_.bandTop);
     for (std::size_t i = 0; i < x_.size(); ++i) {
       const ProfileStation& s = chain_.stations[i];
       upright(kNames, i, s.name);
       upright(kLevels, i, number(s.point.z));
+      if (at_.ground) upright(kGround, i, number(s.ground));
       if (s.hasResults) {
         upright(kHeads, i, number(s.head));
         upright(kPressures, i, number(s.pressure));
@@ -171,12 +204,12 @@ class FramePainter {
 
   void upright(int row, std::size_t station, std::u16string_view text) {
     PenText label;
-    label.at = {text_[station], (rowTop(row) - rowHeight(row) / 2) * u_, 0};
+    label.at = {text_[station], band_.middle(row) * u_, 0};
     label.text = text;
     label.height = u_;
     label.rotation = 90;
-    label.width = (rowHeight(row) - 0.6) * u_;
-    pen_.text(label);
+    label.width = (band_.height(row) - 0.6) * u_;
+    pen_.text(fitted(label));
   }
 
   // What belongs between two stations stands between two short lines.
@@ -184,14 +217,15 @@ class FramePainter {
     for (std::size_t i = 0; i < text_.size(); ++i) {
       for (const int row : {kReachLengths, kReachNames}) {
         pen_.color(0);
-        pen_.line(text_[i], rowTop(row) * u_, text_[i], (rowTop(row) - rowHeight(row)) * u_);
+        pen_.line(text_[i], band_.top(row) * u_, text_[i],
+                  (band_.top(row) - band_.height(row)) * u_);
       }
     }
     for (std::size_t i = 0; i < chain_.reaches.size(); ++i) {
       const ProfileReach& reach = chain_.reaches[i];
       between(kReachLengths, i, number(reach.length), {});
       between(kReachNames, i, reach.name,
-              reach.diameter > 0 ? platform::format(u"DN %.6g", reach.diameter) : std::u16string());
+              reach.diameter > 0 ? platform::format(u"D %.6g", reach.diameter) : std::u16string());
     }
   }
 
@@ -204,9 +238,9 @@ class FramePainter {
     PenText label;
     label.height = u_;
     label.rotation = along ? 0 : 90;
-    label.width = along ? room - 0.6 * u_ : (rowHeight(row) - 0.6) * u_;
+    label.width = along ? room - 0.6 * u_ : (band_.height(row) - 0.6) * u_;
     const double x = (text_[reach] + text_[reach + 1]) / 2;
-    const double y = (rowTop(row) - rowHeight(row) / 2) * u_;
+    const double y = band_.middle(row) * u_;
     std::u16string both;
     if (!along && !second.empty() && room < 2.8 * u_) {  // not even two upright lines
       both = std::u16string(first) + u" " + std::u16string(second);
@@ -216,15 +250,16 @@ class FramePainter {
     const double shift = second.empty() ? 0 : apart / 2;
     label.text = first;
     label.at = along ? AcGePoint3d(x, y + shift, 0) : AcGePoint3d(x - shift, y, 0);
-    pen_.text(label);
+    pen_.text(fitted(label));
     if (second.empty()) return;
     label.text = second;
     label.at = along ? AcGePoint3d(x, y - shift, 0) : AcGePoint3d(x + shift, y, 0);
-    pen_.text(label);
+    pen_.text(fitted(label));
   }
 
   BlockPen pen_;
   const ProfileLayout& at_;
+  const Band band_;
   const ProfileChainData& chain_;
   const double u_;
   std::vector<double> x_, text_;  // of the stations: where they are, where their texts are
@@ -233,11 +268,12 @@ class FramePainter {
 
 }  // namespace
 
-ProfileLayout::ProfileLayout(const ProfileTitle& title)
-    : unit(std::min(kTextOnPaper * positiveOr(title.scaleX, 1000) / 1000,
+ProfileLayout::ProfileLayout(const ProfileTitle& title, bool withGround)
+    : ground(withGround),
+      unit(std::min(kTextOnPaper * positiveOr(title.scaleX, 1000) / 1000,
                     std::max(title.width, title.height) / 12)),
       titleWidth(kTitleWidth * unit),
-      bandTop(rowTop(0) * unit),
+      bandTop(Band(withGround).top(0) * unit),
       left(titleWidth + kAxisWidth * unit),
       right(left + title.width),
       datum(bandTop + kFan * unit),
@@ -246,47 +282,115 @@ ProfileLayout::ProfileLayout(const ProfileTitle& title)
       referenceLevel(platform::wtof(title.datum)),
       start(platform::wtof(title.start)) {}
 
-void drawProfileTitle(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout) {
-  BlockPen pen(drawing, block);
-  const double u = layout.unit, w = layout.titleWidth;
-  const auto text = [&](double x, double y, std::u16string_view what, double height, double width) {
+namespace {
+
+class TitlePainter {
+ public:
+  TitlePainter(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout,
+               const ProfileTitle& title)
+      : pen_(drawing, block), at_(layout), title_(title), u_(layout.unit), w_(layout.titleWidth) {}
+
+  void paint() {
+    const Band band(at_.ground);
+    for (int row = 0; row < kRowCount; ++row) {
+      if (!band.has(row)) continue;
+      pen_.line(0, band.top(row) * u_, w_, band.top(row) * u_);
+      text(u_, band.middle(row) * u_, kRowLabels[row], u_, w_ - 2 * u_);
+    }
+    double y = values(at_.bandTop);
+    y = lineNames(y);
+    y += 1.6 * kTitleLine * u_;
+    text(u_, y - 0.8 * kTitleLine * u_, u"PROFILO LONGITUDINALE", 1.4 * u_, w_ - 2 * u_);
+    pen_.rectangle(0, band.foot() * u_, w_, y);
+  }
+
+ private:
+  // What the title says, a line each from below; the upper edge of the last.
+  double values(double y) {
+    struct Line {
+      const char16_t *label, *tag, *prompt;
+      std::u16string text;
+      double labelWidth;
+    };
+    // Heights are drawn as lengths are, whatever scale the title has for them: it says so.
+    const bool differs = positiveOr(title_.scaleX, 0) != positiveOr(title_.scaleY, 0);
+    const auto meters = [](const std::u16string& text) { return number(platform::wtof(text)); };
+    const Line lines[] = {
+        {u"SCALA ALTEZZE 1:", profile_tag::kScaleY, u"Scala delle altezze", title_.scaleY,
+         differs ? 10 : 17.0},
+        {u"SCALA LUNGHEZZE 1:", profile_tag::kScaleX, u"Scala delle lunghezze", title_.scaleX, 17},
+        {u"QUOTA DI RIFERIMENTO [m]", profile_tag::kDatum, u"Quota di riferimento",
+         meters(title_.datum), 17},
+        {u"PROGRESSIVA INIZIALE [m]", profile_tag::kStart, u"Progressiva iniziale",
+         meters(title_.start), 17},
+        {u"PROFILO", profile_tag::kName, u"Nome del profilo", title_.name, 8},
+        {u"RETE", profile_tag::kNetwork, u"Nome della rete", title_.network, 8},
+    };
+    for (const Line& line : lines) {
+      const double middle = y + kTitleLine / 2 * u_, from = line.labelWidth + 1.5;
+      const bool noted = differs && line.tag == profile_tag::kScaleY;
+      text(u_, middle, line.label, 0.9 * u_, line.labelWidth * u_);
+      pen_.attribute(
+          line.tag, line.prompt,
+          at(from * u_, middle, line.text, u_, (noted ? 3 : kTitleWidth - from - 0.5) * u_));
+      if (noted) {
+        text((from + 3.2) * u_, middle, u"(disegnate 1:" + title_.scaleX + u")", 0.8 * u_,
+             (kTitleWidth - from - 3.7) * u_);
+      }
+      y += kTitleLine * u_;
+      pen_.line(0, y, w_, y);
+    }
+    return y;
+  }
+
+  // The lines that stand in the frame, in the colours of their layers; the upper edge.
+  double lineNames(double y) {
+    struct Line {
+      const char16_t* name;
+      int color;
+      double room;
+    };
+    constexpr Line kLines[] = {
+        {u"TERRENO", 3, 7}, {u"PIEZOMETRICA", 4, 10.6}, {u"PROGETTO", 1, 7.4}};
+    const double middle = y + kTitleLine / 2 * u_;
+    double x = 0.6 * u_;
+    for (const Line& line : kLines) {
+      if (line.color == 3 && !at_.ground) continue;
+      pen_.color(line.color);
+      pen_.line(x, middle, x + 1.5 * u_, middle);
+      pen_.color(0);
+      text(x + 1.9 * u_, middle, line.name, 0.8 * u_, (line.room - 2.3) * u_);
+      x += line.room * u_;
+    }
+    y += kTitleLine * u_;
+    pen_.line(0, y, w_, y);
+    return y;
+  }
+
+  static PenText at(double x, double y, std::u16string_view what, double height, double width) {
     PenText t;
     t.at = {x, y, 0};
     t.text = what;
     t.height = height;
     t.across = PenText::left;
     t.width = width;
-    return t;
-  };
-  for (int row = 0; row < kRowCount; ++row) {
-    pen.line(0, rowTop(row) * u, w, rowTop(row) * u);
-    pen.text(text(u, (rowTop(row) - rowHeight(row) / 2) * u, kRowLabels[row], u, w - 2 * u));
+    return fitted(t);
   }
-  struct Line {
-    const char16_t *label, *tag, *prompt;
-  };
-  constexpr Line kLines[] = {
-      {u"SCALA ALTEZZE 1:", profile_tag::kScaleY, u"Scala delle altezze"},
-      {u"SCALA LUNGHEZZE 1:", profile_tag::kScaleX, u"Scala delle lunghezze"},
-      {u"QUOTA DI RIFERIMENTO [m]", profile_tag::kDatum, u"Quota di riferimento"},
-      {u"PROGRESSIVA INIZIALE [m]", profile_tag::kStart, u"Progressiva iniziale"},
-      {u"PROFILO", profile_tag::kName, u"Nome del profilo"},
-      {u"RETE", profile_tag::kNetwork, u"Nome della rete"},
-  };
-  double y = layout.bandTop;
-  for (const Line& line : kLines) {
-    y += kTitleLine * u;
-    const bool name = line.tag == profile_tag::kName || line.tag == profile_tag::kNetwork;
-    const double labelWidth = name ? 8 * u : 17 * u;
-    pen.text(text(u, y - kTitleLine / 2 * u, line.label, 0.9 * u, labelWidth));
-    pen.attribute(
-        line.tag, line.prompt,
-        text(labelWidth + 1.5 * u, y - kTitleLine / 2 * u, u"", u, w - labelWidth - 2 * u));
-    pen.line(0, y, w, y);
+  void text(double x, double y, std::u16string_view what, double height, double width) {
+    pen_.text(at(x, y, what, height, width));
   }
-  y += 1.6 * kTitleLine * u;
-  pen.text(text(u, y - 0.8 * kTitleLine * u, u"PROFILO LONGITUDINALE", 1.4 * u, w - 2 * u));
-  pen.rectangle(0, 0, w, y);
+
+  BlockPen pen_;
+  const ProfileLayout& at_;
+  const ProfileTitle& title_;
+  const double u_, w_;
+};
+
+}  // namespace
+
+void drawProfileTitle(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout,
+                      const ProfileTitle& title) {
+  TitlePainter(drawing, block, layout, title).paint();
 }
 
 void drawProfileFrame(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout,

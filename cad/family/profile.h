@@ -17,6 +17,7 @@ struct ProfileStation {
   double chainage = 0;  // from the first node
   bool hasResults = false;
   double head = 0, pressure = 0;
+  double ground = 0;  // level of the ground, where the chain has it
 };
 
 // A link between two stations.
@@ -29,6 +30,7 @@ struct ProfileReach {
 struct ProfileChainData {
   std::vector<ProfileStation> stations;  // one more than there are reaches
   std::vector<ProfileReach> reaches;
+  bool hasGround = false;
 };
 
 // The chain of the named links of a network, in order; the course is found by the nodes that
@@ -45,8 +47,11 @@ struct ProfileTitle {
 
 // Where things stand, from the lower left corner of the title block, in drawing units.
 struct ProfileLayout {
-  explicit ProfileLayout(const ProfileTitle& title);
+  // With a row for the levels of the ground the band reaches a row further down; what stands above
+  // it stays where it is.
+  explicit ProfileLayout(const ProfileTitle& title, bool ground = false);
 
+  bool ground;
   double unit;         // height of the band's texts
   double titleWidth;   // the title block's column
   double bandTop;      // upper edge of the band
@@ -69,8 +74,10 @@ inline constexpr char16_t kScaleX[] = u"SCX";
 inline constexpr char16_t kScaleY[] = u"SCY";
 }  // namespace profile_tag
 
-// Fill a block definition, which must be empty.
-void drawProfileTitle(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout);
+// Fill a block definition, which must be empty. The attributes of the title have its texts as their
+// defaults, as wide as there is room for them.
+void drawProfileTitle(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout,
+                      const ProfileTitle& title);
 void drawProfileFrame(Drawing& drawing, const BlockInfo& block, const ProfileLayout& layout,
                       const ProfileChainData& chain);
 // The symbol of a manhole, for a text height of 1.

@@ -10,7 +10,7 @@ namespace vessora {
 namespace {
 
 constexpr double kRing = 2, kRingToLink = 0.1;  // a junction's ring, and what it is to a link
-constexpr double kLegendWidth = 84, kLegendToPlan = 0.25;
+constexpr double kLegendWidth = 70, kLegendToPlan = 0.2;
 
 // People read scales: two digits are as good as ten. What no scale can be is 1.
 double readable(double scale) {

@@ -1,7 +1,7 @@
 // How large symbols are in a plan, so that they are to its links as they are in a good drawing.
 //
 // A scale multiplies the sizes in which the blocks are drawn: a junction's ring is 2 drawing units
-// across at scale 1, a text beside a symbol 2 high, a legend 84 wide.
+// across at scale 1, a text beside a symbol 2 high, a legend 70 wide.
 #pragma once
 
 #include <string_view>
@@ -22,7 +22,7 @@ double fittingScale(std::vector<double> lengths);
 // The scale of the symbols that a network has: of the one drawn last, by kind. 1 where it has none.
 double drawnScale(std::u16string_view network);
 
-// The scale at which a legend is about a quarter as wide as the plan of the network's nodes, to two
+// The scale at which a legend is a fifth as wide as the plan of the network's nodes, to two
 // digits; 1 for fewer than two places.
 double fittingLegendScale(std::u16string_view network);
 

@@ -2,7 +2,7 @@
 #include "module/results/network_tables.h"
 
 #include "module/host/translate.h"
-#include "platform/format.h"
+#include "platform/decimals.h"
 
 namespace vessora {
 
@@ -79,7 +79,7 @@ class GridBuilder {
     grid_.push_back({std::u16string(TraduciTesto(title)).append(id)});
   }
   GridBuilder& real(const char16_t* label, double value) {
-    if (value != kNoValue) add(label, platform::format(u"%.3lf", value));
+    if (value != kNoValue) add(label, platform::threeDecimals(value));
     return *this;
   }
   GridBuilder& text(const char16_t* label, std::u16string_view value) {

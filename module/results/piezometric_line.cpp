@@ -5,7 +5,7 @@
 #include "module/network/point_grid.h"
 #include "module/network/schema.h"
 #include "module/results/drawing_jobs.h"
-#include "platform/format.h"
+#include "platform/decimals.h"
 
 namespace vessora {
 
@@ -109,7 +109,7 @@ class GradeLine {
 
   void text(std::u16string_view layer, const AcGePoint3d& at, double value) const {
     HNGeometry::HNTextCommandTesto(layer, u"Standard", at, textHeight_, 0,
-                                   platform::format(u"%.3lf", value), u"Left", 256);
+                                   platform::threeDecimals(value), u"Left", 256);
   }
 
   const double textHeight_;

@@ -35,6 +35,8 @@ void drawProfile(const ProfileChain& chain, const ProfileRequest& request) {
   profile.SetXdataProfSewer(names.take().get());
   profile.UpdateXdata();
   BuildProfileRows(chain, offset, profile);
+  // The ground stands in the drawing by now: the band gets its levels.
+  if (request.place && request.terrainOffset) profile.UpdateXdata();
 }
 
 ProfileResult drawProfile(std::u16string_view network, const ProfileRequest& request) {

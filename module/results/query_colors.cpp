@@ -15,7 +15,7 @@
 #include "module/network/element_data.h"
 #include "module/results/drawing_jobs.h"
 #include "module/results/query_rows.h"
-#include "platform/format.h"
+#include "platform/decimals.h"
 #include "platform/text.h"
 
 namespace vessora {
@@ -263,7 +263,7 @@ void InsertClassLegend(const ColorClasses& classes, std::u16string_view title,
   std::array<std::u16string, 10> labels;
   std::size_t i = 0;
   classes.forEach([&](double lower, double upper) {
-    labels[i++] = platform::format(u"%.3lf ÷ %.3lf", lower, upper);
+    labels[i++] = platform::threeDecimals(lower) + u" ÷ " + platform::threeDecimals(upper);
   });
   InsertLegend(point, title, labels, kind, scale, notices);
 }

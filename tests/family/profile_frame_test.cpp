@@ -72,36 +72,66 @@ TEST_F(ProfileFrame, TheFrameStandsLineByLine) {
       "0 C@57,52.5 h1 r90 a1 w1;0 99.000@57,44 h1 r90 a1 w1;0 -1.000@57,36 h1 r90 a1 w1;"
       "0 -2.000@57,28 h1 r90 a1 w1;0 120.000@57,12 h1 r90 a1 w1;0 37,24 37,16;0 37,8 37,0;"
       "0 38.6,24 38.6,16;0 38.6,8 38.6,0;0 57,24 57,16;0 57,8 57,0;0 1.000@37.8,20 h1 r90 a1 w1;"
-      "0 P1 DN 110@37.8,4 h1 r90 a1 w0.914;0 19.000@47.8,20 h1 r0 a1 w1;0 P2@47.8,4 h1 r0 a1 w1;"
+      "0 P1 D 110@37.8,4 h1 r90 a1 w1;0 19.000@47.8,20 h1 r0 a1 w1;0 P2@47.8,4 h1 r0 a1 w1;"
       "0 36,61 60,61;0 60,61 60,73;0 60,73 36,73;0 36,73 36,61;");
 }
 
 TEST_F(ProfileFrame, TitleBlockAndManhole) {
   const auto b = block(), m = block();
-  cad::drawProfileTitle(drawing(), b, ProfileLayout(title(12, 24)));
+  cad::drawProfileTitle(drawing(), b, ProfileLayout(title(12, 24)), title(12, 24));
   EXPECT_EQ(
       contents(b),
       "0 0,57 26,57;0 NODI@1,52.5 h1 r0 a0 w1;0 0,48 26,48;0 QUOTE NODI [m]@1,44 h1 r0 a0 w1;"
       "0 0,40 26,40;0 CARICHI PIEZOMETRICI [m]@1,36 h1 r0 a0 w1;0 0,32 26,32;"
       "0 PRESSIONI [m]@1,28 h1 r0 a0 w1;0 0,24 26,24;0 DISTANZE PARZIALI [m]@1,20 h1 r0 a0 w1;"
       "0 0,16 26,16;0 DISTANZE PROGRESSIVE [m]@1,12 h1 r0 a0 w1;0 0,8 26,8;"
-      "0 RAMI - DIAMETRI [mm]@1,4 h1 r0 a0 w1;0 SCALA ALTEZZE 1:@1,58.2 h0.9 r0 a0 w1;"
-      "0 @18.5,58.2 h1 r0 a0 w1 SCY Scala delle altezze 0;0 0,59.4 26,59.4;"
+      "0 RAMI - DIAMETRI [mm]@1,4 h1 r0 a0 w1;0 SCALA ALTEZZE 1:@1,58.2 h0.9 r0 a0 w0.772;"
+      "0 100@11.5,58.2 h1 r0 a0 w1 SCY Scala delle altezze 0;"
+      "0 (disegnate 1:500)@14.7,58.2 h0.8 r0 a0 w0.882;0 0,59.4 26,59.4;"
       "0 SCALA LUNGHEZZE 1:@1,60.6 h0.9 r0 a0 w1;"
-      "0 @18.5,60.6 h1 r0 a0 w1 SCX Scala delle lunghezze 0;0 0,61.8 26,61.8;"
+      "0 500@18.5,60.6 h1 r0 a0 w1 SCX Scala delle lunghezze 0;0 0,61.8 26,61.8;"
       "0 QUOTA DI RIFERIMENTO [m]@1,63 h0.9 r0 a0 w0.874;"
-      "0 @18.5,63 h1 r0 a0 w1 QRIF Quota di riferimento 0;0 0,64.2 26,64.2;"
+      "0 3.200@18.5,63 h1 r0 a0 w1 QRIF Quota di riferimento 0;0 0,64.2 26,64.2;"
       "0 PROGRESSIVA INIZIALE [m]@1,65.4 h0.9 r0 a0 w0.874;"
-      "0 @18.5,65.4 h1 r0 a0 w1 PROG Progressiva iniziale 0;0 0,66.6 26,66.6;"
-      "0 PROFILO@1,67.8 h0.9 r0 a0 w1;0 @9.5,67.8 h1 r0 a0 w1 NOME2 Nome del profilo 0;"
-      "0 0,69 26,69;0 RETE@1,70.2 h0.9 r0 a0 w1;0 @9.5,70.2 h1 r0 a0 w1 NOME1 Nome della rete 0;"
-      "0 0,71.4 26,71.4;0 PROFILO LONGITUDINALE@1,73.32 h1.4 r0 a0 w0.907;0 0,0 26,0;"
-      "0 26,0 26,75.24;0 26,75.24 0,75.24;0 0,75.24 0,0;");
+      "0 100.000@18.5,65.4 h1 r0 a0 w1 PROG Progressiva iniziale 0;0 0,66.6 26,66.6;"
+      "0 PROFILO@1,67.8 h0.9 r0 a0 w1;0 uno@9.5,67.8 h1 r0 a0 w1 NOME2 Nome del profilo 0;"
+      "0 0,69 26,69;0 RETE@1,70.2 h0.9 r0 a0 w1;"
+      "0 Rete@9.5,70.2 h1 r0 a0 w1 NOME1 Nome della rete 0;0 0,71.4 26,71.4;"
+      "4 0.6,72.6 2.1,72.6;0 PIEZOMETRICA@2.5,72.6 h0.8 r0 a0 w0.961;1 11.2,72.6 12.7,72.6;"
+      "0 PROGETTO@13.1,72.6 h0.8 r0 a0 w0.885;0 0,73.8 26,73.8;"
+      "0 PROFILO LONGITUDINALE@1,75.72 h1.4 r0 a0 w0.907;0 0,0 26,0;0 26,0 26,77.64;"
+      "0 26,77.64 0,77.64;0 0,77.64 0,0;");
   cad::drawManhole(drawing(), m);
   EXPECT_EQ(contents(m),
             "0 -0.6,-1.2 0.6,-1.2;0 0.6,-1.2 0.6,0;0 0.6,0 -0.6,0;0 -0.6,0 -0.6,-1.2;0 -1,0 1,0;"
             "0 -0.6,-1.2 0.6,0;0 -0.6,0 0.6,-1.2;0 @0,0.6 h1 r90 a0 w1 NOME Nome 0;"
             "0 @0,0 h1 r90 a0 w1 CODICE Codice 1;0 @0,0 h1 r90 a0 w1 DESCRIZIONE Descrizione 1;");
+}
+
+TEST_F(ProfileFrame, TheGroundGetsARowBelowAndANameAndLongNamesStayInTheirColumn) {
+  ProfileTitle t = title(12, 24, u"100");
+  t.name = std::u16string(100, u'M');
+  const ProfileLayout layout(t, true);
+  EXPECT_EQ(layout.bandTop, 57 * layout.unit) << "what stands above stays";
+  const auto b = block(), f = block();
+  cad::drawProfileTitle(drawing(), b, layout, t);
+  const std::string head = contents(b);
+  for (const char* part : {"QUOTE TERRENO [m]@0.2,7.2 ", "RAMI - DIAMETRI [mm]@0.2,-0.8 ",
+                           "3 0.12,14.52 0.42,14.52;0 TERRENO@", "0 0,-1.6 5.2,-1.6"}) {
+    EXPECT_NE(head.find(part), head.npos) << part << "\n" << head;
+  }
+  EXPECT_EQ(head.find("disegnate"), head.npos) << "both scales are the same";
+  // 100 letters at their narrowest, 0.36 of their height, in a room of 16 text heights.
+  EXPECT_NE(head.find("MM@1.9,13.56 h0.0889 r0 a0 w0.4 NOME2"), head.npos) << head;
+  ProfileChainData chain;
+  chain.hasGround = true;
+  chain.stations = {{u"A", {0, 0, 5}, 0, false, 0, 0, 6.5},
+                    {u"B", {0, 0, 1}, 20, false, 0, 0, -0.0001}};
+  chain.reaches = {{u"P", 20, 0}};
+  cad::drawProfileFrame(drawing(), f, layout, chain);
+  const std::string frame = contents(f);
+  EXPECT_NE(frame.find("0 6.500@8.2,7.2 "), frame.npos) << frame;
+  EXPECT_NE(frame.find(" 0.000@28.2,7.2 "), frame.npos) << "no sign: " << frame;
 }
 
 TEST_F(ProfileFrame, TextsAreAsLargeAsTheScaleAsksAndTheFrameAllows) {
@@ -189,11 +219,11 @@ TEST_F(ProfileFrame, TextsBetweenStationsLieOrStandAsThereIsRoom) {
     return all.substr(from, all.find(end) - from);
   };
   EXPECT_EQ(between(6, u"ABCDEFGHIJ", 110),
-            "0 ABCDEFGHIJ@50,4.75 h1 r0 a1 w0.6;0 DN 110@50,3.25 h1 r0 a1 w1;");
+            "0 ABCDEFGHIJ@50,4.75 h1 r0 a1 w0.6;0 D 110@50,3.25 h1 r0 a1 w1;");
   EXPECT_EQ(between(5.9, u"ABCDEFGHIJ", 110),
-            "0 ABCDEFGHIJ@49.2,4 h1 r90 a1 w0.822;0 DN 110@50.7,4 h1 r90 a1 w1;");
-  EXPECT_EQ(between(2.9, u"P", 110), "0 P@47.7,4 h1 r90 a1 w1;0 DN 110@49.2,4 h1 r90 a1 w1;");
-  EXPECT_EQ(between(2.7, u"P", 110.5), "0 P DN 110.5@48.35,4 h1 r90 a1 w0.822;");
+            "0 ABCDEFGHIJ@49.2,4 h1 r90 a1 w0.822;0 D 110@50.7,4 h1 r90 a1 w1;");
+  EXPECT_EQ(between(2.9, u"P", 110), "0 P@47.7,4 h1 r90 a1 w1;0 D 110@49.2,4 h1 r90 a1 w1;");
+  EXPECT_EQ(between(2.7, u"P", 110.5), "0 P D 110.5@48.35,4 h1 r90 a1 w0.914;");
   EXPECT_EQ(between(6, u"ABCDEFGHIJ", 0), "0 ABCDEFGHIJ@50,4 h1 r0 a1 w0.6;");
   EXPECT_EQ(between(2, u"ABCD", 0), "0 ABCD@48,4 h1 r90 a1 w1;");
 }
