@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "cad/family/translator/dictionary.h"
+#include "platform/dictionary.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -263,14 +263,14 @@ class EnglishDictionary : public testing::Test {
     const std::string path = (kRoot / "assets/lingue/en.po").string();
     const auto bytes = platform::readFile(path);
     ASSERT_TRUE(bytes);
-    auto parsed = cad::Dictionary::parse(*bytes, "en.po");
+    auto parsed = platform::Dictionary::parse(*bytes, "en.po");
     ASSERT_TRUE(parsed) << parsed.error();
     dictionary = *parsed;
   }
   const std::u16string* find(std::string_view text) const {
     return dictionary.find(platform::widen(text));
   }
-  cad::Dictionary dictionary;
+  platform::Dictionary dictionary;
 };
 
 std::string visible(std::string text) {

@@ -4,11 +4,11 @@
 #include <cstdlib>
 #include <string>
 
-#include "cad/family/translator/dictionary.h"
+#include "platform/dictionary.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
   const std::string bytes(reinterpret_cast<const char*>(data), size);
-  const auto dictionary = cad::Dictionary::parse(bytes, "po");
+  const auto dictionary = platform::Dictionary::parse(bytes, "po");
   if (!dictionary) {
     if (dictionary.error().rfind("po:", 0) != 0) std::abort();
     return 0;

@@ -1,8 +1,8 @@
 // HNTranslatorDll: the translator that the modules of the family find by name at run time.
 //
-// The language is that of the environment variable VESSORA_LANG; without it, or with "it", texts
-// stay the Italian that they are. Any other language needs its dictionary lingue/<language>.po
-// under the product root or beside this library. A language that has none, or a faulty one, is told
+// The language is that of platform/words.h; where that is "it", texts stay the Italian that they
+// are. Any other language needs its dictionary lingue/<language>.po under the product root or
+// beside this library; English has one within. A language that has none, or a faulty one, is told
 // once on standard error, and texts stay Italian.
 #include <algorithm>
 #include <cstdio>
@@ -13,11 +13,12 @@
 #include <vector>
 
 #include "cad/api/editor.h"
-#include "cad/family/translator/dictionary.h"
 #include "cad/ui/dialog.h"
+#include "platform/dictionary.h"
 #include "platform/dynamic_library.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 #define TRANSLATOR_EXPORT extern "C" __attribute__((visibility("default")))
 
@@ -31,7 +32,7 @@ struct State {
   std::u16string languageWide;  // the same for callers
   bool known = false;           // the language has been asked for
   bool settled = false;         // there is a dictionary, or it has been told that there is none
-  std::optional<cad::Dictionary> dictionary;
+  std::optional<platform::Dictionary> dictionary;
   std::vector<std::u16string> libraries;  // whose texts are wanted beside the caller's own
 };
 State state;
@@ -40,20 +41,18 @@ void complain(const std::string& message) {
   std::fprintf(stderr, "HNTranslatorDll: %s\n", message.c_str());
 }
 
-// The language of the environment: "en", "en_GB", "pt-BR"; an encoding behind a point is dropped.
-// The name becomes part of a path and may hold nothing that leads elsewhere.
+// The language of texts; empty for Italian. What VESSORA_LANG says becomes part of a path and may
+// hold nothing that leads elsewhere.
 std::string wantedLanguage() {
-  const char* const value = std::getenv("VESSORA_LANG");
-  std::string language = value ? value : "";
-  language.resize(std::min(language.find_first_of(".@"), language.size()));
-  if (language == "it" || language.rfind("it_", 0) == 0 || language.rfind("it-", 0) == 0) return {};
-  for (const char c : language) {
-    const bool plain = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
-    if (plain || c == '_' || c == '-') continue;
-    complain("VESSORA_LANG is no language: \"" + language + "\"; texts stay Italian");
-    return {};
+  const char* const chosen = std::getenv("VESSORA_LANG");
+  if (!chosen || !*chosen) return {};
+  const std::string language = platform::language();
+  if (language != "it") return language;
+  if (std::strncmp(chosen, "it", 2) != 0) {
+    complain("VESSORA_LANG non è una lingua: \"" + std::string(chosen) +
+             "\"; i testi restano in italiano");
   }
-  return language;
+  return {};
 }
 
 // The product root, or nothing before the product's start-up has said where it is.
@@ -90,9 +89,9 @@ std::vector<std::string> candidates(const std::optional<std::string>& root) {
 void readDictionary(const std::string& path) {
   state.settled = true;
   const auto bytes = platform::readFile(path);
-  if (!bytes) return complain(bytes.error() + "; texts stay Italian");
-  auto dictionary = cad::Dictionary::parse(*bytes, path);
-  if (!dictionary) return complain(dictionary.error() + "; texts stay Italian");
+  if (!bytes) return complain(bytes.error() + "; i testi restano in italiano");
+  auto dictionary = platform::Dictionary::parse(*bytes, path);
+  if (!dictionary) return complain(dictionary.error() + "; i testi restano in italiano");
   state.dictionary = std::move(*dictionary);
 }
 
@@ -111,8 +110,13 @@ void findDictionary() {
   }
   if (!root) return;  // it may still be there once the root is known
   state.settled = true;
-  complain("no dictionary for the language \"" + state.language + "\" (looked for " +
-           files.front() + " and " + files[1] + "); texts stay Italian");
+  if (state.language == "en" || state.language.rfind("en_", 0) == 0) {
+    auto own = platform::Dictionary::parse(platform::englishCatalogue(), "en.po");
+    if (own) state.dictionary = std::move(*own);
+    return;
+  }
+  complain("manca il dizionario della lingua \"" + state.language + "\" (cercati " + files.front() +
+           " e " + files[1] + "); i testi restano in italiano");
 }
 
 // The translation of a text of the caller `context`, or null.

@@ -1,4 +1,4 @@
-#include "cad/family/translator/dictionary.h"
+#include "platform/dictionary.h"
 
 #include <algorithm>
 #include <optional>
@@ -6,7 +6,7 @@
 
 #include "platform/text.h"
 
-namespace cad {
+namespace platform {
 
 namespace {
 
@@ -48,7 +48,7 @@ class DictionaryParser {
  public:
   explicit DictionaryParser(const std::string& name) : name_(name) {}
 
-  platform::Result<Dictionary> run(std::string_view bytes) {
+  Result<Dictionary> run(std::string_view bytes) {
     if (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
     while (!bytes.empty() && error_.empty()) {
       const std::size_t end = std::min(bytes.find('\n'), bytes.size());
@@ -57,7 +57,7 @@ class DictionaryParser {
       bytes.remove_prefix(std::min(end + 1, bytes.size()));
     }
     if (error_.empty()) finishEntry();
-    if (!error_.empty()) return platform::Error{std::move(error_)};
+    if (!error_.empty()) return Error{std::move(error_)};
     return std::move(dictionary_);
   }
 
@@ -77,7 +77,7 @@ class DictionaryParser {
 
   void readLine(std::string_view line) {
     if (line.empty()) return;
-    if (!platform::isValidUtf8(line)) return fail("the text is not UTF-8");
+    if (!isValidUtf8(line)) return fail("the text is not UTF-8");
     if (line[0] == '#') return readComment(line);
     if (line[0] == '"') {
       if (!open_) return fail("a text without msgid or msgstr in front of it");
@@ -168,11 +168,9 @@ class DictionaryParser {
     if (conversionsOf(*entry.id) != conversionsOf(*entry.text)) {
       return fail(entry.line, "the conversions of the translation are not those of the original");
     }
-    const std::u16string context = platform::widen(entry.context.value_or(""));
+    const std::u16string context = widen(entry.context.value_or(""));
     const bool isNew =
-        dictionary_.texts_
-            .emplace(keyOf(platform::widen(*entry.id), context), platform::widen(*entry.text))
-            .second;
+        dictionary_.texts_.emplace(keyOf(widen(*entry.id), context), widen(*entry.text)).second;
     if (!isNew) return fail(entry.line, "a second translation of one text");
     if (!context.empty()) dictionary_.hasContexts_ = true;
   }
@@ -185,7 +183,7 @@ class DictionaryParser {
   Dictionary dictionary_;
 };
 
-platform::Result<Dictionary> Dictionary::parse(std::string_view bytes, const std::string& name) {
+Result<Dictionary> Dictionary::parse(std::string_view bytes, const std::string& name) {
   return DictionaryParser(name).run(bytes);
 }
 
@@ -195,4 +193,4 @@ const std::u16string* Dictionary::find(std::u16string_view text,
   return at == texts_.end() ? nullptr : &at->second;
 }
 
-}  // namespace cad
+}  // namespace platform

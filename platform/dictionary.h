@@ -15,14 +15,14 @@
 
 #include "platform/result.h"
 
-namespace cad {
+namespace platform {
 
 class Dictionary {
  public:
   // The error begins with "name:line: ". Nothing of a faulty file is used: half a dictionary would
   // look like a translator's oversight. A fault is also a second entry of one original, and a
   // translation whose conversions (%s, %d...) are not those of its original in their order.
-  static platform::Result<Dictionary> parse(std::string_view bytes, const std::string& name);
+  static Result<Dictionary> parse(std::string_view bytes, const std::string& name);
 
   // The translation of a text, or null. Texts are compared exactly.
   const std::u16string* find(std::u16string_view text, std::u16string_view context = {}) const;
@@ -36,4 +36,4 @@ class Dictionary {
   bool hasContexts_ = false;
 };
 
-}  // namespace cad
+}  // namespace platform

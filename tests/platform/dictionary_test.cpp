@@ -1,5 +1,5 @@
 // The translator's dictionary: what a PO file gives, and what is refused with its line.
-#include "cad/family/translator/dictionary.h"
+#include "platform/dictionary.h"
 
 #include <gtest/gtest.h>
 
@@ -7,7 +7,7 @@
 
 namespace {
 
-using cad::Dictionary;
+using platform::Dictionary;
 
 // The translation of a text, "" for none.
 std::string translated(const Dictionary& dictionary, std::string_view text,
