@@ -38,8 +38,8 @@ std::string inWords(const std::string& code) {
   constexpr std::array<std::pair<const char*, const char*>, 40> kWords = {{
       {"junction", "nodo"},
       {"reservoir", "serbatoio"},
-      {"tank", "vasca"},
-      {"pipe", "tubo"},
+      {"tank", "tank"},
+      {"pipe", "condotta"},
       {"pump", "pompa"},
       {"valve", "valvola"},
       {"pattern", "pattern"},
@@ -75,7 +75,7 @@ std::string inWords(const std::string& code) {
       {"value", "valore"},
       {"values", "valori"},
   }};
-  if (!italian()) return code;
+  if (!platform::isItalian()) return code;
   for (const auto& [english, own] : kWords) {
     if (english && code == english) return own;
   }
@@ -90,17 +90,17 @@ std::string lineOf(const vessora::DiffItem& item) {
       return head + inWords(item.field) +
              (item.was.empty() && item.now.empty() ? "" : " " + change);
     case What::moved:
-      return head + words("spostato ", "moved ") + change;
+      return head + words("spostato ") + change;
     case What::course:
-      return head + words("tracciato cambiato, vertici ", "course changed, vertices ") + change;
+      return head + words("tracciato cambiato, vertici ") + change;
     case What::added:
-      return head + words("nuovo", "new");
+      return head + words("nuovo");
     case What::copied:
-      return head + words("copia di ", "copy of ") + narrow(item.was);
+      return head + words("copia di ") + narrow(item.was);
     case What::gone:
-      return head + words("tolto", "gone");
+      return head + words("tolto");
     default:
-      return head + words("ora si chiama ", "now called ") + narrow(item.now);
+      return head + words("ora si chiama ") + narrow(item.now);
   }
 }
 
@@ -133,14 +133,14 @@ int mendDrawing(const DiffOptions& o, JobSpan& job, const std::u16string& networ
   for (const vessora::MendedName& copy : mended.copies) {
     say(narrow(copy.was) + " -> " + narrow(copy.now));
   }
-  if (mended.copies.empty()) say(words("nulla da correggere", "nothing to mend"));
+  if (mended.copies.empty()) say(words("nulla da correggere"));
   return 0;
 }
 
 }  // namespace
 
 std::string summaryOf(const vessora::DiffResult& diff) {
-  if (diff.items.empty()) return words("uguale al testo conservato", "same as the kept text");
+  if (diff.items.empty()) return words("uguale al testo conservato");
   int changed = 0, added = 0, gone = 0, renamed = 0;
   for (const vessora::DiffItem& item : diff.items) {
     ++(item.what == What::added || item.what == What::copied ? added
@@ -148,14 +148,14 @@ std::string summaryOf(const vessora::DiffResult& diff) {
        : item.what == What::renamed                          ? renamed
                                                              : changed);
   }
-  std::string text = words("diverso dal testo conservato:", "differs from the kept text:");
-  const auto part = [&](int count, const char* it, const char* en) {
-    if (count > 0) text += " " + words(it, en) + " " + std::to_string(count) + ",";
+  std::string text = words("diverso dal testo conservato:");
+  const auto part = [&](int count, const std::string& what) {
+    if (count > 0) text += " " + what + " " + std::to_string(count) + ",";
   };
-  part(changed, "valori", "values");
-  part(added, "nuovi", "new");
-  part(gone, "tolti", "gone");
-  part(renamed, "rinominati", "renamed");
+  part(changed, words("valori"));
+  part(added, words("nuovi"));
+  part(gone, words("tolti"));
+  part(renamed, words("rinominati"));
   text.pop_back();
   return text;
 }
@@ -175,8 +175,7 @@ int showDiff(const DiffOptions& o) {
     return fail(diff.notices.empty()
                     ? o.drawing + ": " +
                           words("la rete non ha un testo conservato; indicare un file INP con cui "
-                                "confrontarla",
-                                "the network has no kept text; name an INP file to compare it with")
+                                "confrontarla")
                     : describe(diff.notices.back()));
   }
   warn(diff.notices);
@@ -184,7 +183,7 @@ int showDiff(const DiffOptions& o) {
     showJson(picked.name, diff);
   } else {
     for (const vessora::DiffItem& item : diff.items) say(lineOf(item));
-    if (diff.items.empty()) say(words("nessuna differenza", "no difference"));
+    if (diff.items.empty()) say(words("nessuna differenza"));
   }
   return 0;
 }

@@ -20,8 +20,7 @@ void tellWarnings() {
   vessora::Jobs* const jobs = vessora::Jobs::find();
   if (!jobs) return;
   for (const std::string& line : described(jobs->takeWarnings())) {
-    cad::Session::instance().frontend().print(
-        platform::widen("\n" + words("Attenzione: ", "Warning: ") + line));
+    cad::Session::instance().frontend().print(platform::widen("\n" + words("Attenzione: ") + line));
   }
 }
 
@@ -37,8 +36,6 @@ platform::Result<void> startHost(cad::ui::Frontend& ui, InpMode mode) {
   if (!platform::folderExists(place.root)) {
     return platform::Error{place.root + ": " +
                            words("la cartella del prodotto manca; reinstallare, o indicarla con "
-                                 "VESSORA_ROOT",
-                                 "the product's folder is missing; install again, or name it with "
                                  "VESSORA_ROOT")};
   }
   // The root ends in a backslash, whatever the platform: modules append to it as it stands.
@@ -50,8 +47,7 @@ platform::Result<void> startHost(cad::ui::Frontend& ui, InpMode mode) {
   vessora::Jobs* const jobs = vessora::Jobs::find();
   if (!jobs) {
     return platform::Error{place.module + ": " +
-                           words("il modulo è di un'altra versione; reinstallare",
-                                 "the module is of another version; install again")};
+                           words("il modulo è di un'altra versione; reinstallare")};
   }
   for (const vessora::CommandRow& row : jobs->commands()) {
     session.addExport(*module, u"VESSORA", {row.name, row.symbol, row.help});

@@ -24,30 +24,23 @@ std::string shown(char16_t c) {
 // What is wrong with the file's name as that of a network; empty when nothing is.
 std::string faultOfName(const vessora::InpFindings& found) {
   if (found.name.empty()) {
-    return words("il nome del file deve dare il nome alla rete (NOME.inp)",
-                 "the file's name must give the network its name (NAME.inp)");
+    return words("il nome del file deve dare il nome alla rete (NOME.inp)");
   }
   if (found.isAqueductName) {
-    return words("i nomi che iniziano così sono del modulo acquedotti; rinominare il file",
-                 "names that begin so belong to the aqueduct module; rename the file");
+    return words("i nomi che iniziano così sono del modulo acquedotti; rinominare il file");
   }
   if (found.unusable != 0) {
-    return words("il nome della rete non può contenere ", "the network's name cannot hold ") +
-           shown(found.unusable) +
-           words(", che nessun layer può avere; rinominare il file",
-                 ", which no layer can bear; rename the file");
+    return words("il nome della rete non può contenere ") + shown(found.unusable) +
+           words(", che nessun layer può avere; rinominare il file");
   }
   if (found.longestLayer > longestName()) {
-    return words("il nome della rete è troppo lungo: i suoi layer avrebbero ",
-                 "the network's name is too long: its layers would have ") +
-           std::to_string(found.longestLayer) +
-           words(" caratteri, il disegno ne ammette ", " characters, the drawing admits ") +
+    return words("il nome della rete è troppo lungo: i suoi layer avrebbero ") +
+           std::to_string(found.longestLayer) + words(" caratteri, il disegno ne ammette ") +
            std::to_string(longestName());
   }
   if (!found.taken.empty()) {
-    return words("il disegno ha già una rete di questo nome: ",
-                 "the drawing has a network of this name already: ") +
-           platform::narrow(found.taken) + words("; rinominare il file", "; rename the file");
+    return words("il disegno ha già una rete di questo nome: ") + platform::narrow(found.taken) +
+           words("; rinominare il file");
   }
   return {};
 }
@@ -57,24 +50,18 @@ std::string faultOfContent(const vessora::InpFindings& found) {
   if (found.counts.nodes() + found.counts.links() == 0) {
     return words(
         "non è un file INP di EPANET: non ha righe in sezioni come [JUNCTIONS] o [PIPES] (sotto la "
-        "riga dei titoli)",
-        "this is no EPANET INP file: no rows in sections such as [JUNCTIONS] or [PIPES] (under the "
-        "line of titles)");
+        "riga dei titoli)");
   }
   if (found.full) return {};
   if (found.coordinates == 0) {
-    return words("il file non ha coordinate ([COORDINATES]): non c'è nulla da disegnare",
-                 "the file has no coordinates ([COORDINATES]): there is nothing to draw");
+    return words("il file non ha coordinate ([COORDINATES]): non c'è nulla da disegnare");
   }
   if (found.drawn == 0) {
-    return words("nessun elemento ha un posto in [COORDINATES]: non c'è nulla da disegnare",
-                 "no element has a place in [COORDINATES]: there is nothing to draw");
+    return words("nessun elemento ha un posto in [COORDINATES]: non c'è nulla da disegnare");
   }
   if (found.outOfProportion) {
-    return words("righe ripetute con lo stesso nome darebbero ",
-                 "repeated rows of one name would give ") +
-           std::to_string(found.drawn) +
-           words(" oggetti e punti; correggere il file", " objects and points; correct the file");
+    return words("righe ripetute con lo stesso nome darebbero ") + std::to_string(found.drawn) +
+           words(" oggetti e punti; correggere il file");
   }
   return {};
 }
@@ -88,10 +75,10 @@ std::optional<double> scaleOf(const ImportOptions& o) {
 
 vessora::ImportResult draw(JobSpan& job, const vessora::InpFile& file, const std::u16string& name,
                            std::optional<double> scale) {
-  Progress progress(words("Disegno della rete:", "Drawing the network:"));
+  Progress progress(words("Disegno della rete:"));
   auto& drawing = cad::Session::instance().database()->drawing().writer();
   drawing.setObserver(
-      [&](std::uint32_t n) { progress.show(std::to_string(n) + words(" oggetti", " objects")); });
+      [&](std::uint32_t n) { progress.show(std::to_string(n) + words(" oggetti")); });
   vessora::ImportResult result = job->importInp(file, name, scale);
   drawing.setObserver({});
   return result;
@@ -106,9 +93,7 @@ bool isScale(const std::string& text) {
 
 int importNetwork(const ImportOptions& o) {
   if (platform::folderExists(o.inp) || !platform::fileExists(o.inp)) {
-    return fail(
-        o.inp + ": " +
-        words("file INP inesistente; controllare il percorso", "no such INP file; check the path"));
+    return fail(o.inp + ": " + words("file INP inesistente; controllare il percorso"));
   }
   if (const std::string no = refusalOf(o.out, {{o.inp, false}, {o.base, true}}); !no.empty()) {
     return fail(no);
@@ -117,17 +102,17 @@ int importNetwork(const ImportOptions& o) {
   if (auto opened = job.open(o.base); !opened) return fail(opened.error());
   const vessora::InpFile file = job->openInp(platform::widen(platform::absolutePath(o.inp)));
   const vessora::InpFindings found = job->examineInp(file);
-  if (!found.readable) return fail(o.inp + ": " + words("non si può leggere", "cannot be read"));
+  if (!found.readable) return fail(o.inp + ": " + words("non si può leggere"));
   for (const std::string& fault : {faultOfName(found), faultOfContent(found)}) {
     if (!fault.empty()) return fail(o.inp + ": " + fault);
   }
   const vessora::ImportResult result = draw(job, file, found.name, scaleOf(o));
   if (result.drawn() == 0) {
     for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
-    return fail(o.inp + ": " + words("non è stato disegnato nulla", "nothing was drawn"));
+    return fail(o.inp + ": " + words("non è stato disegnato nulla"));
   }
   {
-    Progress progress(words("Salvataggio", "Saving"));
+    Progress progress(words("Salvataggio"));
     if (auto saved = saveDrawing(o.out); !saved) return fail(saved.error());
   }
   warn(o.inp, found.problems, found.utf8);
@@ -135,8 +120,7 @@ int importNetwork(const ImportOptions& o) {
   for (const vessora::DrawnKind& kind : result.kinds) warn(kind.notices);
   say(platform::narrow(found.name) + ": " + describe(job->network(found.name).counts));
   if (found.full || !o.scale.empty()) {
-    say(words("scala dei simboli: ", "scale of symbols: ") +
-        platform::narrow(platform::format(u"%g", result.scale)));
+    say(words("scala dei simboli: ") + platform::narrow(platform::format(u"%g", result.scale)));
   }
   return 0;
 }

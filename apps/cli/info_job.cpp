@@ -14,9 +14,8 @@ namespace {
 using platform::narrow;
 
 std::string resultsOf(const vessora::NetworkInfo& n) {
-  if (!n.hasResults) return words("nessun risultato", "no results");
-  return words("risultati", "results") +
-         (n.period.empty() ? "" : words(" del periodo ", " of period ") + narrow(n.period));
+  if (!n.hasResults) return words("nessun risultato");
+  return words("risultati") + (n.period.empty() ? "" : words(" del periodo ") + narrow(n.period));
 }
 
 // How the network and its kept text stand to each other; empty where there is no text.
@@ -59,15 +58,14 @@ int showDrawing(const std::string& drawing, bool json) {
     showJson(job, networks);
     return 0;
   }
-  if (networks.empty()) say(words("nessuna rete", "no network"));
+  if (networks.empty()) say(words("nessuna rete"));
   for (const vessora::NetworkInfo& n : networks) {
-    say(narrow(n.name) + (n.isDefault ? words(" (predefinita)", " (default)") : "") + ": " +
-        describe(n.counts) + "; " + resultsOf(n));
+    say(narrow(n.name) + (n.isDefault ? words(" (predefinita)") : "") + ": " + describe(n.counts) +
+        "; " + resultsOf(n));
     const std::string text = textOf(job, n.name);
     if (!text.empty()) say("  " + text);
     if (n.hasResults && job->resultsAreStale(n.name)) {
-      say("  " + words("la rete è cambiata da quando i risultati sono stati calcolati",
-                       "the network has changed since its results were computed"));
+      say("  " + words("la rete è cambiata da quando i risultati sono stati calcolati"));
     }
   }
   return 0;
@@ -140,20 +138,17 @@ int showFile(const std::string& path, bool json) {
     showFileJson(document, n);
     return 0;
   }
-  say(describe(countsOf(n)) + "; " + words("pattern ", "patterns ") +
-      std::to_string(n.patterns.size()) + words(", curve ", ", curves ") +
-      std::to_string(n.curves.size()) + words(", comandi ", ", controls ") +
-      std::to_string(n.controls.size()) + words(", regole ", ", rules ") +
-      std::to_string(n.rules.size()));
-  say(words("unità ", "units ") + std::string(wordOf(n.flowUnits)) +
-      words(", pressioni ", ", pressures ") + std::string(wordOf(n.pressureUnits)) +
-      words(", perdite ", ", headloss ") + std::string(wordOf(n.formula)));
+  say(describe(countsOf(n)) + "; " + words("pattern ") + std::to_string(n.patterns.size()) +
+      words(", curve ") + std::to_string(n.curves.size()) + words(", comandi ") +
+      std::to_string(n.controls.size()) + words(", regole ") + std::to_string(n.rules.size()));
+  say(words("unità ") + std::string(wordOf(n.flowUnits)) + words(", pressioni ") +
+      std::string(wordOf(n.pressureUnits)) + words(", perdite ") + std::string(wordOf(n.formula)));
   std::string sections;
   for (const auto& [heading, rows] : sectionsOf(document)) {
     sections += (sections.empty() ? "" : " ") + heading + " " + std::to_string(rows);
   }
-  if (!sections.empty()) say(words("righe: ", "rows: ") + sections);
-  if (n.problems.empty()) say(words("nessun problema", "no problem"));
+  if (!sections.empty()) say(words("righe: ") + sections);
+  if (n.problems.empty()) say(words("nessun problema"));
   for (const epanet::Problem& problem : n.problems) say(describe(problem, document.isUtf8()));
   return 0;
 }

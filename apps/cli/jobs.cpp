@@ -26,9 +26,7 @@ platform::Result<std::string> listingOf(const ExportOptions& o) {
   if (!refusalOf(csv, {{o.out}}).empty()) {
     return platform::Error{o.out + ": " +
                            words("il file INP e il suo elenco CSV sarebbero lo stesso file; dare "
-                                 "al file INP un altro nome",
-                                 "the INP file and its CSV listing would be one file; give the INP "
-                                 "file another name")};
+                                 "al file INP un altro nome")};
   }
   return csv;
 }
@@ -67,7 +65,7 @@ int exportNetwork(const ExportOptions& o) {
   if (!csv) return fail(csv.error());
   JobSpan job(o.mode);
   {
-    Progress progress(words("Lettura", "Reading"));
+    Progress progress(words("Lettura"));
     if (auto opened = job.open(o.drawing); !opened) return fail(opened.error());
   }
   const vessora::PickedNetwork picked = job->pickNetwork(platform::widen(o.network), u"");
@@ -77,18 +75,18 @@ int exportNetwork(const ExportOptions& o) {
   const std::u16string csvPath = csv->empty() ? u"" : platform::widen(platform::absolutePath(*csv));
   vessora::ExportResult result;
   {
-    const Progress progress(words("Esportazione", "Exporting"));
+    const Progress progress(words("Esportazione"));
     result = job->exportNetwork(requestOf(o, picked.name, path, csvPath));
   }
   if (!result.written || (o.csv && !result.listed && !result.notices.empty())) {
     const bool known = !result.notices.empty();
     return fail((result.stopped ? o.drawing : o.out) + ": " +
-                (known ? describe(result.notices.back()) : words("non scritto", "not written")));
+                (known ? describe(result.notices.back()) : words("non scritto")));
   }
   warn(result.notices);
   for (const epanet::Remark& remark : result.remarks) warn(describe(remark));
   if (o.csv && !result.listed) {
-    warn(words("una rete schematica non ha file CSV", "a schematic network has no CSV file"));
+    warn(words("una rete schematica non ha file CSV"));
   }
   return 0;
 }

@@ -11,9 +11,8 @@ std::string refusalOf(const std::string& output, const std::vector<Input>& input
     const bool named = platform::absolutePath(output) == platform::absolutePath(input.path);
     if (!named && !platform::sameFile(output, input.path)) continue;
     if (named && input.mayBeOutput) continue;
-    return output + ": " +
-           words("è lo stesso file che si legge (", "this is the file that is read (") +
-           input.path + words("); scrivere altrove", "); write elsewhere");
+    return output + ": " + words("è lo stesso file che si legge (") + input.path +
+           words("); scrivere altrove");
   }
   return {};
 }

@@ -39,22 +39,17 @@ int judgePicture(const cad::view::Picture& picture, const std::string& drawing) 
     return fail(
         drawing + ": " +
         words("mostra troppe forme, una volta ripetuti i suoi blocchi; disegnare meno layer "
-              "(--layers), o togliere i blocchi annidati",
-              "it shows too many shapes once its blocks are repeated; draw fewer layers "
-              "(--layers), or remove the nested blocks"));
+              "(--layers), o togliere i blocchi annidati"));
   }
   for (const auto& [type, count] : picture.unknown) {
-    warn(std::to_string(count) + " " +
-         words("oggetti non mostrati di tipo ", "objects not shown of type ") +
+    warn(std::to_string(count) + " " + words("oggetti non mostrati di tipo ") +
          platform::narrow(type));
   }
   if (picture.tooDeep > 0) {
-    warn(words("i blocchi annidati oltre 64 livelli non sono mostrati",
-               "blocks nested deeper than 64 levels are not shown"));
+    warn(words("i blocchi annidati oltre 64 livelli non sono mostrati"));
   }
   if (cad::view::isEmpty(picture)) {
-    warn(words("non c'è nulla da mostrare; la pagina è vuota",
-               "there is nothing to show; the page is empty"));
+    warn(words("non c'è nulla da mostrare; la pagina è vuota"));
   }
   return 0;
 }
@@ -62,9 +57,7 @@ int judgePicture(const cad::view::Picture& picture, const std::string& drawing) 
 int render(const RenderOptions& o) {
   cad::view::PaintOptions paint;
   if (!formatOf(o.out, paint.format)) {
-    return fail(o.out + ": " +
-                words("l'estensione deve essere .png, .svg o .pdf",
-                      "the extension must be .png, .svg or .pdf"));
+    return fail(o.out + ": " + words("l'estensione deve essere .png, .svg o .pdf"));
   }
   paint.view = o.view == "iso" ? cad::view::View::isometric : cad::view::View::plan;
   paint.dark = o.dark;
@@ -72,8 +65,7 @@ int render(const RenderOptions& o) {
   if (!o.window.empty()) {
     cad::view::Window window;
     if (!parseWindow(o.window, window)) {
-      return fail(o.window + ": " +
-                  words("una finestra si scrive x1,y1,x2,y2", "a window is written x1,y1,x2,y2"));
+      return fail(o.window + ": " + words("una finestra si scrive x1,y1,x2,y2"));
     }
     paint.window = window;
   }

@@ -15,7 +15,7 @@ using platform::narrow;
 using Failure = platform::Error;
 
 int save(const ResultsOptions& o) {
-  const Progress progress(words("Salvataggio", "Saving"));
+  const Progress progress(words("Salvataggio"));
   const auto saved = saveDrawing(o.out.empty() ? o.drawing : o.out);
   return saved ? 0 : fail(saved.error());
 }
@@ -23,13 +23,13 @@ int save(const ResultsOptions& o) {
 int clearResults(const ResultsOptions& o, JobSpan& job, const std::u16string& network) {
   const vessora::ResultCounts removed = job->writeResults(nullptr, network);
   if (const int status = save(o)) return status;
-  say(narrow(network) + ": " + words("risultati tolti, elementi", "results removed, elements") +
-      " " + std::to_string(removed.nodes + removed.links()));
+  say(narrow(network) + ": " + words("risultati tolti, elementi") + " " +
+      std::to_string(removed.nodes + removed.links()));
   return 0;
 }
 
 int listPeriods(const vessora::ReportPeriods& periods) {
-  if (!periods.several) say(words("un solo periodo", "a single period"));
+  if (!periods.several) say(words("un solo periodo"));
   for (const std::u16string& time : periods.times) say(narrow(time));
   return 0;
 }
@@ -43,8 +43,8 @@ std::string shortList(const std::vector<std::u16string>& times) {
   bool even = true;
   for (std::size_t i = 1; i < times.size(); ++i) even = even && seconds(i) - seconds(i - 1) == step;
   return narrow(times.front()) + " - " + narrow(times.back()) + ", " +
-         std::to_string(times.size()) + words(" in tutto", " in all") +
-         (even && step > 0 ? words(", ogni ", ", every ") + epanet::timeText(step) : "");
+         std::to_string(times.size()) + words(" in tutto") +
+         (even && step > 0 ? words(", ogni ") + epanet::timeText(step) : "");
 }
 
 // The period that is asked for, as the report writes it: in full "7:00" is "7:00:00" too, and the
@@ -68,13 +68,10 @@ std::string faultOfPeriod(const ResultsOptions& o, const vessora::ReportPeriods&
                           const std::u16string& found) {
   if (!found.empty()) return {};
   if (!periods.several) {
-    return o.period.empty() ? ""
-                            : words("il report non elenca periodi; togliere --period",
-                                    "the report lists no periods; leave --period out");
+    return o.period.empty() ? "" : words("il report non elenca periodi; togliere --period");
   }
-  return (o.period.empty() ? words("indicare un periodo con --period; ci sono: ",
-                                   "name a period with --period; it has: ")
-                           : words("il periodo non c'è; ci sono: ", "no such period; it has: ")) +
+  return (o.period.empty() ? words("indicare un periodo con --period; ci sono: ")
+                           : words("il periodo non c'è; ci sono: ")) +
          (periods.full ? shortList(periods.times) : listed(periods.times));
 }
 
@@ -85,21 +82,15 @@ std::string faultOfRows(const vessora::ReportFindings& found, const std::u16stri
     return found.faults.empty() ? std::string() : describe(found.faults.front());
   }
   if (found.elements == 0) {
-    return words("la rete non ha elementi a cui dare risultati: ",
-                 "the network has no element to give results to: ") +
-           narrow(network);
+    return words("la rete non ha elementi a cui dare risultati: ") + narrow(network);
   }
   if (found.missing == found.elements) {
-    return words("è il report di un'altra rete: nessun elemento vi compare di ",
-                 "this is the report of another network: it has no element of ") +
-           narrow(network);
+    return words("è il report di un'altra rete: nessun elemento vi compare di ") + narrow(network);
   }
   if (found.cut) {
-    return words("il report è troncato: la tabella del periodo finisce a metà",
-                 "the report is cut short: the period's table ends in the middle") +
+    return words("il report è troncato: la tabella del periodo finisce a metà") +
            (found.missing == 0 ? ""
-                               : words("; elementi senza riga: ", "; elements without a row: ") +
-                                     std::to_string(found.missing));
+                               : words("; elementi senza riga: ") + std::to_string(found.missing));
   }
   return {};
 }
@@ -108,12 +99,9 @@ void warnOfMissing(const vessora::ReportFindings& found) {
   if (found.missing == 0) return;
   const bool more = found.missing > static_cast<int>(found.firstMissing.size());
   warn(std::to_string(found.missing) + " " +
-       (found.full ? words("elementi non compaiono in questo periodo e restano senza risultati (",
-                           "elements are not in this period and have no results (")
+       (found.full ? words("elementi non compaiono in questo periodo e restano senza risultati (")
                    : words("elementi non compaiono in questo periodo del report: i loro valori "
-                           "vengono da altre righe (",
-                           "elements are not in this period of the report: their values are those "
-                           "of other rows (")) +
+                           "vengono da altre righe (")) +
        listed(found.firstMissing) + (more ? ", ...)" : ")"));
 }
 
@@ -128,7 +116,7 @@ int bringResults(const ResultsOptions& o, JobSpan& job, const vessora::Report& r
   vessora::ReportFindings found;
   vessora::ResultCounts written;
   {
-    const Progress progress(words("Risultati", "Results"));
+    const Progress progress(words("Risultati"));
     const vessora::ReportRows rows = job->rowsOf(report, period, periods.lowerCaseHrs);
     found = job->examineResults(rows, network);
     if (const std::string no = faultOfRows(found, network); !no.empty()) {
@@ -141,11 +129,9 @@ int bringResults(const ResultsOptions& o, JobSpan& job, const vessora::Report& r
   warn(found.remarks);
   warn(written.nodeNotices);
   warn(written.linkNotices);
-  say(narrow(network) + ": " + words("risultati su nodi", "results on nodes") + " " +
-      std::to_string(written.nodes) + ", " + words("rami", "links") + " " +
-      std::to_string(written.links()) + ", " +
-      (period.empty() ? words("periodo unico", "single period")
-                      : words("periodo ", "period ") + narrow(period)));
+  say(narrow(network) + ": " + words("risultati su nodi") + " " + std::to_string(written.nodes) +
+      ", " + words("rami") + " " + std::to_string(written.links()) + ", " +
+      (period.empty() ? words("periodo unico") : words("periodo ") + narrow(period)));
   return 0;
 }
 

@@ -19,7 +19,7 @@ using cad::view::SheetFault;
 using cad::view::SheetField;
 using platform::widen;
 
-std::u16string wide(const char* it, const char* en) { return widen(words(it, en)); }
+std::u16string wide(const char* text) { return widen(words(text)); }
 
 // "1:2000", "2000" or "2:1" as the number behind "1:"; nothing for what is no scale.
 std::optional<double> parseScale(std::string_view text) {
@@ -52,34 +52,31 @@ std::string today() {
 void addNetwork(vessora::Jobs& jobs, const std::string& name, std::vector<SheetField>& fields) {
   const vessora::PickedNetwork picked = jobs.pickNetwork(widen(name), u"");
   const bool found = picked.why == vessora::PickedNetwork::Why::found;
-  fields.push_back({wide("Rete", "Network"), found ? picked.name : widen(listed(picked.names))});
+  fields.push_back({wide("Rete"), found ? picked.name : widen(listed(picked.names))});
   if (!found) return;
   const vessora::NetworkInfo info = jobs.network(picked.name);
   std::u16string period = info.period;
   if (period.empty()) {
-    period = info.hasResults ? wide("unico", "single") : wide("nessun risultato", "no results");
+    period = info.hasResults ? wide("unico") : wide("nessun risultato");
   }
-  fields.push_back({wide("Periodo dei risultati", "Period of the results"), period, true});
+  fields.push_back({wide("Periodo dei risultati"), period, true});
   // In the drawing they are always metric.
   const std::u16string units = jobs.settingsOf(picked.name).flowUnits.str();
-  fields.push_back({wide("Portate", "Flows"), units == u"LPS" ? u"l/s" : units, true});
+  fields.push_back({wide("Portate"), units == u"LPS" ? u"l/s" : units, true});
 }
 
 std::string refusal(SheetFault fault, const RenderOptions& o) {
   switch (fault) {
     case SheetFault::tooManyPages:
-      return words("la scala chiede più di ", "the scale asks for more than ") +
-             std::to_string(cad::view::kMostPages) +
+      return words("la scala chiede più di ") + std::to_string(cad::view::kMostPages) +
              words(
-                 " fogli: scegliere una carta più grande, un'altra scala o una finestra (--window)",
-                 " pages: take larger paper, another scale or a window (--window)");
+                 " fogli: scegliere una carta più grande, un'altra scala o una finestra "
+                 "(--window)");
     case SheetFault::noRoom:
-      return words("legende e cartiglio non lasciano posto su ",
-                   "legends and title block leave no room on ") +
-             o.paper + words(": scegliere una carta più grande", ": take larger paper");
+      return words("legende e cartiglio non lasciano posto su ") + o.paper +
+             words(": scegliere una carta più grande");
     case SheetFault::tooManyPixels:
-      return words("troppi punti per un PNG: abbassare --dpi, o scrivere un PDF",
-                   "too many dots for a PNG: lower --dpi, or write a PDF");
+      return words("troppi punti per un PNG: abbassare --dpi, o scrivere un PDF");
     case SheetFault::none:
       break;
   }
@@ -111,11 +108,9 @@ int writePages(const cad::view::Picture& picture, const Sheet& sheet, const Rend
     const auto written = platform::writeFile(paths[i], (*files)[i]);
     if (!written) return fail(written.error());
   }
-  say(words("scala ", "scale ") + platform::narrow(cad::view::scaleText(layout.pages.scale)) +
-      words(", fogli ", ", pages ") + std::to_string(layout.pages.pages.size()) +
-      (layout.leftOut > 0
-           ? words(", testi senza posto ", ", texts without room ") + std::to_string(layout.leftOut)
-           : ""));
+  say(words("scala ") + platform::narrow(cad::view::scaleText(layout.pages.scale)) +
+      words(", fogli ") + std::to_string(layout.pages.pages.size()) +
+      (layout.leftOut > 0 ? words(", testi senza posto ") + std::to_string(layout.leftOut) : ""));
   return 0;
 }
 
@@ -166,26 +161,23 @@ int renderProfile(Sheet& sheet, const RenderOptions& o) {
     if (platform::equalNoCase(profile.title.name, widen(o.profile))) chosen = &profile;
   }
   if (!chosen) {
-    return fail(o.drawing + ": " + words("il profilo non c'è: ", "no such profile: ") + o.profile +
-                (names.empty() ? words(" (il disegno non ha profili)", " (it has no profile)")
-                               : words("; ci sono: ", "; it has: ") + listed(names)));
+    return fail(o.drawing + ": " + words("il profilo non c'è: ") + o.profile +
+                (names.empty() ? words(" (il disegno non ha profili)")
+                               : words("; ci sono: ") + listed(names)));
   }
   sheet.north = false;
-  sheet.words.scale = wide("Scala lunghezze", "Scale of lengths");
-  sheet.fields.insert(sheet.fields.begin(), {wide("Profilo", "Profile"), chosen->title.name});
-  sheet.fields.push_back({wide("Scala altezze", "Scale of heights"), u"1:1"});  // takes room
+  sheet.words.scale = wide("Scala lunghezze");
+  sheet.fields.insert(sheet.fields.begin(), {wide("Profilo"), chosen->title.name});
+  sheet.fields.push_back({wide("Scala altezze"), u"1:1"});  // takes room
   double heights = o.heights;
   chooseScales(chosen->title, sheet, heights);
   sheet.fields.back().value = cad::view::scaleText(*sheet.scale / heights);
   if (heights != 1) {
-    sheet.fields.back().value +=
-        platform::format(u" (%s %g)", wide("altezze x", "heights x"), heights);
+    sheet.fields.back().value += platform::format(u" (%s %g)", wide("altezze x"), heights);
   }
   const auto at = cad::layOutProfile(drawing(), *chosen, *sheet.scale, heights);
   if (!at) {
-    return fail(o.drawing + ": " +
-                words("il profilo non si può disegnare: ", "the profile cannot be drawn: ") +
-                o.profile);
+    return fail(o.drawing + ": " + words("il profilo non si può disegnare: ") + o.profile);
   }
   cad::view::Selection selection;
   selection.only = at->entities;
@@ -205,20 +197,16 @@ int renderSheet(const RenderOptions& o, cad::view::Format format,
   Sheet sheet;
   const auto paper = cad::view::paperNamed(o.paper, o.landscape);
   if (!paper) {
-    return fail(o.paper + ": " +
-                words("la carta è A4, A3, A2, A1 o A0", "paper is A4, A3, A2, A1 or A0"));
+    return fail(o.paper + ": " + words("la carta è A4, A3, A2, A1 o A0"));
   }
   if (o.view != "plan") {
-    return fail(words("una tavola in scala mostra la pianta: togliere --view iso",
-                      "a sheet at scale shows the plan: leave out --view iso"));
+    return fail(words("una tavola in scala mostra la pianta: togliere --view iso"));
   }
   sheet.paper = *paper;
   if (!platform::equalNoCase(widen(o.scale), u"auto")) {
     sheet.scale = parseScale(o.scale);
     if (!sheet.scale) {
-      return fail(
-          o.scale + ": " +
-          words("la scala si scrive 1:2000, o auto", "the scale is written 1:2000, or auto"));
+      return fail(o.scale + ": " + words("la scala si scrive 1:2000, o auto"));
     }
   }
   sheet.format = format;
@@ -228,8 +216,7 @@ int renderSheet(const RenderOptions& o, cad::view::Format format,
   const std::string file = o.drawing.substr(0, o.drawing.find_last_of('.'));
   sheet.title =
       o.title.empty() ? std::u16string(platform::fileNameOf(widen(file))) : widen(o.title);
-  sheet.words = {wide("Titolo", "Title"), wide("Scala", "Scale"), wide("Foglio", "Sheet"),
-                 wide("Quadro d'unione", "Key plan")};
+  sheet.words = {wide("Titolo"), wide("Scala"), wide("Foglio"), wide("Quadro d'unione")};
   JobSpan jobs;
   if (auto opened = jobs.open(o.drawing); !opened) return fail(opened.error());
   if (!o.network.empty()) {
@@ -239,7 +226,7 @@ int renderSheet(const RenderOptions& o, cad::view::Format format,
     }
   }
   addNetwork(*jobs.operator->(), o.network, sheet.fields);
-  sheet.fields.push_back({wide("Data", "Date"), widen(o.date.empty() ? today() : o.date)});
+  sheet.fields.push_back({wide("Data"), widen(o.date.empty() ? today() : o.date)});
   return o.profile.empty() ? renderPlan(*jobs.operator->(), sheet, o) : renderProfile(sheet, o);
 }
 

@@ -60,15 +60,13 @@ int shell(const std::string& drawing, InpMode mode) {
     stopHost();
     return fail(opened.error());
   }
-  std::puts(words("vessora: digitare GUIDA per i comandi, ESCI per uscire, TAB per completare.",
-                  "vessora: type GUIDA for the commands, ESCI to leave, TAB to complete.")
-                .c_str());
+  std::puts(
+      words("vessora: digitare GUIDA per i comandi, ESCI per uscire, TAB per completare.").c_str());
   const bool nothingLost = cad::Session::instance().commandLoop(tellLeaks);
   stopHost();
   std::puts("");
   if (nothingLost) return 0;
-  return fail(words("fine dell'ingresso: le modifiche al disegno non sono state salvate",
-                    "end of input: the changes to the drawing were not saved"));
+  return fail(words("fine dell'ingresso: le modifiche al disegno non sono state salvate"));
 }
 
 }  // namespace cli

@@ -20,32 +20,24 @@ constexpr std::size_t kShown = 8;
 // What is missing, and how to get it.
 std::string lackOf(const SolverSearch& search) {
   using Lack = SolverSearch::Lack;
-  const std::string get = words("installare Node.js e poi: npm install --prefix ",
-                                "install Node.js and then: npm install --prefix ");
+  const std::string get = words("installare Node.js e poi: npm install --prefix ");
   const std::string package = get + epanet::userPackageFolder() + " epanet-js@0.9.0";
   const std::string own =
-      words("; oppure indicare un solutore EPANET con --solver o VESSORA_SOLVER",
-            "; or name an EPANET solver by --solver or VESSORA_SOLVER");
+      words("; oppure indicare un solutore EPANET con --solver o VESSORA_SOLVER");
   switch (search.lack) {
     case Lack::chosenIsMissing:
       return search.name + ": " +
              words(
                  "non è un programma né il pacchetto epanet-js; controllare "
-                 "--solver o VESSORA_SOLVER",
-                 "is neither a program nor the package epanet-js; check "
-                 "--solver or VESSORA_SOLVER");
+                 "--solver o VESSORA_SOLVER");
     case Lack::package:
-      return words("manca il solutore EPANET; ", "there is no EPANET solver; ") + package + own;
+      return words("manca il solutore EPANET; ") + package + own;
     case Lack::node:
-      return words(
-          "c'è il pacchetto epanet-js ma non Node.js; installarlo (apt install nodejs)",
-          "the package epanet-js is there, Node.js is not; install it (apt install nodejs)");
+      return words("c'è il pacchetto epanet-js ma non Node.js; installarlo (apt install nodejs)");
     case Lack::script:
-      return search.name + ": " + words("manca; reinstallare", "is missing; install again");
+      return search.name + ": " + words("manca; reinstallare");
     default:
-      return words("manca il solutore EPANET (runepanet); ",
-                   "there is no EPANET solver (runepanet); ") +
-             package + own;
+      return words("manca il solutore EPANET (runepanet); ") + package + own;
   }
 }
 
@@ -69,7 +61,7 @@ std::string rowOf(const epanet::SolverMessage& message, const epanet::Document& 
 // "8:00:00 Node 5: ..." with the row.
 std::string wordsOf(const epanet::SolverMessage& message, const epanet::Document& input) {
   std::string text;
-  if (message.isError) text += words("errore ", "error ") + std::to_string(message.code) + ": ";
+  if (message.isError) text += words("errore ") + std::to_string(message.code) + ": ";
   if (!message.time.empty()) text += message.time + " ";
   text += message.words;
   if (!message.element.empty() && message.words.find(message.element) == std::string::npos) {
@@ -78,7 +70,7 @@ std::string wordsOf(const epanet::SolverMessage& message, const epanet::Document
   // The solver's words of an error end where the row follows.
   if (text.ends_with(':')) text.pop_back();
   if (const std::string row = rowOf(message, input); !row.empty()) {
-    text += words(", riga: ", ", row: ") + row;
+    text += words(", riga: ") + row;
   }
   return text;
 }
@@ -96,9 +88,8 @@ std::string tell(const SolverRun& run, const epanet::Document& input) {
     }
   }
   if (shown > kShown) {
-    warn("EPANET: " + words("altri messaggi: ", "more messages: ") +
-         std::to_string(shown - kShown) +
-         words("; sono nel report (--keep)", "; they are in the report (--keep)"));
+    warn("EPANET: " + words("altri messaggi: ") + std::to_string(shown - kShown) +
+         words("; sono nel report (--keep)"));
   }
   return first;
 }
@@ -110,19 +101,16 @@ std::string faultOf(const SolverRun& run, const std::string& firstError) {
     case SolverRun::End::failed:
       return "EPANET: " + firstError;
     case SolverRun::End::signalled:
-      return words("il solutore è stato interrotto dal segnale ",
-                   "the solver was ended by signal ") +
-             std::to_string(run.status);
+      return words("il solutore è stato interrotto dal segnale ") + std::to_string(run.status);
     case SolverRun::End::cancelled:
     case SolverRun::End::timedOut:
-      return words("il solutore è stato fermato", "the solver was stopped");
+      return words("il solutore è stato fermato");
     case SolverRun::End::notStarted:
-      return words("il solutore non si può avviare; controllare --solver o VESSORA_SOLVER",
-                   "the solver cannot be started; check --solver or VESSORA_SOLVER");
+      return words("il solutore non si può avviare; controllare --solver o VESSORA_SOLVER");
     case SolverRun::End::noResults:
       break;
   }
-  return words("il solutore è finito senza risultati", "the solver ended without results") +
+  return words("il solutore è finito senza risultati") +
          (run.words.empty() ? "" : ": " + run.words.substr(0, run.words.find('\n')));
 }
 
@@ -130,8 +118,7 @@ std::string faultOf(const SolverRun& run, const std::string& firstError) {
 platform::Result<void> keepFiles(const std::string& folder, const std::string& to,
                                  const std::string& name) {
   if (!platform::makeFolders(to)) {
-    return platform::Error{to + ": " +
-                           words("la cartella non si può creare", "the folder cannot be made")};
+    return platform::Error{to + ": " + words("la cartella non si può creare")};
   }
   const struct {
     const char *from, *extension;
@@ -151,15 +138,14 @@ platform::Result<void> keepFiles(const std::string& folder, const std::string& t
 
 bool exportTo(JobSpan& job, const std::string& folder, const std::u16string& network,
               const std::string& drawing) {
-  const Progress progress(words("Esportazione", "Exporting"));
+  const Progress progress(words("Esportazione"));
   const std::u16string path = platform::widen(folder + "/" + epanet::kRunInput);
   const vessora::ExportResult result =
       job->exportNetwork({.network = network, .path = path, .csvPath = {}});
   if (!result.written) {
     fail(drawing + ": " +
-         (result.notices.empty()
-              ? words("la rete non si può esportare", "the network cannot be exported")
-              : describe(result.notices.back())));
+         (result.notices.empty() ? words("la rete non si può esportare")
+                                 : describe(result.notices.back())));
     return false;
   }
   warn(result.notices);
@@ -171,7 +157,7 @@ int solveIn(const std::string& folder, const SolveOptions& o, JobSpan& job,
   if (!exportTo(job, folder, network, o.drawing)) return 1;
   SolverRun run;
   {
-    const Progress progress(words("Calcolo", "Solving"));
+    const Progress progress(words("Calcolo"));
     run = epanet::runSolver(solver, folder);
   }
   if (!o.keep.empty()) {
@@ -192,9 +178,8 @@ int solveIn(const std::string& folder, const SolveOptions& o, JobSpan& job,
   const vessora::Report report = job->openReport(platform::widen(run.output));
   const vessora::ReportPeriods periods = job->periodsOf(report);
   if (!periods.readable || !periods.faults.empty()) {
-    return fail("EPANET: " + (periods.faults.empty()
-                                  ? words("risultati illeggibili", "the results cannot be read")
-                                  : describe(periods.faults.front())));
+    return fail("EPANET: " + (periods.faults.empty() ? words("risultati illeggibili")
+                                                     : describe(periods.faults.front())));
   }
   // Whoever names none sees the first period.
   if (results.period.empty() && !periods.times.empty()) {

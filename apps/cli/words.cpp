@@ -1,22 +1,13 @@
 #include "apps/cli/words.h"
 
 #include <cstdio>
-#include <cstdlib>
-#include <cstring>
 
+#include "platform/format.h"
 #include "platform/text.h"
 
 namespace cli {
 
 using platform::narrow;
-
-bool italian() {
-  for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
-    const char* value = std::getenv(name);
-    if (value && *value) return std::strncmp(value, "it", 2) == 0;
-  }
-  return false;
-}
 
 namespace {
 
@@ -38,8 +29,7 @@ int fail(std::string_view message) {
 }
 
 void warn(std::string_view message) {
-  std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ", "warning: ").c_str(),
-               oneLine(message).c_str());
+  std::fprintf(stderr, "vessora: %s%s\n", words("attenzione: ").c_str(), oneLine(message).c_str());
 }
 
 void say(std::string_view line) { std::printf("%s\n", oneLine(line).c_str()); }
@@ -62,13 +52,9 @@ void warn(const vessora::Notices& notices) {
 }
 
 std::string describe(const vessora::ElementCounts& n) {
-  const auto part = [](const char* it, const char* en, int count) {
-    return words(it, en) + " " + std::to_string(count);
-  };
-  return part("nodi", "junctions", n.junctions) + ", " +
-         part("serbatoi", "reservoirs", n.reservoirs) + ", " + part("vasche", "tanks", n.tanks) +
-         ", " + part("condotte", "pipes", n.pipes) + ", " + part("pompe", "pumps", n.pumps) + ", " +
-         part("valvole", "valves", n.valves);
+  return narrow(
+      platform::format(words(u"nodi %d, serbatoi %d, tank %d, condotte %d, pompe %d, valvole %d"),
+                       n.junctions, n.reservoirs, n.tanks, n.pipes, n.pumps, n.valves));
 }
 
 std::string listed(const std::vector<std::u16string>& names) {
@@ -82,15 +68,12 @@ std::string describe(const vessora::PickedNetwork& picked, const std::string& dr
   using Why = vessora::PickedNetwork::Why;
   const std::string names = listed(picked.names);
   if (picked.why == Why::unknown) {
-    return drawing + ": " + words("la rete non c'è: ", "no such network: ") + wanted +
-           (names.empty() ? words(" (il disegno non ha reti)", " (it has no network)")
-                          : words("; ci sono: ", "; it has: ") + names);
+    return drawing + ": " + words("la rete non c'è: ") + wanted +
+           (names.empty() ? words(" (il disegno non ha reti)") : words("; ci sono: ") + names);
   }
   return drawing + ": " +
-         (picked.why == Why::none
-              ? words("il disegno non ha reti", "the drawing has no network")
-              : words("indicare la rete con -n; ci sono: ", "name the network with -n; it has: ") +
-                    names);
+         (picked.why == Why::none ? words("il disegno non ha reti")
+                                  : words("indicare la rete con -n; ci sono: ") + names);
 }
 
 }  // namespace cli

@@ -1,5 +1,5 @@
-// What the program says by itself, in Italian or English by the locale of the environment, and the
-// wording of what the module's jobs have found.
+// What the program says by itself, in the user's language (platform/words.h), and the wording of
+// what the module's jobs have found.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 #include <vector>
 
 #include "module/jobs.h"
+#include "platform/words.h"
 
 namespace cli {
 
-bool italian();
-inline std::string words(const char* it, const char* en) { return italian() ? it : en; }
+using platform::words;
 
 // Prints "vessora: message" on standard error and returns the exit status of a failed job. What the
 // message quotes of files and drawings is made visible, whatever it holds.

@@ -1,5 +1,6 @@
-// The English dictionary against the sources of the module: every text that reaches a user has its
-// translation. Texts are found in the sources themselves, so a new one is missed here at once.
+// The English catalogue against the sources of module, kit, host and programs: every text that
+// reaches a user has its translation. Texts are found in the sources themselves, so a new one is
+// missed here at once.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -59,6 +60,10 @@ const std::set<std::string, std::less<>> kNotTexts = {
 // The headings in these files are fixed: programs read them.
 const std::set<std::string, std::less<>> kFileWriters = {"inp_writer.cpp", "csv_writer.cpp"};
 
+// Tables of programs whose rows end in words.
+const std::set<std::string, std::less<>> kWordTables = {"notices.cpp", "inp_words.cpp",
+                                                        "usage.cpp"};
+
 struct Token {
   bool isText;  // a u"..." literal, adjacent ones joined
   std::string value;
@@ -67,7 +72,9 @@ struct Token {
 
 class Scanner {
  public:
-  explicit Scanner(std::string_view source) : source_(source) {}
+  // Of a source with narrow texts those count too.
+  explicit Scanner(std::string_view source, bool narrow = false)
+      : source_(source), narrow_(narrow) {}
 
   std::vector<Token> run() {
     while (at_ < source_.size()) step();
@@ -93,6 +100,7 @@ class Scanner {
       at_ += 1;
       return text(quoted());
     }
+    if (c == '"' && narrow_) return text(quoted());
     if (c == '"' || c == '\'') {
       quoted();
     } else if (std::isalnum(static_cast<unsigned char>(c)) || c == '_') {
@@ -141,6 +149,7 @@ class Scanner {
   }
 
   std::string_view source_;
+  bool narrow_;
   std::size_t at_ = 0;
   int line_ = 1;
   std::vector<Token> tokens_;
@@ -293,6 +302,38 @@ TEST_F(EnglishDictionary, HoldsEveryTextOfTheModule) {
         "Immettere un numero.",
         "Per l'esportazione della rete spostare momentaneamente di layer i nodi coincidenti con i "
         "serbatoi."}) {
+    EXPECT_TRUE(originals.contains(known)) << "not found in the sources: " << visible(known);
+  }
+}
+
+// What stands in words(...), of one text or of one for one thing and one for many; and in the
+// tables of programs whose rows go there.
+TEST_F(EnglishDictionary, HoldsEveryWordOfProgramsKitAndHost) {
+  std::set<std::string> originals;
+  for (const char* folder : {"apps", "cad", "platform", "epanet"}) {
+    for (const auto& entry : fs::recursive_directory_iterator(kRoot / folder)) {
+      const fs::path& path = entry.path();
+      if (path.extension() != ".cpp" && path.extension() != ".h") continue;
+      const auto bytes = platform::readFile(path.string());
+      ASSERT_TRUE(bytes) << path;
+      const std::vector<Token> tokens = Scanner(*bytes, true).run();
+      const auto is = [&](std::size_t i, std::string_view value) {
+        return i < tokens.size() && !tokens[i].isText && tokens[i].value == value;
+      };
+      const bool table = kWordTables.contains(path.filename().string());
+      for (std::size_t i = 2; i < tokens.size(); ++i) {
+        const bool first = is(i - 2, "words") && is(i - 1, "(");
+        const bool second = i >= 4 && is(i - 4, "words") && is(i - 1, ",") && tokens[i - 2].isText;
+        const bool row = table && is(i - 1, ",") && is(i + 1, "}") && readsAsText(tokens[i].value);
+        if (!tokens[i].isText || !(first || second || row)) continue;
+        originals.insert(tokens[i].value);
+        EXPECT_TRUE(find(tokens[i].value))
+            << path << ":" << tokens[i].line << ": no translation of " << visible(tokens[i].value);
+      }
+    }
+  }
+  for (const char* known :
+       {"nodo inesistente", "manca il comando", "dipinge il disegno come PNG, SVG o PDF"}) {
     EXPECT_TRUE(originals.contains(known)) << "not found in the sources: " << visible(known);
   }
 }
