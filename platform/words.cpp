@@ -91,6 +91,8 @@ std::string language() {
   return "en";
 }
 
+void chooseLanguage(const std::string& name) { setenv("VESSORA_LANG", name.c_str(), 1); }
+
 bool isItalian() { return language() == "it"; }
 
 std::u16string words(std::u16string_view italian) {

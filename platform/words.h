@@ -19,6 +19,8 @@ namespace platform {
 // words. What VESSORA_LANG says and no name of a language can be counts as "it".
 std::string language();
 bool isItalian();
+// Has the process, with all its libraries, speak a language from here on, as VESSORA_LANG would.
+void chooseLanguage(const std::string& name);
 
 // The text in the user's language; the text itself in Italian and where the catalogue lacks it.
 // Conversions (%s...) are those of the original, in the same order.

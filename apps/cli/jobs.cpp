@@ -9,6 +9,7 @@
 #include "cad/ui/script_frontend.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cli {
 namespace {
@@ -97,6 +98,9 @@ int runScript(const RunOptions& o) {
   if (!o.out.empty()) {
     const std::string no = refusalOf(o.out, {{o.drawing, true}, {o.script}});
     if (!no.empty()) return fail(no);
+  }
+  if (const std::string language = cad::ui::languageOfScript(*script); !language.empty()) {
+    platform::chooseLanguage(language);
   }
   cad::ui::ScriptFrontend ui(*script, o.script, [](std::u16string_view text) {
     std::fputs(platform::printable(narrow(text)).c_str(), stdout);

@@ -54,7 +54,8 @@ CAD_API int acedSSFree(const ads_name& set);
 // One entity picked by the user. RTERROR when nothing was hit.
 CAD_API int acedEntSel(std::u16string_view prompt, ads_name& entity, AcGePoint3d& point);
 // Rules and keywords for the next acedGet call: bit 1 refuses Enter alone. Keywords are separated
-// by blanks.
+// by blanks. Behind a "_" may stand as many names again, by which the command knows them: what it
+// gets is these, whichever of both the user gives.
 CAD_API int acedInitGet(int bits, const char16_t* keywords);
 CAD_API int acedGetPoint(const AcGePoint3d* base, std::u16string_view prompt, AcGePoint3d& point);
 CAD_API int acedGetReal(std::u16string_view prompt, double& value);

@@ -3,6 +3,7 @@
 
 #include "cad/editor/host_commands.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 namespace {
@@ -45,6 +46,13 @@ constexpr HostCommand kCommands[] = {
 };
 
 }  // namespace
+
+int host::askKeyword(int bits, std::u16string_view keywords, std::u16string_view text,
+                     std::u16string& chosen) {
+  const std::u16string both = platform::words(keywords) + u" _ " + std::u16string(keywords);
+  acedInitGet(bits, both.c_str());
+  return acedGetKword(platform::words(text), chosen);
+}
 
 void addHostCommands(Session& session) {
   for (const HostCommand& c : kCommands) {

@@ -7,12 +7,21 @@
 #include "cad/api/editor.h"
 #include "cad/drawing/drawing.h"
 #include "cad/editor/session.h"
+#include "platform/words.h"
 
 namespace cad::host {
 
 inline Session& session() { return Session::instance(); }
 inline Drawing& drawing() { return session().database()->drawing(); }
 inline void say(std::u16string_view text) { acedPrintText(text); }
+// Asks for one of the keywords, Italian and separated by blanks; the user sees and may give those
+// of his language, the command gets these. As acedGetKword otherwise.
+int askKeyword(int bits, std::u16string_view keywords, std::u16string_view text,
+               std::u16string& chosen);
+// A command's name in the user's language: the local one in Italian, the global one otherwise.
+inline const std::u16string& shownNameOf(const Command& command) {
+  return platform::isItalian() ? command.localName : command.globalName;
+}
 // Tells the user when there is no drawing.
 bool haveDrawing();
 void reportError(const std::string& error);

@@ -4,6 +4,7 @@
 #include "cad/drawing/block_geometry.h"
 #include "cad/editor/host_commands.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::host {
 namespace {
@@ -36,8 +37,8 @@ void listChain(const resbuf* chain) {
 
 void listTable(const AcDbTable& table) {
   const AcGePoint3d p = table.position();
-  acutPrintf(u"\n  tabella in %.3f,%.3f,%.3f  larga %.3f alta %.3f  testo %.3f", p.x, p.y, p.z,
-             table.width(), table.height(), table.textHeight(0, 0));
+  acutPrintf(platform::words(u"\n  tabella in %.3f,%.3f,%.3f  larga %.3f alta %.3f  testo %.3f"),
+             p.x, p.y, p.z, table.width(), table.height(), table.textHeight(0, 0));
   for (int row = 0; row < table.numRows(); ++row) {
     std::u16string line;
     for (int column = 0; column < table.numColumns(); ++column) {
@@ -52,7 +53,8 @@ void listTable(const AcDbTable& table) {
 void listGeometry(const Opened<AcDbEntity>& entity) {
   if (auto* block = entity.as<AcDbBlockReference>()) {
     const AcGePoint3d p = block->position();
-    acutPrintf(u"\n  blocco \"%s\" in %.3f,%.3f,%.3f", block->blockName(), p.x, p.y, p.z);
+    acutPrintf(platform::words(u"\n  blocco \"%s\" in %.3f,%.3f,%.3f"), block->blockName(), p.x,
+               p.y, p.z);
     AcDbObjectIterator* it = block->attributeIterator();
     for (; !it->done(); it->step()) {
       const Opened<AcDbAttribute> a(it->objectId());
@@ -61,20 +63,20 @@ void listGeometry(const Opened<AcDbEntity>& entity) {
     delete it;
   } else if (entity.as<AcDb3dPolyline>()) {
     for (const AcGePoint3d& p : vertexPositions(drawing(), entity->objectId().index())) {
-      acutPrintf(u"\n  vertice %.3f,%.3f,%.3f", p.x, p.y, p.z);
+      acutPrintf(platform::words(u"\n  vertice %.3f,%.3f,%.3f"), p.x, p.y, p.z);
     }
   } else if (auto* flat = entity.as<AcDbPolyline>()) {
     for (const AcDbPolyline::Vertex& v : flat->vertices()) {
-      acutPrintf(u"\n  vertice %.3f,%.3f", v.point.x, v.point.y);
+      acutPrintf(platform::words(u"\n  vertice %.3f,%.3f"), v.point.x, v.point.y);
     }
   } else if (auto* line = entity.as<AcDbLine>()) {
     const AcGePoint3d a = line->startPoint(), b = line->endPoint();
-    acutPrintf(u"\n  da %.3f,%.3f,%.3f a %.3f,%.3f,%.3f  linea %s", a.x, a.y, a.z, b.x, b.y, b.z,
-               line->linetype());
+    acutPrintf(platform::words(u"\n  da %.3f,%.3f,%.3f a %.3f,%.3f,%.3f  linea %s"), a.x, a.y, a.z,
+               b.x, b.y, b.z, line->linetype());
   } else if (auto* text = entity.as<AcDbText>()) {
     const AcGePoint3d p = text->position();
-    acutPrintf(u"\n  \"%s\" in %.3f,%.3f,%.3f  altezza %.3f", text->textString(), p.x, p.y, p.z,
-               text->height());
+    acutPrintf(platform::words(u"\n  \"%s\" in %.3f,%.3f,%.3f  altezza %.3f"), text->textString(),
+               p.x, p.y, p.z, text->height());
   } else if (auto* table = entity.as<AcDbTable>()) {
     listTable(*table);
   }
@@ -83,9 +85,9 @@ void listGeometry(const Opened<AcDbEntity>& entity) {
 void listEntity(AcDbObjectId id) {
   const Opened<AcDbEntity> entity(id);
   if (!entity) return;
-  acutPrintf(u"\n%s  handle %s  layer \"%s\"  colore %s", entity->dxfName(),
+  acutPrintf(platform::words(u"\n%s  handle %s  layer \"%s\"  colore %s"), entity->dxfName(),
              platform::format(u"%x", static_cast<std::int64_t>(entity->handle())), entity->layer(),
-             entity->colorIndex() == 256 ? std::u16string(u"dal layer")
+             entity->colorIndex() == 256 ? platform::words(u"dal layer")
                                          : platform::format(u"%d", entity->colorIndex()));
   listGeometry(entity);
   const Chain data(entity->xData());
@@ -100,11 +102,11 @@ void commandList() {
 }
 
 void commandHelp() {
-  say(u"\nComandi:");
+  say(platform::words(u"\nComandi:"));
   std::u16string last;
   for (const auto& [key, c] : session().commands()) {
     if (platform::upper(c.globalName) != key && c.group == u"HOST") continue;
-    acutPrintf(u"\n  %-12s %s", platform::upper(c.localName), c.help);
+    acutPrintf(u"\n  %-12s %s", platform::upper(shownNameOf(c)), platform::words(c.help));
   }
 }
 

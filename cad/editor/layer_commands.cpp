@@ -1,6 +1,7 @@
 // Layers by name: freeze, thaw, switch, colour, make, set current.
 #include "cad/api/owners.h"
 #include "cad/editor/host_commands.h"
+#include "platform/words.h"
 
 namespace cad::host {
 namespace {
@@ -12,16 +13,17 @@ void listLayers() {
        e = d.structure().nextTableEntry(table, e)) {
     const Opened<AcDbLayerTableRecord> l(d.idOf(e));
     if (!l) continue;
-    acutPrintf(u"\n%s  colore %d%s%s", l->getName(), l->colorIndex(),
-               l->isFrozen() ? u"  congelato" : u"", l->isOff() ? u"  spento" : u"");
+    acutPrintf(platform::words(u"\n%s  colore %d%s%s"), l->getName(), l->colorIndex(),
+               l->isFrozen() ? platform::words(u"  congelato") : std::u16string(),
+               l->isOff() ? platform::words(u"  spento") : std::u16string());
   }
 }
 
 void askColour(AcDbLayerTableRecord& layer) {
   double color = 0;
-  if (acedGetReal(u"\nColore (1-255): ", color) == RTNORM &&
+  if (acedGetReal(platform::words(u"\nColore (1-255): "), color) == RTNORM &&
       layer.setColorIndex(static_cast<int>(color)) != Acad::eOk) {
-    say(u"\nIl colore è un numero da 1 a 255.");
+    say(platform::words(u"\nIl colore è un numero da 1 a 255."));
   }
 }
 
@@ -29,19 +31,20 @@ void askColour(AcDbLayerTableRecord& layer) {
 
 void commandLayer() {
   if (!haveDrawing()) return;
-  acedInitGet(1, u"Congela Scongela Disattiva Attiva Colore Nuovo Imposta Elenco");
   std::u16string option, name;
-  if (acedGetKword(u"\nOpzione [Congela/Scongela/Disattiva/Attiva/Colore/Nuovo/Imposta/Elenco]: ",
-                   option) != RTNORM) {
+  if (askKeyword(1, u"Congela Scongela Disattiva Attiva Colore Nuovo Imposta Elenco",
+                 u"\nOpzione [Congela/Scongela/Disattiva/Attiva/Colore/Nuovo/Imposta/Elenco]: ",
+                 option) != RTNORM) {
     return;
   }
   if (option == u"Elenco") return listLayers();
-  if (acedGetString(true, u"\nNome del layer: ", name) != RTNORM || name.empty()) return;
+  if (acedGetString(true, platform::words(u"\nNome del layer: "), name) != RTNORM || name.empty())
+    return;
   Drawing& d = drawing();
   Opened<AcDbLayerTableRecord> layer(d.idOf(d.structure().layerNamed(name, option == u"Nuovo")),
                                      AcDb::kForWrite);
   if (!layer) {
-    acutPrintf(u"\nIl layer \"%s\" non esiste.", name);
+    acutPrintf(platform::words(u"\nIl layer \"%s\" non esiste."), name);
     return;
   }
   if (option == u"Congela") layer->setIsFrozen(true);

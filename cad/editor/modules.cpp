@@ -4,6 +4,7 @@
 
 #include "cad/editor/session.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 ACRX_DEFINE(AcRxDictionary, AcRxObject)
 ACRX_DEFINE(AcRxDynamicLinker, AcRxObject)
@@ -131,7 +132,7 @@ platform::Result<ModuleHandle> Session::loadModule(const std::string& given) {
   const std::u16string widePath = platform::widen(path);
   for (const Module& m : modules_) {
     if (platform::canonicalPath(platform::narrow(m.path)) == platform::canonicalPath(path)) {
-      return platform::Error{given + ": is loaded already"};
+      return platform::Error{given + platform::words(": è già caricato")};
     }
   }
   Module module;
@@ -139,18 +140,20 @@ platform::Result<ModuleHandle> Session::loadModule(const std::string& given) {
   module.path = widePath;
   const Inside inside(*this, module.handle, module.path);
   auto library = platform::DynamicLibrary::load(path);
-  if (!library) return platform::Error{given + ": cannot be loaded: " + library.error()};
+  if (!library)
+    return platform::Error{given + platform::words(": non si può caricare: ") + library.error()};
   module.library = *library;
   module.entry = library->function<AcRx::AppRetCode(AcRx::AppMsgCode, void*)>("acrxEntryPoint");
   if (!module.entry) {
     forget(module);
-    return platform::Error{given + ": is no module of this host (it has no acrxEntryPoint)"};
+    return platform::Error{
+        given + platform::words(": non è un modulo di questo programma (manca acrxEntryPoint)")};
   }
   modules_.push_back(module);
   if (module.entry(AcRx::kInitAppMsg, &modules_) != AcRx::kRetOK) {
     module.entry(AcRx::kUnloadAppMsg, &modules_);
     forget(module);
-    return platform::Error{given + ": the module refused to start"};
+    return platform::Error{given + platform::words(": il modulo ha rifiutato di avviarsi")};
   }
   if (database_) module.entry(AcRx::kLoadDwgMsg, &modules_);
   return module.handle;
@@ -173,13 +176,15 @@ void Session::forget(const Module& gone) {
 
 platform::Result<void> Session::unloadModule(ModuleHandle handle) {
   const Module* found = moduleOf(handle);
-  if (!found) return platform::Error{"no such module is loaded"};
+  if (!found) return platform::Error{platform::words("nessun modulo così è caricato")};
   const Module module = *found;
   const std::string path = platform::narrow(module.path);
   if (std::find(running_.begin(), running_.end(), handle) != running_.end()) {
-    return platform::Error{path + ": cannot be unloaded while one of its commands runs"};
+    return platform::Error{
+        path + platform::words(": non si può scaricare mentre un suo comando è in corso")};
   }
-  if (!module.mayUnload) return platform::Error{path + ": does not allow to be unloaded"};
+  if (!module.mayUnload)
+    return platform::Error{path + platform::words(": non permette di essere scaricato")};
   send(module, AcRx::kUnloadAppMsg);
   forget(module);
   return {};

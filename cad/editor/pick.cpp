@@ -3,7 +3,9 @@
 #include "cad/drawing/drawing.h"
 #include "cad/shape/extents.h"
 #include "cad/shape/hit.h"
+#include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 namespace {
@@ -47,7 +49,8 @@ Pick byName(Drawing& d, std::u16string_view name) {
     if (r.type == Type::insert || !pick.record) pick.record = e;
     if (r.type == Type::insert) break;
   }
-  if (!pick.record) pick.problem = u"Nessuna entità si chiama \"" + std::u16string(name) + u"\".";
+  if (!pick.record)
+    pick.problem = platform::format(platform::words(u"Nessuna entità si chiama \"%s\"."), name);
   return pick;
 }
 
@@ -107,7 +110,7 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
   Pick pick;
   if (!text.empty() && text[0] == u'#') {
     pick.record = entityOfHandle(d, parseTagHandle(platform::narrow(text.substr(1))));
-    if (!pick.record) pick.problem = u"Nessuna entità ha questo handle.";
+    if (!pick.record) pick.problem = platform::words(u"Nessuna entità ha questo handle.");
   } else if (!text.empty() && text[0] == u'=') {
     pick = byName(d, text.substr(1));
   } else if (const auto p = parsePoint(text)) {
@@ -120,10 +123,11 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
         pick.record = e;
       }
     }
-    if (!pick.record) pick.problem = u"Nessuna entità in quel punto.";
+    if (!pick.record) pick.problem = platform::words(u"Nessuna entità in quel punto.");
     return pick;
   } else {
-    pick.problem = u"Indicare un punto \"x,y\", un handle \"#1A2B\" o un nome \"=P12\".";
+    pick.problem =
+        platform::words(u"Indicare un punto \"x,y\", un handle \"#1A2B\" o un nome \"=P12\".");
     return pick;
   }
   if (pick.record) {

@@ -1,6 +1,7 @@
 // The editor's functions over the session: selection sets, input and symbols.
 #include <algorithm>
 #include <ctime>
+#include <utility>
 
 #include "cad/api/editor.h"
 #include "cad/drawing/drawing.h"
@@ -10,6 +11,7 @@
 #include "cad/shape/hit.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 using cad::Session;
 using cad::ui::Answer;
@@ -31,30 +33,36 @@ double aperture() {
   return it == vars.end() ? 5.0 : std::max(0.0, platform::wtof(it->second));
 }
 
+// The place of the keyword that the text is, in full or as an unambiguous beginning.
+std::optional<std::size_t> placeOf(std::u16string_view text,
+                                   const std::vector<std::u16string>& keywords) {
+  std::optional<std::size_t> found;
+  bool ambiguous = false;
+  for (std::size_t i = 0; i < keywords.size(); ++i) {
+    const std::u16string& k = keywords[i];
+    if (platform::equalNoCase(k, text)) return i;
+    if (text.empty() || !platform::equalNoCase(k.substr(0, text.size()), text)) continue;
+    ambiguous = ambiguous || found;
+    found = i;
+  }
+  return ambiguous ? std::nullopt : found;
+}
+
 // The rules of acedInitGet hold for one call.
 struct InputRules {
-  InputRules() : bits(Session::instance().initBits), keywords(Session::instance().initKeywords) {
-    Session::instance().initBits = 0;
-    Session::instance().initKeywords.clear();
-  }
+  InputRules()
+      : bits(std::exchange(Session::instance().initBits, 0)),
+        keywords(std::exchange(Session::instance().initKeywords, {})),
+        globals(std::exchange(Session::instance().initGlobals, {})) {}
   int bits;
-  std::vector<std::u16string> keywords;
-  // The keyword that the text is, in full or as an unambiguous beginning.
+  std::vector<std::u16string> keywords, globals;
+  // The keyword that the text is, as the command knows it.
   std::optional<std::u16string> keyword(std::u16string_view text) const {
-    for (const std::u16string& k : keywords) {
-      if (platform::equalNoCase(k, text)) return k;
-    }
-    const std::u16string* found = nullptr;
-    for (const std::u16string& k : keywords) {
-      if (text.empty() || k.size() < text.size() ||
-          !platform::equalNoCase(k.substr(0, text.size()), text)) {
-        continue;
-      }
-      if (found) return std::nullopt;
-      found = &k;
-    }
-    if (found) return *found;
-    return std::nullopt;
+    if (const auto i = placeOf(text, keywords))
+      return *i < globals.size() ? globals[*i] : keywords[*i];
+    if (text.starts_with(u'_')) text.remove_prefix(1);
+    const auto i = placeOf(text, globals);
+    return i ? std::optional(globals[*i]) : std::nullopt;
   }
 };
 
@@ -83,7 +91,7 @@ int ask(const Prompt& prompt, const InputRules& rules, std::u16string_view compl
         return RTCAN;
       case Answer::Status::none:
         if (rules.bits & 1) {
-          ui.invalid(u"È richiesta una risposta.");
+          ui.invalid(platform::words(u"È richiesta una risposta."));
           continue;
         }
         return RTNONE;
@@ -118,7 +126,7 @@ bool takeSelection(cad::Drawing& d, std::u16string_view text, std::vector<std::u
     const auto p = a ? cad::parsePoint(*a) : std::nullopt,
                q = b ? cad::parsePoint(*b) : std::nullopt;
     if (!p || !q) {
-      complaint = u"Una finestra si indica con due punti: F x1,y1 x2,y2";
+      complaint = platform::words(u"Una finestra si indica con due punti: F x1,y1 x2,y2");
       return false;
     }
     const cad::shape::PlanWindow window(*p, *q);
@@ -146,8 +154,12 @@ int pickSelection(cad::Drawing& d, const cad::Filter& filter, std::vector<AcDbOb
   for (;;) {
     Prompt prompt;
     prompt.kind = Prompt::Kind::selection;
-    prompt.text = u"\nSelezionare oggetti: ";
-    prompt.keywords = {u"Tutto", u"F", u"I"};
+    prompt.text = platform::words(u"\nSelezionare oggetti: ");
+    if (platform::isItalian()) {
+      prompt.keywords = {u"Tutto", u"F", u"I"};
+    } else {
+      prompt.keywords = {u"All", u"W", u"C"};
+    }
     prompt.allowBlanks = true;
     const Answer a = ui.ask(prompt);
     if (a.status == Answer::Status::cancel) return RTCAN;
@@ -230,8 +242,16 @@ int acedInitGet(int bits, const char16_t* keywords) {
   Session& s = Session::instance();
   s.initBits = bits;
   s.initKeywords.clear();
+  s.initGlobals.clear();
+  auto* names = &s.initKeywords;
   platform::Tokens tokens(keywords ? std::u16string_view(keywords) : std::u16string_view(), u" ");
-  while (const auto t = tokens.next()) s.initKeywords.emplace_back(*t);
+  while (const auto t = tokens.next()) {
+    if (*t == u"_") {
+      names = &s.initGlobals;
+    } else {
+      names->emplace_back(*t);
+    }
+  }
   return RTNORM;
 }
 
@@ -241,8 +261,9 @@ int acedEntSel(std::u16string_view text, ads_name& entity, AcGePoint3d& point) {
   if (!d) return RTERROR;
   const InputRules rules;
   cad::ui::Frontend& ui = Session::instance().frontend();
-  const Answer a = ui.ask(
-      promptOf(Prompt::Kind::entity, text.empty() ? u"\nSelezionare un oggetto: " : text, rules));
+  const Answer a = ui.ask(promptOf(
+      Prompt::Kind::entity,
+      text.empty() ? platform::words(u"\nSelezionare un oggetto: ") : std::u16string(text), rules));
   if (a.status == Answer::Status::none) return RTNONE;
   if (a.status != Answer::Status::ok) return RTCAN;
   // What was pointed at goes before what is said of it.
@@ -260,18 +281,19 @@ int acedGetPoint(const AcGePoint3d* base, std::u16string_view text, AcGePoint3d&
   const InputRules rules;
   Prompt prompt = promptOf(Prompt::Kind::point, text, rules);
   if (base) prompt.base = {base->x, base->y, base->z};
-  return ask(prompt, rules, u"Indicare un punto: x,y oppure x,y,z", [&](const Answer& answer) {
-    const auto p =
-        answer.place ? std::optional(pointOf(*answer.place)) : cad::parsePoint(answer.text, base);
-    if (p) point = *p;
-    return p ? RTNORM : rules.keyword(answer.text) ? RTKWORD : 0;
-  });
+  return ask(prompt, rules, platform::words(u"Indicare un punto: x,y oppure x,y,z"),
+             [&](const Answer& answer) {
+               const auto p = answer.place ? std::optional(pointOf(*answer.place))
+                                           : cad::parsePoint(answer.text, base);
+               if (p) point = *p;
+               return p ? RTNORM : rules.keyword(answer.text) ? RTKWORD : 0;
+             });
 }
 
 int acedGetReal(std::u16string_view text, double& value) {
   const InputRules rules;
-  return ask(promptOf(Prompt::Kind::real, text, rules), rules, u"Immettere un numero.",
-             [&](const Answer& answer) {
+  return ask(promptOf(Prompt::Kind::real, text, rules), rules,
+             platform::words(u"Immettere un numero."), [&](const Answer& answer) {
                const auto v = platform::parseReal(answer.text);
                if (v) value = *v;
                return v ? RTNORM : rules.keyword(answer.text) ? RTKWORD : 0;
@@ -293,8 +315,8 @@ int acedGetString(bool blanks, std::u16string_view text, std::u16string& value) 
 
 int acedGetKword(std::u16string_view text, std::u16string& keyword) {
   const InputRules rules;
-  return ask(promptOf(Prompt::Kind::keyword, text, rules), rules, u"Opzione non valida.",
-             [&](const Answer& answer) {
+  return ask(promptOf(Prompt::Kind::keyword, text, rules), rules,
+             platform::words(u"Opzione non valida."), [&](const Answer& answer) {
                if (rules.keywords.empty()) {
                  keyword = answer.text;
                  return RTNORM;

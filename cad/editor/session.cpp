@@ -6,7 +6,9 @@
 
 #include "cad/drawing/drawing.h"
 #include "platform/files.h"
+#include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 namespace {
@@ -98,13 +100,17 @@ bool Session::isModified() const {
 }
 
 platform::Result<void> Session::saveDrawing(const std::string& path, Overwrite overwrite) {
-  if (!database_) return platform::Error{"no drawing is open"};
+  if (!database_) return platform::Error{platform::words("non c'è un disegno aperto")};
   const std::string target = path.empty() ? path_ : path;
-  if (target.empty()) return platform::Error{"the drawing has no name yet; give a path to save it"};
+  if (target.empty())
+    return platform::Error{
+        platform::words("il disegno non ha ancora un nome; dare un percorso per salvarlo")};
   if (overwrite == Overwrite::unlessChanged && changedOnDisk(target)) {
-    return platform::Error{target +
-                           ": not saved: another program has changed the file since it was "
-                           "opened; save under another name, or open it again"};
+    return platform::Error{
+        target +
+        platform::words(
+            ": non salvato: un altro programma ha cambiato il file dopo l'apertura; salvare con "
+            "un altro nome, o riaprirlo")};
   }
   sendToModules(AcRx::kSaveMsg);
   // A drawing that gets its first file opens on what is in it.
@@ -154,12 +160,13 @@ RunResult Session::run(std::u16string_view name) {
   }
   initBits = 0;
   initKeywords.clear();
+  initGlobals.clear();
   try {
     const Inside inside(*this, command.module);
     command.function();
   } catch (const std::bad_alloc&) {
     // The drawing is whole, and what the command has done so far can be taken back.
-    frontend().invalid(u"Memoria esaurita: comando interrotto.");
+    frontend().invalid(platform::words(u"Memoria esaurita: comando interrotto."));
   } catch (const CommandAbandoned&) {
     if (depth_ > 1) {
       --depth_;
@@ -204,8 +211,9 @@ void Session::checkLeaks(std::u16string_view command) {
   // Undo and saving would be refused for as long as one is open.
   if (const int open = database_ ? database_->drawing().closeAll() : 0) {
     what += " " + std::to_string(open) + " object(s) open";
-    frontend().print(u"\nIl comando " + std::u16string(command) +
-                     u" ha lasciato aperti degli oggetti: sono stati chiusi.");
+    frontend().print(platform::format(
+        platform::words(u"\nIl comando %s ha lasciato aperti degli oggetti: sono stati chiusi."),
+        command));
   }
   int sets = 0;
   for (std::size_t i = 0; i < selections_.size(); ++i) {
@@ -229,7 +237,7 @@ bool Session::commandLoop(const std::function<bool()>& more) {
   while (!quit_ && (!more || more())) {
     ui::Prompt prompt;
     prompt.kind = ui::Prompt::Kind::command;
-    prompt.text = u"\nComando: ";
+    prompt.text = platform::words(u"\nComando: ");
     for (const auto& [key, command] : commands_) prompt.keywords.push_back(key);
     const ui::Answer answer = frontend().ask(prompt);
     if (answer.status == ui::Answer::Status::end) {
@@ -242,7 +250,8 @@ bool Session::commandLoop(const std::function<bool()>& more) {
     if (answer.status == ui::Answer::Status::none || name.empty()) name = last;
     if (name.empty()) continue;
     if (run(name) == RunResult::unknown) {
-      frontend().invalid(u"Comando sconosciuto \"" + name + u"\". Digitare GUIDA per l'elenco.");
+      frontend().invalid(platform::format(
+          platform::words(u"Comando sconosciuto \"%s\". Digitare GUIDA per l'elenco."), name));
     } else {
       last = name;
     }

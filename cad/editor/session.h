@@ -150,7 +150,7 @@ class CAD_API Session {
 
   // --- the rules of acedInitGet for the next input
   int initBits = 0;
-  std::vector<std::u16string> initKeywords;
+  std::vector<std::u16string> initKeywords, initGlobals;
 
  private:
   Session();

@@ -3,6 +3,7 @@
 #include "cad/editor/variables.h"
 #include "cad/ui/frontend.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::host {
 namespace {
@@ -43,7 +44,7 @@ bool matches(std::u16string_view name, std::u16string_view pattern) {
 
 void listVariables() {
   std::u16string pattern = u"*";
-  askText(u"\nVariabili da elencare <*>: ", {}, [&](const std::u16string& text) {
+  askText(platform::words(u"\nVariabili da elencare <*>: "), {}, [&](const std::u16string& text) {
     pattern = text;
     return std::u16string();
   });
@@ -51,10 +52,11 @@ void listVariables() {
   for (const Variable& variable : declaredVariables()) {
     if (!matches(variable.name, pattern)) continue;
     any = true;
-    acutPrintf(u"\n  %-10s %-16s %s%s", variable.name, *variableText(variable.name), variable.help,
-               variable.readOnly ? u" (sola lettura)" : u"");
+    acutPrintf(u"\n  %-10s %-16s %s%s", variable.name, *variableText(variable.name),
+               platform::words(variable.help),
+               variable.readOnly ? platform::words(u" (sola lettura)") : std::u16string());
   }
-  if (!any) say(u"\nNessuna variabile ha questo nome.");
+  if (!any) say(platform::words(u"\nNessuna variabile ha questo nome."));
 }
 
 }  // namespace
@@ -63,16 +65,18 @@ void commandSetVar() {
   std::vector<std::u16string> names{u"?"};
   for (const Variable& variable : declaredVariables()) names.emplace_back(variable.name);
   std::u16string name;
-  const bool named = askText(u"\nNome della variabile o [?]: ", names, [&](auto& text) {
-    name = platform::upper(text);
-    const bool known = name == u"?" || variableText(name);
-    return std::u16string(known ? u"" : u"Variabile sconosciuta; ? elenca quelle che ci sono.");
-  });
+  const bool named =
+      askText(platform::words(u"\nNome della variabile o [?]: "), names, [&](auto& text) {
+        name = platform::upper(text);
+        const bool known = name == u"?" || variableText(name);
+        return known ? std::u16string()
+                     : platform::words(u"Variabile sconosciuta; ? elenca quelle che ci sono.");
+      });
   if (!named) return;
   if (name == u"?") return listVariables();
   const std::u16string now = *variableText(name);
   if (!isSettable(name)) {
-    acutPrintf(u"\n%s = %s (sola lettura)", name, now);
+    acutPrintf(platform::words(u"\n%s = %s (sola lettura)"), name, now);
     return;
   }
   std::u16string choice;
@@ -80,8 +84,8 @@ void commandSetVar() {
   for (const std::u16string& value : values) choice += (choice.empty() ? u" [" : u"/") + value;
   if (!choice.empty()) choice += u']';
   const std::u16string standing = now.empty() ? u"" : u" <" + now + u">";
-  askText(platform::format(u"\nNuovo valore per %s%s%s: ", name, choice, standing), values,
-          [&](const std::u16string& text) { return setVariable(name, text); });
+  askText(platform::format(platform::words(u"\nNuovo valore per %s%s%s: "), name, choice, standing),
+          values, [&](const std::u16string& text) { return setVariable(name, text); });
 }
 
 }  // namespace cad::host

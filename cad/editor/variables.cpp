@@ -7,6 +7,7 @@
 #include "cad/editor/session.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 namespace {
@@ -36,7 +37,8 @@ std::u16string sessionValue(const Variable& variable) {
   Session& s = Session::instance();
   const std::u16string path = platform::widen(s.drawingPath());
   if (variable.name == u"DWGNAME") {
-    return path.empty() ? u"Disegno1.dxf" : std::u16string(platform::fileNameOf(path));
+    return path.empty() ? platform::words(u"Disegno1.dxf")
+                        : std::u16string(platform::fileNameOf(path));
   }
   if (variable.name == u"DWGPREFIX") return std::u16string(platform::folderOf(path));
   const auto it = s.variables.find(std::u16string(variable.name));
@@ -71,16 +73,17 @@ std::optional<std::u16string> valueOf(const Variable& variable, std::u16string_v
 
 std::u16string complaintOf(const Variable& variable) {
   if (variable.kind != RbKind::text) {
-    return platform::format(u"Serve un numero%s da %g a %g.",
-                            variable.kind == RbKind::int16 ? u" intero" : u"", variable.low,
-                            variable.high);
+    return platform::format(
+        platform::words(variable.kind == RbKind::int16 ? u"Serve un numero intero da %g a %g."
+                                                       : u"Serve un numero da %g a %g."),
+        variable.low, variable.high);
   }
   std::u16string list;
   platform::Tokens known(variable.values, u" ");
   while (const auto value = known.next()) {
     list += (list.empty() ? u"" : u", ") + std::u16string(*value);
   }
-  return u"Valori possibili: " + list + u".";
+  return platform::format(platform::words(u"Valori possibili: %s."), list);
 }
 
 }  // namespace
@@ -109,10 +112,10 @@ bool isSettable(std::u16string_view name) {
 }
 
 std::u16string setVariable(std::u16string_view name, std::u16string_view text) {
-  if (!isSettable(name)) return u"La variabile è in sola lettura.";
+  if (!isSettable(name)) return platform::words(u"La variabile è in sola lettura.");
   const Variable* const variable = declaredVariable(name);
   if (!variable) {
-    return setInDrawing(platform::upper(name), text) ? u"" : u"Valore non valido.";
+    return setInDrawing(platform::upper(name), text) ? u"" : platform::words(u"Valore non valido.");
   }
   auto value = valueOf(*variable, text);
   if (!value) return complaintOf(*variable);

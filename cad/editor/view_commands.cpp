@@ -3,6 +3,7 @@
 
 #include "cad/editor/host_commands.h"
 #include "cad/shape/extents.h"
+#include "platform/words.h"
 
 namespace cad::host {
 namespace {
@@ -28,14 +29,14 @@ void zoomExtents() {
 
 void commandZoom() {
   if (!haveDrawing()) return;
-  acedInitGet(0, u"Estensioni Finestra");
   std::u16string option;
-  const int answer = acedGetKword(u"\nZoom [Estensioni/Finestra] <Estensioni>: ", option);
+  const int answer =
+      askKeyword(0, u"Estensioni Finestra", u"\nZoom [Estensioni/Finestra] <Estensioni>: ", option);
   if (answer == RTCAN) return;
   if (option != u"Finestra") return zoomExtents();
   AcGePoint3d a, b;
-  if (acedGetPoint(nullptr, u"\nPrimo angolo: ", a) != RTNORM) return;
-  if (acedGetPoint(&a, u"\nAngolo opposto: ", b) != RTNORM) return;
+  if (acedGetPoint(nullptr, platform::words(u"\nPrimo angolo: "), a) != RTNORM) return;
+  if (acedGetPoint(&a, platform::words(u"\nAngolo opposto: "), b) != RTNORM) return;
   session().view = window(a, b);
 }
 

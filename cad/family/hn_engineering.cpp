@@ -15,6 +15,7 @@
 #include "platform/format.h"
 #include "platform/ini.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 using cad::BlockInfo;
 using cad::Drawing;
@@ -399,11 +400,13 @@ AcDbObjectId pickTitleBlock() {
     ads_name name;
     AcGePoint3d point;
     AcDbObjectId id;
-    if (acedEntSel(u"\nSelezionare un cartiglio profilo...", name, point) != RTNORM) return {};
+    if (acedEntSel(platform::words(u"\nSelezionare un cartiglio profilo..."), name, point) !=
+        RTNORM)
+      return {};
     if (acdbGetObjectId(id, name) != RTNORM) continue;
     const Opened<AcDbBlockReference> block(id);
     if (block && Data(*block, kTitleData).code() == 1005) return id;
-    acutPrintf(u"\nEntità non valida!");
+    acutPrintf(platform::words(u"\nEntità non valida!"));
   }
 }
 
@@ -422,18 +425,20 @@ std::optional<double> levelAt(const ProfileChainData& chain, double distance) {
 // Asks for one manhole. Chainages are asked for as the band shows them.
 bool askManhole(const ProfileChainData& chain, double start, pozzetto& manhole) {
   double chainage = 0;
-  if (acedGetReal(u"\nProgressiva del pozzetto <fine>: ", chainage) != RTNORM) return false;
+  if (acedGetReal(platform::words(u"\nProgressiva del pozzetto <fine>: "), chainage) != RTNORM)
+    return false;
   manhole.prog = chainage - start;
-  if (acedGetString(true, u"\nNome: ", manhole.nome) != RTNORM ||
-      acedGetString(true, u"\nCodice: ", manhole.codice) != RTNORM ||
-      acedGetString(true, u"\nDescrizione: ", manhole.descrizione) != RTNORM) {
+  if (acedGetString(true, platform::words(u"\nNome: "), manhole.nome) != RTNORM ||
+      acedGetString(true, platform::words(u"\nCodice: "), manhole.codice) != RTNORM ||
+      acedGetString(true, platform::words(u"\nDescrizione: "), manhole.descrizione) != RTNORM) {
     return false;
   }
   const std::optional<double> level = levelAt(chain, manhole.prog);
   if (!level) acedInitGet(1, nullptr);
-  const int answer = acedGetReal(
-      level ? platform::format(u"\nQuota <%.3lf>: ", *level) : std::u16string(u"\nQuota: "),
-      manhole.quota);
+  const int answer =
+      acedGetReal(level ? platform::format(platform::words(u"\nQuota <%.3lf>: "), *level)
+                        : platform::words(u"\nQuota: "),
+                  manhole.quota);
   if (answer == RTNONE && level) manhole.quota = *level;
   return answer == RTNORM || (answer == RTNONE && level);
 }
@@ -441,7 +446,7 @@ bool askManhole(const ProfileChainData& chain, double start, pozzetto& manhole) 
 void commandManholes() {
   AcDbDatabase* database = acdbHostApplicationServices()->workingDatabase();
   if (!database) {
-    acutPrintf(u"\nNessun disegno aperto.");
+    acutPrintf(platform::words(u"\nNessun disegno aperto."));
     return;
   }
   const AcDbObjectId id = pickTitleBlock();
@@ -456,7 +461,7 @@ void commandManholes() {
   for (pozzetto manhole; askManhole(chain, start, manhole); manhole = {}) {
     if (profile.AddPozzetto(manhole)) ++count;
   }
-  acutPrintf(count == 1 ? u"\n%d pozzetto inserito." : u"\n%d pozzetti inseriti.", count);
+  acutPrintf(platform::words(u"\n%d pozzetto inserito.", u"\n%d pozzetti inseriti.", count), count);
 }
 
 }  // namespace

@@ -4,7 +4,9 @@
 
 #include "cad/ui/journal.h"
 #include "cad/ui/names.h"
+#include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
@@ -14,6 +16,8 @@ Dialog::Dialog(std::u16string_view title, std::u16string_view helpTopic)
     : title_(title), declaredTitle_(title), helpTopic_(helpTopic) {}
 
 Dialog::~Dialog() = default;
+
+std::u16string Dialog::translate(std::u16string_view text) { return platform::words(text); }
 
 void Dialog::setTitle(std::u16string_view title) {
   title_ = title;
@@ -173,19 +177,26 @@ struct KindName final : Visitor {
 };
 }  // namespace
 
-static std::u16string ownName(Control& control) {
-  if (!control.givenName().empty()) return control.givenName();
-  std::u16string label = plainName(control.declaredLabel());
+// What a control is called: in scripts by what was declared, to users by what they see.
+enum class As { declared, shown };
+
+static std::u16string ownName(Control& control, As as) {
+  const bool shown = as == As::shown;
+  if (!control.givenName().empty())
+    return shown ? platform::words(control.givenName()) : control.givenName();
+  std::u16string label = plainName(shown ? control.label() : control.declaredLabel());
   if (!label.empty()) return label;
   KindName kind;
   control.accept(kind);
-  return kind.name;
+  return shown ? platform::words(kind.name) : kind.name;
 }
 
-static std::u16string fullName(Control& control) {
-  std::u16string name = ownName(control);
-  for (const Group* g = control.group(); g != nullptr; g = g->outer())
-    if (!plainName(g->declaredTitle()).empty()) name = plainName(g->declaredTitle()) + u'/' + name;
+static std::u16string fullName(Control& control, As as) {
+  std::u16string name = ownName(control, as);
+  for (const Group* g = control.group(); g != nullptr; g = g->outer()) {
+    const std::u16string title = plainName(as == As::shown ? g->title() : g->declaredTitle());
+    if (!title.empty()) name = title + u'/' + name;
+  }
   return name;
 }
 
@@ -207,7 +218,8 @@ static bool groupsMatch(std::u16string_view path, const Group* group) {
 
 static bool nameMatches(std::u16string_view asked, Control& control) {
   for (const std::u16string& own :
-       {ownName(control), plainName(control.declaredLabel()), plainName(control.label())}) {
+       {ownName(control, As::declared), ownName(control, As::shown),
+        plainName(control.declaredLabel()), plainName(control.label())}) {
     if (own.empty()) continue;
     if (sameName(asked, own)) return true;
     if (asked.size() <= own.size()) continue;
@@ -227,23 +239,32 @@ static std::vector<Control*> matching(const std::vector<Control*>& controls,
   return found;
 }
 
+static std::u16string uniqueName(const std::vector<Control*>& controls, Control& control, As as) {
+  std::u16string name = ownName(control, as);
+  if (matching(controls, name).size() == 1) return name;
+  name = fullName(control, as);
+  auto same = matching(controls, name);
+  if (same.size() == 1) return name;
+  auto at = std::find(same.begin(), same.end(), &control) - same.begin();
+  return name + u'(' + static_cast<char16_t>(u'1' + std::min<std::ptrdiff_t>(at, 8)) + u')';
+}
+
 std::u16string Dialog::nameOf(const Control& control) const {
-  for (Control* own : controls_) {
-    if (own != &control) continue;
-    std::u16string name = ownName(*own);
-    if (matching(controls_, name).size() == 1) return name;
-    name = fullName(*own);
-    auto same = matching(controls_, name);
-    if (same.size() == 1) return name;
-    auto at = std::find(same.begin(), same.end(), own) - same.begin();
-    return name + u'(' + static_cast<char16_t>(u'1' + std::min<std::ptrdiff_t>(at, 8)) + u')';
-  }
+  for (Control* own : controls_)
+    if (own == &control) return uniqueName(controls_, *own, As::declared);
+  return {};
+}
+
+std::u16string Dialog::shownNameOf(const Control& control) const {
+  if (platform::isItalian()) return nameOf(control);
+  for (Control* own : controls_)
+    if (own == &control) return uniqueName(controls_, *own, As::shown);
   return {};
 }
 
 std::vector<std::u16string> Dialog::names() const {
   std::vector<std::u16string> all;
-  for (const Control* control : controls_) all.push_back(nameOf(*control));
+  for (const Control* control : controls_) all.push_back(shownNameOf(*control));
   return all;
 }
 
@@ -260,11 +281,13 @@ platform::Result<Control*> Dialog::find(std::u16string_view asked) const {
   }
   if (found.size() == 1) return found.front();
   std::vector<std::u16string> candidates;
-  for (const Control* control : found) candidates.push_back(nameOf(*control));
+  for (const Control* control : found) candidates.push_back(shownNameOf(*control));
   std::u16string reason =
       found.empty()
-          ? u"Il controllo \"" + name + u"\" non c'è; ci sono " + enumerated(names()) + u"."
-          : u"Il nome \"" + name + u"\" vale per più controlli: " + enumerated(candidates) + u".";
+          ? platform::format(platform::words(u"Il controllo \"%s\" non c'è; ci sono %s."), name,
+                             enumerated(names()))
+          : platform::format(platform::words(u"Il nome \"%s\" vale per più controlli: %s."), name,
+                             enumerated(candidates));
   return platform::Error{platform::narrow(reason)};
 }
 

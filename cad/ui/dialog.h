@@ -95,7 +95,7 @@ class CAD_UI_API Dialog {
   // items, column titles.
   void forEachText(const TextVisitor& visit);
   // A text of the kit's own (complaints) on its way to the user. Override to translate.
-  virtual std::u16string translate(std::u16string_view text) { return std::u16string(text); }
+  virtual std::u16string translate(std::u16string_view text);
   // A message box over this dialog, with its title.
   Pressed say(std::u16string_view text, Icon icon = Icon::none, Buttons buttons = Buttons::ok);
 
@@ -108,10 +108,13 @@ class CAD_UI_API Dialog {
   // --- names
   // The shortest name by which find() gives this control back.
   std::u16string nameOf(const Control& control) const;
+  // The same in the user's language: by the label as it is shown.
+  std::u16string shownNameOf(const Control& control) const;
   // The control of a name: given name or label (declared or shown), with group titles and '/' in
   // front where it is doubled, "(2)" behind where that does not help. The error lists what there
   // is.
   platform::Result<Control*> find(std::u16string_view name) const;
+  // Those of all controls, as shownNameOf().
   std::vector<std::u16string> names() const;
 
  private:

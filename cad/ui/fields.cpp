@@ -188,7 +188,8 @@ Check& Check::operator=(bool value) {
 }
 
 Gesture Check::onEnter(std::u16string_view text) {
-  bool yes = platform::equalNoCase(text, u"sì") || platform::equalNoCase(text, u"si");
+  bool yes = platform::equalNoCase(text, u"sì") || platform::equalNoCase(text, u"si") ||
+             platform::equalNoCase(text, u"yes");
   if (!yes && !platform::equalNoCase(text, u"no"))
     return platform::Error{"Rispondere sì oppure no."};
   // Asking for the state that stands already is no click.

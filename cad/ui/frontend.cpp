@@ -4,6 +4,7 @@
 #include "cad/ui/journal.h"
 #include "cad/ui/names.h"
 #include "platform/format.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
@@ -23,7 +24,7 @@ const std::vector<Pressed>& answersOf(Buttons buttons) {
   return yesNoCancel;
 }
 
-std::u16string_view wordOf(Pressed button) {
+static std::u16string_view italianWordOf(Pressed button) {
   switch (button) {
     case Pressed::ok:
       return u"OK";
@@ -35,6 +36,13 @@ std::u16string_view wordOf(Pressed button) {
       break;
   }
   return u"No";
+}
+
+std::u16string wordOf(Pressed button) { return platform::words(italianWordOf(button)); }
+
+bool isWordOf(Pressed button, std::u16string_view word) {
+  return sameName(word, italianWordOf(button)) || sameName(word, wordOf(button)) ||
+         (button == Pressed::yes && sameName(word, u"Si"));
 }
 
 Pressed defaultAnswer(Buttons buttons) { return answersOf(buttons).front(); }
@@ -116,7 +124,7 @@ void Frontend::invalid(std::u16string_view reason) {
 }
 
 void Frontend::help(std::u16string_view topic) {
-  print(u"\nArgomento della guida: " + std::u16string(topic) + u"\n");
+  print(platform::format(platform::words(u"\nArgomento della guida: %s\n"), topic));
 }
 
 void Frontend::progress(double) {}

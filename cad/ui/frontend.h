@@ -27,10 +27,12 @@ struct Message {
   Buttons buttons = Buttons::ok;
 };
 
-// The buttons of a box in order, the words on them, the one that Enter presses, and the one that
-// Esc presses (ok for a box with OK alone, no where there is no cancel button).
+// The buttons of a box in order, the words on them, whether a word is a button's (in the user's
+// language or in Italian), the one that Enter presses, and the one that Esc presses (ok for a box
+// with OK alone, no where there is no cancel button).
 CAD_UI_API const std::vector<Pressed>& answersOf(Buttons buttons);
-CAD_UI_API std::u16string_view wordOf(Pressed button);
+CAD_UI_API std::u16string wordOf(Pressed button);
+CAD_UI_API bool isWordOf(Pressed button, std::u16string_view word);
 CAD_UI_API Pressed defaultAnswer(Buttons buttons);
 CAD_UI_API Pressed escapeAnswer(Buttons buttons);
 
@@ -83,7 +85,7 @@ class CAD_UI_API Frontend {
   // The chosen path, or nothing when the user refused.
   std::optional<std::u16string> askFile(const FileQuestion& question);
   Answer ask(const Prompt& prompt);
-  // The asker could not use the last answer; Italian reason. The asker asks again.
+  // The asker could not use the last answer; the reason is in words. The asker asks again.
   void invalid(std::u16string_view reason);
   // No answer will come any more: whatever is asked, the same refusal comes back.
   virtual bool ended() const { return false; }

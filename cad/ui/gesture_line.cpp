@@ -6,10 +6,13 @@
 #include "cad/ui/names.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
+using platform::format;
 using platform::Result;
+using platform::words;
 using std::u16string;
 using std::u16string_view;
 
@@ -87,8 +90,8 @@ static Result<int> findColumn(const std::vector<Column>& columns, u16string_view
     if (sameName(columns[i].title, text)) return static_cast<int>(i);
   std::vector<u16string> titles;
   for (const Column& column : columns) titles.push_back(plainName(column.title));
-  return failure(u"La colonna \"" + u16string(text) + u"\" non c'è; ci sono " + enumerated(titles) +
-                 u".");
+  return failure(
+      format(words(u"La colonna \"%s\" non c'è; ci sono %s."), text, enumerated(titles)));
 }
 
 static std::vector<Column> columnsOf(const Control& control) {
@@ -106,10 +109,10 @@ static Result<int> findRow(Control& control, u16string_view text) {
   auto* box = dynamic_cast<ListBox*>(&control);
   auto* grid = dynamic_cast<Grid*>(&control);
   if (report == nullptr && box == nullptr && grid == nullptr)
-    return failure(u"Il controllo non ha righe.");
+    return failure(words(u"Il controllo non ha righe."));
   if (text.starts_with(u'=')) {
     auto key = unquoted(text.substr(1));
-    if (!key) return failure(u"Manca la virgoletta finale.");
+    if (!key) return failure(words(u"Manca la virgoletta finale."));
     int first = grid != nullptr ? 1 : 0;
     int end = report != nullptr ? report->count()
               : box != nullptr  ? box->count()
@@ -120,11 +123,11 @@ static Result<int> findRow(Control& control, u16string_view text) {
                                                 : grid->cell(r, grid->fixedColumns());
       if (cell == *key) return r;
     }
-    return failure(u"Nessuna riga ha \"" + *key + u"\".");
+    return failure(format(words(u"Nessuna riga ha \"%s\"."), *key));
   }
   auto n = platform::parseInteger(text);
   if (!n || *n < (grid != nullptr ? 0 : 1) || *n > 1'000'000'000)
-    return failure(u"\"" + u16string(text) + u"\" non è un numero di riga.");
+    return failure(format(words(u"\"%s\" non è un numero di riga."), text));
   return static_cast<int>(*n) - (grid != nullptr ? 0 : 1);
 }
 
@@ -151,27 +154,28 @@ static bool hasItems(Control& control) {
 
 static Gesture assign(const Target& target, u16string_view rest) {
   auto value = unquoted(rest);
-  if (!value) return failure(u"Manca la virgoletta finale.");
+  if (!value) return failure(words(u"Manca la virgoletta finale."));
   Control& control = *target.control;
   if (target.index) {
     auto* grid = dynamic_cast<Grid*>(&control);
-    if (grid == nullptr) return failure(u"Solo le celle di una griglia si possono scrivere.");
+    if (grid == nullptr)
+      return failure(words(u"Solo le celle di una griglia si possono scrivere."));
     auto spot = findSpot(control, *target.index);
     if (!spot) return platform::Error{spot.error()};
-    if (!spot->column) return failure(u"Manca la colonna della cella.");
+    if (!spot->column) return failure(words(u"Manca la colonna della cella."));
     return grid->enterCell(spot->row, *spot->column, *value);
   }
   if (rest.starts_with(u'#') && hasItems(control)) {
     auto n = platform::parseInteger(rest.substr(1));
     if (!n || *n < 1 || *n > 1'000'000'000)
-      return failure(u"\"" + u16string(rest) + u"\" non è una posizione.");
+      return failure(format(words(u"\"%s\" non è una posizione."), rest));
     return control.choose(static_cast<int>(*n) - 1);
   }
   // A user would see that the box takes no more; whoever writes lines must be told.
   if (auto* field = dynamic_cast<Field*>(&control); field != nullptr)
     if (value->size() > field->capacity())
       return failure(
-          platform::format(u"Il testo supera i %d caratteri del campo.", field->capacity()));
+          format(words(u"Il testo supera i %d caratteri del campo."), field->capacity()));
   return control.enter(*value);
 }
 
@@ -198,15 +202,15 @@ static Gesture selectIn(const Target& target) {
 static Gesture takeMenu(const Target& target, u16string_view entry) {
   auto* grid = dynamic_cast<Grid*>(target.control);
   if (grid == nullptr || !target.index)
-    return failure(u"Solo le righe di una griglia hanno un menu.");
+    return failure(words(u"Solo le righe di una griglia hanno un menu."));
   auto spot = findSpot(*grid, *target.index);
   if (!spot) return platform::Error{spot.error()};
   auto entries = grid->menu();
   auto at = std::find_if(entries.begin(), entries.end(),
                          [&](const u16string& e) { return sameName(e, entry); });
   if (at == entries.end() && !entries.empty())
-    return failure(u"La voce \"" + u16string(entry) + u"\" non è nel menu, che ha: " +
-                   enumerated(entries) + u".");
+    return failure(
+        format(words(u"La voce \"%s\" non è nel menu, che ha: %s."), entry, enumerated(entries)));
   return grid->chooseMenu({spot->row, spot->column.value_or(grid->fixedColumns())},
                           static_cast<int>(at - entries.begin()));
 }
@@ -240,33 +244,41 @@ static u16string joined(const std::vector<u16string>& texts) {
   return u16string(trimmed(out));  // lines of scripts lose the blanks at their ends
 }
 
+// The words of checks in parentheses go by their Italian forms here; a script may use those of the
+// language it is played in.
+static bool isWord(u16string_view text, u16string_view italian) {
+  if (!text.starts_with(u'(') || !text.ends_with(u')')) return false;
+  text = text.substr(1, text.size() - 2);
+  return text == italian || text == words(italian);
+}
+
 static Result<u16string> property(Control& control, u16string_view which) {
   auto* list = dynamic_cast<ListControl*>(&control);
   auto* radio = dynamic_cast<RadioGroup*>(&control);
   auto* report = dynamic_cast<ReportList*>(&control);
   auto* grid = dynamic_cast<Grid*>(&control);
-  if (which == u"(voci)" && (list != nullptr || radio != nullptr)) {
+  if (which == u"voci" && (list != nullptr || radio != nullptr)) {
     std::vector<u16string> items;
     for (int i = 0; i < (list != nullptr ? list->count() : radio->count()); ++i)
       items.push_back(list != nullptr ? list->item(i) : radio->item(i));
     return joined(items);
   }
-  if (which == u"(righe)" && (list != nullptr || report != nullptr || grid != nullptr))
+  if (which == u"righe" && (list != nullptr || report != nullptr || grid != nullptr))
     return platform::format(u"%d", list != nullptr     ? list->count()
                                    : report != nullptr ? report->count()
                                                        : grid->rowCount() - 1);
-  if (which == u"(colonne)" && (report != nullptr || grid != nullptr)) {
+  if (which == u"colonne" && (report != nullptr || grid != nullptr)) {
     std::vector<u16string> titles;
     for (const Column& column : columnsOf(control)) titles.push_back(column.title);
     return joined(titles);
   }
-  if (which == u"(menu)" && grid != nullptr) return joined(grid->menu());
-  if (which == u"(sfondo)" && report != nullptr) {
+  if (which == u"menu" && grid != nullptr) return joined(grid->menu());
+  if (which == u"sfondo" && report != nullptr) {
     auto colour = report->background();
     return colour ? platform::format(u"%d,%d,%d", colour->red, colour->green, colour->blue)
-                  : u16string(u"nessuno");
+                  : words(u"nessuno");
   }
-  return failure(u"Il controllo non ha " + u16string(which.substr(1, which.size() - 2)) + u".");
+  return failure(format(words(u"Il controllo non ha %s."), words(which)));
 }
 
 static Result<u16string> shownAt(const Target& target) {
@@ -280,9 +292,8 @@ static Result<u16string> shownAt(const Target& target) {
              : grid != nullptr ? grid->rowCount()
                                : box->count();
   if (spot->row >= rows)
-    return failure(platform::format(u"La riga %d non c'è: le righe sono %d.",
-                                    spot->row + (grid != nullptr ? 0 : 1),
-                                    rows - (grid != nullptr ? 1 : 0)));
+    return failure(format(words(u"La riga %d non c'è: le righe sono %d."),
+                          spot->row + (grid != nullptr ? 0 : 1), rows - (grid != nullptr ? 1 : 0)));
   if (box != nullptr) return box->item(spot->row);
   if (spot->column)
     return report != nullptr ? report->cell(spot->row, *spot->column)
@@ -294,8 +305,8 @@ static Result<u16string> shownAt(const Target& target) {
 }
 
 static Gesture differs(u16string_view name, u16string_view is, u16string_view expected) {
-  return failure(u'"' + u16string(name) + u"\" mostra \"" + oneLine(is) + u"\", non \"" +
-                 oneLine(expected) + u"\".");
+  return failure(
+      format(words(u"\"%s\" mostra \"%s\", non \"%s\"."), name, oneLine(is), oneLine(expected)));
 }
 
 static Gesture check(const Target& target, u16string_view expected) {
@@ -303,43 +314,45 @@ static Gesture check(const Target& target, u16string_view expected) {
   const struct {
     u16string_view word;
     bool holds;
-  } states[] = {{u"(disattivato)", !control.enabled()},
-                {u"(attivo)", control.enabled()},
-                {u"(nascosto)", !control.visible()},
-                {u"(visibile)", control.visible()}};
+  } states[] = {{u"disattivato", !control.enabled()},
+                {u"attivo", control.enabled()},
+                {u"nascosto", !control.visible()},
+                {u"visibile", control.visible()}};
   for (const auto& state : states)
-    if (expected == state.word) {
+    if (isWord(expected, state.word)) {
       if (state.holds) return {};
-      return failure(u"\"" + control.dialog().nameOf(control) + u"\" non è " +
-                     u16string(state.word.substr(1, state.word.size() - 2)) + u".");
+      return failure(format(words(u"\"%s\" non è %s."), control.dialog().shownNameOf(control),
+                            words(state.word)));
     }
   if (!target.index)
-    for (u16string_view which : {u"(voci)", u"(righe)", u"(colonne)", u"(menu)", u"(sfondo)"})
-      if (expected.starts_with(which)) {
+    for (u16string_view which : {u"voci", u"righe", u"colonne", u"menu", u"sfondo"}) {
+      const std::size_t end = expected.find(u')') + 1;
+      if (isWord(expected.substr(0, end), which)) {
         auto is = property(control, which);
         if (!is) return platform::Error{is.error()};
-        u16string_view rest = trimmed(expected.substr(which.size()));
-        return *is == rest ? Gesture{} : differs(control.dialog().nameOf(control), *is, rest);
+        u16string_view rest = trimmed(expected.substr(end));
+        return *is == rest ? Gesture{} : differs(control.dialog().shownNameOf(control), *is, rest);
       }
+    }
   auto is = shownAt(target);
   if (!is) return platform::Error{is.error()};
   auto text = unquoted(expected);
-  if (!text) return failure(u"Manca la virgoletta finale.");
-  return *is == *text ? Gesture{} : differs(control.dialog().nameOf(control), *is, *text);
+  if (!text) return failure(words(u"Manca la virgoletta finale."));
+  return *is == *text ? Gesture{} : differs(control.dialog().shownNameOf(control), *is, *text);
 }
 
 // What other programs have copied, or find when they paste.
 static Gesture useClipboard(Dialog& dialog, const Line& line) {
   auto text = unquoted(line.rest);
-  if (!text) return failure(u"Manca la virgoletta finale.");
-  if (!dialog.open()) return failure(u"Il dialogo non è aperto.");
+  if (!text) return failure(words(u"Manca la virgoletta finale."));
+  if (!dialog.open()) return failure(words(u"Il dialogo non è aperto."));
   Frontend& frontend = dialog.frontend();
   if (line.verb == Verb::check) {
     const u16string is = frontend.clipboard();
     return is == *text ? Gesture{} : differs(clipboardName, is, *text);
   }
   if (line.verb != Verb::assign)
-    return failure(u"Gli appunti si scrivono (=) o si controllano (?).");
+    return failure(words(u"Gli appunti si scrivono (=) o si controllano (?)."));
   frontend.setClipboard(*text);
   if (Journal* journal = frontend.journal())
     journal->line(u16string(clipboardName) + u" = " + quoted(*text));
@@ -348,13 +361,14 @@ static Gesture useClipboard(Dialog& dialog, const Line& line) {
 
 Gesture performLine(Dialog& dialog, u16string_view text) {
   text = trimmed(text);
-  if (text == u"<invio>") return dialog.accept();
+  if (isEnterSign(text)) return dialog.accept();
   if (text == u"<esc>") {
     dialog.dismiss();
     return {};
   }
   Line line = split(text);
-  if (line.target == clipboardName) return useClipboard(dialog, line);
+  if (line.target == clipboardName || line.target == u"<clipboard>")
+    return useClipboard(dialog, line);
   if (line.verb == Verb::none) return pressNamed(dialog, line.target);
   auto target = findTarget(dialog, line.target);
   if (!target) return platform::Error{target.error()};
@@ -369,7 +383,7 @@ Gesture performLine(Dialog& dialog, u16string_view text) {
     case Verb::doubleClick:
       break;
   }
-  if (!target->index) return failure(u"Manca la riga del doppio clic.");
+  if (!target->index) return failure(words(u"Manca la riga del doppio clic."));
   auto row = findRow(*target->control, *target->index);
   if (!row) return platform::Error{row.error()};
   return target->control->doubleClick(*row);

@@ -6,6 +6,7 @@
 #include "cad/ui/names.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
@@ -128,8 +129,8 @@ void ListControl::visitTexts(const TextVisitor& visit) {
 Gesture ListControl::wrongItem(std::u16string_view asked) const {
   std::vector<std::u16string> texts;
   for (const Item& item : items_) texts.push_back(item.text);
-  return platform::Error{platform::narrow(
-      platform::format(u"La voce %s non è nell'elenco, che ha: %s.", asked, enumerated(texts)))};
+  return platform::Error{platform::narrow(platform::format(
+      platform::words(u"La voce %s non è nell'elenco, che ha: %s."), asked, enumerated(texts)))};
 }
 
 static std::u16string position(int item) { return platform::format(u"#%d", item + 1); }
@@ -297,14 +298,15 @@ Gesture RadioGroup::onEnter(std::u16string_view text) {
   for (int i = 0; i < count(); ++i)
     if (sameName(item(i), text) || sameName(declared_[static_cast<std::size_t>(i)], text))
       return onChoose(i);
-  return platform::Error{platform::narrow(
-      platform::format(u"La voce %s non c'è; ci sono: %s.", quoted(text), enumerated(items_)))};
+  return platform::Error{platform::narrow(platform::format(
+      platform::words(u"La voce %s non c'è; ci sono: %s."), quoted(text), enumerated(items_)))};
 }
 
 Gesture RadioGroup::onChoose(int index) {
   if (index < 0 || index >= count())
-    return platform::Error{platform::narrow(platform::format(u"La voce %s non c'è; ci sono: %s.",
-                                                             position(index), enumerated(items_)))};
+    return platform::Error{
+        platform::narrow(platform::format(platform::words(u"La voce %s non c'è; ci sono: %s."),
+                                          position(index), enumerated(items_)))};
   selected_ = index;
   const std::u16string& text = item(index);
   done(u" = " + (text.empty() ? position(index) : quoted(text)), clicked_);

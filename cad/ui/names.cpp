@@ -1,12 +1,15 @@
 #include "cad/ui/names.h"
 
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
 static bool blank(char16_t c) {
   return c == u' ' || c == u'\t' || c == u'\r' || c == u'\n' || c == u'\u00A0';
 }
+
+bool isEnterSign(std::u16string_view line) { return line == u"<invio>" || line == u"<enter>"; }
 
 std::u16string_view trimmed(std::u16string_view text) {
   while (!text.empty() && blank(text.front())) text.remove_prefix(1);
@@ -92,7 +95,7 @@ std::u16string enumerated(const std::vector<std::u16string>& texts) {
     out += u'"' + texts[i] + u'"';
   }
   if (texts.size() > most) out += u", ...";
-  return texts.empty() ? u"niente" : out;
+  return texts.empty() ? platform::words(u"niente") : out;
 }
 
 }  // namespace cad::ui

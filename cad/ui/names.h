@@ -28,4 +28,7 @@ CAD_UI_API std::u16string oneLine(std::u16string_view text);
 CAD_UI_API std::u16string enumerated(const std::vector<std::u16string>& texts);
 CAD_UI_API std::u16string_view trimmed(std::u16string_view text);
 
+// The sign of scripts and of the terminal for Enter, in Italian or in English.
+CAD_UI_API bool isEnterSign(std::u16string_view line);
+
 }  // namespace cad::ui

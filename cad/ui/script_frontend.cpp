@@ -5,9 +5,12 @@
 #include "cad/ui/names.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
+using platform::format;
+using platform::words;
 using std::u16string;
 using std::u16string_view;
 
@@ -23,13 +26,34 @@ static bool isPlain(u16string_view line) {
 
 // What a line waits for, to be said when something else came.
 static u16string awaited(u16string_view line) {
-  if (isTitle(line)) return u"lo script attende il dialogo " + u16string(line);
-  if (isMessage(line)) return u"lo script attende il messaggio: " + u16string(line);
-  if (isFile(line)) return u"lo script attende la scelta di un file: " + u16string(line);
-  return u"lo script risponde: " + u16string(line);
+  if (isTitle(line)) return format(words(u"lo script attende il dialogo %s"), line);
+  if (isMessage(line)) return format(words(u"lo script attende il messaggio: %s"), line);
+  if (isFile(line)) return format(words(u"lo script attende la scelta di un file: %s"), line);
+  return format(words(u"lo script risponde: %s"), line);
+}
+
+// What was awaited, and what stands there.
+static u16string misfit(u16string_view line, u16string_view standing) {
+  return format(words(u"%s, ma %s"), awaited(line), standing);
 }
 
 static u16string said(u16string_view text) { return u'"' + oneLine(trimmed(text)) + u'"'; }
+
+std::string languageOfScript(std::string_view script) {
+  const u16string text = platform::decodeBytes(script);
+  for (std::size_t at = 0; at < text.size();) {
+    std::size_t end = std::min(text.find(u'\n', at), text.size());
+    u16string_view line = trimmed(u16string_view(text).substr(at, end - at));
+    at = end + 1;
+    if (line.empty()) continue;
+    if (!line.starts_with(u'#')) break;
+    line = trimmed(line.substr(1));
+    for (u16string_view word : {u"lingua:", u"language:"})
+      if (sameName(line.substr(0, word.size()), word))
+        return platform::narrow(trimmed(line.substr(word.size())));
+  }
+  return {};
+}
 
 ScriptFrontend::ScriptFrontend(std::string_view script, std::string name, Output output)
     : name_(std::move(name)), output_(std::move(output)) {
@@ -60,11 +84,11 @@ const ScriptFrontend::Line* ScriptFrontend::take(bool (*wanted)(u16string_view),
   const Line* line = peek();
   if (line == nullptr) {
     fail(lines_.empty() ? 1 : lines_.back().number,
-         u"lo script è finito, ma " + u16string(standing));
+         format(words(u"lo script è finito, ma %s"), standing));
     return nullptr;
   }
   if (!wanted(line->text)) {
-    fail(line->number, awaited(line->text) + u", ma " + u16string(standing));
+    fail(line->number, misfit(line->text, standing));
     return nullptr;
   }
   ++next_;
@@ -81,8 +105,8 @@ void ScriptFrontend::checkPrinted(u16string_view standing) {
     auto text = unquoted(u16string_view(line->text).substr(1));
     std::size_t at = text ? printed_.find(*text) : u16string::npos;
     if (at == u16string::npos) {
-      fail(line->number, u"non è stato scritto " + said(text.value_or(line->text)) +
-                             u"; è stato scritto " + said(printed_) + u" e " + u16string(standing));
+      fail(line->number, format(words(u"non è stato scritto %s; è stato scritto %s e %s"),
+                                said(text.value_or(line->text)), said(printed_), standing));
       return;
     }
     printed_.erase(0, at + text->size());
@@ -98,9 +122,9 @@ bool ScriptFrontend::hasAnswer() const {
 }
 
 platform::Result<void> ScriptFrontend::finish() {
-  checkPrinted(u"il comando è finito");
+  checkPrinted(words(u"il comando è finito"));
   if (const Line* line = peek(); line != nullptr)
-    fail(line->number, awaited(line->text) + u", ma il comando è finito");
+    fail(line->number, misfit(line->text, words(u"il comando è finito")));
   if (failed()) return platform::Error{error_};
   return {};
 }
@@ -112,17 +136,17 @@ void ScriptFrontend::print(u16string_view text) {
   if (output_) output_(text);
 }
 
-void ScriptFrontend::help(u16string_view topic) { note(u"\nguida: " + u16string(topic) + u"\n"); }
+void ScriptFrontend::help(u16string_view topic) { note(format(words(u"\nguida: %s\n"), topic)); }
 
 void ScriptFrontend::showDialog(Dialog& dialog) {
-  u16string standing = u"è aperto il dialogo [" + plainName(dialog.title()) + u"]";
+  u16string standing = format(words(u"è aperto il dialogo [%s]"), plainName(dialog.title()));
   auto isThis = [&](u16string_view line) {
     u16string_view title = line.substr(1, line.size() - 2);
     return sameName(title, dialog.title()) || sameName(title, dialog.declaredTitle());
   };
   if (!failed())
     if (const Line* line = take(isTitle, standing); line != nullptr && !isThis(line->text))
-      fail(line->number, awaited(line->text) + u", ma " + standing);
+      fail(line->number, misfit(line->text, standing));
   while (!dialog.ended() && !failed()) {
     checkPrinted(standing);
     const Line* line = peek();
@@ -130,7 +154,8 @@ void ScriptFrontend::showDialog(Dialog& dialog) {
       ++next_;  // back from a nested dialog or message: says again where we are
       continue;
     }
-    if (line == nullptr) standing += u", che ha " + enumerated(dialog.names());
+    if (line == nullptr)
+      standing = format(words(u"%s, che ha %s"), standing, enumerated(dialog.names()));
     line = take(isPlain, standing);
     if (line == nullptr) break;
     if (auto done = performLine(dialog, line->text); !done)
@@ -163,8 +188,7 @@ static Expected readMessage(u16string_view line, Buttons buttons) {
   }
   if (std::size_t arrow = line.rfind(u"->"); arrow != line.npos)
     for (Pressed answer : answersOf(buttons))
-      if (sameName(line.substr(arrow + 2), wordOf(answer)) ||
-          (answer == Pressed::yes && sameName(line.substr(arrow + 2), u"Si"))) {
+      if (isWordOf(answer, line.substr(arrow + 2))) {
         e.button = answer;
         line = line.substr(0, arrow);
         break;
@@ -175,7 +199,7 @@ static Expected readMessage(u16string_view line, Buttons buttons) {
 
 Pressed ScriptFrontend::showMessage(const Message& message) {
   if (failed()) return defaultAnswer(message.buttons);
-  u16string standing = u"è comparso il messaggio " + said(message.text);
+  u16string standing = format(words(u"è comparso il messaggio %s"), said(message.text));
   const Line* line = take(isMessage, standing);
   if (line == nullptr) return defaultAnswer(message.buttons);
   Expected e = readMessage(line->text, message.buttons);
@@ -183,14 +207,15 @@ Pressed ScriptFrontend::showMessage(const Message& message) {
   u16string_view plain = trimmed(text);
   bool fits = e.part ? plain.find(e.text) != plain.npos : plain == e.text || text == e.text;
   if (!fits) {
-    fail(line->number, awaited(line->text) + u", ma " + standing);
+    fail(line->number, misfit(line->text, standing));
   } else if (e.title && !sameName(*e.title, message.title)) {
-    fail(line->number, awaited(line->text) + u", ma il titolo è " + said(message.title));
+    fail(line->number, misfit(line->text, format(words(u"il titolo è %s"), said(message.title))));
   } else if (!e.button && message.buttons != Buttons::ok) {
-    std::vector<u16string> words;
-    for (Pressed answer : answersOf(message.buttons)) words.emplace_back(wordOf(answer));
-    fail(line->number, u"al messaggio " + said(message.text) +
-                           u" serve una risposta (\" -> \" e il pulsante): " + enumerated(words));
+    std::vector<u16string> buttons;
+    for (Pressed answer : answersOf(message.buttons)) buttons.emplace_back(wordOf(answer));
+    fail(line->number,
+         format(words(u"al messaggio %s serve una risposta (\" -> \" e il pulsante): %s"),
+                said(message.text), enumerated(buttons)));
   }
   if (failed()) return defaultAnswer(message.buttons);
   return e.button.value_or(defaultAnswer(message.buttons));
@@ -199,35 +224,35 @@ Pressed ScriptFrontend::showMessage(const Message& message) {
 std::optional<u16string> ScriptFrontend::showFileQuestion(const FileQuestion& question) {
   if (failed()) return std::nullopt;
   u16string standing = question.mode == FileQuestion::Mode::save
-                           ? u"è chiesto in quale file salvare"
-                           : u"è chiesto quale file aprire";
+                           ? words(u"è chiesto in quale file salvare")
+                           : words(u"è chiesto quale file aprire");
   if (!question.filter.empty()) standing += u" (" + question.filter + u")";
   const Line* line = take(isFile, standing);
   if (line == nullptr) return std::nullopt;
   u16string_view rest = trimmed(u16string_view(line->text).substr(1));
   if (rest == u"<esc>") return std::nullopt;
-  auto path = rest == u"<invio>" ? question.name : unquoted(rest);
+  auto path = isEnterSign(rest) ? question.name : unquoted(rest);
   if (path && !path->empty()) return path;
-  fail(line->number, u"manca il percorso del file, e " + standing);
+  fail(line->number, format(words(u"manca il percorso del file, e %s"), standing));
   return std::nullopt;
 }
 
 Answer ScriptFrontend::showPrompt(const Prompt& prompt) {
   note(prompt.text);
   if (failed()) return {Answer::Status::cancel, {}};
-  const Line* line = take(isPlain, u"è chiesto " + said(prompt.text));
+  const Line* line = take(isPlain, format(words(u"è chiesto %s"), said(prompt.text)));
   if (line == nullptr) return {Answer::Status::cancel, {}};
   lastAnswer_ = line->number;
-  if (line->text == u"<invio>") return {Answer::Status::none, {}};
+  if (isEnterSign(line->text)) return {Answer::Status::none, {}};
   if (line->text == u"<esc>") return {Answer::Status::cancel, {}};
   auto text = unquoted(line->text);
   if (text) return {Answer::Status::ok, *text};
-  fail(line->number, u"manca la virgoletta finale");
+  fail(line->number, words(u"manca la virgoletta finale"));
   return {Answer::Status::cancel, {}};
 }
 
 void ScriptFrontend::showInvalid(u16string_view reason) {
-  fail(lastAnswer_, u"la risposta non è valida: " + u16string(reason));
+  fail(lastAnswer_, format(words(u"la risposta non è valida: %s"), reason));
 }
 
 }  // namespace cad::ui

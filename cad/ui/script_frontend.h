@@ -18,6 +18,10 @@
 
 namespace cad::ui {
 
+// The language that a script says it is written in, by a comment "# lingua: it" (or "# language:
+// en") in front of its first line; empty when it says none.
+CAD_UI_API std::string languageOfScript(std::string_view script);
+
 class CAD_UI_API ScriptFrontend : public Frontend {
  public:
   using Output = std::function<void(std::u16string_view)>;

@@ -6,6 +6,7 @@
 #include "cad/ui/names.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
@@ -65,15 +66,15 @@ void ReportList::select(int row) {
 }
 
 Gesture ReportList::noRow(int row) const {
-  return platform::Error{platform::narrow(
-      platform::format(u"La riga %d non c'è: le righe sono %d.", row + 1, count()))};
+  return platform::Error{platform::narrow(platform::format(
+      platform::words(u"La riga %d non c'è: le righe sono %d."), row + 1, count()))};
 }
 
 Gesture ReportList::onEnter(std::u16string_view text) {
   for (int i = 0; i < count(); ++i)
     if (cell(i, 0) == text) return onChoose(i);
-  return platform::Error{
-      platform::narrow(platform::format(u"Nessuna riga comincia con %s.", quoted(text)))};
+  return platform::Error{platform::narrow(
+      platform::format(platform::words(u"Nessuna riga comincia con %s."), quoted(text)))};
 }
 
 Gesture ReportList::onChoose(int row) {
@@ -233,12 +234,12 @@ std::u16string Grid::place(Cell cell) const {
 Gesture Grid::enterCell(int row, int column, std::u16string_view text) {
   if (auto able = ready(); !able) return able;
   if (!contains(row, column) || row == 0)
-    return platform::Error{platform::narrow(
-        platform::format(u"La cella %d,%d non c'è: le righe sono %d e le colonne %d.", row,
-                         column + 1, rowCount() - 1, columnCount()))};
+    return platform::Error{platform::narrow(platform::format(
+        platform::words(u"La cella %d,%d non c'è: le righe sono %d e le colonne %d."), row,
+        column + 1, rowCount() - 1, columnCount()))};
   if (!editable(row, column))
-    return platform::Error{platform::narrow(
-        platform::format(u"La cella %d,%d non si può modificare.", row, column + 1))};
+    return platform::Error{platform::narrow(platform::format(
+        platform::words(u"La cella %d,%d non si può modificare."), row, column + 1))};
   std::u16string& typed = rows_[at(row - 1)][at(column)];
   typed = cellText(text);
   current_ = {row, column};
@@ -250,9 +251,9 @@ Gesture Grid::selectCells(Cell from, Cell to) {
   if (auto able = ready(); !able) return able;
   if (from.row < 1 || to.row < 1 || !contains(from.row, from.column) ||
       !contains(to.row, to.column))
-    return platform::Error{platform::narrow(
-        platform::format(u"La selezione esce dalla griglia: le righe sono %d e le colonne %d.",
-                         rowCount() - 1, columnCount()))};
+    return platform::Error{platform::narrow(platform::format(
+        platform::words(u"La selezione esce dalla griglia: le righe sono %d e le colonne %d."),
+        rowCount() - 1, columnCount()))};
   select(from, to);
   current_ = from;
   done(from == to ? platform::format(u"[%d,#%d]", from_.row, from_.column + 1)
@@ -267,12 +268,12 @@ Gesture Grid::chooseMenu(Cell cell, int entry) {
   auto entries = menu();
   if (entries.empty()) return platform::Error{"La griglia non ha un menu."};
   if (entry < 0 || at(entry) >= entries.size())
-    return platform::Error{
-        platform::narrow(platform::format(u"Il menu ha: %s.", enumerated(entries)))};
-  if (!contains(cell.row, cell.column))
     return platform::Error{platform::narrow(
-        platform::format(u"La cella %d,%d non c'è: le righe sono %d e le colonne %d.", cell.row,
-                         cell.column + 1, rowCount() - 1, columnCount()))};
+        platform::format(platform::words(u"Il menu ha: %s."), enumerated(entries)))};
+  if (!contains(cell.row, cell.column))
+    return platform::Error{platform::narrow(platform::format(
+        platform::words(u"La cella %d,%d non c'è: le righe sono %d e le colonne %d."), cell.row,
+        cell.column + 1, rowCount() - 1, columnCount()))};
   current_ = cell;
   // A right click outside the selection moves it, as in any spreadsheet.
   bool inside = hasSelection() && cell.row >= from_.row && cell.row <= to_.row &&

@@ -5,6 +5,7 @@
 #include "cad/ui/names.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
@@ -105,7 +106,7 @@ class Painter final : public Visitor {
   }
   void visit(ReportList& c) override {
     u16string head = headOf(c);
-    if (c.background()) head += u" (righe colorate)";
+    if (c.background()) head += platform::words(u" (righe colorate)");
     line(head, c);
     Table table;
     table.columns = c.columns();
@@ -146,9 +147,11 @@ class Painter final : public Visitor {
     u16string label = plainName(c.label());
     return label.empty() ? c.dialog().nameOf(c) : label;
   }
-  static u16string_view state(const Control& c) { return c.enabled() ? u"" : u" (disattivato)"; }
+  static u16string state(const Control& c) {
+    return c.enabled() ? u16string() : platform::words(u" (disattivato)");
+  }
   void line(u16string_view text, const Control& c) {
-    out += format(u"%4d ", number_) + u16string(text) + u16string(state(c)) + u'\n';
+    out += format(u"%4d ", number_) + u16string(text) + state(c) + u'\n';
   }
   void field(const Control& c, u16string_view value) {
     int labels = std::min(38, width_ / 2);
@@ -162,10 +165,10 @@ class Painter final : public Visitor {
   }
   void pageLine(const Table& table, int rows) {
     if (table.total > rows)
-      out += indent() + format(u"righe %d-%d di %d: %d+ avanti, %d- indietro\n", table.first,
-                               std::min(table.first + rows - 1, table.total), table.total, number_,
-                               number_);
-    if (table.total == 0) out += indent() + u"(vuota)\n";
+      out += indent() + format(platform::words(u"righe %d-%d di %d: %d+ avanti, %d- indietro\n"),
+                               table.first, std::min(table.first + rows - 1, table.total),
+                               table.total, number_, number_);
+    if (table.total == 0) out += indent() + platform::words(u"(vuota)\n");
   }
   void draw(const Table& table);
 

@@ -8,6 +8,7 @@
 #include "platform/files.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad::ui {
 
@@ -107,7 +108,7 @@ Pressed TerminalFrontend::showMessage(const Message& message) {
     u16string_view said = trimmed(*line);
     if (said.empty() || message.buttons == Buttons::ok) return defaultAnswer(message.buttons);
     // A beginning is enough; "s" and "si" mean "sì".
-    if (platform::equalNoCase(said, u"si")) said = u"s";
+    if (platform::isItalian() && platform::equalNoCase(said, u"si")) said = u"s";
     for (Pressed answer : answersOf(message.buttons))
       if (platform::equalNoCase(wordOf(answer).substr(0, said.size()), said)) return answer;
   }
@@ -120,17 +121,19 @@ std::optional<u16string> TerminalFrontend::showFileQuestion(const FileQuestion& 
         !platform::fileExists(platform::nativePath(*path))) {
       return path;
     }
-    const Message replace{u"", u"Il file " + *path + u" esiste già. Sostituirlo?", Icon::question,
-                          Buttons::yesNo};
+    const Message replace{u"",
+                          format(platform::words(u"Il file %s esiste già. Sostituirlo?"), *path),
+                          Icon::question, Buttons::yesNo};
     if (showMessage(replace) == Pressed::yes) return path;
   }
 }
 
 std::optional<u16string> TerminalFrontend::readPath(const FileQuestion& question) {
   freshLine();
-  u16string prompt = !question.title.empty()                     ? question.title
-                     : question.mode == FileQuestion::Mode::save ? u"Salva nel file"
-                                                                 : u"File da aprire";
+  u16string prompt = !question.title.empty() ? question.title
+                     : question.mode == FileQuestion::Mode::save
+                         ? platform::words(u"Salva nel file")
+                         : platform::words(u"File da aprire");
   auto filters = filtersOf(question.filter);
   if (!filters.empty()) prompt += u" (" + filters.front().pattern + u")";
   bool proposed = !question.name.empty() && question.name.find(u'*') == u16string::npos;
@@ -160,7 +163,7 @@ Answer TerminalFrontend::showPrompt(const Prompt& prompt) {
   if (!line) return {Answer::Status::end, {}};
   if (isEscape(*line)) return {Answer::Status::cancel, {}};
   u16string_view said = prompt.allowBlanks ? u16string_view(*line) : trimmed(*line);
-  if (said.empty() || said == u"<invio>") return {Answer::Status::none, {}};
+  if (said.empty() || isEnterSign(said)) return {Answer::Status::none, {}};
   return {Answer::Status::ok, u16string(said)};
 }
 
@@ -285,7 +288,7 @@ void TerminalFrontend::explain(Dialog& dialog, Control& control) {
     u16string out;
     for (int i = 0; i < list->count(); ++i)
       out += format(u"  #%-3d %s", i + 1, list->item(i)) + u'\n';
-    write(out.empty() ? u16string(u"  L'elenco è vuoto.\n") : out);
+    write(out.empty() ? platform::words(u"  L'elenco è vuoto.\n") : out);
     return;
   }
   TerminalCard card(dialog, width_);

@@ -146,9 +146,10 @@ TEST_F(CommandTest, WithoutADrawingNothingIsDone) {
   ads_name set;
   EXPECT_EQ(acedSSGet(u"_X", nullptr, nullptr, nullptr, set), RTERROR);
   EXPECT_EQ(get(u"CLAYER", RTSTR) + get(u"DWGNAME", RTSTR), "-Disegno1.dxf");
-  EXPECT_EQ(session.saveDrawing(at("x.dxf")).error(), "no drawing is open");
+  EXPECT_EQ(session.saveDrawing(at("x.dxf")).error(), "non c'è un disegno aperto");
   session.newDrawing();
-  EXPECT_EQ(session.saveDrawing("").error(), "the drawing has no name yet; give a path to save it");
+  EXPECT_EQ(session.saveDrawing("").error(),
+            "il disegno non ha ancora un nome; dare un percorso per salvarlo");
 }
 
 TEST_F(CommandTest, ViewsFollowTheirCommands) {

@@ -174,7 +174,7 @@ TEST_F(PickTest, APointHitsTheNearestWithinTheAperture) {
 
 TEST_F(PickTest, ErasingLeavesLockedLayersAlone) {
   EXPECT_EQ(run(u"CANCELLA", {u"tutto", u"<invio>"}),
-            u"\n5 oggetti cancellati.\n1 oggetti su layer bloccati: non cancellati.");
+            u"\n5 oggetti cancellati.\n1 oggetto su layer bloccati: non cancellato.");
   EXPECT_EQ(window(u"tutto"), "34");
   for (const char16_t* handle : {u"#32", u"#33", u"#35", u"#36"}) EXPECT_NE(hit(handle), "");
   run(u"U");

@@ -152,7 +152,7 @@ TEST_F(EditorTest, AFileThatOthersChangedIsNotOverwrittenUnasked) {
     EXPECT_TRUE(session.changedOnDisk(same));
     const auto saved = session.saveDrawing(same);
     ASSERT_FALSE(saved);
-    EXPECT_NE(saved.error().find("another program has changed the file"), std::string::npos);
+    EXPECT_NE(saved.error().find("un altro programma ha cambiato il file"), std::string::npos);
   }
   EXPECT_FALSE(session.changedOnDisk(at("altro.dxf")));
   ui.presses = {Pressed::cancel};

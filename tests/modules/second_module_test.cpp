@@ -118,7 +118,8 @@ TEST_F(Modules, SignalsTakeTheUnfinishedFilesOfAllAway) {
 TEST_F(Modules, OneThatFailsToStartLeavesNothingBehind) {
   const auto failing = load("failing.arx");
   ASSERT_FALSE(failing);
-  EXPECT_NE(failing.error().find("failing.arx: the module refused to start"), std::string::npos);
+  EXPECT_NE(failing.error().find("failing.arx: il modulo ha rifiutato di avviarsi"),
+            std::string::npos);
   EXPECT_TRUE(session.loadedModules().empty());
   EXPECT_EQ(session.run(u"MARK"), RunResult::unknown);
   EXPECT_EQ(acrxSysRegistry()->at(u"SecondForgotten"), nullptr);
@@ -132,7 +133,7 @@ TEST_F(Modules, OneThatFailsToStartLeavesNothingBehind) {
 TEST_F(Modules, OneGoesOnlyWhenItMayAndDoesNotRun) {
   const auto staying = load("staying.arx");
   ASSERT_TRUE(staying);
-  EXPECT_NE(session.unloadModule(*staying).error().find("does not allow"), std::string::npos);
+  EXPECT_NE(session.unloadModule(*staying).error().find("non permette"), std::string::npos);
   session.unloadModules();
   EXPECT_TRUE(session.loadedModules().empty()) << "at the end of the program it goes all the same";
 
@@ -147,7 +148,7 @@ TEST_F(Modules, OneGoesOnlyWhenItMayAndDoesNotRun) {
     refusal = unloaded ? "" : unloaded.error();
   });
   EXPECT_EQ(session.run(u"CALLBACK"), RunResult::done);
-  EXPECT_NE(refusal.find("while one of its commands runs"), std::string::npos);
+  EXPECT_NE(refusal.find("mentre un suo comando è in corso"), std::string::npos);
   EXPECT_EQ(running, platform::widen(VESSORA_SECOND "second.arx"));
   EXPECT_EQ(session.runningModule(), u"");
   EXPECT_TRUE(session.unloadModule(second));
@@ -159,7 +160,7 @@ TEST_F(Modules, UsersLoadAndUnloadByCommand) {
   EXPECT_NE(session.commands().count(u"MARK"), 0u);
   session.run(u"CARICAMODULO");
   ASSERT_EQ(ui.messages.size(), 1u);
-  EXPECT_NE(ui.messages[0].find(u"loaded already"), std::u16string::npos);
+  EXPECT_NE(ui.messages[0].find(u"già caricato"), std::u16string::npos);
   ui.answers = {u"altro", u"SECOND.ARX"};
   session.run(u"SCARICAMODULO");
   EXPECT_NE(session.commands().count(u"MARK"), 0u);

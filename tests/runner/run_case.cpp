@@ -71,7 +71,8 @@ class Case {
       if (entry.is_regular_file() && !expectation) fs::copy(entry.path(), scratch_ / name);
     }
     const std::string command =
-        "cd '" + scratch_.string() + "' && PATH='" + bin + "':\"$PATH\" TOP='" + top() +
+        "unset LC_ALL VESSORA_LANG; cd '" + scratch_.string() + "' && PATH='" + bin +
+        "':\"$PATH\" TOP='" + top() +
         "' LANG=C LC_MESSAGES=C bash -e -o pipefail ./cmd >.console 2>.errors </dev/null";
     const int raw = std::system(command.c_str());
     const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);

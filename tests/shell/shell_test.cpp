@@ -22,6 +22,7 @@ class Shell : public platform::ScratchFolder {
       setenv("TERM", "xterm", 1);
       setenv("HOME", folder_.c_str(), 1);
       setenv("LC_ALL", "C", 1);
+      setenv("VESSORA_LANG", "it", 1);
       execl(VESSORA, "vessora", "shell", drawing, nullptr);
       _exit(9);
     }
@@ -127,7 +128,7 @@ TEST_F(Shell, AnInputThatIsAtItsEndForGoodLosesNothingInSilence) {
   answer("[Sì/No/Annulla] ", kEnd);
   answer(kCommand, kEnd);
   answer("[Sì/No/Annulla] ", kEnd);
-  wait("end of input: the changes to the drawing were not saved");
+  wait("fine dell'ingresso: le modifiche al disegno non sono state salvate");
   EXPECT_EQ(finish(), 1);
 }
 

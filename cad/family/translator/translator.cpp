@@ -44,11 +44,10 @@ void complain(const std::string& message) {
 // The language of texts; empty for Italian. What VESSORA_LANG says becomes part of a path and may
 // hold nothing that leads elsewhere.
 std::string wantedLanguage() {
-  const char* const chosen = std::getenv("VESSORA_LANG");
-  if (!chosen || !*chosen) return {};
   const std::string language = platform::language();
   if (language != "it") return language;
-  if (std::strncmp(chosen, "it", 2) != 0) {
+  const char* const chosen = std::getenv("VESSORA_LANG");
+  if (chosen && *chosen && std::strncmp(chosen, "it", 2) != 0) {
     complain("VESSORA_LANG non è una lingua: \"" + std::string(chosen) +
              "\"; i testi restano in italiano");
   }
