@@ -1,4 +1,5 @@
 #include "platform/dynamic_library.h"
+#include "platform/words.h"
 
 #include <dlfcn.h>
 #include <limits.h>
@@ -57,11 +58,11 @@ DynamicLibrary DynamicLibrary::find(const std::string& fileName) {
 Result<DynamicLibrary> DynamicLibrary::load(const std::string& path) {
   DynamicLibrary library;
   // An empty name would mean the program itself.
-  if (path.empty()) return Error{"cannot load a library without a name"};
+  if (path.empty()) return Error{words("non si può caricare una libreria senza nome")};
   library.handle_ = dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL);
   if (library.handle_ == nullptr) {
     const char* reason = dlerror();
-    return Error{reason != nullptr ? reason : "cannot load " + path};
+    return Error{reason != nullptr ? reason : words("non si può caricare ") + path};
   }
   return library;
 }

@@ -12,16 +12,11 @@
 
 #include "platform/beside.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace platform {
 
 namespace {
-
-// The system's own text, untranslated whatever the locale.
-std::string reasonOf(int error) {
-  const char* text = strerrordesc_np(error);
-  return text != nullptr ? text : "error " + std::to_string(error);
-}
 
 // Opens an ordinary file; the error is the reason alone.
 Result<int> openOrdinary(const std::string& path, std::size_t& size) {
@@ -31,8 +26,8 @@ Result<int> openOrdinary(const std::string& path, std::size_t& size) {
   struct stat info;
   if (fstat(file, &info) != 0 || !S_ISREG(info.st_mode)) {
     close(file);
-    return Error{S_ISDIR(info.st_mode) ? "it is a folder, not a file"
-                                       : "it is a pipe or device, not a file"};
+    return Error{S_ISDIR(info.st_mode) ? words("è una cartella, non un file")
+                                       : words("è una pipe o un dispositivo, non un file")};
   }
   size = static_cast<std::size_t>(info.st_size);
   return file;
@@ -145,7 +140,7 @@ std::optional<FileStamp> stampOf(const std::string& path) {
 
 Result<std::string> readFile(const std::string& path) {
   const auto fail = [&](const std::string& why) {
-    return Error{"cannot read " + path + ": " + why};
+    return Error{words("non si può leggere ") + path + ": " + why};
   };
   std::size_t size = 0;
   const auto file = openOrdinary(path, size);
@@ -168,7 +163,7 @@ Result<std::string> readFile(const std::string& path) {
 
 Result<FileBytes> readOrdinaryFile(const std::string& path) {
   const auto fail = [&](const std::string& why) {
-    return Error{path + ": cannot be read: " + why};
+    return Error{path + words(": non si può leggere: ") + why};
   };
   std::size_t size = 0;
   const auto file = openOrdinary(path, size);

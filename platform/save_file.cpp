@@ -10,6 +10,7 @@
 
 #include "platform/file_traits.h"
 #include "platform/files.h"
+#include "platform/words.h"
 
 namespace platform {
 
@@ -20,47 +21,47 @@ constexpr std::size_t kBuffer = std::size_t{1} << 20;
 // What went wrong in words a user can act on. Whatever it is, nothing has replaced the old file
 // yet.
 Error cannotWrite(const std::string& path, int error) {
-  std::string text = "cannot write " + path + ": ";
+  std::string text = words("non si può scrivere ") + path + ": ";
   switch (error) {
     case ENOSPC:
-      text += "the disk is full; free space or save elsewhere";
+      text += words("il disco è pieno; liberare spazio o salvare altrove");
       break;
     case EDQUOT:
-      text += "your disk quota is used up; free space or save elsewhere";
+      text += words("lo spazio concesso sul disco è esaurito; liberare spazio o salvare altrove");
       break;
     case EROFS:
-      text += "the disk is read-only; save elsewhere";
+      text += words("il disco è in sola lettura; salvare altrove");
       break;
     case EACCES:
     case EPERM:
-      text +=
-          "permission denied; change the permissions of the file and its folder or save elsewhere";
+      text += words(
+          "permesso negato; cambiare i permessi del file e della sua cartella o salvare altrove");
       break;
     case ENOENT:
     case ENOTDIR:
-      text += "the folder does not exist; make it or save elsewhere";
+      text += words("la cartella non esiste; crearla o salvare altrove");
       break;
     case EISDIR:
-      text += "it is a folder; choose another name";
+      text += words("è una cartella; scegliere un altro nome");
       break;
     case ENAMETOOLONG:
-      text += "the name is too long; choose a shorter one";
+      text += words("il nome è troppo lungo; sceglierne uno più corto");
       break;
     case EFBIG:
-      text += "the file would be larger than this disk or user may have; save elsewhere";
+      text += words(
+          "il file sarebbe più grande di quanto il disco o l'utente può avere; salvare altrove");
       break;
     case ELOOP:
-      text += "its links lead in a circle; save elsewhere";
+      text += words("i suoi collegamenti girano in cerchio; salvare altrove");
       break;
     default: {
-      const char* reason = strerrordesc_np(error);
-      text += reason != nullptr ? reason : "error " + std::to_string(error);
-      text += "; save elsewhere";
+      text += reasonOf(error);
+      text += words("; salvare altrove");
     }
   }
   struct stat info;
   if (stat(path.c_str(), &info) == 0 && S_ISREG(info.st_mode))
-    text += " (the old file is untouched)";
+    text += words(" (il vecchio file è intatto)");
   return Error{text};
 }
 
@@ -243,7 +244,8 @@ Result<void> SaveFile::commit(bool keepBackup) {
     const int error = keepAs(path_, path_ + ".bak");
     if (error != 0) {
       Error cause = cannotWrite(path_ + ".bak", error);
-      cause.message += "; " + path_ + " was not saved, so that its older state is not lost";
+      cause.message += "; " + path_ +
+                       words(" non è stato salvato, perché il suo stato precedente non vada perso");
       return cause;
     }
   }

@@ -18,6 +18,7 @@
 #include <utility>
 
 #include "platform/files.h"
+#include "platform/words.h"
 
 namespace platform {
 
@@ -224,9 +225,9 @@ Result<TemporaryFolder> TemporaryFolder::make() {
   for (int attempt = 0; attempt < 100; ++attempt) {
     std::string path = nameBeside(place);
     if (mkdir(path.c_str(), 0700) == 0) return TemporaryFolder(std::move(path));
-    if (errno != EEXIST) return Error{path + ": cannot be made: " + std::strerror(errno)};
+    if (errno != EEXIST) return Error{path + words(": non si può creare: ") + reasonOf(errno)};
   }
-  return Error{place + ": no name is free for a folder"};
+  return Error{place + words(": nessun nome è libero per una cartella")};
 }
 
 TemporaryFolder::TemporaryFolder(TemporaryFolder&& other) noexcept

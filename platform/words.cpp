@@ -1,6 +1,7 @@
 #include "platform/words.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstdlib>
 #include <cstring>
 #include <map>
@@ -54,14 +55,17 @@ Catalogue fromFile(const std::string& language) {
 // Null where texts stay Italian.
 const Dictionary* catalogue() {
   static std::map<std::string, Catalogue> known;
+  static bool reading = false;  // a file that cannot be read is told in words, too
   const std::string wanted = language();
-  if (wanted == "it") return nullptr;
+  if (wanted == "it" || reading) return nullptr;
   auto at = known.find(wanted);
   if (at == known.end()) {
+    reading = true;
     Catalogue found = fromFile(wanted);
     const std::string general = wanted.substr(0, wanted.find_first_of("_-"));
     if (!found && general == "en") found = english();
     if (!found && general != wanted) found = fromFile(general);
+    reading = false;
     at = known.emplace(wanted, std::move(found)).first;
   }
   return at->second ? &*at->second : nullptr;
@@ -108,6 +112,33 @@ std::string words(std::string_view italian) {
 
 std::u16string words(std::u16string_view one, std::u16string_view many, long long count) {
   return words(count == 1 ? one : many);
+}
+
+std::string reasonOf(int error) {
+  switch (error) {
+    case ENOENT:
+      return words("il file o la cartella non c'è");
+    case EACCES:
+      return words("il permesso è negato");
+    case EPERM:
+      return words("l'operazione non è permessa");
+    case ENOTDIR:
+      return words("non è una cartella");
+    case EISDIR:
+      return words("è una cartella");
+    case EIO:
+      return words("errore di lettura o scrittura del disco");
+    case EMFILE:
+      return words("troppi file aperti");
+    case ELOOP:
+      return words("troppi collegamenti uno dentro l'altro");
+    case ENAMETOOLONG:
+      return words("il nome è troppo lungo");
+    default:
+      break;
+  }
+  const char* text = strerrordesc_np(error);
+  return text != nullptr ? text : words("errore ") + std::to_string(error);
 }
 
 std::string_view englishCatalogue() {

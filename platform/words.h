@@ -29,6 +29,10 @@ std::u16string words(std::u16string_view italian);
 // By number: the first text for one, else the second.
 std::u16string words(std::u16string_view one, std::u16string_view many, long long count);
 
+// Why the system refused, by its error number: in our words what happens to files, and otherwise in
+// the system's own, untranslated whatever the locale.
+std::string reasonOf(int error);
+
 // The English catalogue's bytes.
 std::string_view englishCatalogue();
 

@@ -6,6 +6,7 @@
 #include "cad/drawing/insert_block.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 using cad::Type;
 
@@ -74,7 +75,8 @@ Acad::ErrorStatus AcDbDatabase::readDwgFile(std::u16string_view path) {
     file.replace(file.size() - 4, 4, ".dxf");
   }
   if (!platform::fileExists(file)) {
-    lastError_ = platform::nativePath(path) + ": no such file, neither as DWG nor as DXF";
+    lastError_ =
+        platform::nativePath(path) + platform::words(": il file non c'è, né come DWG né come DXF");
     return Acad::eFileNotFound;
   }
   std::vector<std::string> warnings;

@@ -1,6 +1,7 @@
 #include "cad/drawing/loader.h"
 
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 
@@ -10,9 +11,9 @@ platform::Result<void> Loader::run(ScannedFile file, const Header& header) {
   const std::uint32_t count = records_.count();
   for (std::uint32_t i = 1; i < count; ++i) step(i);
   sectionNotClosed(0);
-  if (!sawEof) warn("the file has no end mark; it may have been cut off");
+  if (!sawEof) warn(platform::words("il file non ha il segno di fine; può essere troncato"));
   if (s_.sections_.empty())
-    return platform::Error{name_ + ": holds no section; it is no DXF drawing"};
+    return platform::Error{name_ + platform::words(": non ha sezioni; non è un disegno DXF")};
   spaces();
   settleHandles(header);
   repairHandles();
@@ -69,8 +70,8 @@ void Loader::closeAll() {
 
 void Loader::openSection(std::uint32_t i) {
   if (section_) {
-    warn("section " + platform::narrow(sectionName_) +
-         " is not closed; closed where the next one begins");
+    warn(platform::words("la sezione ") + platform::narrow(sectionName_) +
+         platform::words(" non è chiusa; chiusa dove comincia la successiva"));
     sectionNotClosed(i);
   }
   section_ = i;
@@ -84,7 +85,8 @@ void Loader::openSection(std::uint32_t i) {
   if (sectionName_ == u"ENTITIES" || sectionName_ == u"BLOCKS") spaces();
   if (!s_.sections_.try_emplace(sectionName_, SectionInfo{i, 0}).second &&
       sectionName_ != u"ENTITIES") {
-    warn("section " + platform::narrow(sectionName_) + " stands twice");
+    warn(platform::words("la sezione ") + platform::narrow(sectionName_) +
+         platform::words(" c'è due volte"));
   }
 }
 
@@ -126,8 +128,9 @@ void Loader::tableStep(std::uint32_t i) {
   TableInfo& info = s_.tables_[static_cast<int>(tableType_)];
   const bool fresh = info.byName.try_emplace(r.name, i).second;
   if (!fresh && tableType_ != Type::vport && r.name != 0) {
-    warn("table " + std::string(nameOf(tableType_)) + " has \"" +
-         platform::narrow(records_.names().text(r.name)) + "\" twice; the first is used");
+    warn(platform::words("la tabella ") + std::string(nameOf(tableType_)) +
+         platform::words(" ha \"") + platform::narrow(records_.names().text(r.name)) +
+         platform::words("\" due volte; vale la prima"));
   }
 }
 
@@ -265,20 +268,21 @@ void Loader::settleHandles(const Header& header) {
   if (header.variable("$HANDSEED", tags, seed) && !seed.empty() && tags.handle(seed.begin) != 0 &&
       !records_.beginHandlesAt(tags.handle(seed.begin))) {
     warn(
-        "$HANDSEED lies at the end of the range of handles; new objects are numbered behind the "
-        "others");
+        platform::words("$HANDSEED sta alla fine dei numeri possibili; i nuovi oggetti sono "
+                        "numerati dopo gli altri"));
   }
   if (records_.lateHandles()) {
     warn(std::to_string(records_.lateHandles()) +
-         " object(s) have handles at the end of their range; they keep them, and $HANDSEED is set "
-         "behind the others");
+         platform::words(" oggetti hanno handle alla fine dei numeri possibili; li tengono, e "
+                         "$HANDSEED è posto dopo gli altri"));
   }
   if (doubled_) {
-    warn(std::to_string(doubled_) +
-         " handle(s) used twice; the first user keeps it, the others get new ones");
+    warn(
+        std::to_string(doubled_) +
+        platform::words(" handle usati due volte; li tiene il primo, gli altri ne hanno di nuovi"));
   }
   if (missing_) {
-    warn(std::to_string(missing_) + " object(s) without a handle; they get new ones");
+    warn(std::to_string(missing_) + platform::words(" oggetti senza handle; ne hanno di nuovi"));
   }
 }
 

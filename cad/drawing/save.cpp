@@ -6,6 +6,7 @@
 #include "platform/check.h"
 #include "platform/files.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 namespace {
@@ -180,7 +181,8 @@ std::string Drawing::toBytes() {
 
 platform::Result<void> Drawing::save(const std::string& path, const SaveOptions& options) {
   if (!open_.empty()) {
-    return platform::Error{path + ": not saved: an object of the drawing is still open"};
+    return platform::Error{
+        path + platform::words(": non salvato: un oggetto del disegno è ancora aperto")};
   }
   updateHeader();
   auto file = platform::SaveFile::begin(path);

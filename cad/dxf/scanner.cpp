@@ -10,6 +10,7 @@
 #endif
 
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cad {
 namespace {
@@ -289,12 +290,13 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
         break;
       }
       return malformed(bytes, at, name,
-                       "a group code was expected, found " +
+                       platform::words("serve un codice di gruppo, c'è ") +
                            quoted(trimmed(bytes.substr(at, codeEnd - at))) +
-                           "; the file is damaged or is no DXF drawing");
+                           platform::words("; il file è guasto o non è un disegno DXF"));
     }
     if (codeEnd + 1 >= bytes.size()) {
-      return malformed(bytes, at, name, "the file ends in the middle of a tag; it is cut off");
+      return malformed(bytes, at, name,
+                       platform::words("il file finisce a metà di una coppia; è troncato"));
     }
     if (negative) code = -code;
     const std::size_t valueStart = codeEnd + 1;
@@ -324,8 +326,8 @@ platform::Result<ScannedFile> scanAscii(std::string_view bytes, const std::strin
     }
   }
   if (!any) {
-    return platform::Error{name +
-                           ": no DXF drawing (no record begins in it); give a file saved as DXF"};
+    return platform::Error{name + platform::words(": non è un disegno DXF (non vi comincia alcun "
+                                                  "oggetto); dare un file salvato come DXF")};
   }
   endRecord(bytes.size() - file.trailer.size());
   return file;
@@ -347,7 +349,7 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
         break;
       }
       return platform::Error{name + ": byte " + std::to_string(start) +
-                             ": the file is cut off or damaged"};
+                             platform::words(": il file è troncato o guasto")};
     }
     if (tag.code != 0) {
       if (any) index.tag(tag.code, tag.bytes());
@@ -367,7 +369,9 @@ platform::Result<ScannedFile> scanBinary(std::string_view bytes, const std::stri
       break;
     }
   }
-  if (!any) return platform::Error{name + ": no DXF drawing (no record begins in it)"};
+  if (!any)
+    return platform::Error{
+        name + platform::words(": non è un disegno DXF (non vi comincia alcun oggetto)")};
   records.back().size = static_cast<std::uint32_t>(bytes.data() + bytes.size() -
                                                    file.trailer.size() - records.back().bytes);
   return file;
@@ -383,16 +387,21 @@ platform::Result<ScannedFile> scanDxf(std::string_view whole, const std::string&
   while (bytes.substr(0, 3) == "\xEF\xBB\xBF") bytes.remove_prefix(3);
   if (bytes.size() >= 6 && bytes.substr(0, 4) == "AC10" && bytes[4] >= '0' && bytes[4] <= '9') {
     return platform::Error{
-        name + ": this is a DWG file; save it as DXF in the program that made it and open that"};
+        name +
+        platform::words(
+            ": è un file DWG; salvarlo come DXF nel programma che l'ha fatto e aprire quello")};
   }
   if (bytes.size() > 0xFFFFFFF0U) {
-    return platform::Error{name + ": larger than 4 GB; split the drawing"};
+    return platform::Error{name + platform::words(": oltre 4 GB; dividere il disegno")};
   }
   ScannedFile file;
   file.format = detectFormat(bytes);
   if (file.format.version > 1032) {
-    return platform::Error{name + ": written by a newer release than this program reads (AC" +
-                           std::to_string(file.format.version) + "); save it as R2018 or older"};
+    return platform::Error{
+        name +
+        platform::words(
+            ": scritto da una versione più nuova di quelle che questo programma legge (AC") +
+        std::to_string(file.format.version) + platform::words("); salvarlo come R2018 o prima")};
   }
   auto scanned = file.format.binary ? scanBinary(bytes, name, std::move(file), names)
                                     : scanAscii(bytes, name, std::move(file), names);
