@@ -90,9 +90,11 @@ std::string language() {
   }
   for (const char* name : {"LC_ALL", "LC_MESSAGES", "LANG"}) {
     const char* value = std::getenv(name);
-    if (value && *value) return std::strncmp(value, "it", 2) == 0 ? "it" : "en";
+    if (!value || !*value) continue;
+    const std::string_view locale = std::string_view(value).substr(0, std::strcspn(value, ".@"));
+    return locale == "C" || locale == "POSIX" || locale.substr(0, 2) == "it" ? "it" : "en";
   }
-  return "en";
+  return "it";
 }
 
 void chooseLanguage(const std::string& name) { setenv("VESSORA_LANG", name.c_str(), 1); }

@@ -31,6 +31,8 @@ class Words : public testing::Test {
 };
 
 TEST_F(Words, TheFirstVariableThatIsSetDecides) {
+  EXPECT_TRUE(platform::isItalian()) << "no locale: texts as they stand in the sources";
+  setenv("LANG", "en_US.UTF-8", 1);
   EXPECT_EQ(platform::language(), "en");
   setenv("LANG", "it_IT.UTF-8", 1);
   EXPECT_TRUE(platform::isItalian());
@@ -38,8 +40,11 @@ TEST_F(Words, TheFirstVariableThatIsSetDecides) {
   EXPECT_EQ(platform::language(), "en");
   setenv("LC_MESSAGES", "", 1);
   EXPECT_TRUE(platform::isItalian()) << "an empty variable is none";
-  setenv("LC_ALL", "C", 1);
-  EXPECT_EQ(platform::language(), "en");
+  setenv("LANG", "en_US.UTF-8", 1);
+  for (const char* none : {"C", "C.UTF-8", "POSIX"}) {
+    setenv("LC_ALL", none, 1);
+    EXPECT_TRUE(platform::isItalian()) << none;
+  }
   setenv("VESSORA_LANG", "it", 1);
   EXPECT_TRUE(platform::isItalian());
   setenv("VESSORA_LANG", "en_GB.UTF-8@euro", 1);
@@ -49,6 +54,7 @@ TEST_F(Words, TheFirstVariableThatIsSetDecides) {
 }
 
 TEST_F(Words, TextsComeInTheLanguageOfTheMoment) {
+  setenv("LANG", "en_US.UTF-8", 1);
   EXPECT_EQ(platform::words("Opzioni"), "Options");
   EXPECT_EQ(platform::words(u"Opzioni"), u"Options");
   EXPECT_EQ(platform::words("testo di nessuno"), "testo di nessuno");

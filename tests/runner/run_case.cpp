@@ -73,7 +73,7 @@ class Case {
     const std::string command =
         "unset LC_ALL VESSORA_LANG; cd '" + scratch_.string() + "' && PATH='" + bin +
         "':\"$PATH\" TOP='" + top() +
-        "' LANG=C LC_MESSAGES=C bash -e -o pipefail ./cmd >.console 2>.errors </dev/null";
+        "' LANG=C LC_MESSAGES=en_US.UTF-8 bash -e -o pipefail ./cmd >.console 2>.errors </dev/null";
     const int raw = std::system(command.c_str());
     const int status = WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
     compare("console", normal(readAll(scratch_ / ".console")));
