@@ -268,8 +268,9 @@ void readGround(Drawing& d, const AcGePoint3d& origin, double start, ProfileChai
     if (stations.empty() || vertices.size() != stations.size()) continue;
     bool over = true;
     for (std::size_t i = 0; i < stations.size(); ++i) {
-      over =
-          over && std::fabs(vertices[i].point.x - origin.x - start - stations[i].chainage) < 1e-3;
+      // The line runs by lengths that are rounded to millimetres.
+      const double off = vertices[i].point.x - origin.x - start - stations[i].chainage;
+      over = over && std::fabs(off) < 1e-3 * static_cast<double>(i + 1);
     }
     if (!over) continue;
     for (std::size_t i = 0; i < stations.size(); ++i) {

@@ -142,8 +142,11 @@ class FramePainter {
  private:
   // Scale of elevations at the left, with a light line across at each mark.
   void elevations() {
-    const double step = niceStep(2.5 * u_);
-    const double low = at_.referenceLevel, high = low + at_.top - at_.datum;
+    // A network without water may have heads thousands of kilometres below ground.
+    constexpr double kMostMarks = 200;
+    const double height = at_.top - at_.datum;
+    const double step = niceStep(std::max(2.5 * u_, height / kMostMarks));
+    const double low = at_.referenceLevel, high = low + height;
     pen_.color(0);
     pen_.line(at_.left - u_, at_.datum, at_.left, at_.datum);
     mark(low, at_.datum);

@@ -7,7 +7,10 @@
 #include <algorithm>
 #include <cmath>
 #include <memory>
+#include <optional>
+#include <vector>
 
+#include "cad/view/labels.h"
 #include "cad/view/placed.h"
 #include "platform/text.h"
 
@@ -18,6 +21,8 @@ constexpr double kMargin = 0.03;       // of the larger side
 constexpr double kCapHeight = 0.73;    // of the em, in the fonts at hand
 constexpr double kLargestText = 1e12;  // square pixels of an em
 constexpr double kSmallestText = 1.6;  // pixels: below that letters are dust
+constexpr double kSmallestLabel = 5;   // below that nobody reads what stands beside a symbol
+constexpr double kSmallFill = 60;      // from there on it is no part of a symbol
 
 struct Spot {
   double x = 0, y = 0;
@@ -72,7 +77,7 @@ class Projection {
   // Hands over what an item reaches.
   template <class Grow>
   void growItem(const Picture& picture, const Item& item, Grow&& grow) const {
-    if (item.endless) return;
+    if (item.endless || isPointless(picture, item)) return;
     if (item.kind == Kind::text) return growText(picture, item, grow);
     for (std::uint32_t i = 0; i < item.count; ++i) {
       const AcGePoint3d& p = picture.points[item.first + i];
@@ -83,6 +88,17 @@ class Projection {
   }
 
  private:
+  // A line of no length, which shows nothing wherever it stands.
+  static bool isPointless(const Picture& picture, const Item& item) {
+    if (item.kind != Kind::line) return false;
+    const AcGePoint3d& first = picture.points[item.first];
+    for (std::uint32_t i = 1; i < item.count; ++i) {
+      const AcGePoint3d& p = picture.points[item.first + i];
+      if (p.x != first.x || p.y != first.y || p.z != first.z) return false;
+    }
+    return true;
+  }
+
   // A text reaches as far as its letters do, by an average of their width.
   template <class Grow>
   void growText(const Picture& picture, const Item& item, Grow&& grow) const {
@@ -108,22 +124,33 @@ class Projection {
 
 }  // namespace
 
+namespace {
+
+// How bright a part of a colour shines, and back.
+double shining(double part) {
+  return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+}
+double shown(double light) {
+  return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
+}
+
+}  // namespace
+
 Shade shownOn(const Color& c, bool dark) {
-  double r = c.red / 255.0, g = c.green / 255.0, b = c.blue / 255.0;
-  const double light = 0.299 * r + 0.587 * g + 0.114 * b;
-  if (!dark && light > 0.7) {
-    const double f = 0.62 / light;
-    r *= f;
-    g *= f;
-    b *= f;
+  // Thin lines and letters need a third of the contrast of black on white, or nearly: what is
+  // brighter keeps its hue and is dimmed.
+  constexpr double kBrightestOnWhite = 0.25, kDarkestOnDark = 0.18;
+  double r = shining(c.red / 255.0), g = shining(c.green / 255.0), b = shining(c.blue / 255.0);
+  const double light = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+  if (!dark && light > kBrightestOnWhite) {
+    const double f = kBrightestOnWhite / light;
+    r *= f, g *= f, b *= f;
   }
-  if (dark && light < 0.25) {
-    const double lift = 0.35;
-    r += (1 - r) * lift;
-    g += (1 - g) * lift;
-    b += (1 - b) * lift;
+  if (dark && light < kDarkestOnDark) {
+    const double lift = (kDarkestOnDark - light) / (1 - light);
+    r += (1 - r) * lift, g += (1 - g) * lift, b += (1 - b) * lift;
   }
-  return {r, g, b};
+  return {shown(r), shown(g), shown(b)};
 }
 
 std::u16string wholeCharacters(std::u16string text) {
@@ -157,7 +184,7 @@ class Painter {
       : cr_(cr), p_(picture), o_(options), at_(at) {}
 
   void ground() {
-    o_.dark ? cairo_set_source_rgb(cr_, 0.13, 0.14, 0.16) : cairo_set_source_rgb(cr_, 1, 1, 1);
+    groundColor();
     cairo_paint(cr_);
   }
 
@@ -167,23 +194,93 @@ class Painter {
     cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
     cairo_set_tolerance(cr_, 0.25);
     cairo_select_font_face(cr_, "sans", CAIRO_FONT_SLANT_NORMAL, CAIRO_FONT_WEIGHT_NORMAL);
-    // Surfaces lie under lines, and texts over both.
-    for (const Kind kind : {Kind::fill, Kind::line, Kind::dot, Kind::text}) {
-      std::size_t loops = 0;
-      for (const Item& item : p_.items) {
-        if (item.kind == kind) {
-          source(item.pen);
-          if (kind == Kind::fill) fill(item, loops);
-          if (kind == Kind::line) line(item);
-          if (kind == Kind::dot) dot(item);
-          if (kind == Kind::text) text(item);
-        }
-        loops += item.loops;
-      }
+    std::size_t loops = 0;
+    for (const Item& item : p_.items) {
+      loops_.push_back(loops);
+      loops += item.loops;
+    }
+    paint(0, p_.items.size(), 0);
+    labels();
+    // The parts of a table follow each other.
+    for (std::size_t i = 0; i < p_.items.size();) {
+      const std::size_t first = i;
+      const std::uint32_t table = p_.items[i].table;
+      while (i < p_.items.size() && p_.items[i].table == table) ++i;
+      if (!table) continue;
+      const Item& ground = p_.items[i - 1];
+      if (!ground.ground || !isCut(boxOf(ground))) paint(first, i, table);
     }
   }
 
  private:
+  void groundColor() {
+    o_.dark ? cairo_set_source_rgb(cr_, 0.13, 0.14, 0.16) : cairo_set_source_rgb(cr_, 1, 1, 1);
+    haveColor_ = false;
+  }
+
+  // Items of one table, or of none, but for labels. Surfaces lie under lines, and texts over both.
+  void paint(std::size_t first, std::size_t end, std::uint32_t table) {
+    for (std::size_t i = first; i < end; ++i) {
+      if (!p_.items[i].ground || p_.items[i].table != table) continue;
+      groundColor();
+      fill(p_.items[i], loops_[i]);
+    }
+    for (const Kind kind : {Kind::fill, Kind::line, Kind::dot, Kind::text}) {
+      for (std::size_t i = first; i < end; ++i) {
+        const Item& item = p_.items[i];
+        if (item.kind != kind || item.table != table || item.ground) continue;
+        if (kind == Kind::text && item.symbol && !table) continue;
+        source(item.pen);
+        if (kind == Kind::fill) fill(item, loops_[i]);
+        if (kind == Kind::line) line(item);
+        if (kind == Kind::dot) dot(item);
+        if (kind == Kind::text) text(item);
+      }
+    }
+  }
+
+  // The texts of symbols that find room beside tables, other texts and the dark parts of symbols.
+  // Lines under them stop short of their letters.
+  void labels() {
+    PageRoom room(at_.width, at_.height);
+    std::vector<Label> wanted;
+    const double least = o_.format == Format::png ? kSmallestLabel : kSmallestText;
+    for (std::uint32_t i = 0; i < p_.items.size(); ++i) {
+      const Item& item = p_.items[i];
+      const bool label = item.symbol && !item.table && item.kind == Kind::text;
+      if (label) {
+        const auto set = setText(item, least);
+        if (set) wanted.push_back({set->box, set->height, item.symbol, i});
+      } else if (item.kind == Kind::text && !item.table) {
+        if (const auto set = setText(item, kSmallestText)) room.take(set->box);
+      } else if (item.kind == Kind::fill && (item.ground || !item.table)) {
+        const PageBox box = boxOf(item);
+        const double size = std::max(box.x2 - box.x1, box.y2 - box.y1);
+        const bool ofSymbol = size >= kSmallestLabel && size <= kSmallFill;
+        if (item.ground ? !isCut(box) : ofSymbol) room.take(box);
+      }
+    }
+    for (const Label& label : placeLabels(std::move(wanted), room)) {
+      text(p_.items[label.item], true);
+    }
+  }
+
+  // A table of which the page shows a part is left out like a label, but for one that fills it.
+  bool isCut(const PageBox& box) const {
+    const bool inside = box.x1 >= 0 && box.y1 >= 0 && box.x2 <= at_.width && box.y2 <= at_.height;
+    return !inside && box.x2 - box.x1 < at_.width / 2 && box.y2 - box.y1 < at_.height / 2;
+  }
+
+  PageBox boxOf(const Item& item) const {
+    PageBox box{1e300, 1e300, -1e300, -1e300};
+    for (std::uint32_t i = 0; i < item.count; ++i) grow(box, spot(item.first + i));
+    return box;
+  }
+  static void grow(PageBox& box, Spot s) {
+    box = {std::min(box.x1, s.x), std::min(box.y1, s.y), std::max(box.x2, s.x),
+           std::max(box.y2, s.y)};
+  }
+
   Spot spot(std::uint32_t i) const { return at_(p_.points[i]); }
 
   void source(const Pen& pen) {
@@ -196,13 +293,8 @@ class Painter {
   }
 
   bool outside(const Item& item) const {
-    double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
-    for (std::uint32_t i = 0; i < item.count; ++i) {
-      const Spot s = spot(item.first + i);
-      low[0] = std::min(low[0], s.x), high[0] = std::max(high[0], s.x);
-      low[1] = std::min(low[1], s.y), high[1] = std::max(high[1], s.y);
-    }
-    return high[0] < -50 || high[1] < -50 || low[0] > at_.width + 50 || low[1] > at_.height + 50;
+    const PageBox box = boxOf(item);
+    return box.x2 < -50 || box.y2 < -50 || box.x1 > at_.width + 50 || box.y1 > at_.height + 50;
   }
 
   void fill(const Item& item, std::size_t loop) {
@@ -266,30 +358,67 @@ class Painter {
     cairo_fill(cr_);
   }
 
-  void text(const Item& item) {
+  // A text ready to be shown.
+  struct SetText {
+    std::string utf8;
+    cairo_matrix_t matrix;
+    Spot at;
+    double height;
+    PageBox box;
+  };
+
+  // Nothing for one that is off the page, smaller than `least` or seen from its edge.
+  std::optional<SetText> setText(const Item& item, double least) const {
     const Spot a = spot(item.first), b = spot(item.first + 1), c = spot(item.first + 2);
     const Spot x{b.x - a.x, b.y - a.y}, y{c.x - a.x, c.y - a.y};
-    const double high = std::hypot(y.x, y.y);
-    if (high < kSmallestText || a.x < -2000 || a.y < -2000 || a.x > at_.width + 2000 ||
-        a.y > at_.height + 2000)
-      return;
+    SetText set;
+    set.height = std::hypot(y.x, y.y);
+    if (set.height < least || a.x < -2000 || a.y < -2000 || a.x > at_.width + 2000 ||
+        a.y > at_.height + 2000) {
+      return std::nullopt;
+    }
     const Text& t = p_.texts[item.text];
     const double lean = std::tan(t.oblique);
-    cairo_matrix_t m;
+    cairo_matrix_t& m = set.matrix;
     cairo_matrix_init(&m, x.x / kCapHeight, x.y / kCapHeight, -(y.x + x.x * lean) / kCapHeight,
                       -(y.y + x.y * lean) / kCapHeight, 0, 0);
     // Seen from its edge, or of a size that no number holds.
     const double area = std::fabs(m.xx * m.yy - m.xy * m.yx);
-    if (!(area >= 1e-6 && area < kLargestText)) return;
+    if (!(area >= 1e-6 && area < kLargestText)) return std::nullopt;
     cairo_set_font_matrix(cr_, &m);
-    const std::string utf8 = platform::narrow(wholeCharacters(t.text));
+    set.utf8 = platform::narrow(wholeCharacters(t.text));
     cairo_text_extents_t extents;
-    cairo_text_extents(cr_, utf8.c_str(), &extents);
+    cairo_text_extents(cr_, set.utf8.c_str(), &extents);
     const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
     const double up = t.vertical == 1 ? -0.25 : t.vertical == 2 ? 0.5 : t.vertical == 3 ? 1 : 0;
-    cairo_move_to(cr_, a.x - extents.x_advance * along - y.x * up,
-                  a.y - extents.y_advance * along - y.y * up);
-    cairo_show_text(cr_, utf8.c_str());
+    set.at = {a.x - extents.x_advance * along - y.x * up,
+              a.y - extents.y_advance * along - y.y * up};
+    set.box = {1e300, 1e300, -1e300, -1e300};
+    for (const double end : {0.0, 1.0}) {
+      for (const double side : {-0.05, 1.05}) {
+        grow(set.box, {set.at.x + extents.x_advance * end + y.x * side,
+                       set.at.y + extents.y_advance * end + y.y * side});
+      }
+    }
+    return set;
+  }
+
+  void text(const Item& item, bool halo = false) {
+    const auto set = setText(item, kSmallestText);
+    if (!set) return;
+    cairo_set_font_matrix(cr_, &set->matrix);
+    if (halo) {
+      cairo_move_to(cr_, set->at.x, set->at.y);
+      cairo_text_path(cr_, set->utf8.c_str());
+      groundColor();
+      if (dashed_) cairo_set_dash(cr_, nullptr, 0, 0);
+      dashed_ = false;
+      cairo_set_line_width(cr_, std::clamp(set->height / 4, 1.5, 5.0));
+      cairo_stroke(cr_);
+      source(item.pen);
+    }
+    cairo_move_to(cr_, set->at.x, set->at.y);
+    cairo_show_text(cr_, set->utf8.c_str());
   }
 
   cairo_t* cr_;
@@ -298,6 +427,7 @@ class Painter {
   const Projection& at_;
   Color color_;
   bool haveColor_ = false, dashed_ = false;
+  std::vector<std::size_t> loops_;  // of each item: its first number in Picture::loopSizes
 };
 
 }  // namespace

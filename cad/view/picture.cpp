@@ -58,8 +58,14 @@ class Taker {
       if (!look(d_.record(e).layer).shown || without_.count(e)) continue;
       if (!chosen_.empty() && !chosen_.count(e)) continue;
       current_ = e;
+      const std::size_t before = picture_.items.size();
+      const bool table = d_.record(e).type == Type::acadTable;
+      if (table) table_ = ++tables_;
+      ++reference_;
       entity(
           e, [&](Styled&& p) { emit(std::move(p)); }, 0);
+      if (table) underlay(before);
+      table_ = 0;
       if (picture_.tooMany) break;
     }
     return std::move(picture_);
@@ -179,6 +185,8 @@ class Taker {
     item.closed = p.closed;
     item.endless = p.endless;
     item.pen = resolve(styled.style, l);
+    item.table = table_;
+    if (inAttribute_) item.symbol = reference_;
     item.first = static_cast<std::uint32_t>(picture_.points.size());
     item.count = static_cast<std::uint32_t>(p.points.size());
     picture_.points.insert(picture_.points.end(), p.points.begin(), p.points.end());
@@ -193,6 +201,35 @@ class Taker {
     picture_.items.push_back(item);
   }
 
+  // What a table covers of the plan, under what it has drawn since `first`.
+  void underlay(std::size_t first) {
+    AcGePoint3d low(1e300, 1e300, 0), high(-1e300, -1e300, 0);
+    for (std::size_t i = first; i < picture_.items.size(); ++i) {
+      const Item& item = picture_.items[i];
+      if (item.kind != Kind::line) continue;
+      for (std::uint32_t k = 0; k < item.count; ++k) {
+        const AcGePoint3d& p = picture_.points[item.first + k];
+        low = {std::min(low.x, p.x), std::min(low.y, p.y), p.z};
+        high = {std::max(high.x, p.x), std::max(high.y, p.y), p.z};
+      }
+    }
+    if (low.x > high.x || picture_.tooMany) return;
+    Item ground;
+    ground.kind = Kind::fill;
+    ground.table = table_;
+    ground.ground = true;
+    ground.first = static_cast<std::uint32_t>(picture_.points.size());
+    ground.count = 4;
+    ground.loops = 1;
+    picture_.loopSizes.push_back(4);
+    for (const AcGePoint3d& corner :
+         {low, AcGePoint3d(high.x, low.y, low.z), AcGePoint3d(high.x, high.y, low.z),
+          AcGePoint3d(low.x, high.y, low.z)}) {
+      picture_.points.push_back(corner);
+    }
+    picture_.items.push_back(ground);
+  }
+
   // --- entities
   using Sink = std::function<void(Styled&&)>;
 
@@ -204,7 +241,10 @@ class Taker {
     shapes(e, t, style, sink);
     if (const auto reference = shape::referenceOf(d_, e, t)) copies(*reference, style, sink, depth);
     for (std::uint32_t a = d_.structure().firstPart(e); a; a = d_.structure().nextPart(e, a)) {
-      if (d_.record(a).type == Type::attrib) attribute(a, style, sink);
+      if (d_.record(a).type != Type::attrib) continue;
+      inAttribute_ = depth == 0;
+      attribute(a, style, sink);
+      inAttribute_ = false;
     }
   }
 
@@ -297,6 +337,9 @@ class Taker {
   const Drawing& d_;
   const std::set<std::uint32_t>&without_, &chosen_;
   Picture picture_;
+  std::uint32_t tables_ = 0, table_ = 0;  // how many, and the one being taken
+  std::uint32_t reference_ = 0;           // the entity being taken
+  bool inAttribute_ = false;              // of that entity
   std::set<std::uint32_t> only_, underWay_;
   std::vector<LayerLook> looks_;
   std::map<std::u16string, int> linetypes_;

@@ -1,4 +1,5 @@
 // The drawing of a profile, line by line and text by text.
+#include <algorithm>
 #include <cmath>
 
 #include "cad/family/hn_engineering.h"
@@ -176,6 +177,8 @@ TEST_F(ProfileFrame, TextsAreAsLargeAsTheScaleAsksAndTheFrameAllows) {
   EXPECT_EQ(marks(u"500", u"-7", 12), " -7.000 -5.000 0.000 5.000");
   EXPECT_EQ(marks(u"500", u"4", 12), " 4.000 10.000 15.000") << "5 is too near the foot";
   EXPECT_EQ(marks(u"500", u"5", 9), " 5.000 10.000");
+  const std::string deep = marks(u"1000", u"-4e9", 4e9);
+  EXPECT_LE(std::count(deep.begin(), deep.end(), ' '), 201) << "of whatever height";
 }
 
 TEST_F(ProfileFrame, TextsOfNearStationsKeepApart) {

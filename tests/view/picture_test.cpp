@@ -7,6 +7,7 @@
 #include "cad/api/database.h"
 #include "cad/view/painter.h"
 #include "cad/view/picture.h"
+#include "cad/view/placed.h"
 
 namespace cad::view {
 namespace {
@@ -214,6 +215,72 @@ TEST(Painter, TextsThatNoFontCanShowAreLeftOut) {
     const auto bytes = paint(d.picture, options);
     EXPECT_TRUE(bytes) << bytes.error();
   }
+}
+
+// How many letters of labels an SVG shows: each is the use of a glyph that is drawn once.
+std::size_t lettersShown(const Picture& picture, PaintOptions options) {
+  options.format = Format::svg;
+  const std::string svg = *paint(picture, options);
+  std::size_t count = 0;
+  for (std::size_t at = 0; (at = svg.find("<use", at)) != svg.npos; ++at) ++count;
+  return count;
+}
+
+std::string symbolAt(int x, int y, const std::string& name, const std::string& other) {
+  const auto text = [&](const std::string& what, int up) {
+    return "0 ATTRIB|8 0|10 " + std::to_string(x) + "|20 " + std::to_string(y + up) + "|40 1|1 " +
+           what + "|2 A|70 0|";
+  };
+  return "0 INSERT|8 0|66 1|2 B|10 " + std::to_string(x) + "|20 " + std::to_string(y) + "|" +
+         text(name, 2) + text(other, 0) + "0 SEQEND|8 0|";
+}
+
+TEST(Labels, OneThatWouldStandOnAnotherOrBeCutIsLeftOut) {
+  const char block[] = "0 BLOCK|8 0|2 B|70 2|10 0|20 0|3 B|0 ENDBLK|8 0";
+  const auto shown = [&](const std::string& entities, PaintOptions options = {}) {
+    const Sample s(kLayers, block, "0 LINE|8 0|10 -9|20 -9|11 40|21 30|" + entities);
+    return lettersShown(s.picture, options);
+  };
+  const std::string first = symbolAt(0, 0, "abc", "de");
+  EXPECT_EQ(shown(first), 5U);
+  EXPECT_EQ(shown(first + symbolAt(9, 9, "fg", "h")), 8U);
+  EXPECT_EQ(shown(first + symbolAt(1, -2, "fgh", "i")), 7U) << "names before the rest";
+  EXPECT_EQ(shown(first + symbolAt(1, 0, "fgh", "i")), 5U) << "nothing without its name";
+  EXPECT_EQ(shown("0 TEXT|8 0|10 0|20 2|40 1|1 zz|" + first), 2U);
+  PaintOptions window;
+  window.window = Window{-5, -5, 1, 30};
+  EXPECT_EQ(shown(symbolAt(0, 0, "abcdefghijklmn", "d"), window), 0U);
+}
+
+TEST(Painter, LinesOfNoLengthAreNoPartOfThePage) {
+  // The page is as high as what it shows asks for.
+  const auto page = [](const std::string& entities) {
+    PaintOptions options;
+    options.format = Format::svg;
+    const std::string svg = *paint(Sample(kLayers, "", entities).picture, options);
+    return svg.substr(svg.find("height="), 14);
+  };
+  const std::string line = "0 LINE|8 0|10 1000|20 1000|11 1010|21 1006|";
+  EXPECT_EQ(page("0 LINE|8 0|10 0|20 0|11 0|21 0|" + line), page(line));
+  EXPECT_NE(page("0 LINE|8 0|10 0|20 0|11 1|21 0|" + line), page(line));
+}
+
+// Contrast by the formula for screens: letters are read from about 3 on.
+TEST(Palette, EveryColourCanBeReadOnItsGround) {
+  const auto light = [](double r, double g, double b) {
+    const auto part = [](double v) {
+      return v <= 0.04045 ? v / 12.92 : std::pow((v + 0.055) / 1.055, 2.4);
+    };
+    return 0.2126 * part(r) + 0.7152 * part(g) + 0.0722 * part(b);
+  };
+  const double night = light(0.13, 0.14, 0.16);
+  for (int index = 1; index < 256; ++index) {
+    const Shade day = shownOn(indexedColor(index, false), false);
+    EXPECT_GT(1.05 / (light(day.red, day.green, day.blue) + 0.05), 3.4) << index;
+    const Shade dark = shownOn(indexedColor(index, true), true);
+    EXPECT_GT((light(dark.red, dark.green, dark.blue) + 0.05) / (night + 0.05), 3) << index;
+  }
+  EXPECT_NEAR(shownOn({255, 0, 0}, false).red, 1, 1e-9) << "what can be read stays";
 }
 
 TEST(Palette, NamedColoursHuesAndTheOppositeOfTheGround) {
