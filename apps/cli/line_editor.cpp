@@ -3,6 +3,7 @@
 #include <histedit.h>
 #include <poll.h>
 #include <signal.h>
+#include <sys/ioctl.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -100,6 +101,11 @@ std::string commonStart(const std::vector<std::string>& words) {
 
 }  // namespace
 
+int windowWidth() {
+  winsize size = {};
+  return ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) == 0 && size.ws_col > 0 ? size.ws_col : 80;
+}
+
 struct LineEditor::State {
   EditLine* line = nullptr;
   History* history = nullptr;
@@ -119,6 +125,7 @@ struct LineEditor::State {
   }
   static unsigned char complete(EditLine* line, int) { return of(line).completeLine(); }
   std::vector<std::string> candidates(const std::string& typed) const;
+  std::vector<std::string> paths(const std::string& typed) const;
   unsigned char completeLine();
 };
 
@@ -128,8 +135,19 @@ std::vector<std::string> LineEditor::State::candidates(const std::string& typed)
     for (const std::string& word : *words) {
       if (beginsWith(word, typed, false)) all.push_back(word);
     }
+    // A dialog's field may take a file: what stands behind the sign of equality.
+    const std::size_t sign = typed.find(" = ");
+    if (sign == typed.npos) return all;
+    for (const std::string& path : paths(typed.substr(sign + 3))) {
+      all.push_back(typed.substr(0, sign + 3) + path);
+    }
     return all;
   }
+  return paths(typed);
+}
+
+std::vector<std::string> LineEditor::State::paths(const std::string& typed) const {
+  std::vector<std::string> all;
   const std::size_t slash = typed.rfind('/');
   const std::string folder = slash == typed.npos ? "" : typed.substr(0, slash + 1);
   for (const std::string& name : platform::namesIn(folder.empty() ? "." : folder)) {

@@ -8,6 +8,9 @@
 
 namespace cli {
 
+// Columns of the terminal's window now.
+int windowWidth();
+
 class LineEditor {
  public:
   // Reads the history from a file and writes it back at the end; an empty path keeps none. While it
@@ -19,7 +22,8 @@ class LineEditor {
   ~LineEditor();
 
   // The line without its end; the Esc character alone for Esc or Ctrl-C; nothing for Ctrl-D on an
-  // empty line. Tab completes the whole line from `words`, or as a path where `files` is set.
+  // empty line. Tab completes the whole line from `words`, or as a path where
+  // `files` is set and behind " = ".
   std::optional<std::string> read(const std::string& prompt, const std::vector<std::string>& words,
                                   bool files);
 

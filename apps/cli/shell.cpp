@@ -55,6 +55,7 @@ int shell(const std::string& drawing, InpMode mode) {
       printOut);
   asking = &ui;
   ui.setPerson(editor.has_value());
+  if (editor) ui.setWindowWidth(windowWidth);
   if (auto started = startHost(ui, mode); !started) return fail(started.error());
   if (auto opened = openDrawing(drawing); !opened) {
     stopHost();

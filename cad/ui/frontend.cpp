@@ -127,8 +127,6 @@ void Frontend::help(std::u16string_view topic) {
   print(platform::format(platform::words(u"\nArgomento della guida: %s\n"), topic));
 }
 
-void Frontend::progress(double) {}
-
 void Frontend::setClipboard(std::u16string_view text) { clipboard_ = text; }
 
 std::u16string Frontend::clipboard() { return clipboard_; }

@@ -95,8 +95,6 @@ class CAD_UI_API Frontend {
   // Output of commands; line ends are in the text.
   virtual void print(std::u16string_view text) = 0;
   virtual void help(std::u16string_view topic);
-  // How far a long job is, 0 to 1; a value beyond 1 takes the display away.
-  virtual void progress(double fraction);
   // Text for other programs; by default it stays within this front end.
   virtual void setClipboard(std::u16string_view text);
   virtual std::u16string clipboard();

@@ -145,7 +145,7 @@ class Painter final : public Visitor {
   }
   u16string headOf(const Control& c) const {
     u16string label = plainName(c.label());
-    return label.empty() ? c.dialog().nameOf(c) : label;
+    return label.empty() ? c.dialog().shownNameOf(c) : label;
   }
   static u16string state(const Control& c) {
     return c.enabled() ? u16string() : platform::words(u" (disattivato)");

@@ -15,6 +15,7 @@ class CAD_UI_API TerminalCard {
  public:
   explicit TerminalCard(Dialog& dialog, int width = 80);
 
+  void setWidth(int width) { width_ = width; }
   // Everything, ending in the line of buttons.
   std::u16string draw();
   // The lines of one control, as draw() shows them.

@@ -5,6 +5,7 @@
 #include "cad/ui/gesture_line.h"
 #include "cad/ui/names.h"
 #include "cad/ui/terminal_card.h"
+#include "cad/ui/terminal_help.h"
 #include "platform/files.h"
 #include "platform/format.h"
 #include "platform/text.h"
@@ -16,8 +17,13 @@ using platform::format;
 using std::u16string;
 using std::u16string_view;
 
-TerminalFrontend::TerminalFrontend(Reader reader, Output output, int width)
-    : reader_(std::move(reader)), output_(std::move(output)), width_(width) {}
+TerminalFrontend::TerminalFrontend(Reader reader, Output output)
+    : reader_(std::move(reader)), output_(std::move(output)) {}
+
+int TerminalFrontend::width() const {
+  constexpr int narrowest = 40, widest = 160, usual = 80;  // beyond that the eye loses the line
+  return windowWidth_ ? std::clamp(windowWidth_(), narrowest, widest) : usual;
+}
 
 // --- lines in and out
 // ------------------------------------------------------------------------------
@@ -79,13 +85,18 @@ static std::vector<u16string> wrapped(u16string_view text, std::size_t width) {
   return lines;
 }
 
+void TerminalFrontend::writeWrapped(u16string_view text) {
+  while (text.ends_with(u'\n')) text.remove_suffix(1);
+  for (const auto& line : wrapped(text, static_cast<std::size_t>(width()))) write(line + u'\n');
+}
+
 Pressed TerminalFrontend::showMessage(const Message& message) {
   freshLine();
   u16string mark = message.icon == Icon::stop       ? u"(X) "
                    : message.icon == Icon::warning  ? u"(!) "
                    : message.icon == Icon::question ? u"(?) "
                                                     : u"";
-  auto lines = wrapped(mark + message.text, static_cast<std::size_t>(width_ - 4));
+  auto lines = wrapped(mark + message.text, static_cast<std::size_t>(width() - 4));
   std::size_t inner = message.title.size() + 2;
   for (const auto& line : lines) inner = std::max(inner, line.size());
   auto bar = [](std::size_t n) { return u16string(n, u'─'); };
@@ -201,24 +212,12 @@ class Watcher final : public DialogView {
 
 }  // namespace
 
-static constexpr u16string_view helpText =
-    u"Si scrive il numero o il nome di un controllo e il suo valore:\n"
-    u"  2 12.5            Quota = 12.5        scrive, o prende una voce di un elenco\n"
-    u"  2 = #3            la terza voce       2   le voci dell'elenco\n"
-    u"  5                 Cerca               preme un pulsante, inverte una casella\n"
-    u"  7[3]  7[3] **     una riga di una lista, e il doppio clic su di essa\n"
-    u"  7[3,Quota] = 4    una cella           7[3] > Elimina Riga   il menu di una griglia\n"
-    u"  7[1,#2..4,#3]     celle scelte        <appunti> = \"a\\tb\\nc\\td\"  da incollare con il "
-    u"menu\n"
-    u"  7+  7-            pagina avanti e indietro\n"
-    u"Invio da solo preme il pulsante predefinito; <esc> o \"annulla\" chiude il dialogo.\n";
-
 void TerminalFrontend::showDialog(Dialog& dialog) {
-  TerminalCard card(dialog, width_);
+  TerminalCard card(dialog, width());
   Watcher watcher(dialog);
   freshLine();
   write(card.draw());
-  ++shown_;
+  if (shown_++ == 0) writeWrapped(firstHelp());
   while (!dialog.ended()) {
     watcher.changed.clear();
     watcher.all = false;
@@ -229,11 +228,13 @@ void TerminalFrontend::showDialog(Dialog& dialog) {
     }
     u16string_view said = trimmed(*line);
     if (said == u"?") {
-      write(card.draw() + u16string(helpText));
+      write(card.draw());
+      writeWrapped(helpOf(card, dialog));
       continue;
     }
     if (said.empty()) said = u"<invio>";
     if (isEscape(said)) said = u"<esc>";
+    card.setWidth(width());
     int shownBefore = shown_;
     perform(dialog, card, u16string(said));
     if (dialog.ended()) break;
@@ -250,8 +251,26 @@ void TerminalFrontend::showDialog(Dialog& dialog) {
   }
 }
 
+// "4 ?" and "Quota ?" ask what a control is; a check of an empty control, which scripts write so,
+// is of no use to somebody who sees it.
+bool TerminalFrontend::answersHelp(Dialog& dialog, const TerminalCard& card, u16string_view line) {
+  if (!line.ends_with(u'?')) return false;
+  line = trimmed(line.substr(0, line.size() - 1));
+  const auto number = platform::parseInteger(line);
+  Control* control = number ? card.numbered(static_cast<int>(*number)) : nullptr;
+  if (control == nullptr && !line.empty()) {
+    const auto named = dialog.find(line);
+    if (named) control = *named;
+  }
+  if (control == nullptr) return false;
+  freshLine();
+  writeWrapped(helpOf(card, *control));
+  return true;
+}
+
 // Numbers become names; then the line is a gesture line. Complaints go to the user.
 void TerminalFrontend::perform(Dialog& dialog, TerminalCard& card, u16string line) {
+  if (answersHelp(dialog, card, line)) return;
   std::size_t digits = 0;
   while (digits < line.size() && line[digits] >= u'0' && line[digits] <= u'9') ++digits;
   if (digits > 0 && digits < 4) {
@@ -276,7 +295,14 @@ void TerminalFrontend::perform(Dialog& dialog, TerminalCard& card, u16string lin
                                              dynamic_cast<Check*>(*named) == nullptr) {
     return explain(dialog, **named);
   }
-  bool wantsOut = platform::equalNoCase(line, u"annulla") && !dialog.find(line);
+  // Pages of help may be missing where a terminal is; what the dialog takes can always be told.
+  const auto pressed = dialog.find(line);
+  const auto* button = pressed ? dynamic_cast<Button*>(*pressed) : nullptr;
+  if (button != nullptr && button->role() == Role::help) {
+    writeWrapped(helpOf(card, dialog));
+  }
+  const bool wantsOut = !pressed && (platform::equalNoCase(line, u"annulla") ||
+                                     platform::equalNoCase(line, wordOf(Pressed::cancel)));
   if (auto done = performLine(dialog, wantsOut ? u"<esc>" : u16string_view(line)); !done)
     showInvalid(platform::widen(done.error()));
 }
@@ -291,7 +317,7 @@ void TerminalFrontend::explain(Dialog& dialog, Control& control) {
     write(out.empty() ? platform::words(u"  L'elenco è vuoto.\n") : out);
     return;
   }
-  TerminalCard card(dialog, width_);
+  TerminalCard card(dialog, width());
   write(card.draw(control));
 }
 

@@ -23,7 +23,9 @@ class CAD_UI_API TerminalFrontend : public Frontend {
       const std::string& prompt, const std::vector<std::string>& completions)>;
   using Output = std::function<void(std::string_view)>;
 
-  TerminalFrontend(Reader reader, Output output, int width = 80);
+  TerminalFrontend(Reader reader, Output output);
+  // Tells how many columns the window has now; without it, cards are 80 wide.
+  void setWindowWidth(std::function<int()> width) { windowWidth_ = std::move(width); }
 
   void print(std::u16string_view text) override;
   bool ended() const override { return ended_; }
@@ -45,13 +47,16 @@ class CAD_UI_API TerminalFrontend : public Frontend {
                                      const std::vector<std::u16string>& completions);
   std::optional<std::u16string> readPath(const FileQuestion& question);
   void write(std::u16string_view text);
+  void writeWrapped(std::u16string_view text);
   void freshLine();
+  int width() const;
   void perform(Dialog& dialog, TerminalCard& card, std::u16string line);
   void explain(Dialog& dialog, Control& control);
+  bool answersHelp(Dialog& dialog, const TerminalCard& card, std::u16string_view line);
 
   Reader reader_;
   Output output_;
-  int width_;
+  std::function<int()> windowWidth_;
   bool ended_ = false;
   bool person_ = false;
   bool asksFile_ = false;

@@ -260,4 +260,11 @@ TEST(Journal, JoinsTypingAndForgetsRefusedAnswers) {
   EXPECT_EQ(asAnswer(u"10,20"), u"10,20");
 }
 
+TEST(Script, SaysItsLanguageInFrontOfItsFirstLine) {
+  EXPECT_EQ(languageOfScript("\n# a town\n  # Lingua:  it \nNEW\n"), "it");
+  EXPECT_EQ(languageOfScript("#language: en\r\nNEW\r\n"), "en");
+  EXPECT_EQ(languageOfScript("NEW\n# lingua: it\n"), "");
+  EXPECT_EQ(languageOfScript(""), "");
+}
+
 }  // namespace

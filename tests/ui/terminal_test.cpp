@@ -46,6 +46,8 @@ TEST(Terminal, ShowsADialogAsACardAndTakesNumbersAndNames) {
    6 Materiale                              <Nessun Materiale> ▾
    7 Ora iniziale                           [12:00]
    8 [ OK ]   9 [ Annulla ]  10 [ ? ]
+Si scrive il numero o il nome di un controllo e il suo valore, come 2 = 12.5;
+Invio da solo conferma, <esc> rinuncia, ? spiega.
 Ramo> 1 R1
    1 Nome del ramo                          [R1]
 Ramo> Diametro [mm] = abc
@@ -115,6 +117,29 @@ TEST(Terminal, LeavesByWordEscapeAndEndOfInput) {
             (std::vector<std::string>{"Nome pattern", "Tipo Curva", "Griglia", "OK", "Annulla"}));
   EXPECT_EQ(s.ui.ask({Prompt::Kind::command, u"Comando: ", {}}).status, Answer::Status::end);
   EXPECT_TRUE(s.ui.ended());
+}
+
+TEST(Terminal, ExplainsControlsAndFitsTheWindow) {
+  PipeDialog d;
+  Typist s({"4 ?", "Materiale ?", "10", "<esc>"});
+  int columns = 60;
+  s.ui.setWindowWidth([&] { return columns; });
+  EXPECT_EQ(d.run(s.ui), Outcome::cancel);
+  EXPECT_TRUE(s.says("Ramo> 4 ?\n   4 Diametro [mm]: numero da 0.0001 a 3000  -> 4 = 12.5\nRamo>"))
+      << s.text;
+  EXPECT_TRUE(s.says("   6 Materiale: voce di un elenco: \"Nessun Materiale\"")) << s.text;
+  EXPECT_TRUE(s.says("   3 Abilita: casella: il numero da solo la inverte  -> 3\n"))
+      << "of the button";
+  for (std::size_t at = 0; at < s.text.size();) {
+    const std::size_t end = s.text.find('\n', at);
+    EXPECT_LE(platform::widen(s.text.substr(at, end - at)).size(), 60u);
+    at = end + 1;
+  }
+  PipeDialog again;
+  Typist wide({"<esc>"});
+  wide.ui.setWindowWidth([] { return 100; });
+  again.run(wide.ui);
+  EXPECT_EQ(platform::widen(wide.text.substr(1, wide.text.find('\n', 1) - 1)).size(), 100u);
 }
 
 class TerminalFiles : public platform::ScratchFolder {};
