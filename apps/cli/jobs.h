@@ -68,7 +68,7 @@ int runScript(const RunOptions& options);
 
 struct RenderOptions {
   std::string drawing, out, view = "plan", window;
-  std::vector<std::string> layers;
+  std::vector<std::string> layers, hidden;
   bool dark = false;
   int width = 1600;
   // On a sheet of paper, when one is named.

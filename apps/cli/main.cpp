@@ -173,6 +173,7 @@ int main(int argc, char** argv) {
       ->check(CLI::Range(100, 20000));
   c->add_option("--window", render.window, words("finestra x1,y1,x2,y2"));
   c->add_option("--layers", render.layers, words("solo questi layer"))->delimiter(',');
+  c->add_option("--hide", render.hidden, words("senza questi layer"))->delimiter(',');
   addSheet(*c, render);
   c->callback([&] { status = cli::render(render); });
 

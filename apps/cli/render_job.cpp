@@ -76,7 +76,14 @@ int render(const RenderOptions& o) {
   auto loaded = database.drawing().load(o.drawing, warnings);
   if (!loaded) return fail(loaded.error());
   cad::view::Selection selection;
-  for (const std::string& name : o.layers) selection.layers.push_back(platform::widen(name));
+  for (const auto& [names, layers] :
+       {std::pair{&o.layers, &selection.layers}, std::pair{&o.hidden, &selection.hidden}}) {
+    for (const std::string& name : *names) {
+      layers->push_back(platform::widen(name));
+      if (cad::view::hasLayer(database.drawing(), layers->back())) continue;
+      return fail(o.drawing + ": " + words("non c'è il layer ") + name);
+    }
+  }
   const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
   if (const int failed = judgePicture(picture, o.drawing)) return failed;
   auto bytes = cad::view::paint(picture, paint);

@@ -47,14 +47,13 @@ std::string shortList(const std::vector<std::u16string>& times) {
          (even && step > 0 ? words(", ogni ") + epanet::timeText(step) : "");
 }
 
-// The period that is asked for, as the report writes it: in full "7:00" is "7:00:00" too, and the
+// The period that is asked for, as the report writes it: "7:00" is "7:00:00" too, and in full the
 // only one need not be named. Empty where there is none.
 std::u16string wantedPeriod(const ResultsOptions& o, const vessora::ReportPeriods& periods) {
   const std::u16string wanted = platform::widen(o.period);
   const auto& times = periods.times;
   if (std::find(times.begin(), times.end(), wanted) != times.end()) return wanted;
-  if (!periods.full) return {};
-  if (o.period.empty()) return times.size() == 1 ? times[0] : std::u16string();
+  if (o.period.empty()) return periods.full && times.size() == 1 ? times[0] : std::u16string();
   const std::int64_t seconds = epanet::secondsOf(o.period);
   std::u16string found;
   for (const std::u16string& time : times) {

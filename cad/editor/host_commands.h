@@ -59,8 +59,12 @@ int zoomWindow(const resbuf* arguments);
 // --- variables (variable_commands.cpp)
 void commandSetVar();
 
+// --- a record of the work (journal_commands.cpp)
+void commandJournal();
+
 // --- what there is (inquiry_commands.cpp)
 void commandList();
+void commandListData();
 void commandHelp();
 
 }  // namespace cad::host

@@ -9,29 +9,57 @@
 namespace cad::host {
 namespace {
 
-void listChain(const resbuf* chain) {
+std::u16string valueOf(const resbuf& item) {
+  switch (acutKindOf(item.restype)) {
+    case RbKind::text:
+      return item.resval.rstring;
+    case RbKind::real:
+      return platform::format(u"%.15g", item.resval.rreal);
+    case RbKind::int16:
+      return platform::format(u"%d", static_cast<int>(item.resval.rint));
+    case RbKind::int32:
+      return platform::format(u"%d", item.resval.rlong);
+    case RbKind::point:
+      return platform::format(u"%.15g,%.15g,%.15g", item.resval.rpoint[0], item.resval.rpoint[1],
+                              item.resval.rpoint[2]);
+    case RbKind::none:
+      break;
+  }
+  return {};
+}
+
+using NameOf = decltype(Session::nameOfData);
+
+void listNamed(const Session::DataName& data, const std::u16string& value) {
+  if (!data.name.empty() && !value.empty()) {
+    acutPrintf(u"\n  %s = %s%s%s", data.name, value, data.unit.empty() ? u"" : u" ", data.unit);
+  }
+}
+
+// Extended data by names and units where somebody knows them, else by codes, under their
+// application.
+void listChain(const resbuf* chain, std::u16string_view layer, const NameOf& nameOf) {
+  constexpr int kApplication = 1001;
+  std::u16string application;
+  int place = 0;
+  bool told = false;
   for (const resbuf* n = chain; n; n = n->rbnext) {
-    const int code = n->restype;
-    switch (acutKindOf(code)) {
-      case RbKind::text:
-        acutPrintf(u"\n    %4d  %s", code, n->resval.rstring);
-        break;
-      case RbKind::real:
-        acutPrintf(u"\n    %4d  %.15g", code, n->resval.rreal);
-        break;
-      case RbKind::int16:
-        acutPrintf(u"\n    %4d  %d", code, static_cast<int>(n->resval.rint));
-        break;
-      case RbKind::int32:
-        acutPrintf(u"\n    %4d  %d", code, n->resval.rlong);
-        break;
-      case RbKind::point:
-        acutPrintf(u"\n    %4d  %.15g,%.15g,%.15g", code, n->resval.rpoint[0], n->resval.rpoint[1],
-                   n->resval.rpoint[2]);
-        break;
-      case RbKind::none:
-        break;
+    if (acutKindOf(n->restype) == RbKind::none) continue;
+    if (n->restype == kApplication) {
+      application = valueOf(*n);
+      place = 0;
+      told = !nameOf;
+      if (told) acutPrintf(u"\n    1001  %s", application);
+      continue;
     }
+    ++place;
+    if (const auto data = nameOf ? nameOf(layer, application, place) : std::nullopt) {
+      listNamed(*data, valueOf(*n));
+      continue;
+    }
+    if (!told) acutPrintf(u"\n    1001  %s", application);
+    told = true;
+    acutPrintf(u"\n    %4d  %s", n->restype, valueOf(*n));
   }
 }
 
@@ -50,7 +78,7 @@ void listTable(const AcDbTable& table) {
 }
 
 // What kind of thing it is and where it lies.
-void listGeometry(const Opened<AcDbEntity>& entity) {
+void listGeometry(const Opened<AcDbEntity>& entity, const NameOf& nameOf) {
   if (auto* block = entity.as<AcDbBlockReference>()) {
     const AcGePoint3d p = block->position();
     acutPrintf(platform::words(u"\n  blocco \"%s\" in %.3f,%.3f,%.3f"), block->blockName(), p.x,
@@ -58,7 +86,13 @@ void listGeometry(const Opened<AcDbEntity>& entity) {
     AcDbObjectIterator* it = block->attributeIterator();
     for (; !it->done(); it->step()) {
       const Opened<AcDbAttribute> a(it->objectId());
-      if (a) acutPrintf(u"\n  %s = %s", a->tag(), a->textString());
+      if (!a) continue;
+      const auto data = nameOf ? nameOf(entity->layer(), a->tag(), 0) : std::nullopt;
+      if (data) {
+        listNamed(*data, a->textString());
+      } else {
+        acutPrintf(u"\n  %s = %s", a->tag(), a->textString());
+      }
     }
     delete it;
   } else if (entity.as<AcDb3dPolyline>()) {
@@ -82,23 +116,28 @@ void listGeometry(const Opened<AcDbEntity>& entity) {
   }
 }
 
-void listEntity(AcDbObjectId id) {
+void listEntity(AcDbObjectId id, const NameOf& nameOf) {
   const Opened<AcDbEntity> entity(id);
   if (!entity) return;
   acutPrintf(platform::words(u"\n%s  handle %s  layer \"%s\"  colore %s"), entity->dxfName(),
              platform::format(u"%x", static_cast<std::int64_t>(entity->handle())), entity->layer(),
              entity->colorIndex() == 256 ? platform::words(u"dal layer")
                                          : platform::format(u"%d", entity->colorIndex()));
-  listGeometry(entity);
+  listGeometry(entity, nameOf);
   const Chain data(entity->xData());
-  listChain(data.get());
+  listChain(data.get(), entity->layer(), nameOf);
 }
 
 }  // namespace
 
 void commandList() {
   if (!haveDrawing()) return;
-  for (const AcDbObjectId id : SelectionSet(nullptr, nullptr)) listEntity(id);
+  for (const AcDbObjectId id : SelectionSet(nullptr, nullptr)) listEntity(id, session().nameOfData);
+}
+
+void commandListData() {
+  if (!haveDrawing()) return;
+  for (const AcDbObjectId id : SelectionSet(nullptr, nullptr)) listEntity(id, {});
 }
 
 void commandHelp() {

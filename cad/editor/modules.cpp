@@ -139,6 +139,9 @@ platform::Result<ModuleHandle> Session::loadModule(const std::string& given) {
   module.handle = ++lastHandle_;
   module.path = widePath;
   const Inside inside(*this, module.handle, module.path);
+  if (!platform::fileExists(path)) {
+    return platform::Error{given + platform::words(": il file non c'è")};
+  }
   auto library = platform::DynamicLibrary::load(path);
   if (!library)
     return platform::Error{given + platform::words(": non si può caricare: ") + library.error()};

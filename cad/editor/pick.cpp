@@ -1,5 +1,7 @@
 #include "cad/editor/pick.h"
 
+#include <algorithm>
+
 #include "cad/drawing/drawing.h"
 #include "cad/shape/extents.h"
 #include "cad/shape/hit.h"
@@ -26,32 +28,103 @@ bool layerShown(const Drawing& d, std::uint32_t layerName, std::vector<signed ch
   return shown == 1;
 }
 
-Pick byName(Drawing& d, std::u16string_view name) {
-  Pick pick;
+bool isLine(Type type) {
+  return type == Type::polyline || type == Type::lwpolyline || type == Type::line;
+}
+
+bool isCalled(Drawing& d, std::uint32_t e, std::u16string_view name, TagList& t) {
+  const Record& r = d.record(e);
+  if (r.apps) {
+    d.parse(e, t);
+    const int begin = t.xdataBegin();
+    if (begin + 1 < t.size() && t[begin + 1].code == 1000 && t.text(begin + 1) == name) return true;
+  }
+  if (r.type != Type::insert) return false;
+  for (std::uint32_t a = d.structure().firstPart(e); a; a = d.structure().nextPart(e, a)) {
+    d.parse(a, t);
+    if (t.textOr(2, u"", t.subclass("AcDbAttribute")) == u"ID" &&
+        t.textOr(1, u"", t.subclass("AcDbText")) == name) {
+      return true;
+    }
+  }
+  return false;
+}
+
+// What bears a name: a symbol, a polyline, or a polyline with its symbol on the layer of both.
+// Where a polyline is, it is a link, else a node.
+struct Named {
+  std::uint32_t layer = 0, symbol = 0, line = 0;
+  bool isLink() const { return line != 0; }
+  std::uint32_t record() const { return symbol ? symbol : line; }
+};
+
+std::vector<Named> allNamed(Drawing& d, std::u16string_view name) {
+  std::vector<Named> found;
   const auto t = borrowTags();
   for (const std::uint32_t e : d.index().allInSpace()) {
+    if (!isCalled(d, e, name, *t)) continue;
     const Record& r = d.record(e);
-    bool hit = false;
-    if (r.apps) {
-      d.parse(e, *t);
-      const int begin = t->xdataBegin();
-      hit = begin + 1 < t->size() && (*t)[begin + 1].code == 1000 && t->text(begin + 1) == name;
-    }
-    if (!hit && r.type == Type::insert) {
-      for (std::uint32_t a = d.structure().firstPart(e); a && !hit;
-           a = d.structure().nextPart(e, a)) {
-        d.parse(a, *t);
-        hit = t->textOr(2, u"", t->subclass("AcDbAttribute")) == u"ID" &&
-              t->textOr(1, u"", t->subclass("AcDbText")) == name;
-      }
-    }
-    if (!hit) continue;
-    if (r.type == Type::insert || !pick.record) pick.record = e;
-    if (r.type == Type::insert) break;
+    const bool symbol = r.type == Type::insert;
+    const auto same = std::find_if(found.begin(), found.end(), [&](const Named& n) {
+      return n.layer == r.layer && (symbol ? n.symbol : n.line) == 0;
+    });
+    Named& named = same == found.end() ? found.emplace_back() : *same;
+    named.layer = r.layer;
+    (symbol ? named.symbol : named.line) = e;
   }
-  if (!pick.record)
+  return found;
+}
+
+// "A2", or only among nodes "N:A2" or links "R:A2". A name that several bear is none's.
+Pick byName(Drawing& d, std::u16string_view text) {
+  std::u16string_view name = text;
+  const bool nodes = text.starts_with(u"N:") || text.starts_with(u"n:");
+  const bool links = text.starts_with(u"R:") || text.starts_with(u"r:");
+  if (nodes || links) name.remove_prefix(2);
+  std::vector<Named> found = allNamed(d, name);
+  if (nodes || links) {
+    std::erase_if(found, [&](const Named& n) { return n.isLink() != links; });
+    if (found.empty()) found = allNamed(d, text);  // the colon may be the name's own
+  }
+  Pick pick;
+  if (found.empty()) {
     pick.problem = platform::format(platform::words(u"Nessuna entità si chiama \"%s\"."), name);
+  } else if (found.size() == 1) {
+    pick.record = found.front().record();
+  } else {
+    std::u16string all;
+    for (const Named& n : found) {
+      all += platform::format(u"%s%s #%llX (%s)", all.empty() ? u"" : u", ",
+                              platform::words(n.isLink() ? u"ramo" : u"nodo"),
+                              d.record(n.record()).handle, d.names().text(n.layer));
+    }
+    pick.problem = platform::format(
+        platform::words(
+            u"In più si chiamano \"%s\": %s. Scrivere =N:%s per il nodo, =R:%s per il ramo, "
+            u"o l'handle."),
+        name, all, name, name);
+  }
   return pick;
+}
+
+// A point on a symbol means the symbol, though the polyline under it runs nearer: within the
+// symbol's own box, the smallest first.
+std::uint32_t symbolAt(const Drawing& d, const std::vector<std::uint32_t>& seen,
+                       const AcGePoint3d& p) {
+  std::uint32_t best = 0;
+  double smallest = 0;
+  for (const std::uint32_t e : seen) {
+    if (d.record(e).type != Type::insert) continue;
+    const AcDbExtents box = shape::symbolExtents(d, e);
+    if (box.isEmpty()) continue;
+    const AcGePoint3d low = box.minPoint(), high = box.maxPoint();
+    if (p.x < low.x || p.x > high.x || p.y < low.y || p.y > high.y) continue;
+    const double size = std::max(high.x - low.x, high.y - low.y);
+    if (best && size >= smallest) continue;
+    best = e;
+    smallest = size;
+  }
+  return best;
 }
 
 }  // namespace
@@ -116,13 +189,16 @@ Pick pickEntity(Drawing& d, std::u16string_view text, double aperture) {
   } else if (const auto p = parsePoint(text)) {
     pick.point = *p;
     double best = aperture;
-    for (const std::uint32_t e : seenEntities(d)) {
+    const std::vector<std::uint32_t> seen = seenEntities(d);
+    for (const std::uint32_t e : seen) {
       const double distance = shape::planDistance(d, e, *p);
       if (distance < best) {
         best = distance;
         pick.record = e;
       }
     }
+    const bool line = pick.record && isLine(d.record(pick.record).type);
+    if (const std::uint32_t symbol = line ? symbolAt(d, seen, *p) : 0) pick.record = symbol;
     if (!pick.record) pick.problem = platform::words(u"Nessuna entità in quel punto.");
     return pick;
   } else {

@@ -40,9 +40,6 @@ Session& Session::instance() {
   return *session;
 }
 
-Session::Session() = default;
-Session::~Session() = default;
-
 ui::Frontend& Session::frontend() const {
   static NobodyFrontend nobody;
   return frontend_ ? *frontend_ : nobody;

@@ -58,8 +58,14 @@ class CAD_API Session {
   ~Session();
 
   // --- who answers. Not owned; must outlive the use.
-  void setFrontend(ui::Frontend* frontend) { frontend_ = frontend; }
+  void setFrontend(ui::Frontend* frontend);
   ui::Frontend& frontend() const;
+  // Takes down in a new file what is asked and answered from here on, as a script that repeats it;
+  // it begins with the language of now. Ends with endJournal() or with the front end. The path of
+  // the file meanwhile, else empty.
+  platform::Result<void> beginJournal(const std::string& path);
+  platform::Result<void> endJournal();
+  std::string journalPath() const;
 
   // --- the drawing
   // Opens a drawing in place of the current one. `warnings` gets what was repaired. On failure the
@@ -135,6 +141,15 @@ class CAD_API Session {
   std::map<std::u16string, std::u16string> symbols;
   std::map<std::u16string, std::u16string> variables;
 
+  // --- what data of entities mean, told by whoever knows: of the entities of a layer, the item at
+  // a place (from 1) of an application's extended data, or with place 0 the attribute of a tag.
+  struct DataName {
+    std::u16string name, unit;  // in the user's language; empty: not worth showing
+  };
+  std::function<std::optional<DataName>(std::u16string_view layer, std::u16string_view key,
+                                        int place)>
+      nameOfData;
+
   // --- the view, as the zoom command leaves it: plan window in world coordinates
   struct View {
     bool set = false;
@@ -186,7 +201,9 @@ class CAD_API Session {
     AcRx::AppRetCode (*entry)(AcRx::AppMsgCode, void*) = nullptr;
     bool mayUnload = false;
   };
+  struct JournalFile;
   ui::Frontend* frontend_ = nullptr;
+  std::unique_ptr<JournalFile> journal_;
   std::unique_ptr<AcDbDatabase> database_;
   std::string path_;
   std::optional<platform::FileStamp> stamp_;  // of the drawing's file as this session knows it

@@ -468,6 +468,7 @@ void commandManholes() {
 }  // namespace
 
 void cad::addFamilyCommands(Session& session) {
+  nameDataOfNetworks(session);
   session.addCommand(
       {u"HOST", u"PZZPROFILO", u"PZZPROFILO", 0, commandManholes, u"pozzetti su un profilo"});
 }

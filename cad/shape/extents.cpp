@@ -22,6 +22,15 @@ AcDbExtents extentsOf(const Drawing& drawing, std::uint32_t entity) {
   return box;
 }
 
+AcDbExtents shape::symbolExtents(const Drawing& drawing, std::uint32_t entity) {
+  AcDbExtents box;
+  expand(drawing, entity, Arrays::corners, [&](Primitive&& p) {
+    if (p.endless || p.kind == Kind::text) return;
+    for (const AcGePoint3d& q : p.points) box.addPoint(q);
+  });
+  return box;
+}
+
 }  // namespace cad
 
 // Of the host interface: it stands here because the shapes of entities do.

@@ -11,4 +11,9 @@ namespace cad {
 // nothing is its insertion point.
 AcDbExtents extentsOf(const Drawing& drawing, std::uint32_t entity);
 
+namespace shape {
+// The same of what is no text: the symbol of a reference without its attributes.
+AcDbExtents symbolExtents(const Drawing& drawing, std::uint32_t entity);
+}  // namespace shape
+
 }  // namespace cad

@@ -48,6 +48,7 @@ class Taker {
   Taker(const Drawing& drawing, const Selection& selection)
       : d_(drawing), without_(selection.without), chosen_(selection.only) {
     for (const std::u16string& name : selection.layers) only_.insert(d_.names().find(name));
+    for (const std::u16string& name : selection.hidden) hidden_.insert(d_.names().find(name));
   }
 
   Picture take() {
@@ -78,6 +79,7 @@ class Taker {
     LayerLook& l = looks_[name];
     if (l.known) return l;
     l.known = true;
+    l.shown = !hidden_.count(name);
     const std::u16string& text = d_.names().text(name);
     l.isZero = text == u"0" || text.empty();
     const std::uint32_t i = d_.structure().tableEntry(Type::layer, text);
@@ -86,7 +88,7 @@ class Taker {
     d_.parse(i, t);
     const TagRange body = t.body();
     const auto color = static_cast<int>(t.integerOr(62, 7, body));
-    l.shown = !(t.integerOr(70, 0, body) & 1) && color >= 0;
+    l.shown = l.shown && !(t.integerOr(70, 0, body) & 1) && color >= 0;
     l.color = std::abs(color);
     if (const int exact = t.find(420, body); exact >= 0) {
       l.hasExact = true;
@@ -340,7 +342,7 @@ class Taker {
   std::uint32_t tables_ = 0, table_ = 0;  // how many, and the one being taken
   std::uint32_t reference_ = 0;           // the entity being taken
   bool inAttribute_ = false;              // of that entity
-  std::set<std::uint32_t> only_, underWay_;
+  std::set<std::uint32_t> only_, hidden_, underWay_;
   std::vector<LayerLook> looks_;
   std::map<std::u16string, int> linetypes_;
   std::map<std::uint32_t, std::unique_ptr<BlockPicture>> blocks_;
@@ -349,6 +351,16 @@ class Taker {
 };
 
 }  // namespace
+
+bool hasLayer(const Drawing& drawing, std::u16string_view name) {
+  if (drawing.structure().tableEntry(Type::layer, name)) return true;
+  const std::uint32_t known = drawing.names().find(name);
+  if (known == 0) return false;
+  for (const std::uint32_t e : drawing.index().allInSpace()) {
+    if (drawing.record(e).layer == known) return true;
+  }
+  return false;
+}
 
 Picture takePicture(const Drawing& drawing, const Selection& selection) {
   return Taker(drawing, selection).take();

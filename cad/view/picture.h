@@ -68,9 +68,14 @@ struct Picture {
 
 struct Selection {
   std::vector<std::u16string> layers;  // only these, when any is named
+  std::vector<std::u16string> hidden;  // and none of these
   std::set<std::uint32_t> without;     // entities that are left out, by their records
   std::set<std::uint32_t> only;        // these alone, when there are any
 };
+
+// The drawing knows the layer: it is in the table, or in use all the same, as small programs write
+// it.
+CAD_API bool hasLayer(const Drawing& drawing, std::u16string_view name);
 
 // Everything that model space shows.
 CAD_API Picture takePicture(const Drawing& drawing, const Selection& selection = {});

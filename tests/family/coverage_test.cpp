@@ -60,9 +60,9 @@ const std::set<std::string, std::less<>> kNotTexts = {
 // The headings in these files are fixed: programs read them.
 const std::set<std::string, std::less<>> kFileWriters = {"inp_writer.cpp", "csv_writer.cpp"};
 
-// Tables of programs whose rows end in words.
-const std::set<std::string, std::less<>> kWordTables = {"notices.cpp", "inp_words.cpp",
-                                                        "usage.cpp"};
+// Tables whose rows end in words.
+const std::set<std::string, std::less<>> kWordTables = {"notices.cpp", "inp_words.cpp", "usage.cpp",
+                                                        "commands.cpp", "variables.cpp"};
 
 struct Token {
   bool isText;  // a u"..." literal, adjacent ones joined

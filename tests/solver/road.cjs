@@ -57,7 +57,7 @@ function snapshot(model) {
 
 // Every element's results as they stand on the drawing, by the list command.
 function onDrawing(drawing) {
-  fs.writeFileSync(path.join(folder, 'script'), 'LISTA\ntutto\n<invio>\n');
+  fs.writeFileSync(path.join(folder, 'script'), 'LISTADATI\ntutto\n<invio>\n');
   const found = { nodes: new Map(), links: new Map(), periods: new Set() };
   let id = null, app = null, values = [];
   for (const line of vessora('run', drawing, 'script').split('\n')) {
