@@ -106,12 +106,14 @@ class Runner {
     std::cerr << document_.filename().string() << ":" << line << ": " << what << "\n";
   }
 
-  // The exit status of a bash text in the scratch folder; what it prints goes to a file.
-  int shell(const std::string& text, const std::string& output = ".output") {
+  // The exit status of a bash text in the scratch folder; what it prints goes to a file. Scripts
+  // are written in Italian.
+  int shell(const std::string& text, const std::string& output = ".output",
+            const std::string& locale = "it_IT.UTF-8") {
     std::ofstream(scratch_ / ".lines") << text;
     const std::string command = "cd '" + scratch_.string() + "' && PATH='" + bin_.string() +
-                                "':\"$PATH\" bash -e -o pipefail .lines >" + output +
-                                " 2>&1 </dev/null";
+                                "':\"$PATH\" LC_ALL=" + locale + " bash -e -o pipefail .lines >" +
+                                output + " 2>&1 </dev/null";
     const int raw = std::system(command.c_str());
     return WIFEXITED(raw) ? WEXITSTATUS(raw) : 128 + WTERMSIG(raw);
   }
@@ -186,7 +188,7 @@ class Runner {
   // What the program says of a subcommand; empty when it has none of the name.
   const std::string& helpOf(const std::string& subcommand) {
     const auto [at, fresh] = helps_.try_emplace(subcommand);
-    if (fresh && shell("vessora '" + subcommand + "' --help", ".help") == 0) {
+    if (fresh && shell("vessora '" + subcommand + "' --help", ".help", "C") == 0) {
       const std::string help = output(".help");
       // Asked for the help of what it does not know, it tells that of all.
       if (help.find(" " + subcommand + " [OPTIONS]") != help.npos) at->second = help;
