@@ -13,9 +13,9 @@
 namespace platform {
 
 // The language of texts: what VESSORA_LANG says ("it", "en", "en_GB"; without encoding and
-// modifier), and without it "it" or "en" by the locale of the environment: of LC_ALL, LC_MESSAGES and
-// LANG the first that is set. Without a locale, and in "C" and "POSIX", texts are untranslated, as
-// everywhere, which is Italian here; under any locale that is not Italian they are English.
+// modifier), and without it "it" or "en" by the locale of the environment: of LC_ALL, LC_MESSAGES
+// and LANG the first that is set. Without a locale, and in "C" and "POSIX", texts are untranslated,
+// as everywhere, which is Italian here; under any locale that is not Italian they are English.
 // Asked anew at each call, so that a program that sets VESSORA_LANG changes all its libraries'
 // words. What VESSORA_LANG says and no name of a language can be counts as "it".
 std::string language();

@@ -83,6 +83,9 @@ int render(const RenderOptions& options);
 // The same on a sheet; of form and window the caller has made sure.
 int renderSheet(const RenderOptions& options, cad::view::Format format,
                 const std::optional<cad::view::Window>& window);
+// The layers that are asked for and those that are hidden; the exit status when one is not there.
+int selectLayers(const RenderOptions& options, const cad::Drawing& drawing,
+                 cad::view::Selection& selection);
 // What a picture could not show, as warnings; the exit status of a failure when it is of no use.
 int judgePicture(const cad::view::Picture& picture, const std::string& drawing);
 

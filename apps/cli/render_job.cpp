@@ -54,6 +54,19 @@ int judgePicture(const cad::view::Picture& picture, const std::string& drawing) 
   return 0;
 }
 
+int selectLayers(const RenderOptions& o, const cad::Drawing& drawing,
+                 cad::view::Selection& selection) {
+  for (const auto& [names, layers] :
+       {std::pair{&o.layers, &selection.layers}, std::pair{&o.hidden, &selection.hidden}}) {
+    for (const std::string& name : *names) {
+      layers->push_back(platform::widen(name));
+      if (cad::view::hasLayer(drawing, layers->back())) continue;
+      return fail(o.drawing + ": " + words("non c'è il layer ") + name);
+    }
+  }
+  return 0;
+}
+
 int render(const RenderOptions& o) {
   cad::view::PaintOptions paint;
   if (!formatOf(o.out, paint.format)) {
@@ -76,14 +89,7 @@ int render(const RenderOptions& o) {
   auto loaded = database.drawing().load(o.drawing, warnings);
   if (!loaded) return fail(loaded.error());
   cad::view::Selection selection;
-  for (const auto& [names, layers] :
-       {std::pair{&o.layers, &selection.layers}, std::pair{&o.hidden, &selection.hidden}}) {
-    for (const std::string& name : *names) {
-      layers->push_back(platform::widen(name));
-      if (cad::view::hasLayer(database.drawing(), layers->back())) continue;
-      return fail(o.drawing + ": " + words("non c'è il layer ") + name);
-    }
-  }
+  if (const int failed = selectLayers(o, database.drawing(), selection)) return failed;
   const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
   if (const int failed = judgePicture(picture, o.drawing)) return failed;
   auto bytes = cad::view::paint(picture, paint);

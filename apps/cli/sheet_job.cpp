@@ -10,6 +10,7 @@
 #include "platform/files.h"
 #include "platform/format.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
 namespace cli {
 namespace {
@@ -44,7 +45,7 @@ std::string today() {
     localtime_r(&now, &day);
   }
   char text[32];
-  std::strftime(text, sizeof text, italian() ? "%d/%m/%Y" : "%Y-%m-%d", &day);
+  std::strftime(text, sizeof text, platform::isItalian() ? "%d/%m/%Y" : "%Y-%m-%d", &day);
   return text;
 }
 
@@ -118,7 +119,7 @@ cad::Drawing& drawing() { return cad::Session::instance().database()->drawing();
 
 int renderPlan(vessora::Jobs& jobs, Sheet& sheet, const RenderOptions& o) {
   cad::view::Selection selection;
-  for (const std::string& name : o.layers) selection.layers.push_back(widen(name));
+  if (const int failed = selectLayers(o, drawing(), selection)) return failed;
   // Legends stand beside the plan, in a size for the paper.
   for (vessora::DrawnLegend& legend : jobs.drawnLegends()) {
     selection.without.insert(legend.id.index());

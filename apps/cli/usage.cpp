@@ -46,6 +46,7 @@ class Helps : public CLI::Formatter {
   std::string make_option_opts(const CLI::Option* option) const override {
     const std::string all = CLI::Formatter::make_option_opts(option);
     const std::string kinds[][2] = {{" INT:INT in ", " " + words("NUMERO") + " "},
+                                    {" FLOAT:FLOAT in ", " " + words("NUMERO") + " "},
                                     {" TEXT:", " " + words("TESTO") + ":"}};
     for (const auto& [parsers, own] : kinds) {
       if (all.starts_with(parsers)) return own + all.substr(parsers.size());
@@ -70,6 +71,7 @@ void nameHelps(CLI::App& app) {
   label("Needs", "Solo insieme a");
   label("TEXT", "TESTO");
   label("INT", "NUMERO");
+  label("FLOAT", "NUMERO");
   app.option_defaults()->group(words("Opzioni"));
 }
 

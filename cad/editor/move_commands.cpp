@@ -25,7 +25,7 @@ class Chosen {
   bool empty() const { return ids_.empty(); }
 
   // Changes them all and tells what became of them; what belongs to them follows.
-  void transform(const Similarity& how, const char16_t* done) {
+  void transform(const Similarity& how, const std::u16string& done) {
     std::vector<AcDbObjectId> moved;
     for (const AcDbObjectId id : ids_) {
       if (transformEntity(drawing(), id.index(), how)) {
@@ -52,18 +52,20 @@ class Chosen {
         ++unknown_[drawing().records().typeName(id.index())];
       }
     }
-    acutPrintf(u"\nOggetti copiati: %d.", made);
+    acutPrintf(platform::words(u"\nOggetti copiati: %d."), made);
     tellRest();
   }
 
  private:
   void tellLocked() const {
-    acutPrintf(u"\nOggetti su layer bloccati, lasciati come sono: %d.", locked_);
+    acutPrintf(platform::words(u"\nOggetti su layer bloccati, lasciati come sono: %d."), locked_);
   }
   void tellRest() {
     if (locked_ > 0) tellLocked();
     for (const auto& [type, count] : unknown_) {
-      acutPrintf(u"\nOggetti %s, che il comando non tratta, lasciati come sono: %d.", type, count);
+      acutPrintf(
+          platform::words(u"\nOggetti %s, che il comando non tratta, lasciati come sono: %d."),
+          type, count);
     }
     unknown_.clear();
     locked_ = 0;
@@ -81,10 +83,10 @@ bool askPoint(const AcGePoint3d* base, std::u16string_view prompt, AcGePoint3d& 
 
 // The way from a base point to a second one, or the base point itself taken as the way.
 std::optional<AcGeVector3d> askWay(AcGePoint3d& base) {
-  if (!askPoint(nullptr, u"\nPunto base: ", base)) return std::nullopt;
+  if (!askPoint(nullptr, platform::words(u"\nPunto base: "), base)) return std::nullopt;
   AcGePoint3d to;
-  const int answer =
-      acedGetPoint(&base, u"\nSecondo punto <il punto base vale come spostamento>: ", to);
+  const int answer = acedGetPoint(
+      &base, platform::words(u"\nSecondo punto <il punto base vale come spostamento>: "), to);
   if (answer == RTNONE) return AcGeVector3d(base.x, base.y, base.z);
   if (answer != RTNORM) return std::nullopt;
   return to - base;
@@ -102,11 +104,12 @@ std::optional<Amount> askAmount(std::u16string_view prompt, std::u16string_view 
       acedInitGet(1, keywords);
       const int answer = acedGetReal(text, value);
       if (answer != RTNORM || !positive || value > 0) return answer;
-      session().frontend().invalid(u"Serve un numero maggiore di zero.");
+      session().frontend().invalid(platform::words(u"Serve un numero maggiore di zero."));
     }
   };
   Amount amount;
-  int answer = ask(prompt, u"Riferimento", amount.value);
+  int answer = ask(prompt, platform::isItalian() ? u"Riferimento" : u"Reference _ Riferimento",
+                   amount.value);
   if (answer == RTKWORD) {
     amount.reference.emplace();
     answer = ask(reference, nullptr, *amount.reference);
@@ -123,7 +126,7 @@ void commandMove() {
   AcGePoint3d base;
   if (chosen.empty()) return;
   const auto way = askWay(base);
-  if (way) chosen.transform(Similarity::move(*way), u"\nOggetti spostati: %d.");
+  if (way) chosen.transform(Similarity::move(*way), platform::words(u"\nOggetti spostati: %d."));
 }
 
 void commandCopy() {
@@ -135,7 +138,8 @@ void commandCopy() {
   if (!way) return;
   chosen.copy(Similarity::move(*way));
   // More copies, until Enter.
-  while (acedGetPoint(&base, u"\nSecondo punto di un'altra copia <fine>: ", to) == RTNORM) {
+  while (acedGetPoint(&base, platform::words(u"\nSecondo punto di un'altra copia <fine>: "), to) ==
+         RTNORM) {
     chosen.copy(Similarity::move(to - base));
   }
 }
@@ -144,37 +148,40 @@ void commandScale() {
   if (!haveDrawing()) return;
   Chosen chosen;
   AcGePoint3d base;
-  if (chosen.empty() || !askPoint(nullptr, u"\nPunto base: ", base)) return;
-  const auto factor = askAmount(u"\nFattore di scala [Riferimento]: ",
-                                u"\nLunghezza di riferimento: ", u"\nNuova lunghezza: ", true);
+  if (chosen.empty() || !askPoint(nullptr, platform::words(u"\nPunto base: "), base)) return;
+  const auto factor = askAmount(platform::words(u"\nFattore di scala [Riferimento]: "),
+                                platform::words(u"\nLunghezza di riferimento: "),
+                                platform::words(u"\nNuova lunghezza: "), true);
   if (!factor) return;
   chosen.transform(Similarity::scaleAbout(base, factor->value / factor->reference.value_or(1)),
-                   u"\nOggetti scalati: %d.");
+                   platform::words(u"\nOggetti scalati: %d."));
 }
 
 void commandRotate() {
   if (!haveDrawing()) return;
   Chosen chosen;
   AcGePoint3d base;
-  if (chosen.empty() || !askPoint(nullptr, u"\nPunto base: ", base)) return;
-  const auto angle = askAmount(u"\nAngolo di rotazione, in gradi antiorari [Riferimento]: ",
-                               u"\nAngolo di riferimento: ", u"\nNuovo angolo: ", false);
+  if (chosen.empty() || !askPoint(nullptr, platform::words(u"\nPunto base: "), base)) return;
+  const auto angle = askAmount(
+      platform::words(u"\nAngolo di rotazione, in gradi antiorari [Riferimento]: "),
+      platform::words(u"\nAngolo di riferimento: "), platform::words(u"\nNuovo angolo: "), false);
   if (!angle) return;
   chosen.transform(Similarity::turnAbout(base, angle->value - angle->reference.value_or(0)),
-                   u"\nOggetti ruotati: %d.");
+                   platform::words(u"\nOggetti ruotati: %d."));
 }
 
 void commandDistance() {
   if (!haveDrawing()) return;
   AcGePoint3d from, to;
-  if (!askPoint(nullptr, u"\nPrimo punto: ", from)) return;
-  if (!askPoint(&from, u"\nSecondo punto: ", to)) return;
+  if (!askPoint(nullptr, platform::words(u"\nPrimo punto: "), from)) return;
+  if (!askPoint(&from, platform::words(u"\nSecondo punto: "), to)) return;
   const AcGeVector3d way = to - from;
   double angle = std::atan2(way.y, way.x) / kDegree;
   if (angle < 0) angle += 360;
-  acutPrintf(u"\nDistanza = %.3f, in pianta = %.3f, angolo in pianta = %.2f°", way.length(),
-             std::hypot(way.x, way.y), angle);
-  acutPrintf(u"\nDelta X = %.3f, delta Y = %.3f, delta Z = %.3f", way.x, way.y, way.z);
+  acutPrintf(platform::words(u"\nDistanza = %.3f, in pianta = %.3f, angolo in pianta = %.2f°"),
+             way.length(), std::hypot(way.x, way.y), angle);
+  acutPrintf(platform::words(u"\nDelta X = %.3f, delta Y = %.3f, delta Z = %.3f"), way.x, way.y,
+             way.z);
 }
 
 }  // namespace cad::host

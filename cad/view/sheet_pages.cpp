@@ -152,7 +152,7 @@ namespace {
 
 // The scale, and the tiles of the first layout that holds everything.
 SheetFault spread(const Picture& picture, const Sheet& sheet, SheetPages& pages) {
-  const Window box = sheet.window ? *sheet.window : boundsOf(picture).value_or(Window{0, 0, 1, 1});
+  const Window box = sheet.window ? *sheet.window : boundsOf(picture).value_or(Window{0, 0, 0, 0});
   // A second time with a key plan, which takes room, when one page is not enough.
   for (const bool keyPlan : {false, true}) {
     const SheetFrame frame = frameSheet(sheet, keyPlan);

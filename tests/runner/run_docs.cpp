@@ -188,7 +188,7 @@ class Runner {
   // What the program says of a subcommand; empty when it has none of the name.
   const std::string& helpOf(const std::string& subcommand) {
     const auto [at, fresh] = helps_.try_emplace(subcommand);
-    if (fresh && shell("vessora '" + subcommand + "' --help", ".help", "C") == 0) {
+    if (fresh && shell("vessora '" + subcommand + "' --help", ".help", "en_US.UTF-8") == 0) {
       const std::string help = output(".help");
       // Asked for the help of what it does not know, it tells that of all.
       if (help.find(" " + subcommand + " [OPTIONS]") != help.npos) at->second = help;
