@@ -83,6 +83,7 @@ class Runner {
     fs::create_directories(scratch_ / "build/release");
     fs::create_directory_symlink(bin_, scratch_ / "build/release/bin");
     fs::copy(project_ / "examples", scratch_ / "examples");
+    fs::copy(project_ / "docs/tutorial", scratch_ / "docs/tutorial");
     for (const auto& entry : fs::directory_iterator(project_ / "docs/pictures")) {
       if (entry.path().extension() == ".script") {
         fs::copy(entry.path(), scratch_ / "docs/pictures" / entry.path().filename());
