@@ -80,9 +80,10 @@ int exportNetwork(const ExportOptions& o) {
     result = job->exportNetwork(requestOf(o, picked.name, path, csvPath));
   }
   if (!result.written || (o.csv && !result.listed && !result.notices.empty())) {
-    const bool known = !result.notices.empty();
-    return fail((result.stopped ? o.drawing : o.out) + ": " +
-                (known ? describe(result.notices.back()) : words("non scritto")));
+    if (result.notices.empty()) return fail(o.out + ": " + words("non scritto"));
+    // What cannot be written is named by its notice.
+    const std::string why = describe(result.notices.back());
+    return fail(result.stopped ? o.drawing + ": " + why : why);
   }
   warn(result.notices);
   for (const epanet::Remark& remark : result.remarks) warn(describe(remark));

@@ -12,6 +12,7 @@
 #include "module/inp/inp_jobs.h"
 #include "module/inp/inp_writer.h"
 #include "module/inp/schematic_network.h"
+#include "module/inp/text_output.h"
 #include "module/network/settings_store.h"
 #include "platform/files.h"
 
@@ -36,9 +37,10 @@ void exportFull(const ExportRequest& request, ExportResult& result) {
     result.stopped = true;
     return;
   }
-  const auto saved = platform::writeFile(platform::nativePath(request.path), *text);
-  result.written = static_cast<bool>(saved);
-  if (!saved) result.notices.push_back({NoticeCode::fileNotWritten, std::u16string(request.path)});
+  auto file = TextOutput::open(request.path, result.notices);
+  if (!file) return;
+  file->write(*text);
+  result.written = file->close(result.notices) == 1;
   if (!result.written || request.csvPath.empty()) return;
   EpaNetwork network;
   Notices unheard;

@@ -21,6 +21,11 @@ void TextOutput::flush() {
   pending_.clear();
 }
 
+void TextOutput::write(std::string_view bytes) {
+  flush();
+  file_.write(bytes);
+}
+
 std::int32_t TextOutput::close(Notices& notices) {
   flush();
   if (file_.commit(false)) return 1;

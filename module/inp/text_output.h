@@ -1,4 +1,4 @@
-// A text file being written row by row from wide templates: UTF-8, lines end in LF.
+// A text file being written row by row from wide templates (UTF-8, lines end in LF), or in bytes.
 //
 // The file appears at its path as a whole when it is closed; until then, and after any failure, an
 // older file there is untouched.
@@ -27,6 +27,9 @@ class TextOutput {
     platform::appendFormat(pending_, pattern, args...);
     if (pending_.size() >= kPiece) flush();
   }
+
+  // Appends bytes as they are.
+  void write(std::string_view bytes);
 
   // 1 when every byte is on disk and the file stands at its path; else 0, with a notice.
   std::int32_t close(Notices& notices);
