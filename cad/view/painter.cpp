@@ -229,7 +229,7 @@ class Painter {
       for (std::size_t i = first; i < end; ++i) {
         const Item& item = p_.items[i];
         if (item.kind != kind || item.table != table || item.ground) continue;
-        if (kind == Kind::text && item.symbol && !table) continue;
+        if (kind == Kind::text && item.label && !table) continue;
         source(item.pen);
         if (kind == Kind::fill) fill(item, loops_[i]);
         if (kind == Kind::line) line(item);
@@ -247,10 +247,10 @@ class Painter {
     const double least = o_.format == Format::png ? kSmallestLabel : kSmallestText;
     for (std::uint32_t i = 0; i < p_.items.size(); ++i) {
       const Item& item = p_.items[i];
-      const bool label = item.symbol && !item.table && item.kind == Kind::text;
+      const bool label = item.label && !item.table && item.kind == Kind::text;
       if (label) {
         const auto set = setText(item, least);
-        if (set) wanted.push_back({set->box, set->height, item.symbol, i});
+        if (set) wanted.push_back({set->box, set->height, item.entity, i});
       } else if (item.kind == Kind::text && !item.table) {
         if (const auto set = setText(item, kSmallestText)) room.take(set->box);
       } else if (item.kind == Kind::fill && (item.ground || !item.table)) {

@@ -62,7 +62,6 @@ class Taker {
       const std::size_t before = picture_.items.size();
       const bool table = d_.record(e).type == Type::acadTable;
       if (table) table_ = ++tables_;
-      ++reference_;
       entity(
           e, [&](Styled&& p) { emit(std::move(p)); }, 0);
       if (table) underlay(before);
@@ -188,7 +187,7 @@ class Taker {
     item.endless = p.endless;
     item.pen = resolve(styled.style, l);
     item.table = table_;
-    if (inAttribute_) item.symbol = reference_;
+    item.label = inAttribute_;
     item.first = static_cast<std::uint32_t>(picture_.points.size());
     item.count = static_cast<std::uint32_t>(p.points.size());
     picture_.points.insert(picture_.points.end(), p.points.begin(), p.points.end());
@@ -340,8 +339,7 @@ class Taker {
   const std::set<std::uint32_t>&without_, &chosen_;
   Picture picture_;
   std::uint32_t tables_ = 0, table_ = 0;  // how many, and the one being taken
-  std::uint32_t reference_ = 0;           // the entity being taken
-  bool inAttribute_ = false;              // of that entity
+  bool inAttribute_ = false;              // of the entity being taken
   std::set<std::uint32_t> only_, hidden_, underWay_;
   std::vector<LayerLook> looks_;
   std::map<std::u16string, int> linetypes_;

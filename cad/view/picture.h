@@ -45,8 +45,7 @@ struct Item {
   std::uint32_t loops = 0;   // fills: number of loops, whose lengths stand in Picture::loopSizes
   std::uint32_t text = 0;    // texts: number in Picture::texts
   std::uint32_t entity = 0;  // record of the entity of the space that shows it
-  // An attribute of a symbol: the number of the symbol, from 1. The texts of one follow each other.
-  std::uint32_t symbol = 0;
+  bool label = false;        // an attribute of that entity, whose texts follow each other
   // Part of a table: its number, from 1. Tables lie over everything else, one over another, each on
   // a ground of its own, which is the fill that is its ground.
   std::uint32_t table = 0;
