@@ -106,12 +106,12 @@ int writePages(const cad::view::Picture& picture, const Sheet& sheet, const Rend
   const auto files = cad::view::paintSheet(sheet, layout);
   if (!files) return fail(o.out + ": " + files.error());
   for (std::size_t i = 0; i < paths.size(); ++i) {
-    const auto written = platform::writeFile(paths[i], (*files)[i]);
+    const auto written = platform::writeFile(paths[i], files->bytes[i]);
     if (!written) return fail(written.error());
   }
   say(words("scala ") + platform::narrow(cad::view::scaleText(layout.pages.scale)) +
       words(", fogli ") + std::to_string(layout.pages.pages.size()) +
-      (layout.leftOut > 0 ? words(", testi senza posto ") + std::to_string(layout.leftOut) : ""));
+      (files->leftOut > 0 ? words(", testi senza posto ") + std::to_string(files->leftOut) : ""));
   return 0;
 }
 

@@ -180,8 +180,9 @@ void withoutTime(cairo_surface_t* pdf) {
 
 class Painter {
  public:
-  Painter(cairo_t* cr, const Picture& picture, const PaintOptions& options, const Projection& at)
-      : cr_(cr), p_(picture), o_(options), at_(at) {}
+  Painter(cairo_t* cr, const Picture& picture, const PaintOptions& options, const Projection& at,
+          LabelsSeen* seen = nullptr)
+      : cr_(cr), p_(picture), o_(options), at_(at), seen_(seen) {}
 
   void ground() {
     groundColor();
@@ -250,7 +251,9 @@ class Painter {
       const bool label = item.label && !item.table && item.kind == Kind::text;
       if (label) {
         const auto set = setText(item, least);
-        if (set) wanted.push_back({set->box, set->height, item.entity, i});
+        if (!set) continue;
+        wanted.push_back({set->box, set->height, item.entity, i});
+        if (seen_ && isMostlyOnPage(set->box)) seen_->wanted[i] = true;
       } else if (item.kind == Kind::text && !item.table) {
         if (const auto set = setText(item, kSmallestText)) room.take(set->box);
       } else if (item.kind == Kind::fill && (item.ground || !item.table)) {
@@ -262,6 +265,7 @@ class Painter {
     }
     for (const Label& label : placeLabels(std::move(wanted), room)) {
       text(p_.items[label.item], true);
+      if (seen_) seen_->shown[label.item] = true;
     }
   }
 
@@ -269,6 +273,11 @@ class Painter {
   bool isCut(const PageBox& box) const {
     const bool inside = box.x1 >= 0 && box.y1 >= 0 && box.x2 <= at_.width && box.y2 <= at_.height;
     return !inside && box.x2 - box.x1 < at_.width / 2 && box.y2 - box.y1 < at_.height / 2;
+  }
+
+  bool isMostlyOnPage(const PageBox& box) const {
+    const double x = (box.x1 + box.x2) / 2, y = (box.y1 + box.y2) / 2;
+    return x >= 0 && y >= 0 && x <= at_.width && y <= at_.height;
   }
 
   PageBox boxOf(const Item& item) const {
@@ -425,6 +434,7 @@ class Painter {
   const Picture& p_;
   const PaintOptions& o_;
   const Projection& at_;
+  LabelsSeen* seen_;  // where to note the labels, if anywhere
   Color color_;
   bool haveColor_ = false, dashed_ = false;
   std::vector<std::size_t> loops_;  // of each item: its first number in Picture::loopSizes
@@ -434,8 +444,11 @@ class Painter {
 
 bool isEmpty(const Picture& picture) { return picture.items.empty(); }
 
-void paintPlaced(cairo_t* cr, const Picture& picture, const Placement& placement) {
-  Painter(cr, picture, {}, Projection(placement)).run();
+void paintPlaced(cairo_t* cr, const Picture& picture, const Placement& placement,
+                 LabelsSeen& seen) {
+  seen.wanted.resize(picture.items.size());
+  seen.shown.resize(picture.items.size());
+  Painter(cr, picture, {}, Projection(placement), &seen).run();
 }
 
 std::optional<Window> boundsOf(const Picture& picture, const Item& item) {

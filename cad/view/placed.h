@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <vector>
 
 #include "cad/view/painter.h"
 
@@ -21,8 +22,13 @@ struct Placement {
   double thinnest = 1;  // line, in dots
 };
 
+// Which texts beside symbols the pages had to show, and which found room on one; by item.
+struct LabelsSeen {
+  std::vector<bool> wanted, shown;
+};
+
 // Paints the plan, without a ground; what lies beyond the part is for the caller to clip.
-void paintPlaced(cairo_t* cr, const Picture& picture, const Placement& placement);
+void paintPlaced(cairo_t* cr, const Picture& picture, const Placement& placement, LabelsSeen& seen);
 
 // A colour as it is painted on white paper, where the lightest cannot be told from the ground, or
 // on a dark ground.

@@ -23,13 +23,14 @@ constexpr double kGrey = 0.45;
 // Everything on one page.
 class PagePainter {
  public:
-  PagePainter(cairo_t* cr, const Picture& picture, const Sheet& sheet, const SheetPages& pages)
+  PagePainter(cairo_t* cr, const Sheet& sheet, const SheetLayout& layout, LabelsSeen& seen)
       : cr_(cr),
         pen_(cr),
-        picture_(picture),
+        picture_(layout.picture),
         sheet_(sheet),
-        at_(pages),
-        frame_(frameSheet(sheet, pages.columns * pages.rows > 1)),
+        at_(layout.pages),
+        seen_(seen),
+        frame_(frameSheet(sheet, at_.columns * at_.rows > 1)),
         k_(sheet.paper.print) {}
 
   void paint(std::size_t page) {
@@ -87,7 +88,7 @@ class PagePainter {
     cairo_clip(cr_);
     cairo_translate(cr_, a.x, a.y);
     cairo_scale(cr_, 1 / kDotsPerMillimetre, 1 / kDotsPerMillimetre);
-    paintPlaced(cr_, picture_, placement);
+    paintPlaced(cr_, picture_, placement, seen_);
     cairo_restore(cr_);
   }
 
@@ -258,6 +259,7 @@ class PagePainter {
   const Picture& picture_;
   const Sheet& sheet_;
   const SheetPages& at_;
+  LabelsSeen& seen_;
   const SheetFrame frame_;
   const double k_;
   std::size_t page_ = 0;
@@ -303,14 +305,14 @@ void nameGroup(std::string& svg) {
 
 // Pages from `first` up to `last`, which is not among them.
 platform::Result<std::string> paintFile(const Sheet& sheet, const SheetLayout& layout,
-                                        std::size_t first, std::size_t last) {
+                                        std::size_t first, std::size_t last, LabelsSeen& seen) {
   std::string bytes;
   const Surface surface = surfaceFor(sheet, bytes);
   {
     const Context cr(cairo_create(surface.get()), cairo_destroy);
     const double dots = sheet.format == Format::png ? sheet.dpi / 25.4 : kPointsPerMillimetre;
     cairo_scale(cr.get(), dots, dots);
-    PagePainter painter(cr.get(), layout.picture, sheet, layout.pages);
+    PagePainter painter(cr.get(), sheet, layout, seen);
     for (std::size_t page = first; page < last; ++page) {
       painter.paint(page);
       cairo_show_page(cr.get());
@@ -332,15 +334,19 @@ platform::Result<std::string> paintFile(const Sheet& sheet, const SheetLayout& l
 
 }  // namespace
 
-platform::Result<std::vector<std::string>> paintSheet(const Sheet& sheet,
-                                                      const SheetLayout& layout) {
-  std::vector<std::string> files;
+platform::Result<SheetFiles> paintSheet(const Sheet& sheet, const SheetLayout& layout) {
+  SheetFiles files;
+  LabelsSeen seen;
   const std::size_t count = layout.pages.pages.size();
   const std::size_t each = sheet.format == Format::pdf ? count : 1;
   for (std::size_t first = 0; first < count; first += each) {
-    auto bytes = paintFile(sheet, layout, first, first + each);
+    auto bytes = paintFile(sheet, layout, first, first + each, seen);
     if (!bytes) return platform::Error{bytes.error()};
-    files.push_back(std::move(*bytes));
+    files.bytes.push_back(std::move(*bytes));
+  }
+  files.leftOut = layout.leftOut;
+  for (std::size_t i = 0; i < seen.wanted.size(); ++i) {
+    if (seen.wanted[i] && !seen.shown[i]) ++files.leftOut;
   }
   return files;
 }

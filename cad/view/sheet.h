@@ -89,15 +89,18 @@ struct SheetLayout {
   SheetFault fault = SheetFault::none;
   SheetPages pages;
   Picture picture;  // with its texts as they can be read at this scale
-  int leftOut = 0;  // texts that found no room
+  int leftOut = 0;  // low texts that would lie on others
 };
 inline constexpr std::size_t kMostPages = 400;
 CAD_API SheetLayout layOutSheet(const Picture& picture, const Sheet& sheet);
 
-// The bytes of the files: one of all pages as PDF, else one a page. The error says why Cairo could
-// not do it.
-CAD_API platform::Result<std::vector<std::string>> paintSheet(const Sheet& sheet,
-                                                              const SheetLayout& layout);
+// The bytes of the files: one of all pages as PDF, else one a page.
+struct SheetFiles {
+  std::vector<std::string> bytes;
+  int leftOut = 0;  // texts that found no room on any page
+};
+// The error says why Cairo could not do it.
+CAD_API platform::Result<SheetFiles> paintSheet(const Sheet& sheet, const SheetLayout& layout);
 
 // "1:2000"; above true size "5:1".
 CAD_API std::u16string scaleText(double scale);
