@@ -139,27 +139,6 @@ int mendDrawing(const DiffOptions& o, JobSpan& job, const std::u16string& networ
 
 }  // namespace
 
-std::string summaryOf(const vessora::DiffResult& diff) {
-  if (diff.items.empty()) return words("uguale al testo conservato");
-  int changed = 0, added = 0, gone = 0, renamed = 0;
-  for (const vessora::DiffItem& item : diff.items) {
-    ++(item.what == What::added || item.what == What::copied ? added
-       : item.what == What::gone                             ? gone
-       : item.what == What::renamed                          ? renamed
-                                                             : changed);
-  }
-  std::string text = words("diverso dal testo conservato:");
-  const auto part = [&](int count, const std::string& what) {
-    if (count > 0) text += " " + what + " " + std::to_string(count) + ",";
-  };
-  part(changed, words("valori"));
-  part(added, words("nuovi"));
-  part(gone, words("tolti"));
-  part(renamed, words("rinominati"));
-  text.pop_back();
-  return text;
-}
-
 int showDiff(const DiffOptions& o) {
   JobSpan job(InpMode::full);
   if (auto opened = job.open(o.drawing); !opened) return fail(opened.error());

@@ -1,22 +1,17 @@
-// What every subcommand begins with: the session, the module and its jobs.
+// What every subcommand does with the host, and how it shows that it works.
 #pragma once
 
+#include <memory>
 #include <string>
-#include <vector>
 
 #include "apps/cli/words.h"
-#include "cad/editor/session.h"
+#include "apps/program/host.h"
 
 namespace cli {
 
-// Which way INP files and results go until somebody sets VSINPMODE: in full is the way of our
-// programs, the classic one that of any other host.
-enum class InpMode { full, classic };
-
-// Points hn-cpath at the product root, makes `ui` answer, loads the module and registers its
-// commands.
-platform::Result<void> startHost(cad::ui::Frontend& ui, InpMode mode);
-void stopHost();
+using program::InpMode;
+using program::startHost;
+using program::stopHost;
 
 // Opens a drawing, "-" or an empty path being a new one; what was repaired goes to standard error.
 platform::Result<void> openDrawing(const std::string& path);

@@ -2,8 +2,8 @@
 #include <cstdio>
 
 #include "apps/cli/host.h"
-#include "apps/cli/inp_words.h"
 #include "apps/cli/jobs.h"
+#include "apps/program/inp_words.h"
 #include "epanet/network.h"
 #include "platform/files.h"
 #include "platform/text.h"

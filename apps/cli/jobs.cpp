@@ -4,8 +4,8 @@
 #include <cstdio>
 
 #include "apps/cli/host.h"
-#include "apps/cli/inp_words.h"
 #include "apps/cli/outputs.h"
+#include "apps/program/inp_words.h"
 #include "cad/ui/script_frontend.h"
 #include "platform/files.h"
 #include "platform/text.h"

@@ -1,8 +1,6 @@
 // Results of a report onto a drawing, and off it.
 #include "apps/cli/results_job.h"
 
-#include <algorithm>
-
 #include "apps/cli/outputs.h"
 #include "epanet/results.h"
 #include "platform/files.h"
@@ -47,21 +45,6 @@ std::string shortList(const std::vector<std::u16string>& times) {
          (even && step > 0 ? words(", ogni ") + epanet::timeText(step) : "");
 }
 
-// The period that is asked for, as the report writes it: "7:00" is "7:00:00" too, and in full the
-// only one need not be named. Empty where there is none.
-std::u16string wantedPeriod(const ResultsOptions& o, const vessora::ReportPeriods& periods) {
-  const std::u16string wanted = platform::widen(o.period);
-  const auto& times = periods.times;
-  if (std::find(times.begin(), times.end(), wanted) != times.end()) return wanted;
-  if (o.period.empty()) return periods.full && times.size() == 1 ? times[0] : std::u16string();
-  const std::int64_t seconds = epanet::secondsOf(o.period);
-  std::u16string found;
-  for (const std::u16string& time : times) {
-    if (seconds >= 0 && epanet::secondsOf(narrow(time)) == seconds) found = time;
-  }
-  return found;
-}
-
 // Why the wanted period cannot be taken; empty when it can.
 std::string faultOfPeriod(const ResultsOptions& o, const vessora::ReportPeriods& periods,
                           const std::u16string& found) {
@@ -74,41 +57,14 @@ std::string faultOfPeriod(const ResultsOptions& o, const vessora::ReportPeriods&
          (periods.full ? shortList(periods.times) : listed(periods.times));
 }
 
-// Why the rows should not go onto the network; empty when they may.
-std::string faultOfRows(const vessora::ReportFindings& found, const std::u16string& network) {
-  if (!found.hasRows) return describe(vessora::Notice{vessora::NoticeCode::reportWithoutRows});
-  if (found.full && found.elements > 0) {
-    return found.faults.empty() ? std::string() : describe(found.faults.front());
-  }
-  if (found.elements == 0) {
-    return words("la rete non ha elementi a cui dare risultati: ") + narrow(network);
-  }
-  if (found.missing == found.elements) {
-    return words("è il report di un'altra rete: nessun elemento vi compare di ") + narrow(network);
-  }
-  if (found.cut) {
-    return words("il report è troncato: la tabella del periodo finisce a metà") +
-           (found.missing == 0 ? ""
-                               : words("; elementi senza riga: ") + std::to_string(found.missing));
-  }
-  return {};
-}
-
-void warnOfMissing(const vessora::ReportFindings& found) {
-  if (found.missing == 0) return;
-  const bool more = found.missing > static_cast<int>(found.firstMissing.size());
-  warn(std::to_string(found.missing) + " " +
-       (found.full ? words("elementi non compaiono in questo periodo e restano senza risultati (")
-                   : words("elementi non compaiono in questo periodo del report: i loro valori "
-                           "vengono da altre righe (")) +
-       listed(found.firstMissing) + (more ? ", ...)" : ")"));
-}
-
 }  // namespace
 
 int bringResults(const ResultsOptions& o, JobSpan& job, const vessora::Report& report,
                  const vessora::ReportPeriods& periods, const std::u16string& network) {
-  const std::u16string period = wantedPeriod(o, periods);
+  // In full the only period need not be named.
+  const std::u16string period = !o.period.empty() ? program::periodOf(periods, o.period)
+                                : periods.full && periods.times.size() == 1 ? periods.times[0]
+                                                                            : std::u16string();
   if (const std::string no = faultOfPeriod(o, periods, period); !no.empty()) {
     return fail(o.report + ": " + no);
   }
@@ -118,19 +74,17 @@ int bringResults(const ResultsOptions& o, JobSpan& job, const vessora::Report& r
     const Progress progress(words("Risultati"));
     const vessora::ReportRows rows = job->rowsOf(report, period, periods.lowerCaseHrs);
     found = job->examineResults(rows, network);
-    if (const std::string no = faultOfRows(found, network); !no.empty()) {
+    if (const std::string no = faultOf(found, network); !no.empty()) {
       return fail((found.hasRows && found.elements == 0 ? o.drawing : o.report) + ": " + no);
     }
     written = job->writeResults(rows, network);
   }
   if (const int status = save(o)) return status;
-  warnOfMissing(found);
+  if (const std::string lack = lackOf(found); !lack.empty()) warn(lack);
   warn(found.remarks);
   warn(written.nodeNotices);
   warn(written.linkNotices);
-  say(narrow(network) + ": " + words("risultati su nodi") + " " + std::to_string(written.nodes) +
-      ", " + words("rami") + " " + std::to_string(written.links()) + ", " +
-      (period.empty() ? words("periodo unico") : words("periodo ") + narrow(period)));
+  say(describe(written, network, period));
   return 0;
 }
 

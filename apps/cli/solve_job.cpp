@@ -1,8 +1,8 @@
 // A drawn network solved by the real solver: written into a folder of its own, run, and the results
 // brought back onto the drawing.
-#include "apps/cli/inp_words.h"
 #include "apps/cli/outputs.h"
 #include "apps/cli/results_job.h"
+#include "apps/program/solver_words.h"
 #include "cad/editor/commands.h"
 #include "epanet/solver.h"
 #include "platform/files.h"
@@ -14,66 +14,9 @@ namespace {
 
 using epanet::SolverRun;
 using epanet::SolverSearch;
+using program::describe;
 
 constexpr std::size_t kShown = 8;
-
-// What is missing, and how to get it.
-std::string lackOf(const SolverSearch& search) {
-  using Lack = SolverSearch::Lack;
-  const std::string get = words("installare Node.js e poi: npm install --prefix ");
-  const std::string package = get + epanet::userPackageFolder() + " epanet-js@0.9.0";
-  const std::string own =
-      words("; oppure indicare un solutore EPANET con --solver o VESSORA_SOLVER");
-  switch (search.lack) {
-    case Lack::chosenIsMissing:
-      return search.name + ": " +
-             words(
-                 "non è un programma né il pacchetto epanet-js; controllare "
-                 "--solver o VESSORA_SOLVER");
-    case Lack::package:
-      return words("manca il solutore EPANET; ") + package + own;
-    case Lack::node:
-      return words("c'è il pacchetto epanet-js ma non Node.js; installarlo (apt install nodejs)");
-    case Lack::script:
-      return search.name + ": " + words("manca; reinstallare");
-    default:
-      return words("manca il solutore EPANET (runepanet); ") + package + own;
-  }
-}
-
-// The row that an error is about: the solver shows it, or it is that of the element in the file
-// that was solved.
-std::string rowOf(const epanet::SolverMessage& message, const epanet::Document& input) {
-  if (!message.row.empty() || !message.isError) return message.row;
-  for (epanet::RowId row = 0; message.inputLine > 0 && row < input.rows().size(); ++row) {
-    if (input.lineOf(row) != message.inputLine) continue;
-    epanet::Tokens tokens;
-    input.tokens(row, tokens);
-    std::string text;
-    for (int i = 0; i < tokens.count; ++i) {
-      (text += i > 0 ? " " : "") += tokens.text(i);
-    }
-    return text;
-  }
-  return {};
-}
-
-// "8:00:00 Node 5: ..." with the row.
-std::string wordsOf(const epanet::SolverMessage& message, const epanet::Document& input) {
-  std::string text;
-  if (message.isError) text += words("errore ") + std::to_string(message.code) + ": ";
-  if (!message.time.empty()) text += message.time + " ";
-  text += message.words;
-  if (!message.element.empty() && message.words.find(message.element) == std::string::npos) {
-    text += " (" + message.elementKind + " " + message.element + ")";
-  }
-  // The solver's words of an error end where the row follows.
-  if (text.ends_with(':')) text.pop_back();
-  if (const std::string row = rowOf(message, input); !row.empty()) {
-    text += words(", riga: ") + row;
-  }
-  return text;
-}
 
 // Errors and warnings of a run, on standard error; the first error is left for the program's last
 // word.
@@ -82,9 +25,9 @@ std::string tell(const SolverRun& run, const epanet::Document& input) {
   std::size_t shown = 0;
   for (const epanet::SolverMessage& message : run.messages) {
     if (message.isError && first.empty()) {
-      first = wordsOf(message, input);
+      first = describe(message, input);
     } else if (shown++ < kShown) {
-      warn("EPANET: " + wordsOf(message, input));
+      warn("EPANET: " + describe(message, input));
     }
   }
   if (shown > kShown) {
@@ -92,26 +35,6 @@ std::string tell(const SolverRun& run, const epanet::Document& input) {
          words("; sono nel report (--keep)"));
   }
   return first;
-}
-
-std::string faultOf(const SolverRun& run, const std::string& firstError) {
-  switch (run.end) {
-    case SolverRun::End::solved:
-      return {};
-    case SolverRun::End::failed:
-      return "EPANET: " + firstError;
-    case SolverRun::End::signalled:
-      return words("il solutore è stato interrotto dal segnale ") + std::to_string(run.status);
-    case SolverRun::End::cancelled:
-    case SolverRun::End::timedOut:
-      return words("il solutore è stato fermato");
-    case SolverRun::End::notStarted:
-      return words("il solutore non si può avviare; controllare --solver o VESSORA_SOLVER");
-    case SolverRun::End::noResults:
-      break;
-  }
-  return words("il solutore è finito senza risultati") +
-         (run.words.empty() ? "" : ": " + run.words.substr(0, run.words.find('\n')));
 }
 
 // Copies the files of a run to a folder of the user's, under the network's name.
@@ -168,7 +91,7 @@ int solveIn(const std::string& folder, const SolveOptions& o, JobSpan& job,
   auto input = platform::readFile(folder + "/" + epanet::kRunInput);
   const std::string firstError =
       tell(run, epanet::Document(input ? std::move(*input) : std::string()));
-  if (const std::string no = faultOf(run, firstError); !no.empty())
+  if (const std::string no = program::faultOf(run, firstError); !no.empty())
     return fail(o.drawing + ": " + no);
   ResultsOptions results;
   results.drawing = o.drawing;
@@ -202,7 +125,7 @@ int solveNetwork(const SolveOptions& o) {
   }
   const SolverSearch search =
       epanet::findSolver({.chosen = o.solver, .productRoot = cad::findInstallation().root});
-  if (!search.solver) return fail(lackOf(search));
+  if (!search.solver) return fail(program::lackOf(search));
   auto folder = platform::TemporaryFolder::make();
   if (!folder) return fail(folder.error());
   return solveIn(folder->path(), o, job, picked.name, *search.solver);

@@ -1,12 +1,13 @@
-#include "apps/cli/inp_words.h"
+#include "apps/program/inp_words.h"
 
-#include "apps/cli/words.h"
 #include "platform/text.h"
+#include "platform/words.h"
 
-namespace cli {
+namespace program {
 namespace {
 
 using epanet::Fault;
+using platform::words;
 
 struct FaultWords {
   Fault fault;
@@ -77,8 +78,6 @@ constexpr RemarkWords kRemarks[] = {
      "unità di pressione sconosciute a quella versione: vale quella propria"},
 };
 
-constexpr std::size_t kShown = 8;
-
 }  // namespace
 
 std::string describe(const epanet::Problem& problem, bool utf8) {
@@ -102,18 +101,6 @@ std::string describe(const epanet::Problem& problem, bool utf8) {
   return text;
 }
 
-void warn(const std::string& path, const std::vector<epanet::Problem>& problems, bool utf8) {
-  std::size_t shown = 0;
-  for (const epanet::Problem& problem : problems) {
-    // Nodes without coordinates are told where they have been placed.
-    if (problem.fault == Fault::noCoordinates) continue;
-    if (shown++ < kShown) warn(path + ": " + describe(problem, utf8));
-  }
-  if (shown <= kShown) return;
-  warn(path + ": " + words("altri problemi: ") + std::to_string(shown - kShown) +
-       words("; li elenca: vessora info ") + path);
-}
-
 std::string describe(const epanet::Remark& remark) {
   for (const RemarkWords& own : kRemarks) {
     if (own.what != remark.what) continue;
@@ -122,4 +109,4 @@ std::string describe(const epanet::Remark& remark) {
   return remark.text;
 }
 
-}  // namespace cli
+}  // namespace program

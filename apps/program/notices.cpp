@@ -1,8 +1,8 @@
-// What the module's jobs have found, in the program's words: what is so, and how to mend it.
-#include "apps/cli/words.h"
+// What the module's jobs have found, in the programs' words: what is so, and how to mend it.
+#include "apps/program/words.h"
 #include "platform/text.h"
 
-namespace cli {
+namespace program {
 namespace {
 
 // "{1}" stands for the notice's subject, "{2}" for the other thing that it names.
@@ -207,4 +207,4 @@ std::string describe(const vessora::Notice& notice) {
   return {};
 }
 
-}  // namespace cli
+}  // namespace program
