@@ -7,7 +7,8 @@ prepare() {
     prepare_solver
     return
   fi
-  local build=(g++ cmake ninja-build pkg-config libcli11-dev libedit-dev libcairo2-dev zlib1g-dev fonts-dejavu-core)
+  local build=(g++ cmake ninja-build pkg-config libcli11-dev libedit-dev libcairo2-dev zlib1g-dev fonts-dejavu-core
+    qt6-base-dev libqt6svg6-dev)
   local test=(libgtest-dev locales clang-format)
   local fuzz=(clang libclang-rt-dev)
   local wanted=("${build[@]}")
