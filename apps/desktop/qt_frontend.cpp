@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QClipboard>
+#include <utility>
 
 #include "apps/desktop/dialogs/run_dialog.h"
 #include "apps/desktop/text.h"
@@ -34,6 +35,7 @@ cad::ui::Pressed QtFrontend::showMessage(const cad::ui::Message& message) {
 
 std::optional<std::u16string> QtFrontend::showFileQuestion(const cad::ui::FileQuestion& question) {
   if (ended()) return std::nullopt;
+  if (!nextFile_.empty()) return std::exchange(nextFile_, {});
   return runFileQuestion(question, owner());
 }
 

@@ -21,6 +21,9 @@ class QtFrontend : public QObject, public cad::ui::Frontend {
   PromptBroker& prompts() { return prompts_; }
   void setWindow(QWidget* window) { window_ = window; }
 
+  // Answers the next question for a file, if one comes before the command has ended.
+  void setNextFile(std::u16string_view path) { nextFile_ = path; }
+
   void print(std::u16string_view text) override;
   bool ended() const override { return prompts_.abandoned(); }
   void setClipboard(std::u16string_view text) override;
@@ -43,6 +46,7 @@ class QtFrontend : public QObject, public cad::ui::Frontend {
 
   QWidget* window_;
   PromptBroker prompts_;
+  std::u16string nextFile_;
 };
 
 }  // namespace desktop

@@ -10,7 +10,7 @@ namespace cad::view {
 namespace {
 
 constexpr std::size_t kMost = 5000;  // symbols in view
-constexpr double kSmallest = 6;      // pixels of height
+constexpr double kSmallest = 5;      // pixels of height
 
 }  // namespace
 

@@ -1,0 +1,430 @@
+#include "apps/desktop/window.h"
+
+#include <QApplication>
+#include <QCloseEvent>
+#include <QDockWidget>
+#include <QDragEnterEvent>
+#include <QFileInfo>
+#include <QLabel>
+#include <QMenu>
+#include <QMenuBar>
+#include <QMessageBox>
+#include <QMimeData>
+#include <QSettings>
+#include <QStatusBar>
+#include <QTimer>
+#include <QToolBar>
+
+#include "apps/desktop/actions.h"
+#include "apps/desktop/canvas/canvas.h"
+#include "apps/desktop/docks/command_line.h"
+#include "apps/desktop/icons.h"
+#include "apps/desktop/text.h"
+#include "apps/desktop/view_file.h"
+#include "apps/program/words.h"
+#include "cad/editor/session.h"
+#include "module/jobs.h"
+#include "platform/files.h"
+#include "platform/text.h"
+
+namespace desktop {
+
+using cad::ui::Prompt;
+
+namespace {
+
+constexpr int kMostRecent = 10;
+
+cad::Session& session() { return cad::Session::instance(); }
+cad::Drawing* drawing() {
+  return session().database() ? &session().database()->drawing() : nullptr;
+}
+
+bool isDrawing(const QString& path) {
+  return QFileInfo(path).suffix().compare(QStringLiteral("dxf"), Qt::CaseInsensitive) == 0;
+}
+bool isNetwork(const QString& path) {
+  return QFileInfo(path).suffix().compare(QStringLiteral("inp"), Qt::CaseInsensitive) == 0;
+}
+
+}  // namespace
+
+Window::Window(QtFrontend& ui)
+    : ui_(ui), runner_(ui.prompts()), canvas_(new Canvas(ui.prompts(), this)) {
+  ui_.setWindow(this);
+  setCentralWidget(canvas_);
+  setAcceptDrops(true);
+  setWindowIcon(iconNamed(QStringLiteral("vessora")));
+  resize(1360, 860);
+  makeDocks();
+  makeActions();
+  makeStatusBar();
+  connect(canvas_, &Canvas::typed, commandLine_, &CommandLine::takeKey);
+  connect(canvas_, &Canvas::gripMoved, this, &Window::moveNode);
+  connect(canvas_, &Canvas::activated, this, [this](std::uint32_t record) {
+    canvas_->select({record});
+    runCommand(u"LIST");
+  });
+  connect(canvas_, &Canvas::menuWanted, this, [this](const QPoint& at) {
+    QMenu menu;
+    menu.addAction(words(u"Ripeti l'ultimo comando"), &runner_, &CommandRunner::repeat);
+    menu.addSeparator();
+    for (const char* name : {"LIST", "MOVE", "ERASE", "HNMODEPA", "extents"}) {
+      menu.addAction(actions_.value(QString::fromLatin1(name)));
+    }
+    menu.exec(at);
+  });
+  connect(canvas_, &Canvas::cursorAt, this, [this](double x, double y, double z) {
+    place_->setText(
+        QStringLiteral("%1  %2  %3").arg(x, 0, 'f', 3).arg(y, 0, 'f', 3).arg(z, 0, 'f', 2));
+  });
+  connect(&runner_, &CommandRunner::started, this, &Window::commandStarted);
+  connect(&runner_, &CommandRunner::finished, this, &Window::commandFinished);
+  connect(&ui_.prompts(), &PromptBroker::asked, this, &Window::asked);
+  restoreLayout();
+  follow();
+  canvas_->setFocus();
+}
+
+Window::~Window() { ui_.setWindow(nullptr); }
+
+// --- parts ---------------------------------------------------------------------------------------
+
+void Window::makeDocks() {
+  commandLine_ = new CommandLine(ui_, runner_, this);
+  auto* const dock = new QDockWidget(words(u"Riga di comando"), this);
+  dock->setObjectName(QStringLiteral("commandLine"));
+  dock->setWidget(commandLine_);
+  addDockWidget(Qt::BottomDockWidgetArea, dock);
+  resizeDocks({dock}, {150}, Qt::Vertical);
+  QStringList names;
+  for (const auto& [key, command] : session().commands()) names.push_back(qt(key));
+  commandLine_->setCommands(names);
+}
+
+void Window::makeStatusBar() {
+  place_ = new QLabel(this);
+  state_ = new QLabel(this);
+  statusBar()->addWidget(state_, 1);
+  statusBar()->addPermanentWidget(place_);
+}
+
+QAction* Window::addAction(const ActionRow& row, QMenu* menu) {
+  auto* const action = menu->addAction(iconNamed(QString::fromLatin1(row.icon)), words(row.text));
+  QString tip = words(row.tip);
+  if (!tip.isEmpty()) tip[0] = tip[0].toUpper();
+  if (*row.shortcut) {
+    action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
+    action->setToolTip(
+        QStringLiteral("%1 (%2)").arg(tip, action->shortcut().toString(QKeySequence::NativeText)));
+  } else {
+    action->setToolTip(tip);
+  }
+  action->setStatusTip(tip);
+  if (!row.command.empty()) {
+    const std::u16string command(row.command);
+    actions_.insert(qt(command), action);
+    connect(action, &QAction::triggered, this, [this, command] { runCommand(command); });
+  } else {
+    const QString own = QString::fromLatin1(row.own);
+    actions_.insert(own, action);
+    connect(action, &QAction::triggered, this, [this, own, action] { doOwn(own, action); });
+  }
+  return action;
+}
+
+void Window::makeActions() {
+  auto* const bar = addToolBar(words(u"Strumenti"));
+  bar->setObjectName(QStringLiteral("tools"));
+  bar->setIconSize({20, 20});
+  QHash<int, QMenu*> menus;
+  Menu last = Menu::file;
+  for (const ActionRow& row : actionRows()) {
+    QMenu*& menu = menus[static_cast<int>(row.menu)];
+    if (!menu) menu = menuBar()->addMenu(titleOf(row.menu));
+    if (row.text.empty()) {
+      menu->addSeparator();
+      continue;
+    }
+    if (std::string_view(row.own) == "recent") {
+      recent_ = menu->addMenu(words(row.text));
+      continue;
+    }
+    auto* const action = addAction(row, menu);
+    if (!row.toolBar) continue;
+    if (row.menu != last && !bar->actions().isEmpty()) bar->addSeparator();
+    last = row.menu;
+    bar->addAction(action);
+  }
+  for (const char* name : {"dark", "labels", "snap", "ortho"}) {
+    actions_.value(QString::fromLatin1(name))->setCheckable(true);
+  }
+  for (const char* name : {"dark", "labels", "snap"}) {
+    actions_.value(QString::fromLatin1(name))->setChecked(true);
+  }
+  auto* const docks = menus[static_cast<int>(Menu::view)];
+  docks->addSeparator();
+  for (QDockWidget* const dock : findChildren<QDockWidget*>())
+    docks->addAction(dock->toggleViewAction());
+  showRecent();
+}
+
+void Window::doOwn(const QString& what, QAction* action) {
+  const auto is = [&](const char* name) { return what == QLatin1String(name); };
+  if (is("extents")) return canvas_->zoomExtents();
+  if (is("window")) return zoomByWindow();
+  if (is("previous")) return canvas_->previousView();
+  if (is("in")) return canvas_->zoomBy(1.5);
+  if (is("out")) return canvas_->zoomBy(1 / 1.5);
+  if (is("plan")) return canvas_->setPlan();
+  if (is("orbit")) return canvas_->setOblique();
+  if (is("dark")) return canvas_->setDark(action->isChecked());
+  if (is("labels")) return canvas_->setLabels(action->isChecked());
+  if (is("snap")) return canvas_->setSnapping(action->isChecked());
+  if (is("ortho")) return canvas_->setOrtho(action->isChecked());
+  if (is("picture")) return savePicture();
+  if (is("print")) return print();
+  if (is("about")) return about();
+  if (is("selectAll")) return canvas_->selectAll();
+}
+
+// --- commands ------------------------------------------------------------------------------------
+
+void Window::runCommand(std::u16string_view name) {
+  answerWithSelection_ = !canvas_->selection().empty();
+  runner_.start(name);
+}
+
+void Window::commandStarted(const QString& name) {
+  state_->setText(name);
+  // What follows from a command's own dialogs and prompts is no longer the chosen objects' affair.
+  QTimer::singleShot(0, this, [this] {
+    if (!runner_.running()) answerWithSelection_ = false;
+  });
+}
+
+// The first question for objects takes those that are chosen, and the next one their end.
+void Window::asked() {
+  const Prompt* const prompt = ui_.prompts().prompt();
+  if (!prompt || prompt->kind != Prompt::Kind::selection || !answerWithSelection_) return;
+  const auto chosen = canvas_->selection();
+  if (chosen.empty() || !drawing()) {
+    answerWithSelection_ = false;
+    return ui_.prompts().enter();
+  }
+  cad::ui::Answer answer;
+  for (const std::uint32_t record : chosen)
+    answer.objects.push_back(drawing()->record(record).handle);
+  canvas_->select({});
+  ui_.prompts().answer(std::move(answer));
+}
+
+void Window::commandFinished() {
+  state_->clear();
+  answerWithSelection_ = false;
+  ui_.setNextFile({});
+  session().takeLeaks();
+  follow();
+  if (session().quitRequested()) {
+    closing_ = true;
+    close();
+  }
+}
+
+void Window::follow() {
+  cad::Drawing* const now = drawing();
+  const std::uint32_t number = now ? now->number() : 0;
+  if (number != shown_) {
+    shown_ = number;
+    canvas_->setDrawing(now);
+    rememberFile(qt(session().drawingPath()));
+  } else {
+    canvas_->refresh();
+  }
+  if (session().view.set) {
+    canvas_->zoomTo(
+        {session().view.low.x, session().view.low.y, session().view.high.x, session().view.high.y});
+    session().view.set = false;
+  }
+  actions_.value(QStringLiteral("SAVE"))->setEnabled(now && session().isModified());
+  showTitle();
+}
+
+void Window::showTitle() {
+  const QString path = qt(session().drawingPath());
+  const QString name = path.isEmpty() ? words(u"senza nome") : QFileInfo(path).fileName();
+  setWindowTitle(QStringLiteral("%1[*] - vessora").arg(name));
+  setWindowModified(session().isModified());
+  setWindowFilePath(path);
+}
+
+// --- files ---------------------------------------------------------------------------------------
+
+void Window::openFile(const QString& path) {
+  if (isNetwork(path)) return runner_.startWork([this, path] { importNow(path); });
+  ui_.setNextFile(wide(QFileInfo(path).absoluteFilePath()));
+  runner_.start(u"OPEN");
+}
+
+// As the job does it, with what the terminal's program refuses and warns of.
+void Window::importNow(const QString& path) {
+  vessora::Jobs* const jobs = vessora::Jobs::find();
+  if (!jobs) return;
+  if (!drawing()) session().newDrawing();
+  const vessora::InpFile file = jobs->openInp(wide(QFileInfo(path).absoluteFilePath()));
+  const vessora::InpFindings found = jobs->examineInp(file);
+  const std::string no =
+      found.readable ? program::faultOf(found) : program::words("non si può leggere");
+  if (!no.empty()) {
+    ui_.messageBox(
+        {u"", wide(path) + u": " + platform::widen(no), cad::ui::Icon::stop, cad::ui::Buttons::ok});
+    return;
+  }
+  drawing()->beginCommand(u"IMPINP");
+  const vessora::ImportResult result = jobs->importInp(file, found.name, std::nullopt);
+  drawing()->endCommand();
+  for (const vessora::DrawnKind& kind : result.kinds) {
+    for (const std::string& line : program::described(kind.notices))
+      commandLine_->print(qt("\n" + line));
+  }
+  commandLine_->print(qt("\n" + platform::narrow(found.name) + ": " +
+                         program::describe(jobs->network(found.name).counts) + "\n"));
+  QTimer::singleShot(0, canvas_, &Canvas::zoomExtents);
+}
+
+void Window::rememberFile(const QString& path) {
+  if (path.isEmpty()) return;
+  QSettings settings;
+  QStringList files = settings.value(QStringLiteral("recent")).toStringList();
+  files.removeAll(path);
+  files.prepend(path);
+  while (files.size() > kMostRecent) files.removeLast();
+  settings.setValue(QStringLiteral("recent"), files);
+  showRecent();
+}
+
+void Window::showRecent() {
+  recent_->clear();
+  const QStringList files = QSettings().value(QStringLiteral("recent")).toStringList();
+  for (const QString& file : files) {
+    recent_->addAction(QFileInfo(file).fileName(), this, [this, file] { openFile(file); })
+        ->setStatusTip(file);
+  }
+  recent_->setEnabled(!files.isEmpty());
+}
+
+void Window::dragEnterEvent(QDragEnterEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls()) {
+    if (isDrawing(url.toLocalFile()) || isNetwork(url.toLocalFile()))
+      return event->acceptProposedAction();
+  }
+}
+
+void Window::dropEvent(QDropEvent* event) {
+  for (const QUrl& url : event->mimeData()->urls()) {
+    const QString path = url.toLocalFile();
+    if (isDrawing(path) || isNetwork(path)) {
+      event->acceptProposedAction();
+      return openFile(path);
+    }
+  }
+}
+
+void Window::closeEvent(QCloseEvent* event) {
+  if (!closing_) {
+    // The command that runs is left first; then the user is asked about changes.
+    event->ignore();
+    runner_.start(u"QUIT");
+    return;
+  }
+  keepLayout();
+  event->accept();
+}
+
+// --- things of the window ------------------------------------------------------------------------
+
+void Window::moveNode(std::uint32_t record, double x, double y) {
+  runner_.startWork([this, record, x, y] {
+    vessora::Jobs* const jobs = vessora::Jobs::find();
+    if (!jobs || !drawing()) return;
+    drawing()->beginCommand(u"MOVE");
+    bool done = false;
+    for (const vessora::NetworkInfo& network : jobs->networks()) {
+      const vessora::ChangeResult result =
+          jobs->moveNode(network.name, drawing()->idOf(record), x, y);
+      if (!result.done()) continue;
+      done = true;
+      for (const auto* notices : {&result.notices, &result.warnings}) {
+        for (const std::string& line : program::described(*notices)) {
+          commandLine_->print(qt("\n" + line));
+        }
+      }
+      break;
+    }
+    drawing()->endCommand();
+    if (!done) statusBar()->showMessage(words(u"Non è un nodo di una rete: usare SPOSTA."), 5000);
+  });
+}
+
+void Window::zoomByWindow() {
+  runner_.startWork([this] {
+    Prompt prompt;
+    prompt.kind = Prompt::Kind::point;
+    prompt.text = platform::words(u"\nPrimo angolo: ");
+    const auto first = ui_.ask(prompt);
+    if (!first.place) return;
+    prompt.text = platform::words(u"\nAngolo opposto: ");
+    prompt.base = first.place;
+    const auto second = ui_.ask(prompt);
+    if (!second.place) return;
+    const auto &a = *first.place, &b = *second.place;
+    canvas_->zoomTo(
+        {std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)});
+  });
+}
+
+void Window::savePicture() {
+  cad::ui::FileQuestion question;
+  question.mode = cad::ui::FileQuestion::Mode::save;
+  question.title = platform::words(u"Salva immagine");
+  question.filter = platform::words(
+      u"Immagini (*.png)|*.png|Immagini SVG (*.svg)|*.svg|Documenti PDF (*.pdf)|*.pdf|");
+  const auto path = ui_.askFile(question);
+  if (!path || !drawing()) return;
+  const QString fault = writeView(*drawing(), canvas_->camera(), canvas_->isDark(), qt(*path));
+  if (!fault.isEmpty()) {
+    ui_.messageBox({u"", wide(fault), cad::ui::Icon::stop, cad::ui::Buttons::ok});
+  }
+}
+
+void Window::print() {
+  if (drawing()) printView(*drawing(), canvas_->camera(), this);
+}
+
+void Window::about() {
+  QMessageBox::about(this, words(u"Informazioni"),
+                     words(u"vessora: reti acquedottistiche nel disegno CAD."));
+}
+
+void Window::keepLayout() {
+  QSettings settings;
+  settings.setValue(QStringLiteral("geometry"), saveGeometry());
+  settings.setValue(QStringLiteral("state"), saveState());
+  settings.setValue(QStringLiteral("dark"), canvas_->isDark());
+}
+
+void Window::restoreLayout() {
+  const QSettings settings;
+  restoreGeometry(settings.value(QStringLiteral("geometry")).toByteArray());
+  restoreState(settings.value(QStringLiteral("state")).toByteArray());
+  const bool dark = settings.value(QStringLiteral("dark"), true).toBool();
+  canvas_->setDark(dark);
+  actions_.value(QStringLiteral("dark"))->setChecked(dark);
+}
+
+void Window::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) update();
+  QMainWindow::changeEvent(event);
+}
+
+}  // namespace desktop

@@ -1,0 +1,79 @@
+// The window: canvas in the middle, docks around it, menus and tool bar from the table of actions.
+#pragma once
+
+#include <QAction>
+#include <QHash>
+#include <QMainWindow>
+
+#include "apps/desktop/command_runner.h"
+#include "apps/desktop/qt_frontend.h"
+
+class QLabel;
+
+namespace desktop {
+
+class Canvas;
+class CommandLine;
+struct ActionRow;
+
+class Window : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  // `ui` answers for the session, whose host has been started.
+  explicit Window(QtFrontend& ui);
+  ~Window() override;
+
+  // Opens a drawing, or makes one of an INP file, by the extension; asks about changes before.
+  void openFile(const QString& path);
+  // Runs a command, with the chosen objects as the answer to its first question for objects.
+  void runCommand(std::u16string_view name);
+
+  Canvas& canvas() { return *canvas_; }
+  CommandLine& commandLine() { return *commandLine_; }
+  CommandRunner& runner() { return runner_; }
+  QAction* actionFor(const QString& name) const { return actions_.value(name); }
+
+ protected:
+  void closeEvent(QCloseEvent* event) override;
+  void dragEnterEvent(QDragEnterEvent* event) override;
+  void dropEvent(QDropEvent* event) override;
+  void changeEvent(QEvent* event) override;
+
+ private:
+  void makeDocks();
+  void makeActions();
+  void makeStatusBar();
+  QAction* addAction(const ActionRow& row, QMenu* menu);
+  void doOwn(const QString& what, QAction* action);
+  void commandStarted(const QString& name);
+  void commandFinished();
+  void asked();
+  // The session may have another drawing, the drawing may have changed.
+  void follow();
+  void showTitle();
+  void rememberFile(const QString& path);
+  void showRecent();
+  void moveNode(std::uint32_t record, double x, double y);
+  void zoomByWindow();
+  void savePicture();
+  void print();
+  void about();
+  void keepLayout();
+  void restoreLayout();
+  void openNow(const QString& path);
+  void importNow(const QString& path);
+
+  QtFrontend& ui_;
+  CommandRunner runner_;
+  Canvas* canvas_;
+  CommandLine* commandLine_ = nullptr;
+  QLabel* place_ = nullptr;
+  QLabel* state_ = nullptr;
+  QMenu* recent_ = nullptr;
+  QHash<QString, QAction*> actions_;
+  std::uint32_t shown_ = 0;  // number of the drawing that is shown
+  bool closing_ = false, answerWithSelection_ = false;
+};
+
+}  // namespace desktop
