@@ -123,7 +123,8 @@ void ScenePainter::paint(QImage& image, Scene& scene, const cad::Drawing* drawin
   if (drawing && look.labels) {
     const auto labels = cad::view::labelsToShow(scene, *drawing, camera, visible_);
     prepare();  // labels may have brought pens
-    for (const std::uint32_t item : labels) text(scene.items()[item]);
+    const Place world{&camera, nullptr};
+    for (const std::uint32_t item : labels) text(scene.items()[item], world, 0);
   }
   for (const std::uint32_t id : visible_) {
     const SceneThing& thing = scene.things()[id];
@@ -180,8 +181,7 @@ void ScenePainter::gatherItem(const SceneItem& item, const Place& place, QRgb co
     case Kind::fill:
       return fill(item, place, colourOf(item.pen, colour));
     case Kind::text:
-      if (!place.matrix) text(item);
-      return;
+      return text(item, place, colour);
   }
 }
 
@@ -261,9 +261,9 @@ void ScenePainter::flush() {
   for (auto& [colour, batch] : given_) draw(batch, QColor::fromRgb(colour), nullptr);
 }
 
-void ScenePainter::text(const SceneItem& item) {
+void ScenePainter::text(const SceneItem& item, const Place& place, QRgb colour) {
   const AcGePoint3d* p = scene_->points().data() + item.first;
-  const Pixel a = camera_->pixelOf(p[0]), b = camera_->pixelOf(p[1]), c = camera_->pixelOf(p[2]);
+  const Pixel a = place(p[0]), b = place(p[1]), c = place(p[2]);
   const double height = std::hypot(c.x - a.x, c.y - a.y);
   const double unit = std::hypot(b.x - a.x, b.y - a.y);
   if (height < kSmallestText || height > 5000 || unit <= 0 || !isNear(a)) return;
@@ -278,7 +278,7 @@ void ScenePainter::text(const SceneItem& item) {
   const double up = t.vertical == 1 ? -0.25 : t.vertical == 2 ? 0.5 : t.vertical == 3 ? 1 : 0;
   painter_->save();
   painter_->setRenderHint(QPainter::Antialiasing, true);
-  painter_->setPen(colourOf(item.pen, 0));
+  painter_->setPen(colourOf(item.pen, colour));
   painter_->setFont(font);
   painter_->translate(point(a));
   const bool level =

@@ -49,7 +49,7 @@ class ScenePainter {
   void gatherItem(const cad::view::SceneItem& item, const Place& place, QRgb colour);
   void gatherLine(const cad::view::SceneItem& item, const Place& place, Batch& batch);
   void fill(const cad::view::SceneItem& item, const Place& place, const QColor& colour);
-  void text(const cad::view::SceneItem& item);
+  void text(const cad::view::SceneItem& item, const Place& place, QRgb colour);
   void flush();
   Batch& batchOf(std::uint32_t pen, QRgb colour);
   QColor colourOf(std::uint32_t pen, QRgb given) const;
