@@ -59,13 +59,16 @@ std::uint32_t Scene::thingOf(std::uint32_t record) const {
 void Scene::clear() { *this = Scene(); }
 
 std::optional<Window> Scene::bounds() const {
+  if (boundsKnown_) return bounds_;
+  boundsKnown_ = true;
   Window all = kNothing;
   for (const SceneThing& t : things_) {
     if (t.record == 0 || t.endless || t.box.x1 > t.box.x2) continue;
     all = {std::min(all.x1, t.box.x1), std::min(all.y1, t.box.y1), std::max(all.x2, t.box.x2),
            std::max(all.y2, t.box.y2)};
   }
-  return all.x1 <= all.x2 ? std::optional(all) : std::nullopt;
+  bounds_ = all.x1 <= all.x2 ? std::optional(all) : std::nullopt;
+  return bounds_;
 }
 
 // --- following the drawing -----------------------------------------------------------------------
@@ -120,6 +123,7 @@ bool Scene::update(const Drawing& drawing) {
       if (!seen[i] && things_[i].record != 0) free(i);
     }
   }
+  boundsKnown_ = false;
   number_ = drawing.number();
   revision_ = history.revision();
   definitions_ = history.definitions();

@@ -119,6 +119,8 @@ class CAD_API Scene {
   std::vector<Pen> pens_;
   std::vector<SceneSymbol> symbols_;
   std::vector<AcGeMatrix3d> matrices_;
+  mutable std::optional<Window> bounds_;
+  mutable bool boundsKnown_ = false;
   std::size_t garbage_ = 0;  // points of things that are no more
   SceneIndex index_;
   double low_ = 0, high_ = 0;

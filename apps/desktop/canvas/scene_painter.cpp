@@ -103,6 +103,9 @@ void ScenePainter::paint(QImage& image, Scene& scene, const cad::Drawing* drawin
     });
     std::sort(visible_.begin(), visible_.end());
   }
+  pixels_ = reinterpret_cast<QRgb*>(image.bits());
+  stride_ = image.bytesPerLine() / static_cast<qsizetype>(sizeof(QRgb));
+  size_ = image.size();
   QPainter painter(&image);
   painter_ = &painter;
   const auto prepare = [&] {
@@ -111,7 +114,7 @@ void ScenePainter::paint(QImage& image, Scene& scene, const cad::Drawing* drawin
       const cad::view::Color c = cad::view::shownColor(pen, look.dark);
       penColours_.push_back(qRgb(c.red, c.green, c.blue));
     }
-    batches_.assign(scene.pens().size(), {});
+    batches_.resize(scene.pens().size());
     given_.clear();
   };
   prepare();
@@ -140,6 +143,7 @@ void ScenePainter::paint(QImage& image, Scene& scene, const cad::Drawing* drawin
     flush();
   }
   painter_ = nullptr;
+  pixels_ = nullptr;
 }
 
 void ScenePainter::gather(std::uint32_t id) {
@@ -247,11 +251,7 @@ void ScenePainter::flush() {
     }
     painter_->setPen(line);
     painter_->drawLines(batch.lines);
-    painter_->setRenderHint(QPainter::Antialiasing, false);
-    painter_->setPen(QPen(colour, 2 * look_.dots, Qt::SolidLine, Qt::SquareCap));
-    if (!batch.dots.isEmpty()) {
-      painter_->drawPoints(batch.dots.constData(), static_cast<int>(batch.dots.size()));
-    }
+    drawDots(batch.dots, colour, 2 * look_.dots);
     batch.lines.clear();
     batch.dots.clear();
   };
@@ -259,6 +259,21 @@ void ScenePainter::flush() {
     draw(batches_[pen], QColor::fromRgb(penColours_[pen]), &scene_->pens()[pen]);
   }
   for (auto& [colour, batch] : given_) draw(batch, QColor::fromRgb(colour), nullptr);
+}
+
+// Squares of full pixels: there may be hundreds of thousands of them.
+void ScenePainter::drawDots(const QVector<QPointF>& dots, const QColor& colour, double size) {
+  const int side = std::max(1, static_cast<int>(std::lround(size)));
+  const QRgb rgb = colour.rgb();
+  for (const QPointF& dot : dots) {
+    const int left = static_cast<int>(std::floor(dot.x())) - side / 2,
+              top = static_cast<int>(std::floor(dot.y())) - side / 2;
+    const int right = std::min(left + side, size_.width()),
+              bottom = std::min(top + side, size_.height());
+    for (int y = std::max(top, 0); y < bottom; ++y) {
+      for (int x = std::max(left, 0); x < right; ++x) pixels_[y * stride_ + x] = rgb;
+    }
+  }
 }
 
 void ScenePainter::text(const SceneItem& item, const Place& place, QRgb colour) {

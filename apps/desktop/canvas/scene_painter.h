@@ -51,6 +51,7 @@ class ScenePainter {
   void fill(const cad::view::SceneItem& item, const Place& place, const QColor& colour);
   void text(const cad::view::SceneItem& item, const Place& place, QRgb colour);
   void flush();
+  void drawDots(const QVector<QPointF>& dots, const QColor& colour, double size);
   Batch& batchOf(std::uint32_t pen, QRgb colour);
   QColor colourOf(std::uint32_t pen, QRgb given) const;
 
@@ -64,6 +65,10 @@ class ScenePainter {
   std::vector<std::pair<QRgb, Batch>> given_;  // by colour of the moment
   std::vector<std::uint32_t> visible_;
   std::size_t drawn_ = 0;  // lines of this frame
+  // The image, for dots, which are set without the painter; null where there is none.
+  QRgb* pixels_ = nullptr;
+  qsizetype stride_ = 0;  // pixels
+  QSize size_;
 };
 
 }  // namespace desktop
