@@ -30,6 +30,8 @@ class CommandRunner : public QObject {
   void repeat();
 
   bool running() const { return running_; }
+  // One runs, or is about to.
+  bool busy() const { return running_ || next_; }
   // The command that runs, else empty.
   const QString& command() const { return command_; }
 

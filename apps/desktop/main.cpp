@@ -58,8 +58,11 @@ int main(int argc, char** argv) {
   {
     desktop::Window window(ui);
     window.show();
-    if (!arguments.positionalArguments().isEmpty())
+    if (!arguments.positionalArguments().isEmpty()) {
       window.openFile(arguments.positionalArguments().first());
+    } else if (!arguments.isSet(picture)) {
+      QTimer::singleShot(0, &window, &desktop::Window::offerRecovery);
+    }
     if (arguments.isSet(picture)) {
       QTimer::singleShot(1500, &window, [&] {
         const bool written = window.grab().save(arguments.value(picture));

@@ -10,6 +10,7 @@
 #include <QMenuBar>
 #include <QMessageBox>
 #include <QMimeData>
+#include <QPushButton>
 #include <QSettings>
 #include <QStatusBar>
 #include <QTimer>
@@ -19,6 +20,7 @@
 #include "apps/desktop/canvas/canvas.h"
 #include "apps/desktop/docks/command_line.h"
 #include "apps/desktop/icons.h"
+#include "apps/desktop/safety/recovery.h"
 #include "apps/desktop/text.h"
 #include "apps/desktop/view_file.h"
 #include "apps/program/words.h"
@@ -50,7 +52,10 @@ bool isNetwork(const QString& path) {
 }  // namespace
 
 Window::Window(QtFrontend& ui)
-    : ui_(ui), runner_(ui.prompts()), canvas_(new Canvas(ui.prompts(), this)) {
+    : ui_(ui),
+      runner_(ui.prompts()),
+      guard_([this] { return !runner_.running(); }),
+      canvas_(new Canvas(ui.prompts(), this)) {
   ui_.setWindow(this);
   setCentralWidget(canvas_);
   setAcceptDrops(true);
@@ -59,6 +64,7 @@ Window::Window(QtFrontend& ui)
   makeDocks();
   makeActions();
   makeStatusBar();
+  makeGuard();
   connect(canvas_, &Canvas::typed, commandLine_, &CommandLine::takeKey);
   connect(canvas_, &Canvas::gripMoved, this, &Window::moveNode);
   connect(canvas_, &Canvas::activated, this, [this](std::uint32_t record) {
@@ -247,6 +253,7 @@ void Window::follow() {
     session().view.set = false;
   }
   actions_.value(QStringLiteral("SAVE"))->setEnabled(now && session().isModified());
+  guard_.follow();
   showTitle();
 }
 
@@ -338,7 +345,60 @@ void Window::closeEvent(QCloseEvent* event) {
     return;
   }
   keepLayout();
+  guard_.release();
   event->accept();
+}
+
+// --- safety --------------------------------------------------------------------------------------
+
+void Window::say(const QString& text) {
+  statusBar()->showMessage(text, 15000);
+  commandLine_->print(QLatin1Char('\n') + text + QLatin1Char('\n'));
+}
+
+void Window::makeGuard() {
+  connect(&guard_, &Guard::sharedWith, this,
+          [this](const QString& program, const QString& host, qint64 process) {
+            say(words(u"Attenzione: il disegno è aperto anche in un altro programma: ") +
+                QStringLiteral("%1, %2, %3").arg(program, host).arg(process));
+          });
+  connect(&guard_, &Guard::changedOutside, this, [this](const QString& path) {
+    say(words(u"Attenzione: altri hanno modificato il file del disegno dopo l'apertura: ") + path);
+  });
+  connect(&guard_, &Guard::failed, this, [this](const QString& why) {
+    say(words(u"La copia di sicurezza non è stata scritta: ") + why);
+  });
+}
+
+void Window::offerRecovery() {
+  for (const Recovery& one : recoveries()) {
+    const QString name = one.drawing.isEmpty() ? words(u"senza nome") : one.drawing;
+    QMessageBox box(QMessageBox::Question, words(u"Recupero"),
+                    words(u"Il programma non è terminato come doveva. C'è una copia di sicurezza "
+                          u"delle modifiche:"),
+                    QMessageBox::NoButton, this);
+    QString what = name + QLatin1Char('\n') + words(u"copia del ") +
+                   QLocale().toString(one.saved.toLocalTime(), QLocale::ShortFormat);
+    if (one.drawingIsNewer)
+      what += QLatin1Char('\n') + words(u"il disegno è stato scritto ancora dopo la copia");
+    box.setInformativeText(what);
+    QPushButton* const yes = box.addButton(words(u"Recupera"), QMessageBox::AcceptRole);
+    QPushButton* const later = box.addButton(words(u"Più tardi"), QMessageBox::RejectRole);
+    QPushButton* const no = box.addButton(words(u"Elimina la copia"), QMessageBox::DestructiveRole);
+    box.setDefaultButton(yes);
+    box.setEscapeButton(static_cast<QAbstractButton*>(later));
+    box.exec();
+    const QAbstractButton* const clicked = box.clickedButton();
+    if (clicked == no) discard(one);
+    if (clicked != yes) continue;
+    const auto path = recover(one);
+    if (!path) {
+      ui_.messageBox(
+          {u"", platform::widen(path.error()), cad::ui::Icon::stop, cad::ui::Buttons::ok});
+      continue;
+    }
+    return openFile(*path);
+  }
 }
 
 // --- things of the window ------------------------------------------------------------------------

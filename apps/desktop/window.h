@@ -7,6 +7,7 @@
 
 #include "apps/desktop/command_runner.h"
 #include "apps/desktop/qt_frontend.h"
+#include "apps/desktop/safety/guard.h"
 
 class QLabel;
 
@@ -26,6 +27,8 @@ class Window : public QMainWindow {
 
   // Opens a drawing, or makes one of an INP file, by the extension; asks about changes before.
   void openFile(const QString& path);
+  // Offers the copies that a crash has left, one after another.
+  void offerRecovery();
   // Runs a command, with the chosen objects as the answer to its first question for objects.
   void runCommand(std::u16string_view name);
 
@@ -44,6 +47,8 @@ class Window : public QMainWindow {
   void makeDocks();
   void makeActions();
   void makeStatusBar();
+  void makeGuard();
+  void say(const QString& text);
   QAction* addAction(const ActionRow& row, QMenu* menu);
   void doOwn(const QString& what, QAction* action);
   void commandStarted(const QString& name);
@@ -66,6 +71,7 @@ class Window : public QMainWindow {
 
   QtFrontend& ui_;
   CommandRunner runner_;
+  Guard guard_;
   Canvas* canvas_;
   CommandLine* commandLine_ = nullptr;
   QLabel* place_ = nullptr;

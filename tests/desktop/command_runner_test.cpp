@@ -57,7 +57,7 @@ class CommandRunnerTest : public testing::Test {
   }
   void take(std::vector<Step> steps) {
     drive(
-        std::move(steps), [this] { return !runner_.running(); }, [this] { runner_.abandon(); });
+        std::move(steps), [this] { return !runner_.busy(); }, [this] { runner_.abandon(); });
   }
 
   QtFrontend ui_;

@@ -1,0 +1,197 @@
+// The window as a user works in it: real events on its widgets, commands of host and module.
+#include "apps/desktop/window.h"
+
+#include <gtest/gtest.h>
+
+#include <QDir>
+#include <QDragEnterEvent>
+#include <QFile>
+#include <QMimeData>
+#include <QSignalSpy>
+#include <QTemporaryDir>
+#include <QTest>
+#include <QUrl>
+
+#include "apps/desktop/canvas/canvas.h"
+#include "apps/desktop/docks/command_line.h"
+#include "apps/desktop/text.h"
+#include "apps/program/host.h"
+#include "cad/editor/session.h"
+#include "module/jobs.h"
+#include "platform/text.h"
+#include "tests/desktop/drive.h"
+
+namespace desktop {
+namespace {
+
+class WindowTest : public testing::Test {
+ protected:
+  void SetUp() override {
+    qputenv("VESSORA_RECOVERY", folder_.filePath(QStringLiteral("kept")).toUtf8());
+    const auto started = program::startHost(ui_, program::InpMode::full);
+    ASSERT_TRUE(started) << started.error();
+    cad::Session::instance().newDrawing();
+    window_ = std::make_unique<Window>(ui_);
+    window_->resize(1200, 800);
+    window_->show();
+    ASSERT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
+  }
+  void TearDown() override {
+    window_.reset();
+    program::stopHost();
+  }
+
+  static cad::Drawing& drawing() { return cad::Session::instance().database()->drawing(); }
+  static vessora::Jobs& jobs() { return *vessora::Jobs::find(); }
+  // Waits for nothing to run, taking steps meanwhile.
+  void take(std::vector<Step> steps = {}) {
+    drive(
+        std::move(steps), [this] { return !window_->runner().busy(); },
+        [this] { window_->runner().abandon(); });
+  }
+  void dropFile(const QString& path) {
+    QMimeData data;
+    data.setUrls({QUrl::fromLocalFile(path)});
+    QDragEnterEvent enter(QPoint(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window_.get(), &enter);
+    EXPECT_TRUE(enter.isAccepted());
+    QDropEvent event(QPointF(100, 100), Qt::CopyAction, &data, Qt::LeftButton, Qt::NoModifier);
+    QApplication::sendEvent(window_.get(), &event);
+  }
+  void importBorgo() {
+    dropFile(QStringLiteral(VESSORA_EXAMPLES "borgo.inp"));
+    take();
+    QTest::qWait(20);
+  }
+  // A question whose text has these words.
+  Step asked(std::u16string_view text, std::function<void()> act) {
+    return {platform::narrow(text),
+            [this, text] {
+              const cad::ui::Prompt* const prompt = ui_.prompts().prompt();
+              return prompt && prompt->text.find(text) != prompt->text.npos;
+            },
+            std::move(act)};
+  }
+  // The entity that bears a name, and the place of its symbol.
+  std::uint32_t symbolOf(std::u16string_view name) {
+    for (const auto& network : jobs().networks()) {
+      for (const std::uint32_t e : drawing().index().allInSpace()) {
+        const auto element = jobs().readElement(network.name, drawing().idOf(e));
+        if (!element || drawing().record(e).type != cad::Type::insert) continue;
+        const bool is =
+            std::visit([&](const auto& r) { return r.id.str() == name; }, element->record);
+        if (is) return e;
+      }
+    }
+    return 0;
+  }
+  AcGePoint3d placeOf(std::uint32_t record) {
+    cad::view::Scene& scene = canvas().scene();
+    return scene.matrices()[scene.things()[scene.thingOf(record)].matrix] * AcGePoint3d();
+  }
+  QPoint pixelOf(const AcGePoint3d& p) {
+    const cad::view::Pixel at = canvas().camera().pixelOf(p);
+    return {static_cast<int>(std::lround(at.x)), static_cast<int>(std::lround(at.y))};
+  }
+  Canvas& canvas() { return window_->canvas(); }
+
+  QTemporaryDir folder_;
+  QtFrontend ui_;
+  std::unique_ptr<Window> window_;
+};
+
+TEST_F(WindowTest, AnInpFileIsDroppedANodeIsDraggedAndAllIsTakenBack) {
+  importBorgo();
+  ASSERT_EQ(jobs().networks().size(), 1U);
+  EXPECT_EQ(jobs().network(u"borgo").counts.junctions, 34);
+  EXPECT_TRUE(window_->isWindowModified());
+
+  const std::uint32_t node = symbolOf(u"MERCATO");
+  ASSERT_NE(node, 0U);
+  const AcGePoint3d before = placeOf(node);
+  const QPoint from = pixelOf(before), to = from + QPoint(31, -22);
+  QTest::mouseMove(&canvas(), from);
+  QTest::mouseClick(&canvas(), Qt::LeftButton, {}, from);
+  ASSERT_EQ(canvas().selection(), std::vector<std::uint32_t>{node});
+  const AcGePoint3d aim = canvas().camera().worldOf({double(to.x()), double(to.y())});
+  QTest::mousePress(&canvas(), Qt::LeftButton, {}, from);
+  QTest::mouseMove(&canvas(), from + QPoint(15, -10));
+  QTest::mouseMove(&canvas(), to);
+  QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, to);
+  take();
+  EXPECT_NEAR(placeOf(node).x, aim.x, 1e-6);
+  EXPECT_NEAR(placeOf(node).y, aim.y, 1e-6);
+
+  window_->actionFor(QStringLiteral("UNDO"))->trigger();
+  take();
+  EXPECT_NEAR(placeOf(node).x, before.x, 1e-9);
+  window_->actionFor(QStringLiteral("UNDO"))->trigger();
+  take();
+  EXPECT_TRUE(jobs().networks().empty());
+}
+
+TEST_F(WindowTest, KeysAndClicksAnswerTheQuestionsOfACommand) {
+  importBorgo();
+  const AcGePoint3d a = placeOf(symbolOf(u"MERCATO")), b = placeOf(symbolOf(u"STAZIONE"));
+  // Typed on the canvas: the keys go to the command line.
+  QTest::keyClicks(&canvas(), QStringLiteral("misura"));
+  QTest::keyClick(&canvas(), Qt::Key_Space);
+  take({asked(u"rimo punto",
+              [&] {
+                // A little beside: it snaps to the node.
+                QTest::mouseMove(&canvas(), pixelOf(a) + QPoint(4, 3));
+                QTest::mouseClick(&canvas(), Qt::LeftButton, {}, pixelOf(a) + QPoint(4, 3));
+              }),
+        asked(u"econdo punto", [&] {
+          QTest::mouseMove(&canvas(), pixelOf(b));
+          QTest::mouseClick(&canvas(), Qt::LeftButton, {}, pixelOf(b));
+        })});
+  const double length =
+      std::sqrt((b - a).x * (b - a).x + (b - a).y * (b - a).y + (b - a).z * (b - a).z);
+  const QString text = qt(platform::format(u"%.3f", length));
+  EXPECT_TRUE(window_->commandLine().history().contains(text))
+      << utf8(window_->commandLine().history()) << "\n"
+      << utf8(text);
+}
+
+TEST_F(WindowTest, ChosenObjectsAnswerACommandAndEscLeavesIt) {
+  importBorgo();
+  const std::uint32_t node = symbolOf(u"ARTIGIANI_3");
+  const std::size_t before = drawing().index().allInSpace().size();
+  canvas().select({node});
+  window_->actionFor(QStringLiteral("ERASE"))->trigger();
+  take();
+  EXPECT_EQ(drawing().index().allInSpace().size(), before - 1);
+  EXPECT_TRUE(canvas().selection().empty());
+  window_->actionFor(QStringLiteral("MOVE"))->trigger();
+  take({asked(u"elezionare oggetti", [&] { QTest::keyClick(&canvas(), Qt::Key_Escape); })});
+  EXPECT_FALSE(window_->runner().running());
+}
+
+TEST_F(WindowTest, ADrawingIsSavedOpenedAgainAndShowsTheSame) {
+  importBorgo();
+  const QString path = folder_.filePath(QStringLiteral("borgo.dxf"));
+  ui_.setNextFile(wide(path));
+  window_->actionFor(QStringLiteral("SAVEAS"))->trigger();
+  take();
+  ASSERT_TRUE(QFile::exists(path));
+  EXPECT_FALSE(window_->isWindowModified());
+  EXPECT_TRUE(window_->windowTitle().contains(QStringLiteral("borgo.dxf")));
+  const std::size_t things = canvas().scene().index().size();
+  cad::Session::instance().newDrawing();
+  window_->openFile(path);
+  take();
+  EXPECT_EQ(canvas().scene().index().size(), things);
+  EXPECT_EQ(jobs().networks().size(), 1U);
+}
+
+TEST_F(WindowTest, ClosingLeavesTheRunningCommandFirst) {
+  QTest::keyClicks(&canvas(), QStringLiteral("misura"));
+  QTest::keyClick(&canvas(), Qt::Key_Return);
+  take({asked(u"rimo punto", [&] { window_->close(); })});
+  take();
+  EXPECT_FALSE(window_->isVisible());
+}
+
+}  // namespace
+}  // namespace desktop
