@@ -2,6 +2,7 @@
 // be cut by the page's edge, is better left out than made unreadable with its neighbour.
 #pragma once
 
+#include <algorithm>
 #include <cstdint>
 #include <vector>
 
@@ -10,6 +11,12 @@ namespace cad::view {
 // In dots of the page.
 struct PageBox {
   double x1 = 0, y1 = 0, x2 = 0, y2 = 0;
+
+  // Holds nothing until it grows.
+  static PageBox empty() { return {1e300, 1e300, -1e300, -1e300}; }
+  void grow(double x, double y) {
+    *this = {std::min(x1, x), std::min(y1, y), std::max(x2, x), std::max(y2, y)};
+  }
 };
 
 // The taken parts of a page, in a grid of cells.

@@ -11,162 +11,15 @@
 #include <vector>
 
 #include "cad/view/labels.h"
+#include "cad/view/page_texts.h"
 #include "cad/view/placed.h"
-#include "platform/text.h"
+#include "cad/view/projection.h"
 
 namespace cad::view {
 namespace {
 
-constexpr double kMargin = 0.03;       // of the larger side
-constexpr double kCapHeight = 0.73;    // of the em, in the fonts at hand
-constexpr double kLargestText = 1e12;  // square pixels of an em
-constexpr double kSmallestText = 1.6;  // pixels: below that letters are dust
-constexpr double kSmallestLabel = 5;   // below that nobody reads what stands beside a symbol
-constexpr double kSmallFill = 60;      // from there on it is no part of a symbol
-
-struct Spot {
-  double x = 0, y = 0;
-};
-
-// From the world to the page.
-class Projection {
- public:
-  Projection(const Picture& picture, const PaintOptions& options)
-      : iso_(options.view == View::isometric) {
-    double low[2] = {1e300, 1e300}, high[2] = {-1e300, -1e300};
-    const auto grow = [&](Spot s) {
-      low[0] = std::min(low[0], s.x);
-      low[1] = std::min(low[1], s.y);
-      high[0] = std::max(high[0], s.x);
-      high[1] = std::max(high[1], s.y);
-    };
-    if (options.window && !iso_) {
-      grow({options.window->x1, options.window->y1});
-      grow({options.window->x2, options.window->y2});
-    } else {
-      for (const Item& item : picture.items) growItem(picture, item, grow);
-    }
-    if (low[0] > high[0]) low[0] = low[1] = 0, high[0] = high[1] = 1;
-    double w = high[0] - low[0], h = high[1] - low[1];
-    const double margin = std::max({w, h, 1e-6}) * kMargin;
-    w = std::max(w + 2 * margin, 1e-6);
-    h = std::max(h + 2 * margin, 1e-6);
-    width = options.width;
-    height = std::clamp(std::ceil(width * h / w), width / 4, width * 1.5);
-    scale = std::min(width / w, height / h);
-    left_ = (low[0] + high[0]) / 2 - width / scale / 2;
-    top_ = (low[1] + high[1]) / 2 + height / scale / 2;
-  }
-
-  explicit Projection(const Placement& at)
-      : width(at.width),
-        height(at.height),
-        scale(at.scale),
-        thinnest(at.thinnest),
-        left_(at.left),
-        top_(at.top) {}
-
-  Spot operator()(const AcGePoint3d& p) const {
-    const Spot s = flat(p);
-    return {(s.x - left_) * scale, (top_ - s.y) * scale};
-  }
-
-  double width = 0, height = 0, scale = 1;
-  double thinnest = 1;  // line
-
-  // Hands over what an item reaches.
-  template <class Grow>
-  void growItem(const Picture& picture, const Item& item, Grow&& grow) const {
-    if (item.endless || isPointless(picture, item)) return;
-    if (item.kind == Kind::text) return growText(picture, item, grow);
-    for (std::uint32_t i = 0; i < item.count; ++i) {
-      const AcGePoint3d& p = picture.points[item.first + i];
-      if (std::isfinite(p.x) && std::isfinite(p.y) && std::fabs(p.x) < 1e15 &&
-          std::fabs(p.y) < 1e15)
-        grow(flat(p));
-    }
-  }
-
- private:
-  // A line of no length, which shows nothing wherever it stands.
-  static bool isPointless(const Picture& picture, const Item& item) {
-    if (item.kind != Kind::line) return false;
-    const AcGePoint3d& first = picture.points[item.first];
-    for (std::uint32_t i = 1; i < item.count; ++i) {
-      const AcGePoint3d& p = picture.points[item.first + i];
-      if (p.x != first.x || p.y != first.y || p.z != first.z) return false;
-    }
-    return true;
-  }
-
-  // A text reaches as far as its letters do, by an average of their width.
-  template <class Grow>
-  void growText(const Picture& picture, const Item& item, Grow&& grow) const {
-    const AcGePoint3d& a = picture.points[item.first];
-    const AcGeVector3d x = picture.points[item.first + 1] - a,
-                       y = picture.points[item.first + 2] - a;
-    const Text& t = picture.texts[item.text];
-    const double length = 0.85 * static_cast<double>(t.text.size());
-    const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
-    for (const double end : {-along * length, (1 - along) * length}) {
-      for (const double side : {-0.3, 1.1}) grow(flat(a + x * end + y * side));
-    }
-  }
-
-  Spot flat(const AcGePoint3d& p) const {
-    if (!iso_) return {p.x, p.y};
-    return {(p.x - p.y) / std::sqrt(2.0),
-            (p.x + p.y) / std::sqrt(6.0) + p.z * std::sqrt(2.0 / 3.0)};
-  }
-  bool iso_ = false;
-  double left_ = 0, top_ = 0;
-};
-
-}  // namespace
-
-namespace {
-
-// How bright a part of a colour shines, and back.
-double shining(double part) {
-  return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
-}
-double shown(double light) {
-  return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
-}
-
-}  // namespace
-
-Shade shownOn(const Color& c, bool dark) {
-  // Thin lines and letters need a third of the contrast of black on white, or nearly: what is
-  // brighter keeps its hue and is dimmed.
-  constexpr double kBrightestOnWhite = 0.25, kDarkestOnDark = 0.18;
-  double r = shining(c.red / 255.0), g = shining(c.green / 255.0), b = shining(c.blue / 255.0);
-  const double light = 0.2126 * r + 0.7152 * g + 0.0722 * b;
-  if (!dark && light > kBrightestOnWhite) {
-    const double f = kBrightestOnWhite / light;
-    r *= f, g *= f, b *= f;
-  }
-  if (dark && light < kDarkestOnDark) {
-    const double lift = (kDarkestOnDark - light) / (1 - light);
-    r += (1 - r) * lift, g += (1 - g) * lift, b += (1 - b) * lift;
-  }
-  return {shown(r), shown(g), shown(b)};
-}
-
-std::u16string wholeCharacters(std::u16string text) {
-  for (std::size_t i = 0; i < text.size(); ++i) {
-    if ((text[i] & 0xF800) != 0xD800) continue;
-    const bool pair = text[i] < 0xDC00 && i + 1 < text.size() && (text[i + 1] & 0xFC00) == 0xDC00;
-    if (pair) {
-      ++i;
-    } else {
-      text[i] = u'\uFFFD';
-    }
-  }
-  return text;
-}
-
-namespace {
+constexpr double kSmallestLabel = 5;  // below that nobody reads what stands beside a symbol
+constexpr double kSmallFill = 60;     // from there on it is no part of a symbol
 
 cairo_status_t append(void* closure, const unsigned char* data, unsigned int length) {
   static_cast<std::string*>(closure)->append(reinterpret_cast<const char*>(data), length);
@@ -182,7 +35,7 @@ class Painter {
  public:
   Painter(cairo_t* cr, const Picture& picture, const PaintOptions& options, const Projection& at,
           LabelsSeen* seen = nullptr)
-      : cr_(cr), p_(picture), o_(options), at_(at), seen_(seen) {}
+      : cr_(cr), p_(picture), o_(options), at_(at), texts_(cr, picture, at), seen_(seen) {}
 
   void ground() {
     groundColor();
@@ -250,12 +103,12 @@ class Painter {
       const Item& item = p_.items[i];
       const bool label = item.label && !item.table && item.kind == Kind::text;
       if (label) {
-        const auto set = setText(item, least);
+        const auto set = texts_.set(item, least);
         if (!set) continue;
         wanted.push_back({set->box, set->height, item.entity, i});
         if (seen_ && isMostlyOnPage(set->box)) seen_->wanted[i] = true;
       } else if (item.kind == Kind::text && !item.table) {
-        if (const auto set = setText(item, kSmallestText)) room.take(set->box);
+        if (const auto set = texts_.set(item, kSmallestText)) room.take(set->box);
       } else if (item.kind == Kind::fill && (item.ground || !item.table)) {
         const PageBox box = boxOf(item);
         const double size = std::max(box.x2 - box.x1, box.y2 - box.y1);
@@ -281,13 +134,12 @@ class Painter {
   }
 
   PageBox boxOf(const Item& item) const {
-    PageBox box{1e300, 1e300, -1e300, -1e300};
-    for (std::uint32_t i = 0; i < item.count; ++i) grow(box, spot(item.first + i));
+    PageBox box = PageBox::empty();
+    for (std::uint32_t i = 0; i < item.count; ++i) {
+      const Spot s = spot(item.first + i);
+      box.grow(s.x, s.y);
+    }
     return box;
-  }
-  static void grow(PageBox& box, Spot s) {
-    box = {std::min(box.x1, s.x), std::min(box.y1, s.y), std::max(box.x2, s.x),
-           std::max(box.y2, s.y)};
   }
 
   Spot spot(std::uint32_t i) const { return at_(p_.points[i]); }
@@ -367,53 +219,8 @@ class Painter {
     cairo_fill(cr_);
   }
 
-  // A text ready to be shown.
-  struct SetText {
-    std::string utf8;
-    cairo_matrix_t matrix;
-    Spot at;
-    double height;
-    PageBox box;
-  };
-
-  // Nothing for one that is off the page, smaller than `least` or seen from its edge.
-  std::optional<SetText> setText(const Item& item, double least) const {
-    const Spot a = spot(item.first), b = spot(item.first + 1), c = spot(item.first + 2);
-    const Spot x{b.x - a.x, b.y - a.y}, y{c.x - a.x, c.y - a.y};
-    SetText set;
-    set.height = std::hypot(y.x, y.y);
-    if (set.height < least || a.x < -2000 || a.y < -2000 || a.x > at_.width + 2000 ||
-        a.y > at_.height + 2000) {
-      return std::nullopt;
-    }
-    const Text& t = p_.texts[item.text];
-    const double lean = std::tan(t.oblique);
-    cairo_matrix_t& m = set.matrix;
-    cairo_matrix_init(&m, x.x / kCapHeight, x.y / kCapHeight, -(y.x + x.x * lean) / kCapHeight,
-                      -(y.y + x.y * lean) / kCapHeight, 0, 0);
-    // Seen from its edge, or of a size that no number holds.
-    const double area = std::fabs(m.xx * m.yy - m.xy * m.yx);
-    if (!(area >= 1e-6 && area < kLargestText)) return std::nullopt;
-    cairo_set_font_matrix(cr_, &m);
-    set.utf8 = platform::narrow(wholeCharacters(t.text));
-    cairo_text_extents_t extents;
-    cairo_text_extents(cr_, set.utf8.c_str(), &extents);
-    const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
-    const double up = t.vertical == 1 ? -0.25 : t.vertical == 2 ? 0.5 : t.vertical == 3 ? 1 : 0;
-    set.at = {a.x - extents.x_advance * along - y.x * up,
-              a.y - extents.y_advance * along - y.y * up};
-    set.box = {1e300, 1e300, -1e300, -1e300};
-    for (const double end : {0.0, 1.0}) {
-      for (const double side : {-0.05, 1.05}) {
-        grow(set.box, {set.at.x + extents.x_advance * end + y.x * side,
-                       set.at.y + extents.y_advance * end + y.y * side});
-      }
-    }
-    return set;
-  }
-
   void text(const Item& item, bool halo = false) {
-    const auto set = setText(item, kSmallestText);
+    const auto set = texts_.set(item, kSmallestText);
     if (!set) return;
     cairo_set_font_matrix(cr_, &set->matrix);
     if (halo) {
@@ -434,6 +241,7 @@ class Painter {
   const Picture& p_;
   const PaintOptions& o_;
   const Projection& at_;
+  const PageTexts texts_;
   LabelsSeen* seen_;  // where to note the labels, if anywhere
   Color color_;
   bool haveColor_ = false, dashed_ = false;

@@ -2,6 +2,7 @@
 #include <cmath>
 
 #include "cad/view/picture.h"
+#include "cad/view/placed.h"
 
 namespace cad::view {
 namespace {
@@ -17,6 +18,14 @@ Color fromHue(double hue, double saturation, double value) {
       {{value, t, p}, {q, value, p}, {p, value, t}, {p, q, value}, {t, p, value}, {value, p, q}}};
   const auto& c = parts[static_cast<std::size_t>(sector)];
   return {level(c[0]), level(c[1]), level(c[2])};
+}
+
+// How bright a part of a colour shines, and back.
+double shining(double part) {
+  return part <= 0.04045 ? part / 12.92 : std::pow((part + 0.055) / 1.055, 2.4);
+}
+double shown(double light) {
+  return light <= 0.0031308 ? light * 12.92 : 1.055 * std::pow(light, 1 / 2.4) - 0.055;
 }
 
 }  // namespace
@@ -38,6 +47,23 @@ Color indexedColor(int index, bool darkGround) {
     return {g, g, g};
   }
   return fromHue((index / 10 - 1) * 15.0, index % 2 ? 0.5 : 1.0, kBrightness[index % 10 / 2]);
+}
+
+Shade shownOn(const Color& c, bool dark) {
+  // Thin lines and letters need a third of the contrast of black on white, or nearly: what is
+  // brighter keeps its hue and is dimmed.
+  constexpr double kBrightestOnWhite = 0.25, kDarkestOnDark = 0.18;
+  double r = shining(c.red / 255.0), g = shining(c.green / 255.0), b = shining(c.blue / 255.0);
+  const double light = 0.2126 * r + 0.7152 * g + 0.0722 * b;
+  if (!dark && light > kBrightestOnWhite) {
+    const double f = kBrightestOnWhite / light;
+    r *= f, g *= f, b *= f;
+  }
+  if (dark && light < kDarkestOnDark) {
+    const double lift = (kDarkestOnDark - light) / (1 - light);
+    r += (1 - r) * lift, g += (1 - g) * lift, b += (1 - b) * lift;
+  }
+  return {shown(r), shown(g), shown(b)};
 }
 
 }  // namespace cad::view
