@@ -168,7 +168,11 @@ class PagePainter {
     pen_.color(0.82, 0.82, 0.82);
     pen_.fill(tile(page()));
     pen_.color(kGrey, kGrey, kGrey);
+    cairo_save(cr_);
+    cairo_rectangle(cr_, left, top, wide * scale, tall * scale);  // of a window there is more
+    cairo_clip(cr_);
     courses(left, top, scale);
+    cairo_restore(cr_);
     pen_.color(0, 0, 0);
     for (std::size_t i = 0; i < at_.pages.size(); ++i) {
       const Box b = tile(at_.pages[i]);

@@ -114,6 +114,23 @@ TEST(Sheet, PagesCoverEverythingAndNoneIsEmpty) {
             static_cast<std::size_t>(few.pages.columns + few.pages.rows - 1));
 }
 
+TEST(Sheet, WhatLiesBeyondTheWindowIsOnNoPageNorOnTheKeyPlan) {
+  const auto pages = [](bool beyond) {
+    Picture p;
+    addLine(p, {{0, 0, 0}, {500, 300, 0}});
+    if (beyond) addLine(p, {{-3000, 600, 0}, {3000, 590, 0}});
+    if (beyond) addLine(p, {{-200, -3000, 0}, {-200, 3000, 0}});
+    Sheet sheet = lying("A4", 1000);
+    sheet.window = Window{0, 0, 500, 300};
+    sheet.format = Format::png;
+    sheet.dpi = 50;
+    const auto files = paintSheet(sheet, layOutSheet(p, sheet));
+    return files ? files->bytes : std::vector<std::string>{};
+  };
+  EXPECT_GT(pages(false).size(), 3U);
+  EXPECT_EQ(pages(true), pages(false));
+}
+
 TEST(Sheet, WhatNoSheetHoldsIsRefused) {
   Picture p;
   addLine(p, {{0, 0, 0}, {50000, 50000, 0}});
