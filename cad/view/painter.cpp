@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-#include "cad/view/labels.h"
+#include "cad/view/page_labels.h"
 #include "cad/view/page_texts.h"
 #include "cad/view/placed.h"
 #include "cad/view/projection.h"
@@ -62,7 +62,7 @@ class Painter {
       while (i < p_.items.size() && p_.items[i].table == table) ++i;
       if (!table) continue;
       const Item& ground = p_.items[i - 1];
-      if (!ground.ground || !isCut(boxOf(ground))) paint(first, i, table);
+      if (!ground.ground || !isCut(boxOf(ground), at_)) paint(first, i, table);
     }
   }
 
@@ -93,55 +93,16 @@ class Painter {
     }
   }
 
-  // The texts of symbols that find room beside tables, other texts and the dark parts of symbols.
-  // Lines under them stop short of their letters.
+  // The texts of symbols that find room. Lines under them stop short of their letters.
   void labels() {
-    PageRoom room(at_.width, at_.height);
-    std::vector<Label> wanted;
     const double least = o_.format == Format::png ? kSmallestLabel : kSmallestText;
-    for (std::uint32_t i = 0; i < p_.items.size(); ++i) {
-      const Item& item = p_.items[i];
-      const bool label = item.label && !item.table && item.kind == Kind::text;
-      if (label) {
-        const auto set = texts_.set(item, least);
-        if (!set) continue;
-        wanted.push_back({set->box, set->height, item.entity, i});
-        if (seen_ && isMostlyOnPage(set->box)) seen_->wanted[i] = true;
-      } else if (item.kind == Kind::text && !item.table) {
-        if (const auto set = texts_.set(item, kSmallestText)) room.take(set->box);
-      } else if (item.kind == Kind::fill && (item.ground || !item.table)) {
-        const PageBox box = boxOf(item);
-        const double size = std::max(box.x2 - box.x1, box.y2 - box.y1);
-        const bool ofSymbol = size >= kSmallestLabel && size <= kSmallFill;
-        if (item.ground ? !isCut(box) : ofSymbol) room.take(box);
-      }
-    }
-    for (const Label& label : placeLabels(std::move(wanted), room)) {
-      text(p_.items[label.item], true);
+    for (const Label& label : PageLabels(p_, texts_, at_, least).place(seen_)) {
+      text(p_.items[label.item], &label);
       if (seen_) seen_->shown[label.item] = true;
     }
   }
 
-  // A table of which the page shows a part is left out like a label, but for one that fills it.
-  bool isCut(const PageBox& box) const {
-    const bool inside = box.x1 >= 0 && box.y1 >= 0 && box.x2 <= at_.width && box.y2 <= at_.height;
-    return !inside && box.x2 - box.x1 < at_.width / 2 && box.y2 - box.y1 < at_.height / 2;
-  }
-
-  bool isMostlyOnPage(const PageBox& box) const {
-    const double x = (box.x1 + box.x2) / 2, y = (box.y1 + box.y2) / 2;
-    return x >= 0 && y >= 0 && x <= at_.width && y <= at_.height;
-  }
-
-  PageBox boxOf(const Item& item) const {
-    PageBox box = PageBox::empty();
-    for (std::uint32_t i = 0; i < item.count; ++i) {
-      const Spot s = spot(item.first + i);
-      box.grow(s.x, s.y);
-    }
-    return box;
-  }
-
+  PageBox boxOf(const Item& item) const { return boxOnPage(p_, item, at_); }
   Spot spot(std::uint32_t i) const { return at_(p_.points[i]); }
 
   void source(const Pen& pen) {
@@ -219,11 +180,14 @@ class Painter {
     cairo_fill(cr_);
   }
 
-  void text(const Item& item, bool halo = false) {
-    const auto set = texts_.set(item, kSmallestText);
+  // A label stands where it found room, in a halo.
+  void text(const Item& item, const Label* label = nullptr) {
+    auto set = texts_.set(item, kSmallestText);
     if (!set) return;
     cairo_set_font_matrix(cr_, &set->matrix);
-    if (halo) {
+    if (label) {
+      set->at.x += label->moveX;
+      set->at.y += label->moveY;
       cairo_move_to(cr_, set->at.x, set->at.y);
       cairo_text_path(cr_, set->utf8.c_str());
       groundColor();

@@ -1,11 +1,13 @@
 #include "cad/view/paper_texts.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstdint>
 #include <optional>
 #include <vector>
 
 #include "cad/view/labels.h"
+#include "cad/view/page_labels.h"
 #include "cad/view/placed.h"
 
 namespace cad::view {
@@ -23,13 +25,68 @@ void enlarge(Picture& picture, const Item& item, double factor) {
   }
 }
 
+// The texts of one symbol grow about it, so that they keep their distance from it and from each
+// other. A text that stands far from its symbol, or at something that is larger than a symbol,
+// stays where it is.
+class LabelRaiser {
+ public:
+  LabelRaiser(Picture& picture, double least) : picture_(picture), least_(least) {}
+
+  void run() {
+    for (Item& item : picture_.items) {
+      if (item.entity != entity_) {
+        entity_ = item.entity;
+        symbol_ = PageBox::empty();
+        factor_ = 0;
+      }
+      if (item.symbol && item.kind != Kind::text) grow(item);
+      if (item.label && item.kind == Kind::text && !item.table && !symbol_.isEmpty()) raise(item);
+    }
+  }
+
+ private:
+  void grow(const Item& item) {
+    for (std::uint32_t i = 0; i < item.count; ++i) {
+      const AcGePoint3d& p = picture_.points[item.first + i];
+      symbol_.grow(p.x, p.y);
+    }
+  }
+
+  void raise(Item& item) {
+    const double height = heightOf(picture_, item);
+    if (!(height > 0)) return;
+    // The name says how much.
+    if (factor_ == 0) factor_ = std::max(1.0, least_ / height);
+    const auto box = boundsOf(picture_, item);
+    if (factor_ == 1 || !box || !standsAt({box->x1, box->y1, box->x2, box->y2}, symbol_, height)) {
+      return;
+    }
+    AcGePoint3d* const points = picture_.points.data() + item.first;
+    const AcGePoint3d centre((symbol_.x1 + symbol_.x2) / 2, (symbol_.y1 + symbol_.y2) / 2,
+                             points->z);
+    for (std::uint32_t i = 0; i < item.count; ++i) {
+      points[i] = centre + (points[i] - centre) * factor_;
+    }
+    if (height * factor_ < least_) enlarge(picture_, item, least_ / (height * factor_));
+    item.follows = true;
+  }
+
+  Picture& picture_;
+  const double least_;
+  std::uint32_t entity_ = 0;
+  PageBox symbol_ = PageBox::empty();
+  double factor_ = 0;
+};
+
 }  // namespace
 
 int raiseTexts(Picture& picture, double least) {
+  LabelRaiser(picture, least).run();
   std::vector<bool> low(picture.items.size());
   for (std::size_t i = 0; i < picture.items.size(); ++i) {
     const Item& item = picture.items[i];
-    const double height = item.kind == Kind::text ? heightOf(picture, item) : 0;
+    const bool own = item.kind == Kind::text && !item.follows;
+    const double height = own ? heightOf(picture, item) : 0;
     low[i] = height > 0 && height < least * (1 - 1e-9);
     if (low[i]) enlarge(picture, item, least / height);
   }
@@ -46,7 +103,7 @@ int raiseTexts(Picture& picture, double least) {
   };
   for (std::size_t i = 0; i < picture.items.size(); ++i) {
     const Item& item = picture.items[i];
-    if (item.kind != Kind::text || low[i]) continue;
+    if (item.kind != Kind::text || low[i] || item.follows) continue;
     if (const auto box = boxOf(item)) room.take(*box);
   }
   int leftOut = 0;

@@ -188,6 +188,7 @@ class Taker {
     item.pen = resolve(styled.style, l);
     item.table = table_;
     item.label = inAttribute_;
+    item.symbol = inSymbol_ && !inAttribute_;
     item.first = static_cast<std::uint32_t>(picture_.points.size());
     item.count = static_cast<std::uint32_t>(p.points.size());
     picture_.points.insert(picture_.points.end(), p.points.begin(), p.points.end());
@@ -239,6 +240,7 @@ class Taker {
     TagList t;
     d_.parse(e, t);
     const Style style = styleOf(e, t);
+    if (depth == 0) inSymbol_ = hasAttributes(e);
     shapes(e, t, style, sink);
     if (const auto reference = shape::referenceOf(d_, e, t)) copies(*reference, style, sink, depth);
     for (std::uint32_t a = d_.structure().firstPart(e); a; a = d_.structure().nextPart(e, a)) {
@@ -247,6 +249,11 @@ class Taker {
       attribute(a, style, sink);
       inAttribute_ = false;
     }
+  }
+
+  bool hasAttributes(std::uint32_t e) const {
+    const std::uint32_t part = d_.structure().firstPart(e);
+    return part && d_.record(part).type == Type::attrib;
   }
 
   void shapes(std::uint32_t e, const TagList& t, const Style& style, const Sink& sink) {
@@ -338,8 +345,8 @@ class Taker {
   const Drawing& d_;
   const std::set<std::uint32_t>&without_, &chosen_;
   Picture picture_;
-  std::uint32_t tables_ = 0, table_ = 0;  // how many, and the one being taken
-  bool inAttribute_ = false;              // of the entity being taken
+  std::uint32_t tables_ = 0, table_ = 0;         // how many, and the one being taken
+  bool inAttribute_ = false, inSymbol_ = false;  // of the entity being taken
   std::set<std::uint32_t> only_, hidden_, underWay_;
   std::vector<LayerLook> looks_;
   std::map<std::u16string, int> linetypes_;

@@ -46,6 +46,8 @@ struct Item {
   std::uint32_t text = 0;    // texts: number in Picture::texts
   std::uint32_t entity = 0;  // record of the entity of the space that shows it
   bool label = false;        // an attribute of that entity, whose texts follow each other
+  bool symbol = false;       // part of a symbol: of a reference that has attributes, but for those
+  bool follows = false;      // goes where its symbol is seen: asks for no page, counts for no size
   // Part of a table: its number, from 1. Tables lie over everything else, one over another, each on
   // a ground of its own, which is the fill that is its ground.
   std::uint32_t table = 0;

@@ -63,7 +63,7 @@ class Projection {
   // Hands over what an item reaches.
   template <class Grow>
   void growItem(const Picture& picture, const Item& item, Grow&& grow) const {
-    if (item.endless || isPointless(picture, item)) return;
+    if (item.endless || item.follows || isPointless(picture, item)) return;
     if (item.kind == Kind::text) return growText(picture, item, grow);
     for (std::uint32_t i = 0; i < item.count; ++i) {
       const AcGePoint3d& p = picture.points[item.first + i];

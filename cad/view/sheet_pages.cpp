@@ -2,6 +2,7 @@
 #include <algorithm>
 #include <cmath>
 
+#include "cad/view/labels.h"
 #include "cad/view/paper_texts.h"
 #include "cad/view/placed.h"
 #include "cad/view/sheet_frame.h"
@@ -27,21 +28,6 @@ double fittingScale(double width, double height, const Box& area) {
       if (power * step >= least) return power * step;
     }
   }
-}
-
-// Whether a line between two points meets a box; ends of `from` and `to` are of the line's part
-// that is left after cutting at one side after the other.
-bool meets(const AcGePoint3d& a, const AcGePoint3d& b, const Window& box) {
-  double from = 0, to = 1;
-  const auto cut = [&](double start, double step, double low, double high) {
-    if (step == 0) return start >= low && start <= high;
-    double in = (low - start) / step, out = (high - start) / step;
-    if (in > out) std::swap(in, out);
-    from = std::max(from, in);
-    to = std::min(to, out);
-    return from <= to;
-  };
-  return cut(a.x, b.x - a.x, box.x1, box.x2) && cut(a.y, b.y - a.y, box.y1, box.y2);
 }
 
 // Marks the tiles that items show themselves on.
@@ -95,7 +81,9 @@ class Tiles {
     if (item.kind != Kind::line) return mark(*box, [](const Window&) { return true; });
     const auto segment = [&](const AcGePoint3d& a, const AcGePoint3d& b) {
       mark({std::min(a.x, b.x), std::min(a.y, b.y), std::max(a.x, b.x), std::max(a.y, b.y)},
-           [&](const Window& tile) { return meets(a, b, tile); });
+           [&](const Window& tile) {
+             return meets({a.x, a.y, b.x, b.y}, {tile.x1, tile.y1, tile.x2, tile.y2});
+           });
     };
     const AcGePoint3d* const points = picture_.points.data() + item.first;
     for (std::uint32_t i = 1; i < item.count; ++i) segment(points[i - 1], points[i]);

@@ -252,6 +252,31 @@ TEST(Labels, OneThatWouldStandOnAnotherOrBeCutIsLeftOut) {
   EXPECT_EQ(shown(symbolAt(0, 0, "abcdefghijklmn", "d"), window), 0U);
 }
 
+// In a picture they move to where they are read: the symbol's rings are round 0,0 and as given.
+TEST(Labels, MoveBesideTheSymbolsOfAPicture) {
+  const char block[] =
+      "0 BLOCK|8 0|2 B|70 2|10 0|20 0|3 B|0 CIRCLE|8 0|10 0|20 0|40 0.5|0 ENDBLK|8 0";
+  const auto shown = [&](const std::string& entities, PaintOptions options = {}) {
+    const Sample s(kLayers, block, "0 LINE|8 0|10 -9|20 -9|11 40|21 30|" + entities);
+    return lettersShown(s.picture, options);
+  };
+  const std::string first = symbolAt(0, 0, "abc", "de");
+  EXPECT_EQ(shown(first + symbolAt(1, -2, "fgh", "i")), 9U);
+  EXPECT_EQ(shown("0 TEXT|8 0|10 0|20 2|40 1|1 zz|" + first), 7U);
+  EXPECT_EQ(shown(first + first), 10U) << "where two symbols are one";
+  PaintOptions window;
+  window.window = Window{-20, -15, 1, 30};
+  EXPECT_EQ(shown(symbolAt(0, 0, "abcdefghijklm", "d"), window), 14U) << "at the edge";
+  window.window = Window{10, -15, 60, 30};
+  EXPECT_EQ(shown(symbolAt(0, 0, "abcdefghijklm", "d"), window), 0U) << "of a symbol that is cut";
+  // Far from the symbol somebody has put it there, and a frame is no symbol.
+  const std::string far =
+      "0 INSERT|8 0|66 1|2 B|10 0|20 0|0 ATTRIB|8 0|10 20|20 9|40 1|1 far|2 A|"
+      "70 0|0 SEQEND|8 0|";
+  EXPECT_EQ(shown(far), 3U);
+  EXPECT_EQ(shown("0 TEXT|8 0|10 20|20 9|40 1|1 zz|" + far), 2U);
+}
+
 TEST(Painter, LinesOfNoLengthAreNoPartOfThePage) {
   // The page is as high as what it shows asks for.
   const auto page = [](const std::string& entities) {

@@ -192,6 +192,53 @@ TEST(Sheet, LabelsThatNoPageHasRoomForAreCounted) {
   EXPECT_EQ(leftOut(1000), 1) << "on any of its pages";
 }
 
+// A ring with its name up and right of it.
+void addSymbol(Picture& p, const AcGePoint3d& at, double height, std::u16string name) {
+  const auto entity = static_cast<std::uint32_t>(p.items.size() + 100);
+  addLine(p, {at + AcGeVector3d(-1, -1, 0), at + AcGeVector3d(1, 1, 0)});
+  p.items.back().symbol = true;
+  p.items.back().entity = entity;
+  addText(p, at + AcGeVector3d(1.2, 0.5, 0), height, std::move(name));
+  p.items.back().label = true;
+  p.items.back().entity = entity;
+}
+
+TEST(Sheet, NamesAcrossASeamMoveToTheSideWhereTheyFit) {
+  Picture p;
+  addLine(p, {{0, 0, 0}, {300, 0, 0}});
+  const Sheet sheet = lying("A4", 1000);
+  const SheetPages pages = layOutSheet(p, sheet).pages;
+  ASSERT_EQ(pages.columns, 2);
+  // The page shows 6 m beyond the seam: too little for the name as it is drawn.
+  addSymbol(p, {pages.left + pages.tileWidth - 8, 0, 0}, 4, u"VIA_DELLE_FONTANE");
+  const SheetLayout layout = layOutSheet(p, sheet);
+  const auto files = paintSheet(sheet, layout);
+  ASSERT_TRUE(files);
+  EXPECT_EQ(files->leftOut, 0);
+}
+
+TEST(Sheet, LowNamesGrowAboutTheirSymbolsAndAskForNoPage) {
+  Picture p;
+  addLine(p, {{0, 0, 0}, {1000, 500, 0}});
+  const Sheet sheet = lying("A4");
+  const double scale = layOutSheet(p, sheet).pages.scale, times = 1.4 * scale / 1000;
+  addSymbol(p, {0, 0, 0}, 1, u"primo");
+  addSymbol(p, {4, 0, 0}, 1, u"secondo");
+  addSymbol(p, {1000, 500, 0}, 1, u"in fondo alla linea");
+  const SheetLayout layout = layOutSheet(p, sheet);
+  EXPECT_EQ(layout.pages.scale, scale);
+  EXPECT_EQ(layout.pages.pages.size(), 1U);
+  // So many times as high, and as many times as far from the middle of its ring.
+  const Item& name = layout.picture.items[2];
+  const AcGePoint3d at = layout.picture.points[name.first];
+  EXPECT_NEAR(layout.picture.points[name.first + 2].y - at.y, times, 1e-9);
+  EXPECT_NEAR(at.x, 1.2 * times, 1e-9);
+  EXPECT_NEAR(at.y, 0.5 * times, 1e-9);
+  const auto files = paintSheet(sheet, layout);
+  ASSERT_TRUE(files);
+  EXPECT_EQ(files->leftOut, 0);
+}
+
 TEST(Sheet, HeightsOfAProfileAreLargerAndTextsAreNot) {
   Picture p;
   addLine(p, {{50, 98, 0}, {50, 104, 0}});    // beside the elevations
