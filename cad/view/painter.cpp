@@ -14,6 +14,7 @@
 #include "cad/view/page_texts.h"
 #include "cad/view/placed.h"
 #include "cad/view/projection.h"
+#include "cad/view/small_symbols.h"
 
 namespace cad::view {
 namespace {
@@ -35,7 +36,13 @@ class Painter {
  public:
   Painter(cairo_t* cr, const Picture& picture, const PaintOptions& options, const Projection& at,
           LabelsSeen* seen = nullptr)
-      : cr_(cr), p_(picture), o_(options), at_(at), texts_(cr, picture, at), seen_(seen) {}
+      : cr_(cr),
+        p_(picture),
+        o_(options),
+        at_(at),
+        texts_(cr, picture, at),
+        small_(picture, at),
+        seen_(seen) {}
 
   void ground() {
     groundColor();
@@ -83,6 +90,7 @@ class Painter {
       for (std::size_t i = first; i < end; ++i) {
         const Item& item = p_.items[i];
         if (item.kind != kind || item.table != table || item.ground) continue;
+        if (kind != Kind::text && small_.hold(i)) continue;
         if (kind == Kind::text && item.label && !table) continue;
         source(item.pen);
         if (kind == Kind::fill) fill(item, loops_[i]);
@@ -90,6 +98,7 @@ class Painter {
         if (kind == Kind::dot) dot(item);
         if (kind == Kind::text) text(item);
       }
+      if (kind == Kind::dot && !table) smallSymbols();
     }
   }
 
@@ -174,6 +183,14 @@ class Painter {
     cairo_set_dash(cr_, lengths.data(), dashed_ ? static_cast<int>(lengths.size()) : 0, 0);
   }
 
+  void smallSymbols() {
+    for (const SmallSymbols::Dot& dot : small_.dots()) {
+      source(p_.items[dot.item].pen);
+      cairo_arc(cr_, dot.at.x, dot.at.y, small_.size() / 2, 0, 6.2832);
+      cairo_fill(cr_);
+    }
+  }
+
   void dot(const Item& item) {
     const Spot s = spot(item.first);
     cairo_arc(cr_, s.x, s.y, 1.2, 0, 6.2832);
@@ -206,6 +223,7 @@ class Painter {
   const PaintOptions& o_;
   const Projection& at_;
   const PageTexts texts_;
+  const SmallSymbols small_;
   LabelsSeen* seen_;  // where to note the labels, if anywhere
   Color color_;
   bool haveColor_ = false, dashed_ = false;

@@ -1,9 +1,12 @@
-// Names beside their symbols: which side they take, what they keep clear of.
+// Symbols and the names beside them: which side these take, what they keep clear of, what is seen
+// of the smallest.
 #include "cad/view/labels.h"
 
 #include <gtest/gtest.h>
 
 #include <cmath>
+
+#include "cad/view/small_symbols.h"
 
 namespace cad::view {
 namespace {
@@ -112,6 +115,48 @@ TEST(Labels, ALabelAlongALongLineIsFoundInEveryCellThatItPasses) {
   room.cross({0, 0, NAN, 50});
   room.cross({0, 0, INFINITY, 50});
   EXPECT_FALSE(room.isCrossed({0, 0, 100, 100}));
+}
+
+// A symbol of two lines, ever so large, in a colour of its own.
+void addSymbol(Picture& p, const AcGePoint3d& at, double half, int color) {
+  for (const double side : {-1.0, 1.0}) {
+    Item item;
+    item.symbol = true;
+    item.entity = static_cast<std::uint32_t>(p.items.size() / 2 + 1);
+    item.pen.index = color;
+    item.first = static_cast<std::uint32_t>(p.points.size());
+    item.count = 2;
+    p.points.push_back(at + AcGeVector3d(-half, side * half, 0));
+    p.points.push_back(at + AcGeVector3d(half, -side * half, 0));
+    p.items.push_back(item);
+  }
+}
+
+TEST(SmallSymbols, AreDotsInTheirColourAsLargeAsTheirNumberLetsThemBe) {
+  Placement page;
+  page.top = 100;
+  page.width = page.height = 400;
+  page.scale = 4;
+  const Projection at(page);
+  Picture p;
+  addSymbol(p, {20, 30, 0}, 0.2, 3);   // 1.6 dots across
+  addSymbol(p, {50, 50, 0}, 5, 2);     // 40
+  addSymbol(p, {500, 50, 0}, 0.2, 1);  // beyond the page
+  const SmallSymbols few(p, at);
+  ASSERT_EQ(few.dots().size(), 1U);
+  EXPECT_EQ(few.size(), 5);
+  EXPECT_NEAR(few.dots()[0].at.x, 80, 1e-9);
+  EXPECT_NEAR(few.dots()[0].at.y, 280, 1e-9);
+  EXPECT_EQ(p.items[few.dots()[0].item].pen.index, 3);
+  EXPECT_TRUE(few.hold(0) && few.hold(1)) << "both its lines";
+  EXPECT_FALSE(few.hold(2) || few.hold(4));
+  for (int i = 0; i < 3000; ++i) addSymbol(p, {i % 60 + 20.0, i / 60 + 20.0, 0}, 0.2, 4);
+  const SmallSymbols many(p, at);
+  EXPECT_EQ(many.dots().size(), 3001U);
+  EXPECT_LT(many.size() * many.size() * 3000, 0.06 * 400 * 400);
+  EXPECT_GT(many.size(), 1.6);
+  for (int i = 0; i < 3000; ++i) addSymbol(p, {i % 60 + 20.0, i / 60 + 20.0, 0}, 0.2, 4);
+  EXPECT_TRUE(SmallSymbols(p, at).dots().empty()) << "no larger than they are";
 }
 
 }  // namespace
