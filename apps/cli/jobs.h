@@ -72,7 +72,7 @@ struct RenderOptions {
   bool dark = false;
   int width = 1600;
   // On a sheet of paper, when one is named.
-  std::string paper, scale = "auto", title, network, date;
+  std::string paper, scale = "auto", unit, title, network, date;
   bool landscape = false;
   int dpi = 150;
   double textHeight = 1.4;  // least, mm of paper

@@ -34,6 +34,9 @@ void addSheet(CLI::App& command, cli::RenderOptions& render) {
       ->check(CLI::Range(0.1, 100.0));
   auto* profile = add("--profile", render.profile,
                       words("un profilo longitudinale al posto della pianta, per nome"));
+  add("--unit", render.unit,
+      words("unità del disegno: mm, cm, m, km, in, ft... (altrimenti quella che dice di sé, o m)"))
+      ->excludes(profile);
   add("--heights", render.heights,
       words("quante volte le altezze del profilo sono ingrandite (altrimenti 10, o quanto sta)"))
       ->needs(profile)

@@ -33,6 +33,38 @@ std::optional<double> parseScale(std::string_view text) {
   return scale >= 1e-6 && scale <= 1e9 ? std::optional(scale) : std::nullopt;
 }
 
+// The units that a drawing may say it is drawn in, by the number in its header.
+struct Unit {
+  int number;
+  const char* name;
+  double metres;
+};
+constexpr Unit kUnits[] = {{1, "in", 0.0254}, {2, "ft", 0.3048},  {3, "mi", 1609.344},
+                           {4, "mm", 0.001},  {5, "cm", 0.01},    {6, "m", 1},
+                           {7, "km", 1000},   {10, "yd", 0.9144}, {14, "dm", 0.1},
+                           {15, "dam", 10},   {16, "hm", 100},    {21, "ft-us", 1200.0 / 3937}};
+
+// The unit that is asked for, else that of the drawing, which is the metre where it says none. Null
+// when nobody knows the one that is asked for.
+const Unit* unitOf(const cad::Drawing& drawing, const std::string& asked) {
+  const auto own = platform::parseReal(drawing.header().text("$INSUNITS", u"6"));
+  const Unit* metre = nullptr;
+  for (const Unit& unit : kUnits) {
+    if (asked.empty() ? own == unit.number
+                      : platform::equalNoCase(widen(asked), widen(unit.name))) {
+      return &unit;
+    }
+    if (unit.metres == 1) metre = &unit;
+  }
+  return asked.empty() ? metre : nullptr;
+}
+
+std::string unitNames() {
+  std::string names;
+  for (const Unit& unit : kUnits) names += (names.empty() ? "" : ", ") + std::string(unit.name);
+  return names;
+}
+
 // Today, or the day that whoever builds reproducibly asks for.
 std::string today() {
   std::time_t now = std::time(nullptr);
@@ -95,7 +127,8 @@ std::vector<std::string> pathsOf(const std::string& path, std::size_t count) {
   return paths;
 }
 
-int writePages(const cad::view::Picture& picture, const Sheet& sheet, const RenderOptions& o) {
+int writePages(const cad::view::Picture& picture, const Sheet& sheet, const RenderOptions& o,
+               const std::string& unit = "m") {
   const cad::view::SheetLayout layout = cad::view::layOutSheet(picture, sheet);
   if (layout.fault != SheetFault::none) return fail(o.out + ": " + refusal(layout.fault, o));
   const bool single = sheet.format == cad::view::Format::pdf;
@@ -111,6 +144,7 @@ int writePages(const cad::view::Picture& picture, const Sheet& sheet, const Rend
   }
   say(words("scala ") + platform::narrow(cad::view::scaleText(layout.pages.scale)) +
       words(", fogli ") + std::to_string(layout.pages.pages.size()) +
+      (unit == "m" ? "" : words(", unità del disegno ") + unit) +
       (files->leftOut > 0 ? words(", testi senza posto ") + std::to_string(files->leftOut) : ""));
   return 0;
 }
@@ -118,6 +152,11 @@ int writePages(const cad::view::Picture& picture, const Sheet& sheet, const Rend
 cad::Drawing& drawing() { return cad::Session::instance().database()->drawing(); }
 
 int renderPlan(vessora::Jobs& jobs, Sheet& sheet, const RenderOptions& o) {
+  const Unit* const unit = unitOf(drawing(), o.unit);
+  if (!unit) {
+    return fail(o.unit + ": " + words("l'unità del disegno è una di ") + unitNames());
+  }
+  sheet.metres = unit->metres;
   cad::view::Selection selection;
   if (const int failed = selectLayers(o, drawing(), selection)) return failed;
   // Legends stand beside the plan, in a size for the paper.
@@ -129,7 +168,7 @@ int renderPlan(vessora::Jobs& jobs, Sheet& sheet, const RenderOptions& o) {
   }
   const cad::view::Picture picture = cad::view::takePicture(drawing(), selection);
   if (const int failed = judgePicture(picture, o.drawing)) return failed;
-  return writePages(picture, sheet, o);
+  return writePages(picture, sheet, o, unit->name);
 }
 
 // Scales that are asked for, or the largest ones that fit on one page.
@@ -153,6 +192,7 @@ void chooseScales(const cad::ProfileTitle& title, Sheet& sheet, double& heights)
   }
 }
 
+// A profile is drawn in metres whatever the plan is drawn in.
 int renderProfile(Sheet& sheet, const RenderOptions& o) {
   const cad::DrawnProfile* chosen = nullptr;
   const auto profiles = cad::drawnProfiles(drawing());

@@ -63,7 +63,7 @@ class PagePainter {
 
  private:
   const SheetPages::Page& page() const { return at_.pages[page_]; }
-  double unit() const { return at_.scale / 1000; }  // of the drawing, to a millimetre
+  double unit() const { return at_.unit; }
 
   // The corner of the drawing's part of this page, in the drawing: tiles stand in its middle.
   AcGePoint2d corner() const {
@@ -206,12 +206,13 @@ class PagePainter {
   }
 
   void scaleBar(const Box& box) {
-    const double room = (box.w - 12 * k_) * unit();
+    const double metre = 1000 / at_.scale;  // in millimetres
+    const double room = (box.w - 12 * k_) / metre;
     double power = std::pow(10, std::floor(std::log10(room))), length = power;
     for (const double step : {2.0, 4.0, 5.0}) {
       if (power * step <= room) length = power * step;
     }
-    const double part = length / unit() / 4, high = 1.6 * k_, y = box.y + 6 * k_;
+    const double part = length * metre / 4, high = 1.6 * k_, y = box.y + 6 * k_;
     const double x = box.x + 2 * k_;
     pen_.color(0, 0, 0);
     for (int i = 0; i < 4; ++i) {

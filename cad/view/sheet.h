@@ -1,8 +1,8 @@
 // Sheets of paper to hand over: a picture at true scale within a frame, with title block, north
 // mark, scale bar and legends, on as many pages as the scale asks for.
 //
-// Lengths on paper are millimetres, one unit of the drawing is one metre. The same sheet gives the
-// same bytes: nothing here looks at a clock.
+// Lengths on paper are millimetres, those of the drawing are in its own unit. The same sheet gives
+// the same bytes: nothing here looks at a clock.
 #pragma once
 
 #include <optional>
@@ -55,6 +55,7 @@ struct SheetWords {
 
 struct Sheet {
   Paper paper;
+  double metres = 1;             // of a unit of the drawing
   std::optional<double> scale;   // the number behind "1:"; the largest usual one that fits if none
   std::optional<Window> window;  // part of the plan; everything when there is none
   bool north = true;
@@ -70,6 +71,7 @@ struct Sheet {
 // How a picture falls onto pages.
 struct SheetPages {
   double scale = 1;
+  double unit = 0.001;       // of the drawing, to a millimetre of paper
   Window area;               // of the drawing on each page, mm from its upper left corner
   double left = 0, top = 0;  // of the first tile, in the drawing
   double tileWidth = 1, tileHeight = 1;  // in the drawing; pages show a little more on each side

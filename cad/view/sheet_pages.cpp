@@ -14,10 +14,10 @@ namespace {
 
 constexpr double kAir = 4;             // mm about what is drawn
 constexpr double kOverlap = 6;         // mm that a page shows beyond its tile, on each side
-constexpr double kMillimetres = 1000;  // of paper at 1:1 to a drawing unit
+constexpr double kMillimetres = 1000;  // to a metre
 constexpr double kMostPixels = 2e8;
 
-// The largest usual scale at which so many drawing units fit on so many millimetres.
+// The largest usual scale at which so many metres fit on so many millimetres.
 double fittingScale(double width, double height, const Box& area) {
   const double least = std::max(width / (area.w - 2 * kAir), height / (area.h - 2 * kAir)) *
                        kMillimetres * (1 - 1e-9);
@@ -97,7 +97,7 @@ class Tiles {
 
 // Tiles for an area of the drawing, about its middle. False when they would be too many.
 bool tile(const Window& box, const Box& area, SheetPages& pages) {
-  const double unit = pages.scale / kMillimetres;  // drawing units to a millimetre
+  const double unit = pages.unit;
   pages.area = {area.x, area.y, area.right(), area.bottom()};
   const double width = box.x2 - box.x1, height = box.y2 - box.y1;
   const bool one = width / unit <= area.w - 2 * kAir && height / unit <= area.h - 2 * kAir;
@@ -145,8 +145,9 @@ SheetFault spread(const Picture& picture, const Sheet& sheet, SheetPages& pages)
   for (const bool keyPlan : {false, true}) {
     const SheetFrame frame = frameSheet(sheet, keyPlan);
     if (!frame.fits) return SheetFault::noRoom;
-    pages.scale =
-        sheet.scale.value_or(fittingScale(box.x2 - box.x1, box.y2 - box.y1, frame.drawing));
+    pages.scale = sheet.scale.value_or(fittingScale(
+        (box.x2 - box.x1) * sheet.metres, (box.y2 - box.y1) * sheet.metres, frame.drawing));
+    pages.unit = pages.scale / kMillimetres / sheet.metres;
     if (!tile(box, frame.drawing, pages)) return SheetFault::tooManyPages;
     if (pages.columns * pages.rows == 1) break;
   }
@@ -175,7 +176,7 @@ SheetLayout layOutSheet(const Picture& picture, const Sheet& sheet) {
   for (double scale = 0; result.fault == SheetFault::none && pages.scale != scale;) {
     scale = pages.scale;
     result.picture = picture;
-    result.leftOut = raiseTexts(result.picture, sheet.leastText * scale / kMillimetres);
+    result.leftOut = raiseTexts(result.picture, sheet.leastText * pages.unit);
     result.fault = spread(result.picture, sheet, pages);
     if (pages.scale < scale) break;  // what is left out makes the picture smaller
   }

@@ -56,15 +56,20 @@ double redLine(const std::string& svg) {
 }
 
 TEST(Sheet, AMetreIsAsLongAsTheScaleSays) {
-  Picture p;
-  addLine(p, {{684000, 4852000, 0}, {684060, 4852080, 0}});
-  for (const double scale : {1000.0, 2500.0}) {
-    Sheet sheet = lying("A3", scale);
-    sheet.format = Format::svg;
-    const auto files = paintSheet(sheet, layOutSheet(p, sheet));
-    ASSERT_TRUE(files) << files.error();
-    ASSERT_EQ(files->bytes.size(), 1U);
-    EXPECT_NEAR(redLine(files->bytes.front()), 100 * 1000 / scale, 0.01) << scale;
+  for (const double metres : {1.0, 0.001, 0.3048}) {  // to a unit of the drawing
+    Picture p;
+    addLine(p, {{684000 / metres, 4852000 / metres, 0}, {684060 / metres, 4852080 / metres, 0}});
+    for (const double scale : {1000.0, 2500.0}) {
+      Sheet sheet = lying("A3", scale);
+      sheet.metres = metres;
+      sheet.format = Format::svg;
+      const auto files = paintSheet(sheet, layOutSheet(p, sheet));
+      ASSERT_TRUE(files) << files.error();
+      ASSERT_EQ(files->bytes.size(), 1U);
+      EXPECT_NEAR(redLine(files->bytes.front()), 100 * 1000 / scale, 0.01) << scale;
+      sheet.scale.reset();
+      EXPECT_EQ(layOutSheet(p, sheet).pages.scale, 500) << metres;
+    }
   }
 }
 
