@@ -2,7 +2,6 @@
 
 #include <array>
 #include <cmath>
-#include <unordered_set>
 
 namespace cad::view {
 
@@ -77,7 +76,8 @@ bool PageRoom::isFree(const PageBox& box, std::uint32_t symbol) const {
   if (!(box.x1 >= 0 && box.y1 >= 0 && box.x2 <= width_ && box.y2 <= height_)) return false;
   return visit(box, [&](std::size_t cell) {
     return std::ranges::none_of(cells_[cell].boxes, [&](const Of<PageBox>& other) {
-      return (symbol == 0 || other.symbol != symbol) && overlap(box, other.thing);
+      return (symbol == 0 || other.symbol != symbol) && overlap(box, other.thing) &&
+             !gone_.count(other.symbol);
     });
   });
 }
@@ -114,18 +114,25 @@ PageBox moved(const Label& label) {
           label.box.y2 + label.moveY};
 }
 
+// Where texts that have no room yet would go: those of symbols whose turn is still to come where
+// they are drawn, what stands with a name beside that.
+struct Wishes {
+  PageRoom drawn, values;
+};
+
 // The texts of one symbol, and where about it they may stand.
 class Group {
  public:
   Group(Label* first, Label* end) : first_(first), end_(end), symbol_(first->beside) {
     for (const Label* label = first_; label != end_; ++label) all_.grow(label->box);
+    if (end_ - first_ <= kMostTexts) findRows();
   }
 
   // Finds the best place; false when the name has room in none.
-  bool settle(const PageRoom& room, const PageRoom& wishes) {
+  bool settle(const PageRoom& room, const Wishes& wishes) {
     double best = 1e300;
     int place = -1;
-    const int count = !symbol_.isEmpty() ? kPlaces : 1;
+    const int count = !symbol_.isEmpty() && !rows_.empty() ? kPlaces : 1;
     for (int p = 0; p < count && best > 0; ++p) {
       put(p);
       const double cost = costHere(room, wishes) + 0.1 * p;
@@ -139,16 +146,34 @@ class Group {
   enum Place { drawn, below, mirrored, mirroredBelow, right, left, above, under, kPlaces };
   // What is to be had instead, in steps of a place that is further down the list.
   static constexpr double kNoRoom = 1e300, kValueLost = 8, kWished = 3, kCrossed = 2;
+  static constexpr std::ptrdiff_t kMostTexts = 32;  // more are no names
   static constexpr double kGap = 0.5;  // of a text at its middle, in heights of letters
+
+  // Texts beside each other move as one, or they would change places.
+  void findRows() {
+    for (const Label* label = first_; label != end_; ++label) {
+      const double middle = (label->box.y1 + label->box.y2) / 2;
+      const auto row = std::ranges::find_if(
+          rows_, [&](const PageBox& other) { return middle > other.y1 && middle < other.y2; });
+      rowOf_.push_back(static_cast<std::size_t>(row - rows_.begin()));
+      if (row == rows_.end()) {
+        rows_.push_back(label->box);
+      } else {
+        row->grow(label->box);
+      }
+    }
+  }
 
   void put(int place) {
     for (Label* label = first_; label != end_; ++label) {
-      label->moveX = acrossBy(place, label->box);
+      label->moveX = label->moveY = 0;
+      if (place == drawn) continue;
+      label->moveX = acrossBy(place, rows_[rowOf_[static_cast<std::size_t>(label - first_)]]);
       label->moveY = downBy(place);
     }
   }
-  double acrossBy(int place, const PageBox& box) const {
-    const double twice = symbol_.x1 + symbol_.x2 - box.x1 - box.x2, gap = kGap * first_->height;
+  double acrossBy(int place, const PageBox& row) const {
+    const double twice = symbol_.x1 + symbol_.x2 - row.x1 - row.x2, gap = kGap * first_->height;
     switch (place) {
       case mirrored:
       case mirroredBelow:
@@ -159,7 +184,7 @@ class Group {
       case right:
         return symbol_.x2 + gap - all_.x1;
       case left:
-        return symbol_.x1 - gap - box.x2;
+        return symbol_.x1 - gap - row.x2;
       default:
         return 0;
     }
@@ -182,7 +207,7 @@ class Group {
     }
   }
 
-  double costHere(const PageRoom& room, const PageRoom& wishes) const {
+  double costHere(const PageRoom& room, const Wishes& wishes) const {
     double cost = 0;
     for (const Label* label = first_; label != end_; ++label) {
       const PageBox box = moved(*label);
@@ -191,7 +216,8 @@ class Group {
         cost += kValueLost;
         continue;
       }
-      if (!wishes.isFree(box, label->symbol)) cost += kWished;
+      if (!wishes.values.isFree(box, label->symbol)) cost += kWished;
+      if (!wishes.drawn.isFree(box, label->symbol)) cost += kWished;
       if (room.isCrossed(box, label->symbol)) cost += kCrossed;
     }
     return cost;
@@ -200,6 +226,8 @@ class Group {
   Label *first_, *end_;
   const PageBox symbol_;
   PageBox all_ = PageBox::empty();
+  std::vector<PageBox> rows_;
+  std::vector<std::size_t> rowOf_;  // of each text
 };
 
 struct Turn {
@@ -231,15 +259,17 @@ std::vector<Turn> turnsOf(const std::vector<Label>& labels) {
 std::vector<Label> placeLabels(std::vector<Label> labels, PageRoom& room) {
   std::vector<Label> shown;
   std::unordered_set<std::uint32_t> named;
-  PageRoom wishes = room.empty();  // where what stands with the names would go
+  Wishes wishes{room.empty(), room.empty()};
+  for (const Label& label : labels) wishes.drawn.take(label.box, label.symbol);
   for (const Turn& turn : turnsOf(labels)) {
     Label* const own = labels.data();
     Label& label = own[turn.label];
     if (turn.rank() == 0) {
+      wishes.drawn.giveBack(label.symbol);
       if (!Group(own + turn.first, own + turn.end).settle(room, wishes)) continue;
       named.insert(label.symbol);
       for (std::size_t i = turn.first + 1; i < turn.end; ++i) {
-        wishes.take(moved(own[i]), label.symbol);
+        wishes.values.take(moved(own[i]), label.symbol);
       }
     } else if (!named.count(label.symbol) || !room.isFree(moved(label), label.symbol)) {
       continue;

@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <unordered_set>
 #include <vector>
 
 namespace cad::view {
@@ -40,6 +41,7 @@ class PageRoom {
   PageRoom(double width, double height);
   PageRoom empty() const { return {width_, height_}; }  // as large, with nothing on it
   void take(const PageBox& box, std::uint32_t symbol = 0);
+  void giveBack(std::uint32_t symbol) { gone_.insert(symbol); }
   // Whether nothing of it is taken, nor beyond the page.
   bool isFree(const PageBox& box, std::uint32_t symbol = 0) const;
   // Lines take no room, but what can stand beside them is read more easily.
@@ -66,6 +68,7 @@ class PageRoom {
   double width_, height_;
   int columns_, rows_;
   std::vector<Cell> cells_;
+  std::unordered_set<std::uint32_t> gone_;  // those whose boxes count no more
 };
 
 struct Label {

@@ -10,7 +10,7 @@ constexpr double kLargeSymbol = 60;    // from there on something is no symbol o
 constexpr double kSymbolToLabel = 12;  // but beside letters that are large themselves; in heights
 constexpr double kFar = 3;             // of these
 constexpr double kReach = 16;          // of a label beyond its letters, in their heights
-constexpr double kAir = 0.25;          // before and after a label, in heights of its letters
+constexpr double kAir = 0.15;          // before and after a label, in heights of its letters
 
 }  // namespace
 

@@ -1,5 +1,6 @@
 #include "cad/view/page_texts.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "platform/text.h"
@@ -50,9 +51,11 @@ std::optional<SetText> PageTexts::set(const Item& item, double least) const {
   const double along = t.horizontal == 1 ? 0.5 : t.horizontal == 2 ? 1 : 0;
   const double up = t.vertical == 1 ? -0.25 : t.vertical == 2 ? 0.5 : t.vertical == 3 ? 1 : 0;
   set.at = {a.x - extents.x_advance * along - y.x * up, a.y - extents.y_advance * along - y.y * up};
+  // As far below as letters hang, but not so far that lines of text would touch.
+  const double hang = std::clamp((extents.y_bearing + extents.height) / set.height, 0.05, 0.25);
   set.box = PageBox::empty();
   for (const double end : {0.0, 1.0}) {
-    for (const double side : {-0.05, 1.05}) {
+    for (const double side : {-hang, 1.05}) {
       set.box.grow(set.at.x + extents.x_advance * end + y.x * side,
                    set.at.y + extents.y_advance * end + y.y * side);
     }

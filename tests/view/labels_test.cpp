@@ -75,6 +75,19 @@ TEST(Labels, TakeAnotherSideOfTheirSymbolTogether) {
   }
 }
 
+TEST(Labels, TextsBesideEachOtherKeepTheirOrder) {
+  auto labels = nameAndValue();
+  labels.push_back(labels[1]);  // after the value, in its row
+  labels[2].box.x1 += 24, labels[2].box.x2 += 14;
+  PageRoom room(400, 400);
+  room.take({206, 0, 400, 400});
+  const auto shown = placeLabels(labels, room);
+  ASSERT_EQ(shown.size(), 3U);
+  const double gap = labels[2].box.x1 - labels[1].box.x2;
+  EXPECT_NEAR(placeOf(shown[2]).x1 - placeOf(shown[1]).x2, gap, 1e-9);
+  EXPECT_NEAR(placeOf(shown[2]).x2, 190, 1e-9);
+}
+
 TEST(Labels, NamesOfNeighboursAreAllShownBeforeTheirValues) {
   // Two symbols so near that two of their four texts would lie on the others.
   auto labels = nameAndValue(1);
