@@ -92,10 +92,16 @@ int render(const RenderOptions& o) {
   if (const int failed = selectLayers(o, database.drawing(), selection)) return failed;
   const cad::view::Picture picture = cad::view::takePicture(database.drawing(), selection);
   if (const int failed = judgePicture(picture, o.drawing)) return failed;
-  auto bytes = cad::view::paint(picture, paint);
+  std::size_t unread = 0;
+  auto bytes = cad::view::paint(picture, paint, &unread);
   if (!bytes) return fail(o.out + ": " + bytes.error());
   auto written = platform::writeFile(o.out, *bytes);
-  return written ? 0 : fail(written.error());
+  if (!written) return fail(written.error());
+  if (unread > 0) {
+    say(words("testi senza posto o troppo bassi: ") + std::to_string(unread) +
+        words(" (--width o --window li ingrandiscono)"));
+  }
+  return 0;
 }
 
 }  // namespace cli

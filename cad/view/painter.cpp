@@ -73,7 +73,23 @@ class Painter {
     }
   }
 
+  // Texts on the page that are not among the labels shown, or too low.
+  std::size_t unread(const LabelsSeen& seen) const {
+    std::size_t count = 0;
+    for (std::size_t i = 0; i < p_.items.size(); ++i) {
+      const Item& item = p_.items[i];
+      if (item.kind != Kind::text) continue;
+      const Spot at = spot(item.first), up = spot(item.first + 2);
+      if (at.x < 0 || at.y < 0 || at.x > at_.width || at.y > at_.height) continue;
+      const bool label = item.label && !item.table;
+      count += label ? !seen.shown[i] : std::hypot(up.x - at.x, up.y - at.y) < least();
+    }
+    return count;
+  }
+
  private:
+  double least() const { return o_.format == Format::png ? kSmallestLabel : kSmallestText; }
+
   void groundColor() {
     o_.dark ? cairo_set_source_rgb(cr_, 0.13, 0.14, 0.16) : cairo_set_source_rgb(cr_, 1, 1, 1);
     haveColor_ = false;
@@ -104,8 +120,7 @@ class Painter {
 
   // The texts of symbols that find room. Lines under them stop short of their letters.
   void labels() {
-    const double least = o_.format == Format::png ? kSmallestLabel : kSmallestText;
-    for (const Label& label : PageLabels(p_, texts_, at_, least).place(seen_)) {
+    for (const Label& label : PageLabels(p_, texts_, at_, least()).place(seen_)) {
       text(p_.items[label.item], &label);
       if (seen_) seen_->shown[label.item] = true;
     }
@@ -236,8 +251,6 @@ bool isEmpty(const Picture& picture) { return picture.items.empty(); }
 
 void paintPlaced(cairo_t* cr, const Picture& picture, const Placement& placement,
                  LabelsSeen& seen) {
-  seen.wanted.resize(picture.items.size());
-  seen.shown.resize(picture.items.size());
   Painter(cr, picture, {}, Projection(placement), &seen).run();
 }
 
@@ -262,7 +275,8 @@ std::optional<Window> boundsOf(const Picture& picture) {
   return all;
 }
 
-platform::Result<std::string> paint(const Picture& picture, const PaintOptions& options) {
+platform::Result<std::string> paint(const Picture& picture, const PaintOptions& options,
+                                    std::size_t* unread) {
   const Projection at(picture, options);
   std::string bytes;
   cairo_surface_t* made = nullptr;
@@ -284,9 +298,11 @@ platform::Result<std::string> paint(const Picture& picture, const PaintOptions& 
   {
     const std::unique_ptr<cairo_t, void (*)(cairo_t*)> cr(cairo_create(surface.get()),
                                                           cairo_destroy);
-    Painter painter(cr.get(), picture, options, at);
+    LabelsSeen seen(picture);
+    Painter painter(cr.get(), picture, options, at, &seen);
     painter.ground();
     painter.run();
+    if (unread) *unread = painter.unread(seen);
     cairo_show_page(cr.get());
     if (cairo_status(cr.get()) != CAIRO_STATUS_SUCCESS) {
       return platform::Error{cairo_status_to_string(cairo_status(cr.get()))};

@@ -25,7 +25,9 @@ struct PaintOptions {
 };
 
 // The file's bytes. An empty picture gives an empty page. The error says why Cairo could not do it.
-CAD_API platform::Result<std::string> paint(const Picture& picture, const PaintOptions& options);
+// `unread` becomes the number of texts on the page that cannot be read: left out, or too low.
+CAD_API platform::Result<std::string> paint(const Picture& picture, const PaintOptions& options,
+                                            std::size_t* unread = nullptr);
 
 // Whether there is anything to see.
 CAD_API bool isEmpty(const Picture& picture);

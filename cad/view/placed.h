@@ -24,6 +24,8 @@ struct Placement {
 
 // Which texts beside symbols the pages had to show, and which found room on one; by item.
 struct LabelsSeen {
+  explicit LabelsSeen(const Picture& picture)
+      : wanted(picture.items.size()), shown(picture.items.size()) {}
   std::vector<bool> wanted, shown;
 };
 

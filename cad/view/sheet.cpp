@@ -341,7 +341,7 @@ platform::Result<std::string> paintFile(const Sheet& sheet, const SheetLayout& l
 
 platform::Result<SheetFiles> paintSheet(const Sheet& sheet, const SheetLayout& layout) {
   SheetFiles files;
-  LabelsSeen seen;
+  LabelsSeen seen(layout.picture);
   const std::size_t count = layout.pages.pages.size();
   const std::size_t each = sheet.format == Format::pdf ? count : 1;
   for (std::size_t first = 0; first < count; first += each) {

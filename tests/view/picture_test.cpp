@@ -252,6 +252,25 @@ TEST(Labels, OneThatWouldStandOnAnotherOrBeCutIsLeftOut) {
   EXPECT_EQ(shown(symbolAt(0, 0, "abcdefghijklmn", "d"), window), 0U);
 }
 
+TEST(Painter, TextsThatCannotBeReadAreCounted) {
+  const Sample s(kLayers, "0 BLOCK|8 0|2 B|70 2|10 0|20 0|3 B|0 ENDBLK|8 0",
+                 "0 LINE|8 0|10 0|20 0|11 1000|21 500|0 TEXT|8 0|10 100|20 100|40 20|1 large|"
+                 "0 TEXT|8 0|10 300|20 100|40 2|1 low|" +
+                     symbolAt(500, 100, "low", "too"));
+  const auto unread = [&](int width, std::optional<Window> window = {}) {
+    PaintOptions options;
+    options.width = width;
+    options.window = window;
+    std::size_t count = 99;
+    EXPECT_TRUE(paint(s.picture, options, &count));
+    return count;
+  };
+  EXPECT_EQ(unread(1000), 3U);
+  EXPECT_EQ(unread(6000), 0U);
+  EXPECT_EQ(unread(1000, Window{50, 50, 350, 150}), 0U);
+  EXPECT_EQ(unread(100), 4U);
+}
+
 // In a picture they move to where they are read: the symbol's rings are round 0,0 and as given.
 TEST(Labels, MoveBesideTheSymbolsOfAPicture) {
   const char block[] =
