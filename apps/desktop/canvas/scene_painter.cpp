@@ -127,7 +127,11 @@ void ScenePainter::paint(QImage& image, Scene& scene, const cad::Drawing* drawin
     const auto labels = cad::view::labelsToShow(scene, *drawing, camera, visible_);
     prepare();  // labels may have brought pens
     const Place world{&camera, nullptr};
-    for (const std::uint32_t item : labels) text(scene.items()[item], world, 0);
+    for (const cad::view::SceneLabel& label : labels) {
+      painter.translate(label.moveX, label.moveY);
+      text(scene.items()[label.item], world, 0);
+      painter.translate(-label.moveX, -label.moveY);
+    }
   }
   for (const std::uint32_t id : visible_) {
     const SceneThing& thing = scene.things()[id];
@@ -302,8 +306,9 @@ void ScenePainter::text(const SceneItem& item, const Place& place, QRgb colour) 
     painter_->scale(stretch, stretch);
   } else {
     const double k = stretch / height;
-    painter_->setTransform(QTransform((b.x - a.x) * k * 1.0, (b.y - a.y) * k, -(c.x - a.x) * k,
-                                      -(c.y - a.y) * k, a.x, a.y));
+    painter_->setTransform(
+        QTransform((b.x - a.x) * k, (b.y - a.y) * k, -(c.x - a.x) * k, -(c.y - a.y) * k, 0, 0),
+        true);
   }
   painter_->drawText(QPointF(-length * along, font.pixelSize() * kCapHeight * up), shown);
   painter_->restore();
