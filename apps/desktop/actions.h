@@ -13,12 +13,12 @@ enum class Menu { file, edit, view, network, data, calculation, results, drawing
 
 struct ActionRow {
   Menu menu;
-  std::u16string_view text;  // Italian, "&" marks its key; empty: a line between groups
-  std::u16string_view tip = u"";
+  const char* text;  // Italian, "&" marks its key; empty: a line between groups
+  const char* tip = "";
   const char* icon = "";              // a file of the icons without its extension
   std::u16string_view command = u"";  // of the session; empty: the window does it by itself
   const char* own = "";               // what the window does
-  const char* shortcut = "";
+  int shortcut = 0;                   // keys as Qt joins them
   bool toolBar = false;
 };
 

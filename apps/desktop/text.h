@@ -20,5 +20,6 @@ inline std::string utf8(const QString& text) { return text.toStdString(); }
 
 // A text of the window in the user's language; written in Italian, found in the one catalogue.
 inline QString words(std::u16string_view italian) { return qt(platform::words(italian)); }
+inline QString words(std::string_view italian) { return qt(platform::words(italian)); }
 
 }  // namespace desktop

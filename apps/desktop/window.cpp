@@ -119,8 +119,8 @@ QAction* Window::addAction(const ActionRow& row, QMenu* menu) {
   auto* const action = menu->addAction(iconNamed(QString::fromLatin1(row.icon)), words(row.text));
   QString tip = words(row.tip);
   if (!tip.isEmpty()) tip[0] = tip[0].toUpper();
-  if (*row.shortcut) {
-    action->setShortcut(QKeySequence(QString::fromLatin1(row.shortcut)));
+  if (row.shortcut) {
+    action->setShortcut(QKeySequence(row.shortcut));
     action->setToolTip(
         QStringLiteral("%1 (%2)").arg(tip, action->shortcut().toString(QKeySequence::NativeText)));
   } else {
@@ -148,7 +148,7 @@ void Window::makeActions() {
   for (const ActionRow& row : actionRows()) {
     QMenu*& menu = menus[static_cast<int>(row.menu)];
     if (!menu) menu = menuBar()->addMenu(titleOf(row.menu));
-    if (row.text.empty()) {
+    if (!*row.text) {
       menu->addSeparator();
       continue;
     }
