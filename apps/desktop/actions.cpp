@@ -81,6 +81,8 @@ const std::vector<ActionRow>& actionRows() {
       {Menu::calculation, "&Calcola", "calcola la rete con il solutore", "solve", u"", "solve",
        Qt::Key_F5, true},
 
+      {Menu::results, "&Scrivi nel disegno...", "scrive sul disegno i risultati del calcolo", "",
+       u"", "writeResults"},
       {Menu::results, "&Importa risultati...", "importa o cancella i risultati di un report RPT",
        "results", u"IMPRPT"},
       {Menu::results, "Inte&rroga e colora...", "interroga la rete e ne colora i risultati",

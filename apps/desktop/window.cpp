@@ -23,10 +23,12 @@
 #include "apps/desktop/safety/recovery.h"
 #include "apps/desktop/text.h"
 #include "apps/desktop/view_file.h"
+#include "apps/desktop/work/progress.h"
 #include "apps/program/words.h"
 #include "cad/editor/session.h"
 #include "module/jobs.h"
 #include "platform/files.h"
+#include "platform/format.h"
 #include "platform/text.h"
 
 namespace desktop {
@@ -165,6 +167,7 @@ void Window::makeActions() {
   for (const char* name : {"dark", "labels", "snap", "ortho"}) {
     actions_.value(QString::fromLatin1(name))->setCheckable(true);
   }
+  actions_.value(QStringLiteral("writeResults"))->setEnabled(false);
   for (const char* name : {"dark", "labels", "snap"}) {
     actions_.value(QString::fromLatin1(name))->setChecked(true);
   }
@@ -190,6 +193,8 @@ void Window::doOwn(const QString& what, QAction* action) {
   if (is("ortho")) return canvas_->setOrtho(action->isChecked());
   if (is("picture")) return savePicture();
   if (is("print")) return print();
+  if (is("solve")) return solve();
+  if (is("writeResults")) return writeResults();
   if (is("about")) return about();
   if (is("selectAll")) return canvas_->selectAll();
 }
@@ -242,6 +247,8 @@ void Window::follow() {
   const std::uint32_t number = now ? now->number() : 0;
   if (number != shown_) {
     shown_ = number;
+    solved_ = {};
+    actions_.value(QStringLiteral("writeResults"))->setEnabled(false);
     canvas_->setDrawing(now);
     rememberFile(qt(session().drawingPath()));
   } else {
@@ -287,9 +294,13 @@ void Window::importNow(const QString& path) {
         {u"", wide(path) + u": " + platform::widen(no), cad::ui::Icon::stop, cad::ui::Buttons::ok});
     return;
   }
-  drawing()->beginCommand(u"IMPINP");
-  const vessora::ImportResult result = jobs->importInp(file, found.name, std::nullopt);
-  drawing()->endCommand();
+  vessora::ImportResult result;
+  {
+    const DrawingProgress progress(state_, words(u"Disegno della rete"));
+    drawing()->beginCommand(u"IMPINP");
+    result = jobs->importInp(file, found.name, std::nullopt);
+    drawing()->endCommand();
+  }
   for (const vessora::DrawnKind& kind : result.kinds) {
     for (const std::string& line : program::described(kind.notices))
       commandLine_->print(qt("\n" + line));
@@ -423,6 +434,81 @@ void Window::moveNode(std::uint32_t record, double x, double y) {
     }
     drawing()->endCommand();
     if (!done) statusBar()->showMessage(words(u"Non è un nodo di una rete: usare SPOSTA."), 5000);
+  });
+}
+
+// --- calculation ---------------------------------------------------------------------------------
+
+std::u16string Window::askNetwork() {
+  vessora::Jobs* const jobs = vessora::Jobs::find();
+  if (!jobs || !drawing()) return {};
+  const vessora::PickedNetwork picked = jobs->pickNetwork(u"", u"");
+  if (picked.why == vessora::PickedNetwork::Why::found) return picked.name;
+  if (picked.names.empty()) {
+    say(words(u"Il disegno non ha reti: disegnarne una, o importare un file INP."));
+    return {};
+  }
+  Prompt prompt;
+  prompt.kind = Prompt::Kind::keyword;
+  prompt.text = platform::words(u"\nRete: ");
+  prompt.keywords = picked.names;
+  for (;;) {
+    const cad::ui::Answer answer = ui_.ask(prompt);
+    if (answer.status != cad::ui::Answer::Status::ok) return {};
+    for (const std::u16string& name : picked.names) {
+      if (platform::equalNoCase(name, answer.text)) return name;
+    }
+    ui_.invalid(platform::words(u"La rete non c'è."));
+  }
+}
+
+void Window::solve() {
+  runner_.startWork([this] {
+    const std::u16string network = askNetwork();
+    if (network.empty()) return;
+    Solved solved = solveNetwork(network, this);
+    for (const std::string& line : solved.messages) commandLine_->print(qt("\n" + line));
+    if (solved.cancelled) return say(words(u"Calcolo fermato."));
+    if (!solved.fault.empty()) {
+      say(qt(solved.fault));
+      ui_.messageBox({platform::words(u"Calcolo"), platform::widen(solved.fault),
+                      cad::ui::Icon::stop, cad::ui::Buttons::ok});
+      return;
+    }
+    solved_ = std::move(solved);
+    solvedNetwork_ = network;
+    actions_.value(QStringLiteral("writeResults"))->setEnabled(true);
+    say(words(u"Calcolo riuscito: ") + qt(network));
+  });
+}
+
+// The results of the latest run onto the drawing, as one step: of the period that is asked for.
+void Window::writeResults() {
+  runner_.startWork([this] {
+    vessora::Jobs* const jobs = vessora::Jobs::find();
+    if (!jobs || !drawing() || solved_.output.empty()) return;
+    const vessora::Report report = jobs->openReport(platform::widen(solved_.output));
+    const vessora::ReportPeriods periods = jobs->periodsOf(report);
+    if (periods.times.empty()) return say(words(u"Non ci sono risultati."));
+    Prompt prompt;
+    prompt.text =
+        platform::format(platform::words(u"\nPeriodo dei risultati, da %s a %s <%s>: "),
+                         periods.times.front(), periods.times.back(), periods.times.front());
+    const cad::ui::Answer answer = ui_.ask(prompt);
+    using Status = cad::ui::Answer::Status;
+    if (answer.status != Status::ok && answer.status != Status::none) return;
+    const std::u16string period = answer.status == Status::none
+                                      ? periods.times.front()
+                                      : program::periodOf(periods, platform::narrow(answer.text));
+    if (period.empty()) return say(words(u"Il periodo non c'è."));
+    const vessora::ReportRows rows = jobs->rowsOf(report, period, periods.lowerCaseHrs);
+    const vessora::ReportFindings found = jobs->examineResults(rows, solvedNetwork_);
+    if (const std::string no = program::faultOf(found, solvedNetwork_); !no.empty())
+      return say(qt(no));
+    drawing()->beginCommand(u"IMPRPT");
+    const vessora::ResultCounts written = jobs->writeResults(rows, solvedNetwork_);
+    drawing()->endCommand();
+    say(qt(program::describe(written, solvedNetwork_, period)));
   });
 }
 

@@ -8,6 +8,7 @@
 #include "apps/desktop/command_runner.h"
 #include "apps/desktop/qt_frontend.h"
 #include "apps/desktop/safety/guard.h"
+#include "apps/desktop/work/solve.h"
 
 class QLabel;
 
@@ -60,6 +61,10 @@ class Window : public QMainWindow {
   void rememberFile(const QString& path);
   void showRecent();
   void moveNode(std::uint32_t record, double x, double y);
+  void solve();
+  // The network to work on; empty when there is none or nobody chose one of several.
+  std::u16string askNetwork();
+  void writeResults();
   void zoomByWindow();
   void savePicture();
   void print();
@@ -77,6 +82,8 @@ class Window : public QMainWindow {
   QLabel* place_ = nullptr;
   QLabel* state_ = nullptr;
   QMenu* recent_ = nullptr;
+  Solved solved_;  // the latest run, whose results may be written yet
+  std::u16string solvedNetwork_;
   QHash<QString, QAction*> actions_;
   std::uint32_t shown_ = 0;  // number of the drawing that is shown
   bool closing_ = false, answerWithSelection_ = false;

@@ -185,6 +185,28 @@ TEST_F(WindowTest, ADrawingIsSavedOpenedAgainAndShowsTheSame) {
   EXPECT_EQ(jobs().networks().size(), 1U);
 }
 
+TEST_F(WindowTest, ANetworkIsSolvedAndAPeriodWrittenIntoTheDrawing) {
+  const QString engine = QStringLiteral(VESSORA_TESTS_DIR "/solver/node_modules/epanet-js-2.3");
+  if (!QFile::exists(engine)) GTEST_SKIP() << "no solver at hand";
+  qputenv("VESSORA_EPANET_JS", engine.toUtf8());
+  importBorgo();
+  EXPECT_FALSE(window_->actionFor(QStringLiteral("writeResults"))->isEnabled());
+  window_->actionFor(QStringLiteral("solve"))->trigger();
+  take();
+  ASSERT_TRUE(window_->actionFor(QStringLiteral("writeResults"))->isEnabled())
+      << utf8(window_->commandLine().history());
+  EXPECT_FALSE(jobs().network(u"borgo").hasResults) << "nothing is drawn yet";
+  window_->actionFor(QStringLiteral("writeResults"))->trigger();
+  take({asked(u"Periodo", [&] {
+    QTest::keyClicks(&canvas(), QStringLiteral("7:00"));
+    QTest::keyClick(&canvas(), Qt::Key_Return);
+  })});
+  EXPECT_EQ(jobs().network(u"borgo").period, u"7:00:00");
+  window_->actionFor(QStringLiteral("UNDO"))->trigger();
+  take();
+  EXPECT_FALSE(jobs().network(u"borgo").hasResults);
+}
+
 TEST_F(WindowTest, ClosingLeavesTheRunningCommandFirst) {
   QTest::keyClicks(&canvas(), QStringLiteral("misura"));
   QTest::keyClick(&canvas(), Qt::Key_Return);
