@@ -11,9 +11,11 @@ prepare() {
     qt6-base-dev libqt6svg6-dev)
   local test=(libgtest-dev locales clang-format)
   local fuzz=(clang libclang-rt-dev)
+  local deb=(dpkg-dev file)
   local wanted=("${build[@]}")
   [ "$1" = test ] && wanted+=("${test[@]}")
   [ "$1" = fuzz ] && wanted+=("${fuzz[@]}")
+  [ "$1" = package ] && wanted+=("${deb[@]}")
   local missing=() package
   for package in "${wanted[@]}"; do
     dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q 'ok installed' || missing+=("$package")

@@ -1,5 +1,6 @@
 #include "apps/program/host.h"
 
+#include "apps/program/user_root.h"
 #include "apps/program/words.h"
 #include "cad/editor/commands.h"
 #include "cad/editor/variables.h"
@@ -34,8 +35,10 @@ platform::Result<void> startHost(cad::ui::Frontend& ui, InpMode mode) {
                            words("la cartella del prodotto manca; reinstallare, o indicarla con "
                                  "VESSORA_ROOT")};
   }
+  const auto own = rootForUser(place.root);
+  if (!own) return platform::Error{own.error()};
   // The root ends in a backslash, whatever the platform: modules append to it as it stands.
-  std::u16string root = platform::widen(place.root);
+  std::u16string root = platform::widen(*own);
   root.back() = u'\\';
   session.setSymbol(u"hn-cpath", root);
   const auto module = session.loadModule(place.module);
