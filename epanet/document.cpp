@@ -5,6 +5,7 @@
 #include <stdexcept>
 
 #include "epanet/lexis.h"
+#include "platform/memory.h"
 #include "platform/text.h"
 
 namespace epanet {
@@ -52,7 +53,7 @@ std::string_view headingOf(Section section) { return kHeadings[static_cast<std::
 
 Document::Document(std::string bytes) {
   if (bytes.size() >= kNoRow) throw std::length_error("an input file of more than 4 GB");
-  text_ = std::make_shared<const std::string>(std::move(bytes));
+  text_ = std::make_unique<std::string>(std::move(bytes));
   mark_ = text_->starts_with("\xEF\xBB\xBF");
   utf8_ = platform::isValidUtf8(*text_);
   divide();
@@ -63,6 +64,7 @@ void Document::divide() {
   const char end = text.find('\n') == text.npos && text.find('\r') != text.npos ? '\r' : '\n';
   if (end == '\r') lineEnd_ = "\r";
   rows_.reserve(text.size() / 48 + 16);
+  platform::askForLargePages(rows_.data(), rows_.capacity() * sizeof(Row));
   Section section = Section::before;
   std::size_t at = mark_ ? 3 : 0;
   std::size_t carriageReturns = 0, lines = 0;

@@ -104,6 +104,8 @@ class Document {
   Document& operator=(const Document&) = delete;
 
   const std::string& text() const { return *text_; }
+  // The text, for who needs nothing else of the document any more.
+  std::string takeText() && { return std::move(*text_); }
   const std::vector<Row>& rows() const { return rows_; }
   std::string_view textOf(RowId row) const {
     return std::string_view(*text_).substr(rows_[row].start, rows_[row].length);
@@ -131,7 +133,7 @@ class Document {
   void classify(Row& row, Section& section);
 
   // Behind a pointer, so that views stay valid when the document moves.
-  std::shared_ptr<const std::string> text_ = std::make_shared<const std::string>();
+  std::unique_ptr<std::string> text_ = std::make_unique<std::string>();
   std::vector<Row> rows_;
   std::vector<RowId> pieces_;  // rows that go on with the line of the row before
   std::array<RowId, kSections> last_ = filled();

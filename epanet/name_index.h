@@ -23,6 +23,10 @@ class NameIndex {
       if (slot.hash == hash && nameOf(slot.index) == name) return slot.index;
     }
   }
+  // Room for so many names.
+  void reserve(std::size_t count) {
+    while (2 * (count + 1) > slots_.size()) grow();
+  }
   // The name must not be there yet.
   void add(std::string_view name, std::uint32_t index) {
     if (2 * (count_ + 1) > slots_.size()) grow();

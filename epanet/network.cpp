@@ -2,6 +2,7 @@
 
 #include "epanet/lexis.h"
 #include "epanet/reader.h"
+#include "platform/memory.h"
 
 namespace epanet {
 namespace {
@@ -88,11 +89,17 @@ void Reader::makeRoom(const std::vector<Row>& rows) {
     if (row.kind == RowKind::data) ++count[static_cast<std::size_t>(row.section)];
   }
   const auto of = [&](Section section) { return count[static_cast<std::size_t>(section)]; };
-  net_.nodes.reserve(of(Section::junctions) + of(Section::reservoirs) + of(Section::tanks));
-  net_.links.reserve(of(Section::pipes) + of(Section::pumps) + of(Section::valves));
-  net_.pipes.reserve(of(Section::pipes));
-  net_.demands.reserve(of(Section::demands));
-  net_.vertices.reserve(of(Section::vertices));
+  const auto reserve = [](auto& list, std::size_t size) {
+    list.reserve(size);
+    platform::askForLargePages(list.data(), size * sizeof(list[0]));
+  };
+  reserve(net_.nodes, of(Section::junctions) + of(Section::reservoirs) + of(Section::tanks));
+  reserve(net_.links, of(Section::pipes) + of(Section::pumps) + of(Section::valves));
+  net_.names_->nodes.reserve(net_.nodes.capacity());
+  net_.names_->links.reserve(net_.links.capacity());
+  reserve(net_.pipes, of(Section::pipes));
+  reserve(net_.demands, of(Section::demands));
+  reserve(net_.vertices, of(Section::vertices));
 }
 
 void Reader::readRow() {

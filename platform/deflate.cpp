@@ -6,6 +6,7 @@
 #include <limits>
 
 #include "platform/check.h"
+#include "platform/memory.h"
 
 namespace platform {
 namespace {
@@ -34,13 +35,20 @@ void offer(z_stream& stream, std::string& out, std::size_t used) {
   stream.avail_out = static_cast<uInt>(std::min(out.size() - used, kMostAtOnce));
 }
 
+void makeRoom(std::string& out, std::size_t size) {
+  out.reserve(size);
+  askForLargePages(out.data(), size);
+  out.resize(size);
+}
+
 }  // namespace
 
 std::string deflated(std::string_view bytes) {
   z_stream stream = {};
   // The second level takes a quarter of the usual one's time for a fifth more bytes.
   VESSORA_CHECK(deflateInit(&stream, 2) == Z_OK, "no memory to make a text smaller");
-  std::string out(bytes.size() / 4 + 1024, '\0');
+  std::string out;
+  makeRoom(out, bytes.size() / 4 + 1024);
   std::size_t given = 0, used = 0;
   for (int state = Z_OK; state == Z_OK;) {
     feed(stream, bytes, given);
@@ -60,7 +68,8 @@ std::optional<std::string> inflated(std::string_view bytes, std::size_t expected
   z_stream stream = {};
   if (inflateInit(&stream) != Z_OK) return std::nullopt;
   // One byte more, so that data that hold more than they should are seen to.
-  std::string out(expectedSize + 1, '\0');
+  std::string out;
+  makeRoom(out, expectedSize + 1);
   std::size_t given = 0, used = 0;
   int state = Z_OK;
   while (state == Z_OK && used < out.size()) {

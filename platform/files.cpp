@@ -11,6 +11,7 @@
 #include <system_error>
 
 #include "platform/beside.h"
+#include "platform/memory.h"
 #include "platform/text.h"
 #include "platform/words.h"
 
@@ -147,7 +148,10 @@ Result<std::string> readFile(const std::string& path) {
   if (!file) return fail(file.error());
   // One byte more than the size: the read that meets the end needs no further call. Files that grow
   // meanwhile, and those of the system that report no size, are read to their end too.
-  std::string bytes(size + 1, '\0');
+  std::string bytes;
+  bytes.reserve(size + 1);
+  askForLargePages(bytes.data(), size + 1);
+  bytes.resize(size + 1);
   std::size_t have = 0;
   while (true) {
     if (have == bytes.size()) bytes.resize(std::max<std::size_t>(bytes.size() * 2, 65536));

@@ -51,6 +51,13 @@ void* allocateLarge(std::size_t bytes) {
   return block;
 }
 
+void askForLargePages(const void* memory, std::size_t bytes) noexcept {
+  if (bytes < kLarge) return;
+  const auto begin = roundedUp(reinterpret_cast<std::uintptr_t>(memory));
+  const auto end = (reinterpret_cast<std::uintptr_t>(memory) + bytes) & ~(kHugePage - 1);
+  if (begin < end) madvise(reinterpret_cast<void*>(begin), end - begin, MADV_HUGEPAGE);
+}
+
 void releaseLarge(void* memory, std::size_t bytes) noexcept {
   if (!memory) return;
   if (bytes >= kLarge) {

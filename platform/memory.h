@@ -23,6 +23,10 @@ void releaseLarge(void* memory, std::size_t bytes) noexcept;
 void* allocateAligned(std::size_t bytes, std::size_t alignment);
 void releaseAligned(void* memory, std::size_t bytes) noexcept;
 
+// Has the system back memory of a text or a list that is about to be filled with large pages, as
+// far as whole ones fit into it. A wish, for memory from anywhere; small memory is left alone.
+void askForLargePages(const void* memory, std::size_t bytes) noexcept;
+
 // An owned block of such memory.
 class Block {
  public:
