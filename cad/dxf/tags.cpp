@@ -6,46 +6,15 @@
 #include <cmath>
 #include <cstring>
 
+#if defined(__SSE2__)
+#include <emmintrin.h>
+#endif
+
+#include "cad/dxf/bytes.h"
 #include "platform/text.h"
 
 namespace cad {
 namespace {
-
-std::string_view trim(std::string_view s) {
-  while (!s.empty() && (s.front() == ' ' || s.front() == '\t')) s.remove_prefix(1);
-  while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r'))
-    s.remove_suffix(1);
-  return s;
-}
-
-template <class T>
-void putLittleEndian(char* to, T value) {
-  std::memcpy(to, &value, sizeof value);
-}
-
-template <class T>
-T littleEndian(const char* from) {
-  T value;
-  std::memcpy(&value, from, sizeof value);
-  return value;
-}
-
-int sizeOfBinary(ValueKind kind) {
-  switch (kind) {
-    case ValueKind::real:
-      return 8;
-    case ValueKind::int16:
-      return 2;
-    case ValueKind::int32:
-      return 4;
-    case ValueKind::int64:
-      return 8;
-    case ValueKind::boolean:
-      return 1;
-    default:
-      return -1;
-  }
-}
 
 // A value outside its range or no number at all must not reach a file: programs refuse the drawing.
 double finite(double v) {
@@ -54,101 +23,6 @@ double finite(double v) {
 }
 
 }  // namespace
-
-double parseTagReal(std::string_view text) {
-  text = trim(text);
-  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-  double v = 0;
-  const auto r = std::from_chars(text.data(), text.data() + text.size(), v);
-  return r.ec == std::errc() && std::isfinite(v) ? v : 0;
-}
-
-std::int64_t parseTagInteger(std::string_view text) {
-  text = trim(text);
-  if (!text.empty() && text.front() == '+') text.remove_prefix(1);
-  std::int64_t v = 0;
-  std::from_chars(text.data(), text.data() + text.size(), v);
-  return v;
-}
-
-std::uint64_t parseTagHandle(std::string_view text) {
-  text = trim(text);
-  std::uint64_t v = 0;
-  const auto r = std::from_chars(text.data(), text.data() + text.size(), v, 16);
-  return r.ec == std::errc() && r.ptr == text.data() + text.size() ? v : 0;
-}
-
-bool readAsciiTag(std::string_view text, std::size_t& at, Tag& tag) {
-  const char* begin = text.data() + at;
-  const char* end = text.data() + text.size();
-  const char* p = begin;
-  while (p < end && (*p == ' ' || *p == '\t')) ++p;
-  const bool negative = p < end && *p == '-';
-  if (negative) ++p;
-  int number = 0;
-  const char* digits = p;
-  while (p < end && static_cast<unsigned char>(*p - '0') < 10 && number < 100000) {
-    number = number * 10 + (*p++ - '0');
-  }
-  if (p == digits) return false;
-  while (p < end && (*p == ' ' || *p == '\t' || *p == '\r')) ++p;
-  if (p == end || *p != '\n' || number > 32767) return false;
-  const char* value = p + 1;
-  // Most values are a few bytes long: looking at the first ones is quicker than starting a search.
-  const char* valueEnd = value;
-  const char* near = end - value > 16 ? value + 16 : end;
-  while (valueEnd < near && *valueEnd != '\n') ++valueEnd;
-  if (valueEnd == near && valueEnd < end) {
-    const void* found = std::memchr(valueEnd, '\n', static_cast<std::size_t>(end - valueEnd));
-    valueEnd = found ? static_cast<const char*>(found) : end;
-  }
-  const char* next = valueEnd < end ? valueEnd + 1 : end;
-  if (valueEnd > value && valueEnd[-1] == '\r') --valueEnd;
-  tag.start = begin;
-  tag.value = value;
-  tag.size = static_cast<std::uint32_t>(valueEnd - value);
-  tag.total = static_cast<std::uint32_t>(next - begin);
-  tag.code = static_cast<std::int16_t>(negative ? -number : number);
-  at = static_cast<std::size_t>(next - text.data());
-  return true;
-}
-
-bool readBinaryTag(std::string_view text, std::size_t& at, bool wideCodes, Tag& tag) {
-  const char* begin = text.data() + at;
-  const std::size_t left = text.size() - at;
-  std::size_t used = wideCodes ? 2 : 1;
-  if (left < used) return false;
-  int code = wideCodes ? littleEndian<std::int16_t>(begin) : static_cast<unsigned char>(begin[0]);
-  if (!wideCodes && code == 255) {
-    if (left < 3) return false;
-    code = littleEndian<std::int16_t>(begin + 1);
-    used = 3;
-  }
-  const ValueKind kind = kindOf(code);
-  int fixed = sizeOfBinary(kind);
-  const char* value = begin + used;
-  if (fixed >= 0) {
-    if (left < used + static_cast<std::size_t>(fixed)) return false;
-    tag.size = static_cast<std::uint32_t>(fixed);
-    tag.total = static_cast<std::uint32_t>(used) + tag.size;
-  } else if (kind == ValueKind::bytes) {
-    if (left < used + 1) return false;
-    const auto n = static_cast<unsigned char>(*value++);
-    if (left < used + 1 + n) return false;
-    tag.size = n;
-    tag.total = static_cast<std::uint32_t>(used) + 1 + n;
-  } else {
-    const char* nul = static_cast<const char*>(std::memchr(value, 0, left - used));
-    if (!nul) return false;
-    tag.size = static_cast<std::uint32_t>(nul - value);
-    tag.total = static_cast<std::uint32_t>(used) + tag.size + 1;
-  }
-  tag.start = begin;
-  tag.value = value;
-  tag.code = static_cast<std::int16_t>(code);
-  at += tag.total;
-  return true;
-}
 
 namespace {
 std::vector<std::unique_ptr<TagList>>& pool() {
@@ -437,22 +311,40 @@ Tag TagList::makeInteger(int code, std::int64_t value) {
   return make(code, {buffer, static_cast<std::size_t>(n)});
 }
 
-// Whether the text's bytes are its characters, in every encoding.
-static bool isPlain(std::u16string_view text) {
+// Writes the characters of a text as bytes. False, with any bytes written, where they are not the
+// text's bytes in every encoding.
+static bool narrowPlain(std::u16string_view text, char* to) {
+  std::size_t i = 0;
+#if defined(__SSE2__)
+  for (; i + 8 <= text.size(); i += 8) {
+    const __m128i v = _mm_loadu_si128(reinterpret_cast<const __m128i*>(text.data() + i));
+    const __m128i printing = _mm_and_si128(_mm_cmpgt_epi16(v, _mm_set1_epi16(31)),
+                                           _mm_cmplt_epi16(v, _mm_set1_epi16(127)));
+    const __m128i plain = _mm_andnot_si128(_mm_cmpeq_epi16(v, _mm_set1_epi16('^')), printing);
+    if (_mm_movemask_epi8(plain) != 0xFFFF) return false;
+    _mm_storel_epi64(reinterpret_cast<__m128i*>(to + i), _mm_packus_epi16(v, v));
+  }
+#endif
   bool plain = true;
-  for (const char16_t c : text) plain &= c >= 32 && c < 127 && c != u'^';
+  for (; i < text.size(); ++i) {
+    const char16_t c = text[i];
+    plain &= c >= 32 && c < 127 && c != u'^';
+    to[i] = static_cast<char>(c);
+  }
   return plain;
 }
 
 Tag TagList::makeText(int code, std::u16string_view text) {
-  if (isPlain(text) && (!format_->binary || kindOf(code) != ValueKind::bytes)) {
+  if (!format_->binary || kindOf(code) != ValueKind::bytes) {
     char* const bytes = arena_.allocate(text.size());
-    for (std::size_t i = 0; i < text.size(); ++i) bytes[i] = static_cast<char>(text[i]);
-    Tag t;
-    t.value = bytes;
-    t.size = static_cast<std::uint32_t>(text.size());
-    t.code = static_cast<std::int16_t>(code);
-    return t;
+    if (narrowPlain(text, bytes)) {
+      Tag t;
+      t.value = bytes;
+      t.size = static_cast<std::uint32_t>(text.size());
+      t.code = static_cast<std::int16_t>(code);
+      return t;
+    }
+    arena_.shrink(text.size());
   }
   scratch_.clear();
   if (format_->binary && kindOf(code) == ValueKind::bytes) {
@@ -603,70 +495,6 @@ void TagList::insertCopy(int at, const TagList& from, int i) {
     }
   }
   place(at, make(t.code, t.bytes()));
-}
-
-std::size_t TagList::writtenSize() const {
-  std::size_t n = 0;
-  for (const Tag& t : tags_) n += t.start ? t.total : t.size + 12U;
-  return n;
-}
-
-namespace {
-
-// Group codes as files have them: right-aligned in three places.
-constexpr auto kPaddedCodes = [] {
-  std::array<std::array<char, 4>, 1000> codes{};
-  for (int c = 0; c < 1000; ++c) {
-    codes[static_cast<std::size_t>(c)] = {c >= 100 ? static_cast<char>('0' + c / 100) : ' ',
-                                          c >= 10 ? static_cast<char>('0' + c / 10 % 10) : ' ',
-                                          static_cast<char>('0' + c % 10), 0};
-  }
-  return codes;
-}();
-
-}  // namespace
-
-char* TagList::write(char* out) const {
-  for (const Tag& t : tags_) {
-    if (t.start) {
-      std::memcpy(out, t.start, t.total);
-      out += t.total;
-      // The last line of a file may have no end; what was added behind it begins a line of its own.
-      if (!format_->binary && out[-1] != '\n' && &t != &tags_.back()) *out++ = '\n';
-      continue;
-    }
-    if (format_->binary) {
-      if (format_->wideCodes) {
-        putLittleEndian(out, t.code);
-        out += 2;
-      } else if (t.code < 255) {
-        *out++ = static_cast<char>(t.code);
-      } else {
-        *out++ = static_cast<char>(255);
-        putLittleEndian(out, t.code);
-        out += 2;
-      }
-      if (kindOf(t.code) == ValueKind::bytes) *out++ = static_cast<char>(t.size);
-      std::memcpy(out, t.value, t.size);
-      out += t.size;
-      if (kindOf(t.code) == ValueKind::text || kindOf(t.code) == ValueKind::handle) *out++ = 0;
-      continue;
-    }
-    const int c = t.code;
-    if (c >= 0 && c < 1000) {
-      std::memcpy(out, kPaddedCodes[static_cast<std::size_t>(c)].data(), 3);
-      out += 3;
-    } else {
-      out = std::to_chars(out, out + 8, c).ptr;
-    }
-    if (format_->crlf) *out++ = '\r';
-    *out++ = '\n';
-    if (t.size) std::memcpy(out, t.value, t.size);
-    out += t.size;
-    if (format_->crlf) *out++ = '\r';
-    *out++ = '\n';
-  }
-  return out;
 }
 
 }  // namespace cad

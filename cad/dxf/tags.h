@@ -137,8 +137,8 @@ class TagList {
   Tag makeInteger(int code, std::int64_t value);
   Tag makeHandle(int code, std::uint64_t handle);
   void place(int at, const Tag& tag) { tags_.insert(tags_.begin() + at, tag); }
-  bool parseAscii(std::string_view text);
-  bool parseBinary(std::string_view text);
+  char* writeBinary(const Tag& tag, char* out) const;
+  char* writeAscii(const Tag& tag, char* out) const;
 
   static const Format& neutral();
   const Format* format_ = &neutral();
