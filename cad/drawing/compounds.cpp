@@ -216,12 +216,11 @@ AcGeMatrix3d AcDbBlockReference::blockTransform() const {
 // The attributes go along with every change of the transformation.
 template <class Change>
 Acad::ErrorStatus AcDbBlockReference::transform(Change&& change) {
+  if (!view_->drawing || !view_->drawing->structure().firstPart(view_->record)) return change();
   const auto back = cad::invert(blockTransform());
   // From a transformation that flattens everything nothing can be brought back.
-  if (!back && view_->drawing && view_->drawing->structure().firstPart(view_->record)) {
-    return Acad::eInvalidInput;
-  }
-  if (const auto s = change(); s != Acad::eOk || !back || !view_->drawing) return s;
+  if (!back) return Acad::eInvalidInput;
+  if (const auto s = change(); s != Acad::eOk) return s;
   cad::transformAttributes(*view_->drawing, view_->record, blockTransform() * *back);
   return Acad::eOk;
 }

@@ -11,10 +11,25 @@ NameTable::NameTable() : keys_(1 << 16) {
   byFold_.emplace(u"", 0);
 }
 
+std::uint32_t NameTable::findRecent(std::u16string_view name) const {
+  for (const std::uint32_t recent : recent_) {
+    if (spellings_[recent] == name) return recent;
+  }
+  return 0;
+}
+
+void NameTable::noteRecent(std::uint32_t name, std::u16string_view spelling) const {
+  if (spellings_[name] != spelling) return;
+  recent_[oldest_] = name;
+  oldest_ = (oldest_ + 1) % recent_.size();
+}
+
 std::uint32_t NameTable::of(std::u16string_view name) {
+  if (const std::uint32_t recent = findRecent(name)) return recent;
   auto [it, fresh] =
       byFold_.try_emplace(platform::upper(name), static_cast<std::uint32_t>(spellings_.size()));
   if (fresh) spellings_.emplace_back(name);
+  noteRecent(it->second, name);
   return it->second;
 }
 
@@ -26,8 +41,11 @@ std::uint32_t NameTable::ofBytes(const Format& format, std::string_view bytes) {
 }
 
 std::uint32_t NameTable::find(std::u16string_view name) const {
+  if (const std::uint32_t recent = findRecent(name)) return recent;
   const auto it = byFold_.find(platform::upper(name));
-  return it == byFold_.end() ? 0 : it->second;
+  if (it == byFold_.end()) return 0;
+  noteRecent(it->second, name);
+  return it->second;
 }
 
 // Of a large set the members are looked up, not walked: it grows by one after the other.

@@ -2,6 +2,7 @@
 // one name that differ in letter case only get the same number; the first spelling is kept.
 #pragma once
 
+#include <array>
 #include <cstdint>
 #include <string>
 #include <string_view>
@@ -33,10 +34,16 @@ class NameTable {
       return h;
     }
   };
+  std::uint32_t findRecent(std::u16string_view name) const;
+  void noteRecent(std::uint32_t name, std::u16string_view spelling) const;
+
   std::unordered_map<std::u16string, std::uint32_t> byFold_;
   std::unordered_map<std::string_view, std::uint32_t, Hash> byBytes_;
   std::vector<std::u16string> spellings_;
   Arena keys_;
+  // The last ones asked for by their own spelling: a command asks for the same few all the time.
+  mutable std::array<std::uint32_t, 4> recent_{};
+  mutable std::size_t oldest_ = 0;
 };
 
 // Sets of applications, as numbers: most objects of a drawing share a handful of them. A set is

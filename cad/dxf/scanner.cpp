@@ -131,13 +131,13 @@ class Indexer {
           seen_ |= kName;
           record_->name = record_->type == Type::section || record_->type == Type::table
                               ? names_.types.ofBytes(format_, value)
-                              : cached(value, lastName_, lastNameBytes_);
+                              : symbol(value);
         }
         break;
       case 8:
         if (!(seen_ & kLayer)) {
           seen_ |= kLayer;
-          record_->layer = cached(value, lastLayer_, lastLayerBytes_);
+          record_->layer = symbol(value);
         }
         break;
       case 60:
@@ -162,7 +162,7 @@ class Indexer {
         if (record_->type == Type::insert && number(value) == 1) record_->set(Record::hasParts);
         break;
       case 1001: {
-        const std::uint32_t app = cached(value, lastApp_, lastAppBytes_);
+        const std::uint32_t app = symbol(value);
         if (record_->type != Type::section) record_->apps = names_.sets.with(record_->apps, app);
         seen_ |= kName | kLayer | kHandle | kFlags | kHidden;
         break;
@@ -187,20 +187,27 @@ class Indexer {
     }
     return static_cast<int>(parseTagInteger(value));
   }
-  std::uint32_t cached(std::string_view value, std::uint32_t& last, std::string_view& lastBytes) {
-    if (value != lastBytes) {
-      last = names_.symbols.ofBytes(format_, value);
-      lastBytes = value;
-    }
-    return last;
+  // A drawing of a network has a few names a million times, one after the other.
+  std::uint32_t symbol(std::string_view value) {
+    if (value.empty()) return 0;
+    const std::size_t mixed = value.size() + 3 * static_cast<unsigned char>(value.front()) +
+                              5 * static_cast<unsigned char>(value.back());
+    Known& known = known_[mixed % known_.size()];
+    if (known.bytes != value) known = {value, names_.symbols.ofBytes(format_, value)};
+    return known.name;
   }
 
   const Format& format_;
   NameTables names_;
   Record* record_ = nullptr;
   unsigned seen_ = 0;
-  std::string_view lastTypeText_, lastNameBytes_, lastLayerBytes_, lastAppBytes_;
-  std::uint32_t lastType_ = 0, lastName_ = 0, lastLayer_ = 0, lastApp_ = 0;
+  std::string_view lastTypeText_;
+  std::uint32_t lastType_ = 0;
+  struct Known {
+    std::string_view bytes;
+    std::uint32_t name = 0;
+  };
+  std::array<Known, 64> known_;
 };
 
 int versionOf(std::string_view acadver) {
