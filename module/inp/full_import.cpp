@@ -6,7 +6,6 @@
 #include "module/inp/symbol_scale.h"
 #include "module/inp/symbols.h"
 #include "module/network/element_data.h"
-#include "module/network/kept_text.h"
 #include "module/network/pattern_curve_store.h"
 #include "module/network/schema.h"
 #include "module/network/settings_store.h"
@@ -199,9 +198,6 @@ void examineFullFile(const FullFile& file, InpFindings& found) {
 ImportResult drawFullFile(const FullFile& file, std::u16string_view name,
                           std::optional<double> scale) {
   ImportResult result;
-  // Deflating needs no drawing and takes a tenth of the whole: it goes on beside.
-  std::future<PackedText> packed =
-      platform::beside([&file] { return packText(file.document.text()); });
   for (const char16_t* application :
        {app::kImport, app::kSettings, app::kPattern, app::kCurve, app::kKept}) {
     acdbRegApp(application);
@@ -221,7 +217,7 @@ ImportResult drawFullFile(const FullFile& file, std::u16string_view name,
   useSymbolScale(currentNetwork, result.scale);
   drawing.drawElements(result);
   drawing.storeTables();
-  if (!saveKeptText(currentNetwork, packed.get())) {
+  if (!saveKeptText(currentNetwork, file.packed.get())) {
     result.reading.push_back({NoticeCode::textNotKept, currentNetwork.str()});
   }
   return result;

@@ -8,12 +8,19 @@
 
 #include "epanet/network.h"
 #include "module/inp/inp_jobs.h"
+#include "module/network/kept_text.h"
+#include "platform/beside.h"
 
 namespace vessora {
 
 struct FullFile {
-  explicit FullFile(std::string bytes) : document(std::move(bytes)), network(document) {}
+  explicit FullFile(std::string bytes)
+      : document(std::move(bytes)),
+        packed(platform::beside([&text = document.text()] { return packText(text); })),
+        network(document) {}
   epanet::Document document;
+  // The text as the drawing will keep it: made beside the reading of what it means.
+  std::shared_future<PackedText> packed;
   epanet::Network network;
 };
 

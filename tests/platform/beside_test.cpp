@@ -1,10 +1,15 @@
 #include "platform/beside.h"
 
 #include <gtest/gtest.h>
+#include <pthread.h>
 
 #include <atomic>
+#include <cstddef>
+#include <future>
 #include <numeric>
 #include <stdexcept>
+#include <system_error>
+#include <utility>
 #include <vector>
 
 namespace platform {
@@ -54,6 +59,57 @@ TEST(Stages, AFailureOfEitherReachesTheCaller) {
   EXPECT_THROW(Stages<int>::takeBeside(failsLate, nothing), std::runtime_error);
   made = 0;
   EXPECT_THROW(Stages<int>::makeBeside(failsLate, nothing), std::runtime_error);
+}
+
+// While the first item that is taken waits for something, the next ones are made: up to what may
+// wait, and no more.
+TEST(Stages, MakeAheadOfAFirstItemThatWaits) {
+  std::promise<void> comes;
+  std::atomic<int> made{0};
+  int taken = 0;
+  const auto make = [&](int& item) {
+    item = ++made;
+    if (made == 3 * 256) comes.set_value();
+    return made <= 2000;
+  };
+  const auto take = [&, first = true](const int& item) mutable {
+    if (std::exchange(first, false)) {
+      comes.get_future().wait();
+      EXPECT_LE(made, 4 * 256);
+    }
+    EXPECT_EQ(item, ++taken);
+  };
+  Stages<int>::takeBeside(make, take, 4);
+  EXPECT_EQ(taken, 2000);
+}
+
+// Asks for threads so large that the system has none to give.
+class NoThreads {
+ public:
+  NoThreads() {
+    pthread_getattr_default_np(&before_);
+    pthread_attr_t none;
+    pthread_getattr_default_np(&none);
+    pthread_attr_setstacksize(&none, std::size_t{1} << 46);
+    pthread_setattr_default_np(&none);
+    pthread_attr_destroy(&none);
+  }
+  ~NoThreads() {
+    pthread_setattr_default_np(&before_);
+    pthread_attr_destroy(&before_);
+  }
+
+ private:
+  pthread_attr_t before_;
+};
+
+TEST(Stages, WorkInTurnWhereThereIsNoThread) {
+  const NoThreads none;
+  EXPECT_THROW(std::async(std::launch::async, [] {}), std::system_error);
+  for (const Beside beside : {Beside::make, Beside::take}) {
+    EXPECT_EQ(passed(beside, 600).size(), 600u);
+  }
+  EXPECT_EQ(platform::beside([] { return 7; }).get(), 7);
 }
 
 }  // namespace
