@@ -1,6 +1,7 @@
 #include "module/inp/drawn_element.h"
 
 #include <algorithm>
+#include <array>
 
 #include "epanet/lexis.h"
 #include "platform/text.h"
@@ -30,6 +31,13 @@ std::u16string_view DrawnEntity::name() const {
   const Value* own = value(Field::id);
   if (!own) return {};
   return own->onData ? own->data : own->attribute;
+}
+
+void DrawnEntity::makeTexts() {
+  for (Value& value : values) {
+    if (value.isReal) value.data = platform::widen(epanet::textOf(value.real));
+    value.isReal = false;
+  }
 }
 
 bool DrawnEntities::read(AcDbObjectId id, DrawnEntity& entity) {
@@ -102,17 +110,20 @@ void DrawnEntities::readData(AcDbEntity* drawn, DrawnEntity& entity) {
   }
   const Chain data(drawn->xData(schema::app::kImport));
   entity.hasData = static_cast<bool>(data);
+  entity.values.resize(entity.kind->data.rows.size());
   XDataReader items(data);
   for (std::size_t i = 0; i < entity.kind->data.rows.size(); ++i) {
     const Row& row = entity.kind->data.rows[i];
     DrawnEntity::Value& value = entity.values[i];
     value.data.clear();
+    value.isReal = false;
     value.onData = data && row.place != 0 && !items.done();
     if (!value.onData) continue;
     if (acutKindOf(items.code()) == RbKind::text) {
       value.data = items.text();
     } else {
-      value.data = platform::widen(epanet::textOf(items.real()));
+      value.real = items.real();
+      value.isReal = true;
     }
   }
 }

@@ -1,10 +1,10 @@
 // An element as it stands in the drawing, with everything that two places may say of it.
 #pragma once
 
-#include <array>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "module/network/schema.h"
 #include "platform/beside.h"
@@ -27,8 +27,13 @@ struct DrawnEntity {
   struct Value {
     bool onAttribute = false, onData = false;
     std::u16string attribute, data;
+    double real = 0;      // of the data, where they are a number
+    bool isReal = false;  // whose text has not been made yet
   };
-  std::array<Value, 12> values;
+  std::vector<Value> values;
+
+  // Makes the texts of numbers, which needs no drawing.
+  void makeTexts();
 
   bool isNode() const {
     return kind == &schema::kJunc || kind == &schema::kResv || kind == &schema::kTank;
@@ -45,13 +50,22 @@ class DrawnEntities {
   explicit DrawnEntities(std::u16string_view network) : layers_(network) {}
   // Calls visit(entity) for the entities of a network in drawing order, in another thread while the
   // next entities are read: it must not ask the drawing. The reference is valid during the call.
+  // The first call may wait for something that others make meanwhile.
   template <class Visit>
   void visitBeside(Visit visit);
   // One entity; false when it is none of the network.
-  bool read(AcDbObjectId id) { return read(id, entity_); }
+  bool read(AcDbObjectId id) {
+    if (!read(id, entity_)) return false;
+    entity_.makeTexts();
+    return true;
+  }
   const DrawnEntity& entity() const { return entity_; }
 
  private:
+  // Batches of entities that wait for the first one to be visited: about what is read while a file
+  // of that size is unpacked and read, and some 100 bytes for each byte of an entity's text.
+  static constexpr std::size_t kWaiting = 128;
+
   bool read(AcDbObjectId id, DrawnEntity& entity);
   bool readBlock(AcDbBlockReference* block, DrawnEntity& entity);
   bool readPolyline(AcDb3dPolyline* polyline, DrawnEntity& entity);
@@ -73,7 +87,11 @@ void DrawnEntities::visitBeside(Visit visit) {
     }
     return false;
   };
-  platform::Stages<DrawnEntity>::takeBeside(readNext, visit);
+  const auto take = [&](DrawnEntity& entity) {
+    entity.makeTexts();
+    visit(entity);
+  };
+  platform::Stages<DrawnEntity>::takeBeside(readNext, take, kWaiting);
 }
 
 }  // namespace vessora

@@ -5,6 +5,7 @@
 #include <map>
 #include <tuple>
 #include <unordered_set>
+#include <utility>
 
 #include "module/inp/full_added.h"
 #include "module/inp/full_series.h"
@@ -31,46 +32,41 @@ bool sameSpot(const AcGePoint3d& a, const AcGePoint3d& b) {
 
 // --- the comparison ------------------------------------------------------------------------------
 
+// What a comparison is about, read from the drawing beforehand.
+struct Asked {
+  std::u16string_view name;
+  Match match;
+  const std::vector<Field>& counted;
+  std::vector<Rename> renames;
+  std::vector<EpaPattern> patterns;
+  std::vector<EpaCurve> curves;
+};
+
 class Comparing {
  public:
-  Comparing(std::u16string_view name, const epanet::Network& network,
-            const std::vector<Rename>& renames, Match match, const std::vector<Field>& counted)
-      : name_(name),
+  // Asks nothing of the drawing, and neither does meet().
+  Comparing(const Asked& asked, const epanet::Network& network)
+      : name_(asked.name),
         network_(network),
-        form_(network, renames),
-        everything_(match == Match::everything),
-        byName_(match == Match::byName),
-        counted_(counted),
+        form_(network, asked.renames),
+        everything_(asked.match == Match::everything),
+        byName_(asked.match == Match::byName),
+        counted_(asked.counted),
         wanted_(form_),
-        entities_(name),
+        entities_(asked.name),
         nodes_(network.nodes.size()),
         links_(network.links.size()),
-        courses_(network.links.size()) {
-    result_.renames = renames;
-    LoadPatterns(patterns_, name);
-    LoadCurves(curves_, name);
-    if (!renames.empty()) unrenamed_.emplace(network);
+        courses_(network.links.size()),
+        patterns_(asked.patterns),
+        curves_(asked.curves) {
+    result_.renames = asked.renames;
+    if (!asked.renames.empty()) unrenamed_.emplace(network);
   }
 
   // Renames that were made in both places of an element, but not noted: by the classic way.
   const std::vector<Rename>& unnoted() const { return unnoted_; }
 
-  Comparison run() {
-    entities_.visitBeside([this](const DrawnEntity& entity) { meet(entity); });
-    sortOutCopies();
-    adoptByName();
-    findGone();
-    takeNew();
-    checkEnds();
-    compareSeries(form_, everything_, patterns_, curves_, result_);
-    EpaSettings settings;
-    if (LoadSettings(settings, name_)) result_.settings = changedSettings(form_, settings);
-    keepLiveRenames();
-    return std::move(result_);
-  }
-
- private:
-  // Asks nothing of the drawing: it goes on beside the reading.
+  // Every entity that the network has in the drawing, in drawing order.
   void meet(const DrawnEntity& entity) {
     if (entity.hasData && !entity.isCourse) ++result_.drawn;
     const std::uint32_t index = tied(entity);
@@ -87,6 +83,21 @@ class Comparing {
     compare(entity, index);
   }
 
+  // When all have been met.
+  Comparison finish() {
+    sortOutCopies();
+    adoptByName();
+    findGone();
+    takeNew();
+    checkEnds();
+    compareSeries(form_, everything_, patterns_, curves_, result_);
+    EpaSettings settings;
+    if (LoadSettings(settings, name_)) result_.settings = changedSettings(form_, settings);
+    keepLiveRenames();
+    return std::move(result_);
+  }
+
+ private:
   // The element of the text that an entity belongs to.
   std::uint32_t tied(const DrawnEntity& entity) const {
     if (!entity.tie && !byName_) return kNone;
@@ -391,8 +402,8 @@ class Comparing {
   // The entity of an element, or the course of a pump or valve.
   using Part = std::tuple<const schema::Kind*, std::uint32_t, bool>;
   std::vector<std::pair<AcDbObjectId, std::uint32_t>> twice_;
-  std::vector<EpaPattern> patterns_;
-  std::vector<EpaCurve> curves_;
+  const std::vector<EpaPattern>& patterns_;
+  const std::vector<EpaCurve>& curves_;
   std::vector<Rename> unnoted_;
   Comparison result_;
   NewElements new_{entities_, result_};
@@ -400,16 +411,52 @@ class Comparing {
 
 }  // namespace
 
-Comparison compareNetwork(std::u16string_view name, const epanet::Network& network, Match match,
-                          std::vector<schema::Field> counted) {
-  std::vector<Rename> renames;
-  if (match != Match::byName) renames = loadRenames(name);
+namespace {
+
+using NetworkSource = std::function<const epanet::Network*()>;
+
+// The drawing is read while the network may still be on its way.
+void meetAll(const Asked& asked, const NetworkSource& network,
+             std::optional<Comparing>& comparing) {
+  bool asking = true;
+  const auto begin = [&] {
+    if (!std::exchange(asking, false)) return;
+    if (const epanet::Network* const known = network()) comparing.emplace(asked, *known);
+  };
+  DrawnEntities(asked.name).visitBeside([&](const DrawnEntity& entity) {
+    begin();
+    if (comparing) comparing->meet(entity);
+  });
+  begin();
+}
+
+Comparison compare(std::u16string_view name, const NetworkSource& network, Match match,
+                   const std::vector<Field>& counted) {
+  Asked asked{name, match, counted, {}, {}, {}};
+  if (match != Match::byName) asked.renames = loadRenames(name);
+  LoadPatterns(asked.patterns, name);
+  LoadCurves(asked.curves, name);
   for (bool again = false;; again = true) {
-    Comparing comparing(name, network, renames, match, counted);
-    Comparison result = comparing.run();
-    if (again || comparing.unnoted().empty()) return result;
-    renames.insert(renames.end(), comparing.unnoted().begin(), comparing.unnoted().end());
+    std::optional<Comparing> comparing;
+    meetAll(asked, network, comparing);
+    if (!comparing) return {};
+    Comparison result = comparing->finish();
+    if (again || comparing->unnoted().empty()) return result;
+    asked.renames.insert(asked.renames.end(), comparing->unnoted().begin(),
+                         comparing->unnoted().end());
   }
+}
+
+}  // namespace
+
+Comparison compareNetwork(std::u16string_view name, const epanet::Network& network, Match match,
+                          const std::vector<Field>& counted) {
+  return compare(
+      name, [&network] { return &network; }, match, counted);
+}
+
+Comparison compareNetwork(std::u16string_view name, const NetworkSource& network, Match match) {
+  return compare(name, network, match, {});
 }
 
 }  // namespace vessora

@@ -5,6 +5,7 @@
 // that differs is the edit, where both do, the attribute.
 #pragma once
 
+#include <functional>
 #include <optional>
 #include <string>
 #include <vector>
@@ -73,6 +74,11 @@ enum class Match {
 };
 // Compares a drawn network with a network of a file. The fields `counted` count as changed.
 Comparison compareNetwork(std::u16string_view name, const epanet::Network& network,
-                          Match match = Match::byTie, std::vector<schema::Field> counted = {});
+                          Match match = Match::byTie,
+                          const std::vector<schema::Field>& counted = {});
+// The same with a network that may still be on its way while the drawing is read. `network` is
+// called in another thread; null makes it an empty comparison.
+Comparison compareNetwork(std::u16string_view name,
+                          const std::function<const epanet::Network*()>& network, Match match);
 
 }  // namespace vessora

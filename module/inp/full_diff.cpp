@@ -180,7 +180,7 @@ DiffResult diffNetwork(std::u16string_view network, std::u16string_view path) {
     } else {
       result.notices.push_back({NoticeCode::inpUnreadable, std::u16string(path)});
     }
-  } else if (KeptText kept; loadKeptText(network, kept) != KeptState::none) {
+  } else if (PackedText kept; loadPackedText(network, kept) != KeptState::none) {
     // One that is lost or damaged is told.
     file = keptFile(network, false, result.notices);
   }

@@ -1,7 +1,9 @@
 #include "module/inp/full_export.h"
 
 #include "module/inp/full_rows.h"
+#include "module/network/kept_text.h"
 #include "module/network/settings_store.h"
+#include "platform/beside.h"
 #include "platform/files.h"
 #include "platform/text.h"
 
@@ -103,23 +105,61 @@ epanet::Record KeptFile::record() const {
   return record;
 }
 
+namespace {
+
+// A file on its way: null when the drawing's text turns out to be damaged.
+using ComingFile = std::future<std::unique_ptr<KeptFile>>;
+
+// Unpacking and reading need no drawing. Nothing when the drawing has a text that cannot be used.
+std::optional<ComingFile> comingFile(std::u16string_view network, bool withoutText) {
+  PackedText packed;
+  switch (withoutText ? KeptState::none : loadPackedText(network, packed)) {
+    case KeptState::lost:
+    case KeptState::damaged:
+      return std::nullopt;
+    case KeptState::none:
+      return platform::beside([text = emptyFile(network)]() mutable {
+        return std::make_unique<KeptFile>(std::move(text));
+      });
+    case KeptState::whole:
+      break;
+  }
+  return platform::beside([packed = std::move(packed)] {
+    std::optional<std::string> text = unpackText(packed);
+    return text ? std::make_unique<KeptFile>(std::move(*text)) : nullptr;
+  });
+}
+
+void tellLost(std::u16string_view network, Notices& notices) {
+  notices.push_back({NoticeCode::keptTextLost, std::u16string(network)});
+}
+
+}  // namespace
+
 std::unique_ptr<KeptFile> keptFile(std::u16string_view network, bool withoutText,
                                    Notices& notices) {
-  KeptText kept;
-  const KeptState state = withoutText ? KeptState::none : loadKeptText(network, kept);
-  if (state == KeptState::lost || state == KeptState::damaged) {
-    notices.push_back({NoticeCode::keptTextLost, std::u16string(network)});
-    return nullptr;
-  }
-  return std::make_unique<KeptFile>(state == KeptState::whole ? std::move(kept.bytes)
-                                                              : emptyFile(network));
+  auto coming = comingFile(network, withoutText);
+  auto kept = coming ? coming->get() : nullptr;
+  if (!kept) tellLost(network, notices);
+  return kept;
 }
 
 std::optional<std::string> fullText(const ExportRequest& request, ExportResult& result) {
-  const auto kept = keptFile(request.network, request.withoutText, result.notices);
-  if (!kept) return std::nullopt;
-  Comparison comparison = compareNetwork(request.network, kept->network,
-                                         request.rewrite ? Match::everything : Match::byTie);
+  auto coming = comingFile(request.network, request.withoutText);
+  std::unique_ptr<KeptFile> kept;
+  Comparison comparison;
+  if (coming) {
+    const auto network = [&]() -> const epanet::Network* {
+      if (coming->valid()) kept = coming->get();
+      return kept ? &kept->network : nullptr;
+    };
+    comparison = compareNetwork(request.network, network,
+                                request.rewrite ? Match::everything : Match::byTie);
+  }
+  if (!kept) {
+    tellLost(request.network, result.notices);
+    return std::nullopt;
+  }
   if (comparison.drawn == 0) {
     result.notices.push_back({NoticeCode::nothingLeft, std::u16string(request.network)});
     return std::nullopt;
@@ -133,7 +173,7 @@ std::optional<std::string> fullText(const ExportRequest& request, ExportResult& 
   std::string text;
   if (!same) text = changedText(request.network, *kept, comparison, units, result.notices);
   result.notices.insert(result.notices.end(), comparison.notices.begin(), comparison.notices.end());
-  if (same) return kept->document.text();
+  if (same) return std::move(kept->document).takeText();
   if (!request.units) return text;
   const KeptFile now(std::move(text));
   epanet::Converted converted =

@@ -130,15 +130,14 @@ class RecordReader {
   const resbuf* at_;
 };
 
-std::optional<KeptText> readText(const AcDbXrecord& record, std::u16string_view network) {
-  std::string bytes;
-  const Chain chain(record.rbChain(bytes));
+bool readText(const AcDbXrecord& record, std::u16string_view network, PackedText& packed) {
+  const Chain chain(record.rbChain(packed.deflated));
   RecordReader reader(chain, network);
   const auto length = reader.number(90), checksum = reader.number(90);
-  if (!reader.ours || !length || !checksum) return std::nullopt;
-  std::optional<std::string> whole = platform::inflated(bytes, *length);
-  if (!whole || platform::crc32(*whole) != *checksum) return std::nullopt;
-  return KeptText{std::move(*whole), *checksum};
+  if (!reader.ours || !length || !checksum) return false;
+  packed.size = *length;
+  packed.checksum = *checksum;
+  return true;
 }
 
 // --- the checksum on the settings points
@@ -166,20 +165,29 @@ void setMarks(std::u16string_view network, std::u16string_view mark) {
 
 // --- the text ------------------------------------------------------------------------------------
 
-KeptState loadKeptText(std::u16string_view network, KeptText& text) {
-  text = KeptText();
+KeptState loadPackedText(std::u16string_view network, PackedText& packed) {
+  packed = PackedText();
   std::vector<std::u16string> marks;
   for (const AcDbObjectId id : settingsPoints(network)) {
     if (std::u16string mark = markOf(id); !mark.empty()) marks.push_back(std::move(mark));
   }
   const Opened<AcDbXrecord> record = openRecord(network, kText);
   if (!record) return marks.empty() ? KeptState::none : KeptState::lost;
-  std::optional<KeptText> kept = readText(*record, network);
-  if (!kept) return KeptState::damaged;
+  if (!readText(*record, network, packed)) return KeptState::damaged;
   for (const std::u16string& mark : marks) {
-    if (mark != hexadecimal(kept->checksum, 8)) return KeptState::damaged;
+    if (mark != hexadecimal(packed.checksum, 8)) return KeptState::damaged;
   }
-  text = std::move(*kept);
+  return KeptState::whole;
+}
+
+KeptState loadKeptText(std::u16string_view network, KeptText& text) {
+  text = KeptText();
+  PackedText packed;
+  const KeptState state = loadPackedText(network, packed);
+  if (state != KeptState::whole) return state;
+  std::optional<std::string> bytes = unpackText(packed);
+  if (!bytes) return KeptState::damaged;
+  text = {std::move(*bytes), packed.checksum};
   return KeptState::whole;
 }
 
@@ -192,6 +200,12 @@ constexpr std::size_t kLargestText = std::numeric_limits<std::int32_t>::max();
 PackedText packText(std::string_view bytes) {
   if (bytes.size() > kLargestText) return {bytes.size(), 0, {}};
   return {bytes.size(), platform::crc32(bytes), platform::deflated(bytes)};
+}
+
+std::optional<std::string> unpackText(const PackedText& packed) {
+  std::optional<std::string> whole = platform::inflated(packed.deflated, packed.size);
+  if (!whole || platform::crc32(*whole) != packed.checksum) return std::nullopt;
+  return whole;
 }
 
 bool saveKeptText(std::u16string_view network, const PackedText& text) {

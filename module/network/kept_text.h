@@ -11,6 +11,7 @@
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,14 +34,18 @@ enum class KeptState {
 KeptState loadKeptText(std::u16string_view network, KeptText& text);
 // Whether there is a text, whole or not, without a look at it.
 bool hasKeptText(std::u16string_view network);
-// A text as the drawing keeps it.
+// A text as the drawing keeps it. Packing and unpacking need no drawing and may go on beside other
+// work.
 struct PackedText {
   std::size_t size = 0;  // of the text
   std::uint32_t checksum = 0;
   std::string deflated;
 };
-// The part of the work that needs no drawing and may go on beside others.
 PackedText packText(std::string_view bytes);
+// The text; nothing when it is not what was packed.
+std::optional<std::string> unpackText(const PackedText& packed);
+// The same as loadKeptText, but for what unpackText finds damaged.
+KeptState loadPackedText(std::u16string_view network, PackedText& packed);
 // Keeps a text in place of the one before, whose renames and results go with it, and puts its
 // checksum onto the settings points of the network, if there are any yet. False when this drawing
 // cannot keep it (R12, or more than 2 GB), and nothing has changed.
