@@ -1,6 +1,6 @@
 #include "cad/drawing/stamps.h"
 
-#include <cstring>
+#include "cad/dxf/bytes.h"
 
 namespace cad {
 namespace {
@@ -44,7 +44,7 @@ bool Stamp::fits(const TagList& tags) const {
   for (const Mark& mark : marks) {
     if (tag->code != mark.code) return false;
     if (mark.counts) {
-      if (tag->size != mark.size || std::memcmp(tag->value, value, mark.size) != 0) return false;
+      if (tag->size != mark.size || !sameShort(tag->value, value, mark.size)) return false;
       value += mark.size;
     }
     ++tag;

@@ -208,31 +208,6 @@ constexpr auto kPaddedCodes = [] {
   return codes;
 }();
 
-// Most values are a few bytes long: two copies that overlap are quicker than a call.
-char* copyShort(char* out, std::string_view bytes) {
-  const std::size_t n = bytes.size();
-  if (n > 16) {
-    std::memcpy(out, bytes.data(), n);
-  } else if (n >= 8) {
-    std::uint64_t head, tail;
-    std::memcpy(&head, bytes.data(), 8);
-    std::memcpy(&tail, bytes.data() + n - 8, 8);
-    std::memcpy(out, &head, 8);
-    std::memcpy(out + n - 8, &tail, 8);
-  } else if (n >= 4) {
-    std::uint32_t head, tail;
-    std::memcpy(&head, bytes.data(), 4);
-    std::memcpy(&tail, bytes.data() + n - 4, 4);
-    std::memcpy(out, &head, 4);
-    std::memcpy(out + n - 4, &tail, 4);
-  } else if (n > 0) {
-    out[0] = bytes.front();
-    out[n / 2] = bytes[n / 2];
-    out[n - 1] = bytes.back();
-  }
-  return out + n;
-}
-
 }  // namespace
 
 char* TagList::write(char* out) const {

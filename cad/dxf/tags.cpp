@@ -94,9 +94,9 @@ void TagList::copy(const TagList& made) {
   for (const Tag& t : tags_) bytes += t.size;
   char* to = arena_.allocate(bytes);
   for (Tag& t : tags_) {
-    if (t.size) std::memcpy(to, t.value, t.size);
+    char* const next = copyShort(to, t.bytes());
     t.value = to;
-    to += t.size;
+    to = next;
   }
 }
 
@@ -279,9 +279,10 @@ std::u16string TagList::textOr(int code, std::u16string_view fallback, TagRange 
 
 Tag TagList::make(int code, std::string_view encoded) {
   Tag t;
-  const std::string_view kept = arena_.store(encoded);
-  t.value = kept.data();
-  t.size = static_cast<std::uint32_t>(kept.size());
+  char* const kept = arena_.allocate(encoded.size());
+  copyShort(kept, encoded);
+  t.value = kept;
+  t.size = static_cast<std::uint32_t>(encoded.size());
   t.code = static_cast<std::int16_t>(code);
   return t;
 }
