@@ -3,13 +3,15 @@
 //   bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]
 //
 // Every job runs in a process of its own, so that its peak of memory is its own. Times are of
-// processor, the program's own apart from the system's work for it. They depend on the machine;
-// growth from one size to the ten times larger one does not, so that is what --check looks at.
+// processor, the program's own apart from the system's work for it, and of the clock, which is less
+// than both together where two threads share the work. They depend on the machine; growth from one
+// size to the ten times larger one does not, so that is what --check looks at.
 #include <sys/resource.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
@@ -46,14 +48,19 @@ constexpr double kNothing = 0.05;      // seconds too short to compare
 // memory is free.
 struct Seconds {
   double program = 0, system = 0;
+  double clock = 0;  // on the wall
   double both() const { return program + system; }
 };
+
+double wallClock() {
+  return std::chrono::duration<double>(std::chrono::steady_clock::now().time_since_epoch()).count();
+}
 
 Seconds of(const rusage& used) {
   const auto seconds = [](const timeval& t) {
     return static_cast<double>(t.tv_sec) + static_cast<double>(t.tv_usec) * 1e-6;
   };
-  return {seconds(used.ru_utime), seconds(used.ru_stime)};
+  return {seconds(used.ru_utime), seconds(used.ru_stime), wallClock()};
 }
 Seconds now() {
   rusage used{};
@@ -62,7 +69,7 @@ Seconds now() {
 }
 Seconds since(const Seconds& start) {
   const Seconds end = now();
-  return {end.program - start.program, end.system - start.system};
+  return {end.program - start.program, end.system - start.system, end.clock - start.clock};
 }
 
 [[noreturn]] void fail(const std::string& message) {
@@ -197,7 +204,7 @@ int runChild(const std::vector<std::string>& a) {
   if (a[1] == "dxf-load") seconds = loadDrawing(a[2]);
   if (a[1] == "dxf-save") seconds = saveDrawing(a[2], a[3]);
   if (a[1] == "modify") seconds = modifyNode(a[2]);
-  std::printf("%.9f %.9f\n", seconds.program, seconds.system);
+  std::printf("%.9f %.9f %.9f\n", seconds.program, seconds.system, seconds.clock);
   return 0;
 }
 
@@ -212,6 +219,7 @@ struct Measure {
 Measure run(const std::vector<std::string>& command) {
   int pipeEnds[2];
   if (pipe(pipeEnds) != 0) fail("no pipe");
+  const double begun = wallClock();
   const pid_t child = fork();
   if (child == 0) {
     dup2(pipeEnds[1], 1);
@@ -234,10 +242,13 @@ Measure run(const std::vector<std::string>& command) {
   rusage used{};
   wait4(child, &status, 0, &used);
   Measure m{of(used), static_cast<double>(used.ru_maxrss) / 1024};
+  m.seconds.clock -= begun;
   if (!WIFEXITED(status) || WEXITSTATUS(status) != 0)
     fail(command[0] + " " + command[1] + " failed");
   Seconds own;
-  if (std::sscanf(printed.c_str(), "%lf %lf", &own.program, &own.system) == 2) m.seconds = own;
+  if (std::sscanf(printed.c_str(), "%lf %lf %lf", &own.program, &own.system, &own.clock) == 3) {
+    m.seconds = own;
+  }
   return m;
 }
 
@@ -249,6 +260,7 @@ Measure mean(const std::vector<std::string>& command, int times) {
     const Measure m = run(command);
     sum.seconds.program += m.seconds.program / times;
     sum.seconds.system += m.seconds.system / times;
+    sum.seconds.clock += m.seconds.clock / times;
     sum.megabytes += m.megabytes / times;
   }
   return sum;
@@ -277,6 +289,8 @@ const Job kJobs[] = {
     {"inp-parse", "EPANET file into document and network, the full way", "inp"},
     {"import", "vessora import: file to drawing, in full", "inp"},
     {"export", "vessora export: unedited drawing to file, in full", "drawn"},
+    {"info", "vessora info: what an unedited drawing holds", "drawn"},
+    {"info-inp", "vessora info: what a file holds, and what is wrong with it", "inp"},
     {"rpt-read", "all 5 periods of a report", "report"},
     {"out-read", "all 5 periods of a binary results file", "output"},
     {"results", "vessora results: one of 5 periods onto the drawing", "report"},
@@ -302,8 +316,8 @@ class Bench {
 
   // False when a job grows faster than its input from 100 000 to 1 000 000.
   bool runAll(const std::vector<std::string>& wanted) {
-    std::printf("%-10s %10s %11s %9s %11s %12s %9s %12s\n", "job", "elements", "seconds", "growth",
-                "in system", "us/element", "peak MB", "peak / file");
+    std::printf("%-10s %10s %11s %9s %11s %11s %12s %9s %12s\n", "job", "elements", "seconds",
+                "growth", "in system", "by clock", "us/element", "peak MB", "peak / file");
     bool good = true;
     for (const Job& job : kJobs) {
       if (!wanted.empty() && std::find(wanted.begin(), wanted.end(), job.name) == wanted.end())
@@ -326,8 +340,8 @@ class Bench {
                   double megabytes) {
     char text[16] = "";
     if (growth > 0) std::snprintf(text, sizeof text, "%.1f", growth);
-    std::printf("%-10s %10zu %11.4f %9s %11.4f %12.3f %9.0f %12.2f\n", job.name, size,
-                m.seconds.program, text, m.seconds.system,
+    std::printf("%-10s %10zu %11.4f %9s %11.4f %11.4f %12.3f %9.0f %12.2f\n", job.name, size,
+                m.seconds.program, text, m.seconds.system, m.seconds.clock,
                 m.seconds.both() * 1e6 / static_cast<double>(size), m.megabytes,
                 m.megabytes / megabytes);
     std::fflush(stdout);
@@ -394,24 +408,22 @@ class Bench {
   }
 
   std::vector<std::string> commandOf(const Job& job, const std::string& input) const {
-    const std::string out =
-        (folder_ / (std::strcmp(job.name, "export") == 0 ? "out.inp" : "out.dxf")).string();
-    if (std::strcmp(job.name, "import") == 0) return {vessora_, "import", input, "-o", out};
-    if (std::strcmp(job.name, "export") == 0) return {vessora_, "export", input, "-o", out};
-    if (std::strcmp(job.name, "results") == 0) {
+    const std::string name = job.name;
+    const std::string out = (folder_ / (name == "export" ? "out.inp" : "out.dxf")).string();
+    if (name == "import" || name == "export") return {vessora_, name, input, "-o", out};
+    if (name == "info" || name == "info-inp") return {vessora_, "info", input};
+    if (name == "results") {
       const std::string drawn = fs::path(input).replace_extension(".dxf").string();
       return {vessora_, "results", drawn, input, "--period", "1:00:00", "-o", out};
     }
-    const auto play = [&](const char* name, const char* text) {
-      return std::vector<std::string>{vessora_, "run", input, script(name, text)};
+    const auto play = [&](const char* text) {
+      return std::vector<std::string>{vessora_, "run", input, script(job.name, text)};
     };
-    if (std::strcmp(job.name, "colours") == 0) return play("colours", kColours);
-    if (std::strcmp(job.name, "grade-line") == 0) return play("grade-line", kGradeLine);
-    if (std::strcmp(job.name, "tables") == 0) return play("tables", kTables);
-    if (std::strcmp(job.name, "render") == 0) {
-      return {vessora_, "render", input, "-o", (folder_ / "out.png").string()};
-    }
-    return {self_, "--child", job.name, input, out};
+    if (name == "colours") return play(kColours);
+    if (name == "grade-line") return play(kGradeLine);
+    if (name == "tables") return play(kTables);
+    if (name == "render") return {vessora_, "render", input, "-o", out + ".png"};
+    return {self_, "--child", name, input, out};
   }
 
   std::string self_, vessora_;
@@ -420,9 +432,9 @@ class Bench {
 };
 
 int usage() {
-  std::fprintf(
-      stderr,
-      "usage: bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]\njobs:\n");
+  std::fputs(
+      "usage: bench_vessora [--large] [--check] [--jobs NAME,...] [--folder FOLDER]\njobs:\n",
+      stderr);
   for (const Job& job : kJobs) std::fprintf(stderr, "  %-10s %s\n", job.name, job.what);
   return 2;
 }
@@ -473,11 +485,7 @@ int main(int argc, char** argv) {
   std::string folder = parent + "/vessora-bench-XXXXXX";
   if (!mkdtemp(folder.data())) fail(parent + ": no folder can be made in it");
   std::error_code ignored;
-  bool good = false;
-  {
-    Bench bench(fs::canonical("/proc/self/exe").string(), folder, large);
-    good = bench.runAll(jobs);
-  }
+  const bool good = Bench(fs::canonical("/proc/self/exe").string(), folder, large).runAll(jobs);
   fs::remove_all(folder, ignored);
   if (check && !good) {
     std::fprintf(stderr,
