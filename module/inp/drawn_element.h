@@ -62,9 +62,9 @@ class DrawnEntities {
   const DrawnEntity& entity() const { return entity_; }
 
  private:
-  // Batches of entities that wait for the first one to be visited: about what is read while a file
-  // of that size is unpacked and read, and some 100 bytes for each byte of an entity's text.
-  static constexpr std::size_t kWaiting = 128;
+  // Batches of entities that may wait for the first one to be visited: what is read while the kept
+  // text of a large network is unpacked and read, within some 70 MB.
+  static constexpr std::size_t kWaiting = 256;
 
   bool read(AcDbObjectId id, DrawnEntity& entity);
   bool readBlock(AcDbBlockReference* block, DrawnEntity& entity);
