@@ -8,7 +8,7 @@ prepare() {
     return
   fi
   local build=(g++ cmake ninja-build pkg-config libcli11-dev libedit-dev libcairo2-dev zlib1g-dev fonts-dejavu-core
-    qt6-base-dev libqt6svg6-dev)
+    qt6-base-dev libqt6svg6-dev qt6-translations-l10n)
   local test=(libgtest-dev locales clang-format)
   local fuzz=(clang libclang-rt-dev)
   local deb=(dpkg-dev file)

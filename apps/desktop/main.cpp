@@ -1,8 +1,11 @@
 // vessora-desktop: the window.
 #include <QApplication>
 #include <QCommandLineParser>
+#include <QLibraryInfo>
+#include <QLocale>
 #include <QSettings>
 #include <QTimer>
+#include <QTranslator>
 #include <cstdio>
 
 #include "apps/desktop/text.h"
@@ -25,6 +28,14 @@ int main(int argc, char** argv) {
   QApplication::setApplicationName(QStringLiteral("vessora-desktop"));
   QApplication::setOrganizationName(QStringLiteral("vessora"));
   QApplication::setApplicationVersion(QStringLiteral(VESSORA_VERSION));
+  // Numbers have a point everywhere in the product; Qt's own words follow the product's language.
+  QLocale::setDefault(QLocale::c());
+  QTranslator translator;
+  if (platform::isItalian() &&
+      translator.load(QStringLiteral("qtbase_it"),
+                      QLibraryInfo::path(QLibraryInfo::TranslationsPath))) {
+    QApplication::installTranslator(&translator);
+  }
   QCommandLineParser arguments;
   arguments.setApplicationDescription(words(u"Reti acquedottistiche nel disegno CAD."));
   arguments.addPositionalArgument(words(u"FILE"), words(u"un disegno DXF o una rete INP"),

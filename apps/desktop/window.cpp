@@ -389,7 +389,7 @@ void Window::offerRecovery() {
                           u"delle modifiche:"),
                     QMessageBox::NoButton, this);
     QString what = name + QLatin1Char('\n') + words(u"copia del ") +
-                   QLocale().toString(one.saved.toLocalTime(), QLocale::ShortFormat);
+                   QLocale::system().toString(one.saved.toLocalTime(), QLocale::ShortFormat);
     if (one.drawingIsNewer)
       what += QLatin1Char('\n') + words(u"il disegno è stato scritto ancora dopo la copia");
     box.setInformativeText(what);
