@@ -123,14 +123,25 @@ void Real::admitValue() {
   if (max_ && value_ > *max_) max_ = value_;
 }
 
-std::optional<std::u16string> Real::store() {
-  // The text that the value itself is shown as carries 15 digits; taking it for a change would lose
-  // the others on each pass.
-  std::optional<double> typed = shown_ == showReal(value_) ? value_ : platform::parseReal(shown_);
-  if (!typed || !std::isfinite(*typed)) return dialog().translate(u"Immettere un numero.");
-  if ((min_ && *typed < *min_) || (max_ && *typed > *max_))
+// The text that the value itself is shown as carries 15 digits; taking it for a change would lose
+// the others on each pass.
+std::optional<double> Real::typed() const {
+  const std::optional<double> number =
+      shown_ == showReal(value_) ? value_ : platform::parseReal(shown_);
+  return number && std::isfinite(*number) ? number : std::nullopt;
+}
+
+std::optional<std::u16string> Real::complaint() const {
+  const auto number = typed();
+  if (!number) return dialog().translate(u"Immettere un numero.");
+  if ((min_ && *number < *min_) || (max_ && *number > *max_))
     return outOfRange(dialog(), min_ ? showReal(*min_) : u"", max_ ? showReal(*max_) : u"", false);
-  value_ = *typed;
+  return std::nullopt;
+}
+
+std::optional<std::u16string> Real::store() {
+  if (auto refused = complaint()) return refused;
+  value_ = *typed();
   return std::nullopt;
 }
 
@@ -155,16 +166,25 @@ Integer& Integer::operator=(std::int32_t value) {
 
 void Integer::load() { shown_ = showInteger(value_); }
 
-std::optional<std::u16string> Integer::store() {
-  auto typed = platform::parseInteger(shown_);
+std::optional<std::int32_t> Integer::typed() const {
+  const auto number = platform::parseInteger(shown_);
   using Limits = std::numeric_limits<std::int32_t>;
-  if (!typed || *typed < Limits::min() || *typed > Limits::max())
-    return dialog().translate(u"Immettere un numero intero.");
-  auto value = static_cast<std::int32_t>(*typed);
-  if ((min_ && value < *min_) || (max_ && value > *max_))
+  if (!number || *number < Limits::min() || *number > Limits::max()) return std::nullopt;
+  return static_cast<std::int32_t>(*number);
+}
+
+std::optional<std::u16string> Integer::complaint() const {
+  const auto number = typed();
+  if (!number) return dialog().translate(u"Immettere un numero intero.");
+  if ((min_ && *number < *min_) || (max_ && *number > *max_))
     return outOfRange(dialog(), min_ ? showInteger(*min_) : u"", max_ ? showInteger(*max_) : u"",
                       true);
-  value_ = value;
+  return std::nullopt;
+}
+
+std::optional<std::u16string> Integer::store() {
+  if (auto refused = complaint()) return refused;
+  value_ = *typed();
   return std::nullopt;
 }
 

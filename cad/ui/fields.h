@@ -23,6 +23,8 @@ class CAD_UI_API Field : public Control {
   std::size_t capacity() const { return capacity_; }
   // Changes what stands in the box and leaves the value to the next field exchange.
   void setShown(std::u16string_view text);
+  // Why the next field exchange would refuse what stands in the box; nothing where it would not.
+  virtual std::optional<std::u16string> complaint() const { return std::nullopt; }
 
  protected:
   Gesture onEnter(std::u16string_view text) override;
@@ -75,6 +77,7 @@ class CAD_UI_API Real : public Field {
   // Takes a bound back as far as the value that is there already, so that who leaves the field
   // alone can close the dialog.
   void admitValue();
+  std::optional<std::u16string> complaint() const override;
   void accept(Visitor& visitor) override { visitor.visit(*this); }
 
  protected:
@@ -82,6 +85,7 @@ class CAD_UI_API Real : public Field {
   void load() override { shown_ = showReal(value_); }
 
  private:
+  std::optional<double> typed() const;
   double value_;
   std::optional<double> min_, max_;
 };
@@ -101,6 +105,7 @@ class CAD_UI_API Integer : public Field {
   Integer& operator=(std::int32_t value);
   std::optional<std::int32_t> min() const { return min_; }
   std::optional<std::int32_t> max() const { return max_; }
+  std::optional<std::u16string> complaint() const override;
   void accept(Visitor& visitor) override { visitor.visit(*this); }
 
  protected:
@@ -108,6 +113,7 @@ class CAD_UI_API Integer : public Field {
   void load() override;
 
  private:
+  std::optional<std::int32_t> typed() const;
   std::int32_t value_;
   std::optional<std::int32_t> min_, max_;
 };
