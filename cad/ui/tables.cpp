@@ -34,6 +34,7 @@ ReportList::ReportList(Place place, std::u16string_view label, ReportOptions o, 
 
 void ReportList::setColumns(std::vector<Column> columns) {
   columns_ = std::move(columns);
+  ++revision_;
   refresh();
 }
 
@@ -44,12 +45,14 @@ const std::u16string& ReportList::cell(int row, int column) const {
 
 void ReportList::addRow(Row row) {
   rows_.push_back(std::move(row));
+  ++revision_;
   refresh();
 }
 
 void ReportList::setRows(std::vector<Row> rows) {
   rows_ = std::move(rows);
   selected_ = -1;
+  ++revision_;
   refresh();
 }
 
@@ -95,12 +98,14 @@ void ReportList::resetFace() {
   Control::resetFace();
   columns_ = declared_;
   rows_.clear();
+  ++revision_;
   background_.reset();
   selected_ = -1;
 }
 
 void ReportList::visitTexts(const TextVisitor& visit) {
   Control::visitTexts(visit);
+  ++revision_;
   for (auto& column : columns_) visit(column.title);
 }
 

@@ -45,6 +45,8 @@ class CAD_UI_API ReportList : public Control {
   void addRow(Row row);
   void setRows(std::vector<Row> rows);
   void clear();
+  // Another number whenever rows or columns have changed: views need not look at each row again.
+  unsigned revision() const { return revision_; }
 
   // The background of all rows; none is the usual one.
   std::optional<Colour> background() const { return background_; }
@@ -70,6 +72,7 @@ class CAD_UI_API ReportList : public Control {
   std::vector<Row> rows_;
   std::optional<Colour> background_;
   int selected_ = -1;
+  unsigned revision_ = 0;
   Handler selectedHandler_, doubleClicked_;
 };
 
