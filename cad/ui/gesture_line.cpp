@@ -152,7 +152,7 @@ static bool hasItems(Control& control) {
          dynamic_cast<ReportList*>(&control) != nullptr;
 }
 
-static Gesture assign(const Target& target, u16string_view rest) {
+static Gesture assign(const Target& target, u16string_view rest, Hand& hand) {
   auto value = unquoted(rest);
   if (!value) return failure(words(u"Manca la virgoletta finale."));
   Control& control = *target.control;
@@ -163,29 +163,29 @@ static Gesture assign(const Target& target, u16string_view rest) {
     auto spot = findSpot(control, *target.index);
     if (!spot) return platform::Error{spot.error()};
     if (!spot->column) return failure(words(u"Manca la colonna della cella."));
-    return grid->enterCell(spot->row, *spot->column, *value);
+    return hand.enterCell(*grid, {spot->row, *spot->column}, *value);
   }
   if (rest.starts_with(u'#') && hasItems(control)) {
     auto n = platform::parseInteger(rest.substr(1));
     if (!n || *n < 1 || *n > 1'000'000'000)
       return failure(format(words(u"\"%s\" non è una posizione."), rest));
-    return control.choose(static_cast<int>(*n) - 1);
+    return hand.choose(control, static_cast<int>(*n) - 1);
   }
   // A user would see that the box takes no more; whoever writes lines must be told.
   if (auto* field = dynamic_cast<Field*>(&control); field != nullptr)
     if (value->size() > field->capacity())
       return failure(
           format(words(u"Il testo supera i %d caratteri del campo."), field->capacity()));
-  return control.enter(*value);
+  return hand.enter(control, *value);
 }
 
-static Gesture selectIn(const Target& target) {
+static Gesture selectIn(const Target& target, Hand& hand) {
   Control& control = *target.control;
   auto* grid = dynamic_cast<Grid*>(&control);
   if (grid == nullptr) {
     auto row = findRow(control, *target.index);
     if (!row) return platform::Error{row.error()};
-    return control.choose(*row);
+    return hand.choose(control, *row);
   }
   std::size_t dots = target.index->find(u"..");
   auto from = findSpot(control, u16string_view(*target.index).substr(0, dots));
@@ -195,11 +195,11 @@ static Gesture selectIn(const Target& target) {
                 : findSpot(control, u16string_view(*target.index).substr(dots + 2));
   if (!to) return platform::Error{to.error()};
   // A row alone means all its cells.
-  return grid->selectCells({from->row, from->column.value_or(0)},
-                           {to->row, to->column.value_or(grid->columnCount() - 1)});
+  return hand.selectCells(*grid, {from->row, from->column.value_or(0)},
+                          {to->row, to->column.value_or(grid->columnCount() - 1)});
 }
 
-static Gesture takeMenu(const Target& target, u16string_view entry) {
+static Gesture takeMenu(const Target& target, u16string_view entry, Hand& hand) {
   auto* grid = dynamic_cast<Grid*>(target.control);
   if (grid == nullptr || !target.index)
     return failure(words(u"Solo le righe di una griglia hanno un menu."));
@@ -211,16 +211,16 @@ static Gesture takeMenu(const Target& target, u16string_view entry) {
   if (at == entries.end() && !entries.empty())
     return failure(
         format(words(u"La voce \"%s\" non è nel menu, che ha: %s."), entry, enumerated(entries)));
-  return grid->chooseMenu({spot->row, spot->column.value_or(grid->fixedColumns())},
-                          static_cast<int>(at - entries.begin()));
+  return hand.chooseMenu(*grid, {spot->row, spot->column.value_or(grid->fixedColumns())},
+                         static_cast<int>(at - entries.begin()));
 }
 
 // A bare name: the control itself, or a radio button by its own text.
-static Gesture pressNamed(Dialog& dialog, u16string_view name) {
+static Gesture pressNamed(Dialog& dialog, u16string_view name, Hand& hand) {
   auto target = findTarget(dialog, name);
   if (target) {
-    if (target->index) return selectIn(*target);
-    return target->control->press();
+    if (target->index) return selectIn(*target, hand);
+    return hand.press(*target->control);
   }
   RadioGroup* owner = nullptr;
   int item = -1;
@@ -233,7 +233,7 @@ static Gesture pressNamed(Dialog& dialog, u16string_view name) {
           item = i;
         }
   if (owner == nullptr) return platform::Error{target.error()};
-  return owner->choose(item);
+  return hand.choose(*owner, item);
 }
 
 // --- checks --------------------------------------------------------------------------------------
@@ -359,26 +359,33 @@ static Gesture useClipboard(Dialog& dialog, const Line& line) {
   return {};
 }
 
+Hand::~Hand() = default;
+
 Gesture performLine(Dialog& dialog, u16string_view text) {
+  Hand own;
+  return performLine(dialog, text, own);
+}
+
+Gesture performLine(Dialog& dialog, u16string_view text, Hand& hand) {
   text = trimmed(text);
-  if (isEnterSign(text)) return dialog.accept();
+  if (isEnterSign(text)) return hand.accept(dialog);
   if (text == u"<esc>") {
-    dialog.dismiss();
+    hand.dismiss(dialog);
     return {};
   }
   Line line = split(text);
   if (line.target == clipboardName || line.target == u"<clipboard>")
     return useClipboard(dialog, line);
-  if (line.verb == Verb::none) return pressNamed(dialog, line.target);
+  if (line.verb == Verb::none) return pressNamed(dialog, line.target, hand);
   auto target = findTarget(dialog, line.target);
   if (!target) return platform::Error{target.error()};
   switch (line.verb) {
     case Verb::assign:
-      return assign(*target, line.rest);
+      return assign(*target, line.rest, hand);
     case Verb::check:
       return check(*target, line.rest);
     case Verb::menu:
-      return takeMenu(*target, line.rest);
+      return takeMenu(*target, line.rest, hand);
     case Verb::none:
     case Verb::doubleClick:
       break;
@@ -386,7 +393,7 @@ Gesture performLine(Dialog& dialog, u16string_view text) {
   if (!target->index) return failure(words(u"Manca la riga del doppio clic."));
   auto row = findRow(*target->control, *target->index);
   if (!row) return platform::Error{row.error()};
-  return target->control->doubleClick(*row);
+  return hand.doubleClick(*target->control, *row);
 }
 
 }  // namespace cad::ui

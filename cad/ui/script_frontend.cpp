@@ -138,6 +138,10 @@ void ScriptFrontend::print(u16string_view text) {
 
 void ScriptFrontend::help(u16string_view topic) { note(format(words(u"\nguida: %s\n"), topic)); }
 
+Gesture ScriptFrontend::perform(Dialog& dialog, u16string_view line) {
+  return performLine(dialog, line);
+}
+
 void ScriptFrontend::showDialog(Dialog& dialog) {
   u16string standing = format(words(u"è aperto il dialogo [%s]"), plainName(dialog.title()));
   auto isThis = [&](u16string_view line) {
@@ -158,7 +162,7 @@ void ScriptFrontend::showDialog(Dialog& dialog) {
       standing = format(words(u"%s, che ha %s"), standing, enumerated(dialog.names()));
     line = take(isPlain, standing);
     if (line == nullptr) break;
-    if (auto done = performLine(dialog, line->text); !done)
+    if (auto done = perform(dialog, line->text); !done)
       fail(line->number, u"[" + plainName(dialog.title()) + u"] " + line->text + u": " +
                              platform::widen(done.error()));
   }

@@ -13,6 +13,7 @@
 #include <string>
 #include <vector>
 
+#include "cad/ui/control.h"
 #include "cad/ui/frontend.h"
 #include "platform/result.h"
 
@@ -45,6 +46,8 @@ class CAD_UI_API ScriptFrontend : public Frontend {
   void help(std::u16string_view topic) override;
 
  protected:
+  // A line of the script that answers the dialog.
+  virtual Gesture perform(Dialog& dialog, std::u16string_view line);
   void showDialog(Dialog& dialog) override;
   Pressed showMessage(const Message& message) override;
   std::optional<std::u16string> showFileQuestion(const FileQuestion& question) override;
