@@ -1,15 +1,12 @@
 #include "apps/desktop/dialogs/run_dialog.h"
 
+#include "apps/desktop/dialogs/dialog_window.h"
+
 namespace desktop {
 
-void runDialog(cad::ui::Dialog& dialog, QWidget*) { dialog.dismiss(); }
-
-cad::ui::Pressed runMessage(const cad::ui::Message& message, QWidget*) {
-  return cad::ui::escapeAnswer(message.buttons);
-}
-
-std::optional<std::u16string> runFileQuestion(const cad::ui::FileQuestion&, QWidget*) {
-  return std::nullopt;
+void runDialog(cad::ui::Dialog& dialog, QWidget* parent) {
+  DialogWindow window(dialog, parent);
+  if (!dialog.ended()) window.exec();
 }
 
 }  // namespace desktop
