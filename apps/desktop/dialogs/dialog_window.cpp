@@ -24,6 +24,7 @@ class BodyArea : public QScrollArea {
  public:
   BodyArea(QWidget* parent, QSize limit) : QScrollArea(parent), limit_(limit) {
     setFrameShape(NoFrame);
+    setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
   }
   QSize sizeHint() const override { return wanted(widget()->sizeHint().width()); }
