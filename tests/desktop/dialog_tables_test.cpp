@@ -111,6 +111,10 @@ TEST_F(DialogTest, SortedRowsAreStillThoseOfTheList) {
   ListDialog dialog;
   play(dialog, {in(u"Lista"_qs, [&](DialogWindow& window) {
          QTableView* const view = viewOf(window, dialog.list);
+         const QSignalSpy painted(view->model(), &QAbstractItemModel::dataChanged);
+         dialog.list.setBackground(ui::Colour{255, 255, 0});
+         window.redraw();
+         EXPECT_EQ(painted.count(), 1) << "or the old colour stays on the screen";
          clickTitle(view, 1);
          EXPECT_EQ(column(*view->model(), 0).join(u' '), u"N2 N1 N4 N3"_qs);
          clickCell(view, 2, 1);
