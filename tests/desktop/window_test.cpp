@@ -13,6 +13,7 @@
 #include <QUrl>
 
 #include "apps/desktop/canvas/canvas.h"
+#include "apps/desktop/dialogs/dialog_window.h"
 #include "apps/desktop/docks/command_line.h"
 #include "apps/desktop/text.h"
 #include "apps/program/host.h"
@@ -20,6 +21,7 @@
 #include "module/jobs.h"
 #include "platform/text.h"
 #include "tests/desktop/drive.h"
+#include "tests/desktop/player/widget_hand.h"
 
 namespace desktop {
 namespace {
@@ -72,6 +74,34 @@ class WindowTest : public testing::Test {
             },
             std::move(act)};
   }
+  // A dialog of a title, filled by mouse and keys on its widgets.
+  Step inDialog(std::u16string_view title, std::vector<std::u16string> lines) {
+    const auto windowOf = [title] {
+      auto* const window = dynamic_cast<DialogWindow*>(QApplication::activeModalWidget());
+      return window && window->isVisible() && wide(window->windowTitle()) == title ? window
+                                                                                   : nullptr;
+    };
+    return {platform::narrow(title), [windowOf] { return windowOf() != nullptr; },
+            [windowOf, lines] {
+              // What a button opens waits in a loop of its own: the steps go on meanwhile.
+              QTimer::singleShot(0, [windowOf, lines] {
+                DialogWindow* const window = windowOf();
+                WidgetHand hand(*window);
+                auto& dialog = const_cast<cad::ui::Dialog&>(window->dialog());
+                for (const std::u16string& line : lines) {
+                  settle(*window);
+                  const auto done = cad::ui::performLine(dialog, line, hand);
+                  EXPECT_TRUE(done) << platform::narrow(line) << ": " << done.error();
+                  if (dialog.ended()) return;
+                }
+              });
+            }};
+  }
+  void click(const QPoint& at, Qt::MouseButton button = Qt::LeftButton) {
+    QTest::mouseMove(&canvas(), at);
+    QTest::mouseClick(&canvas(), button, {}, at);
+  }
+
   // The entity that bears a name, and the place of its symbol.
   std::uint32_t symbolOf(std::u16string_view name) {
     for (const auto& network : jobs().networks()) {
@@ -205,6 +235,60 @@ TEST_F(WindowTest, ANetworkIsSolvedAndAPeriodWrittenIntoTheDrawing) {
   window_->actionFor(QStringLiteral("UNDO"))->trigger();
   take();
   EXPECT_FALSE(jobs().network(u"borgo").hasResults);
+}
+
+TEST_F(WindowTest, APipeIsAddedByPickingItsNodes) {
+  importBorgo();
+  const std::uint32_t from = symbolOf(u"CAMPO_SPORTIVO"), to = symbolOf(u"VIA_DANTE_2");
+  const int before = jobs().network(u"borgo").counts.pipes;
+  window_->actionFor(QStringLiteral("HNADDEPA"))->trigger();
+  take({asked(u"", [&] { QTest::keyClick(&canvas(), Qt::Key_Return); }),
+        {"the kind",
+         [this] { return ui_.prompts().prompt() && !ui_.prompts().prompt()->keywords.empty(); },
+         [&] {
+           QTest::keyClicks(&canvas(), QStringLiteral("R"));
+           QTest::keyClick(&canvas(), Qt::Key_Return);
+         }},
+        asked(u"nodo iniziale", [&] { click(pixelOf(placeOf(from)) + QPoint(2, 1)); }),
+        asked(u"nodo finale", [&] { click(pixelOf(placeOf(to))); }),
+        asked(u"vertici", [&] { click(pixelOf(placeOf(to)) + QPoint(40, 40), Qt::RightButton); }),
+        inDialog(u"Ramo", {u"Nome del ramo = NUOVO", u"Diametro [mm] = 150", u"OK"})});
+  EXPECT_EQ(jobs().network(u"borgo").counts.pipes, before + 1)
+      << utf8(window_->commandLine().history());
+}
+
+TEST_F(WindowTest, PressuresOfAWindowAreColouredByTheQueryAndTakenBack) {
+  importBorgo();
+  const vessora::Report report = jobs().openReport(u"" VESSORA_EXAMPLES "borgo.rpt");
+  drawing().beginCommand(u"PROVA");
+  jobs().writeResults(jobs().rowsOf(report, u"7:00:00", jobs().periodsOf(report).lowerCaseHrs),
+                      u"borgo");
+  drawing().endCommand();
+  canvas().refresh();
+  const std::size_t entities = drawing().index().allInSpace().size();
+  window_->actionFor(QStringLiteral("NETVIS"))->trigger();
+  take({asked(u"elezionare",
+              [&] {
+                // From right to left: what the window touches.
+                QTest::mousePress(&canvas(), Qt::LeftButton, {}, {1100, 500});
+                QTest::mouseMove(&canvas(), {600, 300});
+                QTest::mouseMove(&canvas(), {60, 30});
+                QTest::mouseRelease(&canvas(), Qt::LeftButton, {}, {60, 30});
+              }),
+        asked(u"elezionare",
+              [&] {
+                click({600, 20}, Qt::RightButton);
+              }),
+        inDialog(u"Interroga Rete", {u"Nodi/Colore = Pressione", u"OK"}),
+        asked(u"elezionare un punto", [&] {
+          click({1000, 480});
+        })});
+  EXPECT_EQ(jobs().drawnLegends().size(), 1U) << utf8(window_->commandLine().history());
+  EXPECT_GT(drawing().index().allInSpace().size(), entities);
+  window_->actionFor(QStringLiteral("UNDO"))->trigger();
+  take();
+  EXPECT_TRUE(jobs().drawnLegends().empty());
+  EXPECT_EQ(drawing().index().allInSpace().size(), entities);
 }
 
 TEST_F(WindowTest, ClosingLeavesTheRunningCommandFirst) {
