@@ -92,6 +92,7 @@ class Canvas : public QWidget {
   void choose(std::vector<std::uint32_t> things, Qt::KeyboardModifiers keys);
   void answerObjects(const std::vector<std::uint32_t>& things, const AcGePoint3d& place);
   void paintOverlay(QPainter& painter);
+  void paintHint(QPainter& painter);
   void paintChosen(QPainter& painter);
   void paintRubberBand(QPainter& painter);
   void paintSnapMark(QPainter& painter);

@@ -77,8 +77,21 @@ void Canvas::paintChosen(QPainter& painter) {
   }
 }
 
+// An empty window says what to do.
+void Canvas::paintHint(QPainter& painter) {
+  painter.setPen(look_.dark ? QColor(150, 156, 166) : QColor(110, 116, 126));
+  QFont large = font();
+  large.setPointSizeF(large.pointSizeF() * 1.3);
+  painter.setFont(large);
+  painter.drawText(rect(), Qt::AlignCenter,
+                   words(u"Trascinare qui un disegno DXF o una rete INP,\noppure disegnare una "
+                         u"rete: Rete > Aggiungi"));
+  painter.setFont(font());
+}
+
 void Canvas::paintOverlay(QPainter& painter) {
   painter.setRenderHint(QPainter::Antialiasing, true);
+  if (!scene_.bounds() && !prompts_.prompt()) paintHint(painter);
   if (drag_ == Drag::window) paintWindow(painter);
   if (cursorIn_) {
     if (wantsPlace() || drag_ == Drag::grip) paintRubberBand(painter);

@@ -1,6 +1,5 @@
 #include "apps/desktop/safety/recovery.h"
 
-#include <signal.h>
 #include <unistd.h>
 
 #include <QCryptographicHash>
@@ -42,8 +41,16 @@ platform::Result<void> write(const QString& path, std::string_view bytes) {
   return platform::writeFile(utf8(path), bytes);
 }
 
-bool isAlive(qint64 process) {
-  return process > 0 && (kill(static_cast<pid_t>(process), 0) == 0 || errno == EPERM);
+// When a process began, by the system's count; empty for one that is no more, or has ended and
+// nobody has taken note. A number alone may be another process's by now.
+QString beginningOf(qint64 process) {
+  QFile file(QStringLiteral("/proc/%1/stat").arg(process));
+  if (!file.open(QIODevice::ReadOnly)) return {};
+  // Behind the name, which may hold anything, in brackets: the state, and 19 fields on the time.
+  const QByteArray line = file.readAll();
+  const QList<QByteArray> fields = line.mid(line.lastIndexOf(')') + 2).split(' ');
+  if (fields.size() < 20 || fields[0] == "Z" || fields[0] == "X") return {};
+  return QString::fromLatin1(fields[19]);
 }
 
 std::optional<QJsonObject> readIndex(const QString& path) {
@@ -89,6 +96,7 @@ platform::Result<void> keepCopy(cad::Drawing& drawing, const QString& path) {
   entry[QStringLiteral("copy")] = copy;
   entry[QStringLiteral("host")] = QSysInfo::machineHostName();
   entry[QStringLiteral("process")] = static_cast<qint64>(getpid());
+  entry[QStringLiteral("began")] = beginningOf(getpid());
   entry[QStringLiteral("saved")] = QDateTime::currentDateTimeUtc().toString(Qt::ISODate);
   entry[QStringLiteral("modified")] =
       QFileInfo(path).lastModified().toUTC().toString(Qt::ISODateWithMs);
@@ -113,7 +121,8 @@ std::vector<Recovery> recoveries() {
     const auto entry = readIndex(index);
     if (!entry || (*entry)[QStringLiteral("host")].toString() != QSysInfo::machineHostName())
       continue;
-    if (isAlive((*entry)[QStringLiteral("process")].toInteger())) continue;
+    const QString began = beginningOf((*entry)[QStringLiteral("process")].toInteger());
+    if (!began.isEmpty() && began == (*entry)[QStringLiteral("began")].toString()) continue;
     Recovery one;
     one.index = index;
     one.copy = (*entry)[QStringLiteral("copy")].toString();
