@@ -1,6 +1,7 @@
 #include "cad/editor/pick.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "cad/drawing/drawing.h"
 #include "cad/shape/extents.h"
@@ -158,9 +159,25 @@ std::uint32_t entityOfHandle(const Drawing& d, std::uint64_t handle) {
   return found && r.is(Record::space) && !r.is(Record::erased) ? found : 0;
 }
 
+namespace {
+
+// "d<a": so far in a direction, in degrees counterclockwise from the east.
+std::optional<AcGeVector3d> parsePolar(std::u16string_view text) {
+  const std::size_t sign = text.find(u'<');
+  if (sign == text.npos) return std::nullopt;
+  const auto distance = platform::parseReal(text.substr(0, sign)),
+             degrees = platform::parseReal(text.substr(sign + 1));
+  if (!distance || !degrees) return std::nullopt;
+  const double angle = *degrees * M_PI / 180;
+  return AcGeVector3d(*distance * std::cos(angle), *distance * std::sin(angle), 0);
+}
+
+}  // namespace
+
 std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3d* base) {
   const bool relative = !text.empty() && text[0] == u'@';
   if (relative) text.remove_prefix(1);
+  if (const auto way = relative && base ? parsePolar(text) : std::nullopt) return *base + *way;
   double axis[3] = {0, 0, 0};
   int n = 0;
   while (n < 3) {

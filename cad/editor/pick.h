@@ -10,8 +10,7 @@
 namespace cad {
 
 // A point "x,y" or "x,y,z"; numbers with a point as decimal mark. Relative to `base` when it begins
-// with
-// '@'. Empty when the text is no point.
+// with '@', also as "@d<a": a distance in a direction, in degrees. Empty when the text is no point.
 std::optional<AcGePoint3d> parsePoint(std::u16string_view text, const AcGePoint3d* base = nullptr);
 
 // What a user sees and may point at, in drawing order: the entities of the current space whose

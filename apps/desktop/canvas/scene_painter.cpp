@@ -23,7 +23,7 @@ namespace {
 
 constexpr double kDust = 1.2;       // pixels: a smaller thing is one dot
 constexpr double kSmallSymbol = 4;  // a smaller symbol is a square
-constexpr double kSmallestText = 4;
+constexpr double kSmallestText = 2.5;
 constexpr double kCapHeight = 0.73;     // of the em
 constexpr double kStep = 0.7;           // pixels between vertices that are drawn
 constexpr std::size_t kSmooth = 30000;  // lines that are drawn with smooth edges
