@@ -26,6 +26,7 @@ class CAD_API AcDbLayerTableRecord : public AcDbSymbolTableRecord {
   bool isOff() const;
   Acad::ErrorStatus setIsOff(bool off);
   bool isLocked() const;
+  Acad::ErrorStatus setIsLocked(bool locked);
   int colorIndex() const;
   Acad::ErrorStatus setColorIndex(int index);
   std::u16string linetype() const;

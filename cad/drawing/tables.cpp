@@ -89,6 +89,9 @@ Acad::ErrorStatus AcDbLayerTableRecord::setIsFrozen(bool frozen) {
   return flagOf(*this, 1, frozen);
 }
 bool AcDbLayerTableRecord::isLocked() const { return get(*this, kFlags) & 4; }
+Acad::ErrorStatus AcDbLayerTableRecord::setIsLocked(bool locked) {
+  return flagOf(*this, 4, locked);
+}
 bool AcDbLayerTableRecord::isOff() const { return get(*this, kLayerColor) < 0; }
 Acad::ErrorStatus AcDbLayerTableRecord::setIsOff(bool off) {
   return set(*this, kLayerColor, off ? -colorIndex() : colorIndex());

@@ -1,28 +1,23 @@
 // Layers by name: freeze, thaw, switch, colour, make, set current.
-#include "cad/api/owners.h"
 #include "cad/editor/host_commands.h"
+#include "cad/editor/layers.h"
 #include "platform/words.h"
 
 namespace cad::host {
 namespace {
 
 void listLayers() {
-  Drawing& d = drawing();
-  const std::uint32_t table = d.structure().tableRecord(Type::layer);
-  for (std::uint32_t e = d.structure().firstTableEntry(table); e;
-       e = d.structure().nextTableEntry(table, e)) {
-    const Opened<AcDbLayerTableRecord> l(d.idOf(e));
-    if (!l) continue;
-    acutPrintf(platform::words(u"\n%s  colore %d%s%s"), l->getName(), l->colorIndex(),
-               l->isFrozen() ? platform::words(u"  congelato") : std::u16string(),
-               l->isOff() ? platform::words(u"  spento") : std::u16string());
+  for (const LayerInfo& l : layersOf(drawing())) {
+    acutPrintf(platform::words(u"\n%s  colore %d%s%s"), l.name, l.colour,
+               l.frozen ? platform::words(u"  congelato") : std::u16string(),
+               l.off ? platform::words(u"  spento") : std::u16string());
   }
 }
 
-void askColour(AcDbLayerTableRecord& layer) {
-  double color = 0;
-  if (acedGetReal(platform::words(u"\nColore (1-255): "), color) == RTNORM &&
-      layer.setColorIndex(static_cast<int>(color)) != Acad::eOk) {
+void askColour(std::u16string_view layer) {
+  double colour = 0;
+  if (acedGetReal(platform::words(u"\nColore (1-255): "), colour) != RTNORM) return;
+  if (changeLayer(drawing(), layer, {.colour = static_cast<int>(colour)}) != Acad::eOk) {
     say(platform::words(u"\nIl colore è un numero da 1 a 255."));
   }
 }
@@ -41,18 +36,15 @@ void commandLayer() {
   if (acedGetString(true, platform::words(u"\nNome del layer: "), name) != RTNORM || name.empty())
     return;
   Drawing& d = drawing();
-  Opened<AcDbLayerTableRecord> layer(d.idOf(d.structure().layerNamed(name, option == u"Nuovo")),
-                                     AcDb::kForWrite);
-  if (!layer) {
+  if (!d.structure().layerNamed(name, option == u"Nuovo")) {
     acutPrintf(platform::words(u"\nIl layer \"%s\" non esiste."), name);
     return;
   }
-  if (option == u"Congela") layer->setIsFrozen(true);
-  if (option == u"Scongela") layer->setIsFrozen(false);
-  if (option == u"Disattiva") layer->setIsOff(true);
-  if (option == u"Attiva") layer->setIsOff(false);
-  if (option == u"Colore") askColour(*layer);
-  layer.close();
+  if (option == u"Congela") changeLayer(d, name, {.frozen = true});
+  if (option == u"Scongela") changeLayer(d, name, {.frozen = false});
+  if (option == u"Disattiva") changeLayer(d, name, {.off = true});
+  if (option == u"Attiva") changeLayer(d, name, {.off = false});
+  if (option == u"Colore") askColour(name);
   if (option == u"Imposta") d.header().setText("$CLAYER", name);
 }
 
