@@ -9,6 +9,7 @@
 #include "module/host/warnings.h"
 #include "module/network/kept_text.h"
 #include "module/network/network_list.h"
+#include "module/network/pattern_curve_store.h"
 
 namespace vessora {
 
@@ -33,6 +34,9 @@ class ModuleJobs : public Jobs {
 
   std::vector<NetworkInfo> networks() override { return networksOfDrawing(); }
   NetworkInfo network(std::u16string_view name) override { return networkInfo(name); }
+  std::vector<ListedElement> elementsOf(std::u16string_view network) override {
+    return vessora::elementsOf(network);
+  }
   PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint) override {
     return vessora::pickNetwork(wanted, hint);
   }
@@ -188,6 +192,16 @@ class ModuleJobs : public Jobs {
   AssignResult assignMaterial(std::u16string_view network, double roughness,
                               std::u16string_view material, const PipeNames& pipes) override {
     return AssignMaterial(network, roughness, material, pipes);
+  }
+  std::vector<EpaPattern> patternsOf(std::u16string_view network) override {
+    std::vector<EpaPattern> patterns;
+    LoadPatterns(patterns, network);
+    return patterns;
+  }
+  std::vector<EpaCurve> curvesOf(std::u16string_view network) override {
+    std::vector<EpaCurve> curves;
+    LoadCurves(curves, network);
+    return curves;
   }
   TableResult addPattern(std::u16string_view network, const EpaPattern& pattern) override {
     return vessora::addPattern(network, pattern);

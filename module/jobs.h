@@ -21,6 +21,7 @@
 #include "module/editing/table_jobs.h"
 #include "module/inp/full_diff.h"
 #include "module/inp/inp_jobs.h"
+#include "module/network/element_list.h"
 #include "module/network/network_info.h"
 #include "module/results/drawing_jobs.h"
 #include "module/results/result_jobs.h"
@@ -43,7 +44,7 @@ class Jobs : public AcRxObject {
   static constexpr char16_t kService[] = u"VESSORA_JOBS";
   // Goes up with every change of this interface, so that a program never calls a module that was
   // built for another one.
-  static constexpr char16_t kClass[] = u"VessoraJobs6";
+  static constexpr char16_t kClass[] = u"VessoraJobs7";
 
   // The jobs of the loaded module, which stay the module's; null when there are none of this
   // interface. Libraries do not share addresses of classes, so the class is known by its name.
@@ -65,6 +66,7 @@ class Jobs : public AcRxObject {
 
   virtual std::vector<NetworkInfo> networks() = 0;
   virtual NetworkInfo network(std::u16string_view name) = 0;
+  virtual std::vector<ListedElement> elementsOf(std::u16string_view network) = 0;
   virtual PickedNetwork pickNetwork(std::u16string_view wanted, std::u16string_view hint) = 0;
 
   virtual InpFile openInp(std::u16string_view path) = 0;
@@ -140,6 +142,8 @@ class Jobs : public AcRxObject {
                                         std::u16string_view material) = 0;
   virtual AssignResult assignMaterial(std::u16string_view network, double roughness,
                                       std::u16string_view material, const PipeNames& pipes) = 0;
+  virtual std::vector<EpaPattern> patternsOf(std::u16string_view network) = 0;
+  virtual std::vector<EpaCurve> curvesOf(std::u16string_view network) = 0;
   virtual TableResult addPattern(std::u16string_view network, const EpaPattern& pattern) = 0;
   virtual TableResult replacePattern(std::u16string_view network, const EpaPattern& pattern,
                                      std::u16string_view oldName) = 0;
