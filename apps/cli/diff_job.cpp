@@ -1,5 +1,4 @@
 // How a drawing differs from the text that it keeps, or from a file.
-#include <array>
 #include <cstdio>
 
 #include "apps/cli/host.h"
@@ -30,77 +29,6 @@ const char* codeOf(What what) {
       return "gone";
     default:
       return "renamed";
-  }
-}
-
-// Words of kinds and fields; the codes are English.
-std::string inWords(const std::string& code) {
-  constexpr std::array<std::pair<const char*, const char*>, 40> kWords = {{
-      {"junction", "nodo"},
-      {"reservoir", "serbatoio"},
-      {"tank", "tank"},
-      {"pipe", "condotta"},
-      {"pump", "pompa"},
-      {"valve", "valvola"},
-      {"pattern", "pattern"},
-      {"curve", "curva"},
-      {"option", "opzione"},
-      {"node", "nodo"},
-      {"link", "ramo"},
-      {"elevation", "quota"},
-      {"head", "carico"},
-      {"demand", "domanda"},
-      {"emitter", "emettitore"},
-      {"initial level", "livello iniziale"},
-      {"minimum level", "livello minimo"},
-      {"maximum level", "livello massimo"},
-      {"diameter", "diametro"},
-      {"minimum volume", "volume minimo"},
-      {"volume curve", "curva dei volumi"},
-      {"length", "lunghezza"},
-      {"roughness", "scabrezza"},
-      {"minor loss", "perdita concentrata"},
-      {"status", "stato"},
-      {"type", "tipo"},
-      {"setting", "regolazione"},
-      {"head curve", "curva caratteristica"},
-      {"power", "potenza"},
-      {"speed", "velocità"},
-      {"speed pattern", "pattern di velocità"},
-      {"efficiency curve", "curva di rendimento"},
-      {"price", "prezzo"},
-      {"price pattern", "pattern del prezzo"},
-      {"first node", "primo nodo"},
-      {"second node", "secondo nodo"},
-      {"value", "valore"},
-      {"values", "valori"},
-  }};
-  if (!platform::isItalian()) return code;
-  for (const auto& [english, own] : kWords) {
-    if (english && code == english) return own;
-  }
-  return code;
-}
-
-std::string lineOf(const vessora::DiffItem& item) {
-  const std::string head = inWords(item.kind) + " " + narrow(item.name) + ": ";
-  const std::string change = narrow(item.was) + " -> " + narrow(item.now);
-  switch (item.what) {
-    case What::changed:
-      return head + inWords(item.field) +
-             (item.was.empty() && item.now.empty() ? "" : " " + change);
-    case What::moved:
-      return head + words("spostato ") + change;
-    case What::course:
-      return head + words("tracciato cambiato, vertici ") + change;
-    case What::added:
-      return head + words("nuovo");
-    case What::copied:
-      return head + words("copia di ") + narrow(item.was);
-    case What::gone:
-      return head + words("tolto");
-    default:
-      return head + words("ora si chiama ") + narrow(item.now);
   }
 }
 
@@ -161,7 +89,7 @@ int showDiff(const DiffOptions& o) {
   if (o.json) {
     showJson(picked.name, diff);
   } else {
-    for (const vessora::DiffItem& item : diff.items) say(lineOf(item));
+    for (const vessora::DiffItem& item : diff.items) say(describe(item));
     if (diff.items.empty()) say(words("nessuna differenza"));
   }
   return 0;

@@ -22,6 +22,8 @@ std::string describe(const vessora::Notice& notice);
 std::vector<std::string> described(const vessora::Notices& notices);
 // "junctions 9, reservoirs 1, ..."
 std::string describe(const vessora::ElementCounts& counts);
+// One difference in a line: "pipe 12: diameter 100 -> 150".
+std::string describe(const vessora::DiffItem& item);
 // How a drawing differs from its kept text, in a line.
 std::string summaryOf(const vessora::DiffResult& diff);
 // Names separated by commas.
