@@ -25,7 +25,7 @@ set(VESSORA_LAYERS
   "module|schema,epanet,cad/api,module/host,module/network,module/dialogs,module/inp,module/results,module/editing,platform"
   "apps/program|module,epanet,cad/api,cad/drawing,cad/dxf,cad/ui,cad/editor,cad/family,platform"
   "apps/cli|apps/program,module,epanet,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
-  "apps/desktop|apps/program,module,epanet,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
+  "apps/desktop|apps/program,module,schema,epanet,cad/api,cad/drawing,cad/shape,cad/dxf,cad/ui,cad/editor,cad/family,cad/view,platform"
 )
 
 # vessora_layer(folder target sources...): one folder, one static library, linked to those that the
