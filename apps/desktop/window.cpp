@@ -19,6 +19,7 @@
 #include "apps/desktop/actions.h"
 #include "apps/desktop/canvas/canvas.h"
 #include "apps/desktop/docks/command_line.h"
+#include "apps/desktop/docks/docks.h"
 #include "apps/desktop/icons.h"
 #include "apps/desktop/safety/recovery.h"
 #include "apps/desktop/text.h"
@@ -104,7 +105,9 @@ void Window::makeDocks() {
   dock->setObjectName(QStringLiteral("commandLine"));
   dock->setWidget(commandLine_);
   addDockWidget(Qt::BottomDockWidgetArea, dock);
-  resizeDocks({dock}, {150}, Qt::Vertical);
+  docks_ = new Docks(*canvas_, runner_, *this);
+  connect(docks_, &Docks::said, this, &Window::say);
+  resizeDocks({dock}, {fontMetrics().height() * 7}, Qt::Vertical);
   QStringList names;
   for (const auto& [key, command] : session().commands()) names.push_back(qt(key));
   commandLine_->setCommands(names);
@@ -187,7 +190,10 @@ void Window::doOwn(const QString& what, QAction* action) {
   if (is("out")) return canvas_->zoomBy(1 / 1.5);
   if (is("plan")) return canvas_->setPlan();
   if (is("orbit")) return canvas_->setOblique();
-  if (is("dark")) return canvas_->setDark(action->isChecked());
+  if (is("dark")) {
+    canvas_->setDark(action->isChecked());
+    return docks_->follow();
+  }
   if (is("labels")) return canvas_->setLabels(action->isChecked());
   if (is("snap")) return canvas_->setSnapping(action->isChecked());
   if (is("ortho")) return canvas_->setOrtho(action->isChecked());
@@ -260,6 +266,7 @@ void Window::follow() {
     session().view.set = false;
   }
   actions_.value(QStringLiteral("SAVE"))->setEnabled(now && session().isModified());
+  docks_->follow();
   guard_.follow();
   showTitle();
 }

@@ -16,6 +16,7 @@ namespace desktop {
 
 class Canvas;
 class CommandLine;
+class Docks;
 struct ActionRow;
 
 class Window : public QMainWindow {
@@ -35,6 +36,7 @@ class Window : public QMainWindow {
 
   Canvas& canvas() { return *canvas_; }
   CommandLine& commandLine() { return *commandLine_; }
+  Docks& docks() { return *docks_; }
   CommandRunner& runner() { return runner_; }
   QAction* actionFor(const QString& name) const { return actions_.value(name); }
 
@@ -79,6 +81,7 @@ class Window : public QMainWindow {
   Guard guard_;
   Canvas* canvas_;
   CommandLine* commandLine_ = nullptr;
+  Docks* docks_ = nullptr;
   QLabel* place_ = nullptr;
   QLabel* state_ = nullptr;
   QMenu* recent_ = nullptr;

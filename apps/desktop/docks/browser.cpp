@@ -234,6 +234,8 @@ void Browser::look() {
                         {words(u"I risultati sono di prima delle ultime modifiche"), {}});
       }
       if (jobs->hasKeptText(name)) changes = changesOf(network, jobs->diffNetwork(name, {}));
+    } else {
+      changes.push_back({words(u"Rete grande: le differenze non si cercano da sole"), {}});
     }
     model_.setRemarks(n, BrowserModel::problems, std::move(problems));
     model_.setRemarks(n, BrowserModel::changes, std::move(changes));
