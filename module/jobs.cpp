@@ -79,6 +79,9 @@ class ModuleJobs : public Jobs {
     const CommandSpan span;
     return vessora::colorNetwork(network, request);
   }
+  ValueClasses classesOf(const std::vector<double>& values, int count) override {
+    return vessora::classesOf(values, count);
+  }
   std::vector<DrawnLegend> drawnLegends() override { return vessora::drawnLegends(); }
   Notices highlightElements(std::u16string_view network, const QueryRows& rows) override {
     return vessora::highlightElements(network, rows);

@@ -44,7 +44,7 @@ class Jobs : public AcRxObject {
   static constexpr char16_t kService[] = u"VESSORA_JOBS";
   // Goes up with every change of this interface, so that a program never calls a module that was
   // built for another one.
-  static constexpr char16_t kClass[] = u"VessoraJobs7";
+  static constexpr char16_t kClass[] = u"VessoraJobs8";
 
   // The jobs of the loaded module, which stay the module's; null when there are none of this
   // interface. Libraries do not share addresses of classes, so the class is known by its name.
@@ -87,6 +87,7 @@ class Jobs : public AcRxObject {
 
   virtual QueryResult queryNetwork(std::u16string_view network, const QueryRequest& request) = 0;
   virtual ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) = 0;
+  virtual ValueClasses classesOf(const std::vector<double>& values, int count) = 0;
   virtual std::vector<DrawnLegend> drawnLegends() = 0;
   virtual Notices highlightElements(std::u16string_view network, const QueryRows& rows) = 0;
   virtual Notices resetColors(std::u16string_view network, const QueryRows& rows) = 0;

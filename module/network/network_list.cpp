@@ -31,6 +31,13 @@ void readPeriod(NetworkInfo& info) {
 
 }  // namespace
 
+std::u16string countingName(AcDbBlockReference& block) {
+  const Chain data(block.xData(app::kImport));
+  std::u16string name(data.text(1));
+  if (name.empty()) ReadAttribute(&block, schema::kIdTag, name);
+  return name;
+}
+
 NetworkInfo networkInfo(std::u16string_view name) {
   NetworkInfo info;
   info.name = name;

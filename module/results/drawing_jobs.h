@@ -54,6 +54,22 @@ struct ColorResult {
   Notices notices;
 };
 
+// The classes that a query makes of values, lowest first, with host colour indices.
+struct ValueClasses {
+  struct Class {
+    double lower = 0, upper = 0;
+    int color = 0;
+  };
+  std::vector<Class> classes;
+  // The class of a value, lower bound included and upper bound not, or -1.
+  int find(double value) const {
+    for (std::size_t i = 0; i < classes.size(); ++i) {
+      if (classes[i].lower <= value && value < classes[i].upper) return static_cast<int>(i);
+    }
+    return -1;
+  }
+};
+
 // A legend that stands in the drawing: its classes from the first, with host colour indices.
 struct DrawnLegend {
   struct Class {
@@ -94,6 +110,8 @@ QueryResult queryNetwork(std::u16string_view network, const QueryRequest& reques
 // Bounds come from the network's rows; colours go to every element with results, of whatever
 // network. Nothing remembers the colour that an element had before.
 ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request);
+// 5 or 10 classes of values in three decimals, as results are listed; else none.
+ValueClasses classesOf(const std::vector<double>& values, int count);
 // The legends of nodes and links that the drawing has, in drawing order.
 std::vector<DrawnLegend> drawnLegends();
 // The elements of these rows in orange, or back in the colours in which symbols and links are

@@ -276,6 +276,17 @@ Notices resetColors(std::u16string_view network, const QueryRows& rows) {
   return Marker(network, rows, true).markAll();
 }
 
+ValueClasses classesOf(const std::vector<double>& values, int count) {
+  ValueClasses result;
+  if (values.empty() || (count != 5 && count != 10)) return result;
+  const ColorClasses classes = ColorClasses::of(values, count);
+  classes.forEach([&](double lower, double upper) {
+    const int color = classes.color(static_cast<int>(result.classes.size()));
+    result.classes.push_back({lower, upper, color});
+  });
+  return result;
+}
+
 ColorResult colorNetwork(std::u16string_view network, const ColorRequest& request) {
   const Colored* const by = coloredBy(request.quantity);
   if (!by || (request.classCount != 5 && request.classCount != 10)) return {};

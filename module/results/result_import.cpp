@@ -35,13 +35,6 @@ bool removeResults(AcDbEntity& entity, const char16_t* results) {
   return had;
 }
 
-std::u16string countingName(AcDbBlockReference& block) {
-  const Chain data(block.xData(app::kImport));
-  std::u16string name(data.text(1));
-  if (name.empty()) ReadAttribute(&block, schema::kIdTag, name);
-  return name;
-}
-
 namespace {
 
 // Rows by element name, and the period that goes with them.

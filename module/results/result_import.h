@@ -7,6 +7,7 @@
 
 #include <string_view>
 
+#include "module/network/network_list.h"
 #include "module/network/schema.h"
 #include "module/results/result_jobs.h"
 #include "module/results/rpt_reader.h"
@@ -29,8 +30,6 @@ Chain periodData(std::u16string_view time);
 // Takes an element's results off. An entity that has nothing to lose is not touched: it would count
 // as changed. Whether it had results.
 bool removeResults(AcDbEntity& entity, const char16_t* results);
-// The name of a valve or node that counts, without a word about a difference.
-std::u16string countingName(AcDbBlockReference& block);
 
 // What writes the results. A null list removes results and periods; else the list has at least one
 // row, and each element gets its row and `time`. The answer is how many elements were given
