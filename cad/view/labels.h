@@ -8,6 +8,8 @@
 #include <unordered_set>
 #include <vector>
 
+#include "cad/api/export.h"
+
 namespace cad::view {
 
 // In dots of the page.
@@ -36,7 +38,7 @@ bool meets(const PageLine& line, const PageBox& box);
 
 // The taken parts of a page, in a grid of cells. What a symbol takes is no obstacle to that symbol;
 // 0 is nobody's.
-class PageRoom {
+class CAD_API PageRoom {
  public:
   PageRoom(double width, double height);
   PageRoom empty() const { return {width_, height_}; }  // as large, with nothing on it

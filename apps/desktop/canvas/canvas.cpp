@@ -82,6 +82,12 @@ void Canvas::setColours(const std::vector<std::pair<std::uint32_t, QRgb>>& colou
   update();
 }
 
+void Canvas::setOverlay(Overlay overlay, Tips tips) {
+  overlay_ = std::move(overlay);
+  tips_ = std::move(tips);
+  update();
+}
+
 void Canvas::select(std::vector<std::uint32_t> records) {
   std::sort(records.begin(), records.end());
   records.erase(std::unique(records.begin(), records.end()), records.end());
@@ -182,6 +188,7 @@ void Canvas::setOblique() {
 
 void Canvas::setDark(bool dark) {
   look_.dark = dark;
+  Q_EMIT groundChanged();
   viewChanged();
 }
 

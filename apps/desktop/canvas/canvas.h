@@ -7,6 +7,7 @@
 
 #include <QImage>
 #include <QWidget>
+#include <functional>
 #include <optional>
 #include <vector>
 
@@ -52,8 +53,19 @@ class Canvas : public QWidget {
   void selectAll();
   // Colours of the moment, by record; empty for those of the drawing.
   void setColours(const std::vector<std::pair<std::uint32_t, QRgb>>& colours);
+  const std::vector<std::pair<std::uint32_t, QRgb>>& colours() const { return recordColours_; }
+  // What is painted over the drawing, in logical pixels, below what moves with the cursor; what is
+  // told of the entity under the cursor, in lines, empty for nothing. Null takes them off.
+  using Overlay = std::function<void(QPainter&)>;
+  using Tips = std::function<QString(std::uint32_t record)>;
+  void setOverlay(Overlay overlay, Tips tips);
+  // Where a place of the world is, in logical pixels.
+  QPointF shownAt(const AcGePoint3d& place) const { return logicalOf(camera_.pixelOf(place)); }
+  // The texts of the latest picture, in device pixels.
+  const std::vector<QRectF>& textBoxes() const { return painter_.textBoxes(); }
 
  Q_SIGNALS:
+  void groundChanged();  // dark or light
   void selectionChanged();
   // Where the cursor is, or snaps to.
   void cursorAt(double x, double y, double z);
@@ -109,6 +121,8 @@ class Canvas : public QWidget {
   CanvasLook look_;
   ThingColours colours_;
   std::vector<std::pair<std::uint32_t, QRgb>> recordColours_;
+  Overlay overlay_;
+  Tips tips_;
   QImage picture_;
   bool stale_ = true;  // the picture
   bool fitted_ = false;

@@ -53,6 +53,11 @@ void Canvas::paintEvent(QPaintEvent*) {
   painter.drawImage(0, 0, picture_);
   paintChosen(painter);
   painter.restore();
+  if (overlay_) {
+    painter.save();
+    overlay_(painter);
+    painter.restore();
+  }
   paintOverlay(painter);
 }
 
@@ -97,6 +102,10 @@ void Canvas::paintOverlay(QPainter& painter) {
     if (wantsPlace() || drag_ == Drag::grip) paintRubberBand(painter);
     if (snap_) paintSnapMark(painter);
     if (drag_ != Drag::pan && drag_ != Drag::orbit) paintCross(painter);
+    if (tips_ && drag_ == Drag::none && hovered_ != SceneThing::kNone) {
+      const QString text = tips_(scene_.things()[hovered_].record);
+      if (!text.isEmpty()) tip(painter, cursor_ + QPointF(16, 16), text);
+    }
   }
 }
 
@@ -181,16 +190,18 @@ void Canvas::paintCross(QPainter& painter) {
 
 void Canvas::tip(QPainter& painter, const QPointF& at, const QString& text) {
   const QFontMetricsF metrics(font());
-  QRectF box(at, QSizeF(metrics.horizontalAdvance(text) + 10, metrics.height() + 4));
+  const QSizeF size = metrics.boundingRect(QRectF(0, 0, 1e4, 1e4), Qt::AlignLeft, text).size();
+  QRectF box(at, size + QSizeF(12, 6));
   // Within the window, whatever the cursor does.
   if (box.right() > width()) box.moveRight(at.x() - 24);
   if (box.bottom() > height()) box.moveBottom(at.y() - 24);
+  painter.setRenderHint(QPainter::Antialiasing, true);
   painter.setPen(Qt::NoPen);
   painter.setBrush(QColor(20, 22, 26, 220));
   painter.drawRoundedRect(box, 3, 3);
   painter.setBrush(Qt::NoBrush);
   painter.setPen(QColor(240, 240, 240));
-  painter.drawText(box, Qt::AlignCenter, text);
+  painter.drawText(box.adjusted(6, 3, -4, -3), Qt::AlignLeft | Qt::AlignVCenter, text);
 }
 
 }  // namespace desktop

@@ -119,6 +119,7 @@ void ScenePainter::paint(QImage& image, Scene& scene, const cad::Drawing* drawin
   };
   prepare();
   drawn_ = 0;
+  textBoxes_.clear();
   for (const std::uint32_t thing : visible_) {
     if (!scene.things()[thing].table) gather(thing);
   }
@@ -310,7 +311,10 @@ void ScenePainter::text(const SceneItem& item, const Place& place, QRgb colour) 
         QTransform((b.x - a.x) * k, (b.y - a.y) * k, -(c.x - a.x) * k, -(c.y - a.y) * k, 0, 0),
         true);
   }
-  painter_->drawText(QPointF(-length * along, font.pixelSize() * kCapHeight * up), shown);
+  const QPointF foot(-length * along, font.pixelSize() * kCapHeight * up);
+  painter_->drawText(foot, shown);
+  textBoxes_.push_back(painter_->transform().mapRect(
+      QRectF(foot - QPointF(0, metrics.ascent()), QSizeF(length, metrics.height()))));
   painter_->restore();
 }
 

@@ -32,6 +32,9 @@ class ScenePainter {
              const cad::view::Camera& camera, const CanvasLook& look,
              const ThingColours* colours = nullptr);
 
+  // What the texts of the latest image cover, those of tables and drawing as those of symbols.
+  const std::vector<QRectF>& textBoxes() const { return textBoxes_; }
+
   // Single things once more, in one colour: what is selected or hovered over.
   void paintThings(QPainter& painter, const cad::view::Scene& scene,
                    const cad::view::Camera& camera, const std::vector<std::uint32_t>& things,
@@ -64,6 +67,7 @@ class ScenePainter {
   std::vector<Batch> batches_;                 // by pen
   std::vector<std::pair<QRgb, Batch>> given_;  // by colour of the moment
   std::vector<std::uint32_t> visible_;
+  std::vector<QRectF> textBoxes_;
   std::size_t drawn_ = 0;  // lines of this frame
   // The image, for dots, which are set without the painter; null where there is none.
   QRgb* pixels_ = nullptr;
