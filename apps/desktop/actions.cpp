@@ -81,6 +81,9 @@ const std::vector<ActionRow>& actionRows() {
       {Menu::calculation, "&Calcola", "calcola la rete con il solutore", "solve", u"", "solve",
        Qt::Key_F5, true},
 
+      {Menu::results, "&Apri risultati...",
+       "mostra nel tempo i risultati di un file OUT o RPT, senza scriverli nel disegno", "", u"",
+       "openResults"},
       {Menu::results, "&Scrivi nel disegno...", "scrive sul disegno i risultati del calcolo", "",
        u"", "writeResults"},
       {Menu::results, "&Importa risultati...", "importa o cancella i risultati di un report RPT",

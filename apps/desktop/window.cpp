@@ -15,12 +15,14 @@
 #include <QStatusBar>
 #include <QTimer>
 #include <QToolBar>
+#include <QVBoxLayout>
 
 #include "apps/desktop/actions.h"
 #include "apps/desktop/canvas/canvas.h"
 #include "apps/desktop/docks/command_line.h"
 #include "apps/desktop/docks/docks.h"
 #include "apps/desktop/icons.h"
+#include "apps/desktop/results/results_view.h"
 #include "apps/desktop/safety/recovery.h"
 #include "apps/desktop/text.h"
 #include "apps/desktop/view_file.h"
@@ -51,6 +53,10 @@ bool isDrawing(const QString& path) {
 bool isNetwork(const QString& path) {
   return QFileInfo(path).suffix().compare(QStringLiteral("inp"), Qt::CaseInsensitive) == 0;
 }
+bool isResults(const QString& path) {
+  const QString suffix = QFileInfo(path).suffix().toLower();
+  return suffix == QStringLiteral("rpt") || suffix == QStringLiteral("out");
+}
 
 }  // namespace
 
@@ -60,11 +66,17 @@ Window::Window(QtFrontend& ui)
       guard_([this] { return !runner_.running(); }),
       canvas_(new Canvas(ui.prompts(), this)) {
   ui_.setWindow(this);
-  setCentralWidget(canvas_);
+  auto* const middle = new QWidget(this);
+  auto* const column = new QVBoxLayout(middle);
+  column->setContentsMargins(0, 0, 0, 0);
+  column->setSpacing(0);
+  column->addWidget(canvas_, 1);
+  setCentralWidget(middle);
   setAcceptDrops(true);
   setWindowIcon(iconNamed(QStringLiteral("vessora")));
   resize(1360, 860);
   makeDocks();
+  results_ = std::make_unique<ResultsView>(*canvas_, *column, *this);
   makeActions();
   makeStatusBar();
   makeGuard();
@@ -201,6 +213,7 @@ void Window::doOwn(const QString& what, QAction* action) {
   if (is("print")) return print();
   if (is("solve")) return solve();
   if (is("writeResults")) return writeResults();
+  if (is("openResults")) return openResults();
   if (is("about")) return about();
   if (is("selectAll")) return canvas_->selectAll();
 }
@@ -267,6 +280,7 @@ void Window::follow() {
   }
   actions_.value(QStringLiteral("SAVE"))->setEnabled(now && session().isModified());
   docks_->follow();
+  results_->follow(number);
   guard_.follow();
   showTitle();
 }
@@ -283,6 +297,7 @@ void Window::showTitle() {
 
 void Window::openFile(const QString& path) {
   if (isNetwork(path)) return runner_.startWork([this, path] { importNow(path); });
+  if (isResults(path)) return runner_.startWork([this, path] { openResultsNow(path); });
   ui_.setNextFile(wide(QFileInfo(path).absoluteFilePath()));
   runner_.start(u"OPEN");
 }
@@ -340,15 +355,15 @@ void Window::showRecent() {
 
 void Window::dragEnterEvent(QDragEnterEvent* event) {
   for (const QUrl& url : event->mimeData()->urls()) {
-    if (isDrawing(url.toLocalFile()) || isNetwork(url.toLocalFile()))
-      return event->acceptProposedAction();
+    const QString path = url.toLocalFile();
+    if (isDrawing(path) || isNetwork(path) || isResults(path)) return event->acceptProposedAction();
   }
 }
 
 void Window::dropEvent(QDropEvent* event) {
   for (const QUrl& url : event->mimeData()->urls()) {
     const QString path = url.toLocalFile();
-    if (isDrawing(path) || isNetwork(path)) {
+    if (isDrawing(path) || isNetwork(path) || isResults(path)) {
       event->acceptProposedAction();
       return openFile(path);
     }
@@ -517,6 +532,24 @@ void Window::writeResults() {
     drawing()->endCommand();
     say(qt(program::describe(written, solvedNetwork_, period)));
   });
+}
+
+void Window::openResults() {
+  runner_.startWork([this] {
+    cad::ui::FileQuestion question;
+    question.title = platform::words(u"Apri risultati");
+    question.filter = platform::words(u"Risultati (*.out;*.rpt)|*.out;*.rpt|");
+    if (const auto path = ui_.askFile(question)) openResultsNow(qt(*path));
+  });
+}
+
+void Window::openResultsNow(const QString& path) {
+  const std::u16string network = askNetwork();
+  if (network.empty()) return;
+  const QString no = results_->open(QFileInfo(path).absoluteFilePath(), network);
+  if (no.isEmpty()) return say(words(u"Risultati: ") + QFileInfo(path).fileName());
+  say(no);
+  ui_.messageBox({u"", wide(no), cad::ui::Icon::stop, cad::ui::Buttons::ok});
 }
 
 void Window::zoomByWindow() {

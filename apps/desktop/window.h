@@ -4,6 +4,7 @@
 #include <QAction>
 #include <QHash>
 #include <QMainWindow>
+#include <memory>
 
 #include "apps/desktop/command_runner.h"
 #include "apps/desktop/qt_frontend.h"
@@ -17,6 +18,7 @@ namespace desktop {
 class Canvas;
 class CommandLine;
 class Docks;
+class ResultsView;
 struct ActionRow;
 
 class Window : public QMainWindow {
@@ -38,6 +40,7 @@ class Window : public QMainWindow {
   CommandLine& commandLine() { return *commandLine_; }
   Docks& docks() { return *docks_; }
   CommandRunner& runner() { return runner_; }
+  ResultsView& results() { return *results_; }
   QAction* actionFor(const QString& name) const { return actions_.value(name); }
 
  protected:
@@ -67,6 +70,9 @@ class Window : public QMainWindow {
   // The network to work on; empty when there is none or nobody chose one of several.
   std::u16string askNetwork();
   void writeResults();
+  void openResults();
+  // Shows a results file of a network that is asked for where there are several.
+  void openResultsNow(const QString& path);
   void zoomByWindow();
   void savePicture();
   void print();
@@ -82,6 +88,7 @@ class Window : public QMainWindow {
   Canvas* canvas_;
   CommandLine* commandLine_ = nullptr;
   Docks* docks_ = nullptr;
+  std::unique_ptr<ResultsView> results_;
   QLabel* place_ = nullptr;
   QLabel* state_ = nullptr;
   QMenu* recent_ = nullptr;
