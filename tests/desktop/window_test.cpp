@@ -74,6 +74,19 @@ TEST_F(WindowTest, ChosenObjectsAnswerACommandAndEscLeavesIt) {
   EXPECT_FALSE(window_->runner().running());
 }
 
+TEST_F(WindowTest, WhatWasChosenLeavesNothingInTheNextView) {
+  importBorgo();
+  canvas().zoomExtents();
+  canvas().zoomBy(2);
+  const QImage before = canvas().grab().toImage();
+  canvas().zoomExtents();
+  canvas().selectAll();
+  canvas().grab();
+  canvas().select({});
+  canvas().zoomBy(2);
+  EXPECT_EQ(canvas().grab().toImage(), before);
+}
+
 TEST_F(WindowTest, ADrawingIsSavedOpenedAgainAndShowsTheSame) {
   importBorgo();
   const QString path = folder_.filePath(QStringLiteral("borgo.dxf"));

@@ -238,8 +238,11 @@ void ScenePainter::flush() {
     if (batch.lines.isEmpty() && batch.dots.isEmpty()) return;
     drawn_ += static_cast<std::size_t>(batch.lines.size());
     painter_->setRenderHint(QPainter::Antialiasing, drawn_ < kSmooth);
+    // Colours of the moment must be told apart; where there is too much to be smooth, lines are
+    // thin.
+    const double given = drawn_ < kSmooth ? 2 * look_.dots : look_.dots;
     const double wide =
-        std::max(look_.dots, pen ? pen->weight * kDotsPerMillimetre * look_.dots : look_.dots);
+        std::max(look_.dots, pen ? pen->weight * kDotsPerMillimetre * look_.dots : given);
     QPen line(colour, wide <= 1 ? 0 : wide);
     line.setCapStyle(Qt::RoundCap);
     if (pen && pen->linetype >= 0) {
@@ -342,6 +345,7 @@ void ScenePainter::paintThings(QPainter& painter, const Scene& scene, const Came
       painter.drawPoints(batch.dots.constData(), static_cast<int>(batch.dots.size()));
     }
   }
+  batches_.clear();  // the next picture is another view
   painter.restore();
   painter_ = nullptr;
 }
