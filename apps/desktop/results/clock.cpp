@@ -83,6 +83,7 @@ Clock::Clock(QWidget* parent) : QWidget(parent) {
   fixed_ = check(words(u"fisse"), words(u"Le stesse classi in tutti i periodi"));
   values_ = check(words(u"valori"), words(u"Scrive i valori accanto agli elementi"));
   arrows_ = check(words(u"frecce"), words(u"Il verso del flusso sui rami"));
+  arrows_->setChecked(wishes_.arrows);
 
   auto* const row = new QHBoxLayout(this);
   row->setContentsMargins(6, 3, 6, 3);
@@ -130,6 +131,7 @@ QComboBox* Clock::choice(const QString& tip) {
 }
 
 void Clock::fill(QComboBox* box, bool ofNodes, const ResultSet& set) {
+  const QSignalBlocker quiet(box);
   box->clear();
   box->addItem(nameOf(Quantity::none), static_cast<int>(Quantity::none));
   for (std::size_t i = 0; i < kQuantities; ++i) {

@@ -20,7 +20,7 @@ constexpr std::size_t kMostLabels = 1500;  // more elements in view cannot be re
 constexpr double kRow = 18, kSwatch = 16, kMargin = 12, kInside = 10;
 
 QColor inkOn(bool dark) { return dark ? QColor(225, 228, 232) : QColor(40, 44, 50); }
-QColor panelOn(bool dark) { return dark ? QColor(30, 33, 38, 225) : QColor(255, 255, 255, 230); }
+QColor panelOn(bool dark) { return dark ? QColor(30, 33, 38, 240) : QColor(255, 255, 255, 245); }
 
 std::array<double, 9> viewOf(const Canvas& canvas) {
   const cad::view::Camera& c = canvas.camera();
@@ -41,6 +41,35 @@ QPolygonF arrowAt(const QPointF& at, double x, double y) {
   return QPolygonF({at + along, at - along + across, at - along * 0.5, at - along - across});
 }
 
+// Smaller than what the drawing's own names are when they are read with ease.
+QFont labelFont(const Canvas& canvas) {
+  QFont font = canvas.font();
+  font.setPointSizeF(font.pointSizeF() * 0.85);
+  return font;
+}
+
+QPointF placeOf(Canvas& canvas, std::uint32_t thing) {
+  const cad::view::Scene& scene = canvas.scene();
+  return canvas.shownAt(scene.matrices()[scene.things()[thing].matrix] * AcGePoint3d());
+}
+
+QRectF symbolBox(Canvas& canvas, std::uint32_t thing) {
+  const cad::view::Scene& scene = canvas.scene();
+  const SceneThing& t = scene.things()[thing];
+  QPolygonF corners({placeOf(canvas, thing)});
+  if (t.symbol != SceneThing::kNone) {
+    const cad::view::Window& box = scene.symbols()[t.symbol].box;
+    for (const double x : {box.x1, box.x2}) {
+      for (const double y : {box.y1, box.y2}) {
+        if (box.x1 > box.x2) continue;
+        corners << canvas.shownAt(scene.matrices()[t.matrix] * AcGePoint3d(x, y, 0));
+      }
+    }
+  }
+  // Not less than can be seen of it.
+  return corners.boundingRect().united(QRectF(corners[0] - QPointF(4, 4), QSizeF(8, 8)));
+}
+
 }  // namespace
 
 QString shownValue(float value) {
@@ -49,10 +78,10 @@ QString shownValue(float value) {
   return QString::number(shown, 'f', 2);
 }
 
-ResultOverlay::Middle ResultOverlay::middleOf(const Canvas& canvas, std::uint32_t thing,
+ResultOverlay::Middle ResultOverlay::middleOf(Canvas& canvas, std::uint32_t thing,
                                               double part) const {
   Middle middle;
-  const cad::view::Scene& scene = const_cast<Canvas&>(canvas).scene();
+  const cad::view::Scene& scene = canvas.scene();
   const SceneThing& t = scene.things()[thing];
   if (t.items.begin >= t.items.end) return middle;
   const cad::view::SceneItem& item = scene.items()[t.items.begin];
@@ -103,33 +132,31 @@ void ResultOverlay::placeArrows(Canvas& canvas, const Shown& shown) {
   }
 }
 
+// Where the values of a quantity may stand: beside symbols, and beside the middle of courses.
+void ResultOverlay::gatherAnchors(Canvas& canvas, const Shown& shown, Quantity q,
+                                  std::vector<Anchor>& anchors) const {
+  if (!shown.set.has(q)) return;
+  const auto values = shown.set.values(q, shown.period);
+  for (std::size_t i = 0; i < values.size() && anchors.size() <= kMostLabels; ++i) {
+    const ResultElement& element = shown.set.elements(q)[i];
+    const std::uint32_t record = element.symbol ? element.symbol : element.course;
+    const std::uint32_t thing = record ? canvas.scene().thingOf(record) : SceneThing::kNone;
+    if (thing == SceneThing::kNone || std::isnan(values[i])) continue;
+    const bool bySymbol = record == element.symbol;
+    const QPointF at = bySymbol ? placeOf(canvas, thing) : middleOf(canvas, thing, 0.5).at;
+    if (!isSeen(at, canvas)) continue;
+    const QRectF beside =
+        bySymbol ? symbolBox(canvas, thing) : QRectF(at - QPointF(6, 6), QSizeF(12, 12));
+    anchors.push_back({beside, at, thing + 1, values[i]});
+  }
+}
+
 void ResultOverlay::placeLabels(Canvas& canvas, const Shown& shown) {
   labels_.clear();
   if (!shown.wishes.values) return;
-  struct Anchor {
-    QPointF at;
-    double aside;
-    float value;
-  };
   std::vector<Anchor> anchors;
-  const auto gather = [&](Quantity q) {
-    if (!shown.set.has(q)) return;
-    const auto values = shown.set.values(q, shown.period);
-    const cad::view::Scene& scene = canvas.scene();
-    for (std::size_t i = 0; i < values.size() && anchors.size() <= kMostLabels; ++i) {
-      const ResultElement& element = shown.set.elements(q)[i];
-      const std::uint32_t record = isOfNodes(q) ? element.symbol : element.shown();
-      const std::uint32_t thing = record ? scene.thingOf(record) : SceneThing::kNone;
-      if (thing == SceneThing::kNone || std::isnan(values[i])) continue;
-      const SceneThing& t = scene.things()[thing];
-      const QPointF at = record == element.course
-                             ? middleOf(canvas, thing, 0.5).at
-                             : canvas.shownAt(scene.matrices()[t.matrix] * AcGePoint3d());
-      if (isSeen(at, canvas)) anchors.push_back({at, isOfNodes(q) ? 8.0 : 9.0, values[i]});
-    }
-  };
-  gather(shown.wishes.node);
-  gather(shown.wishes.link);
+  gatherAnchors(canvas, shown, shown.wishes.node, anchors);
+  gatherAnchors(canvas, shown, shown.wishes.link, anchors);
   if (anchors.size() > kMostLabels) return;
   cad::view::PageRoom room(canvas.width(), canvas.height());
   if (!legendBox_.isEmpty()) room.take(boxOf(legendBox_));
@@ -138,15 +165,22 @@ void ResultOverlay::placeLabels(Canvas& canvas, const Shown& shown) {
     room.take(boxOf({text.topLeft() / dots, text.size() / dots}));
   }
   for (const Arrow& arrow : arrows_) room.take(boxOf(arrow.shape.boundingRect()));
-  const QFontMetricsF metrics(canvas.font());
+  for (const Anchor& anchor : anchors) room.take(boxOf(anchor.beside), anchor.thing);
+  const QFontMetricsF metrics(labelFont(canvas));
   for (const Anchor& anchor : anchors) {
     const QString text = shownValue(anchor.value);
-    const QSizeF size(metrics.horizontalAdvance(text) + 6, metrics.height());
-    const double a = anchor.aside, w = size.width(), h = size.height();
-    const QPointF sides[] = {{a, -h - 2},      {a, 2},      {-a - w, 2},
-                             {-a - w, -h - 2}, {-w / 2, a}, {-w / 2, -a - h}};
+    const double w = metrics.horizontalAdvance(text) + 4, h = metrics.height();
+    const QRectF& b = anchor.beside;
+    const double x = anchor.at.x(), y = anchor.at.y(), right = b.right() + 2,
+                 left = b.left() - w - 2;
+    const QPointF sides[] = {{right, y - h},
+                             {right, y},
+                             {left, y},
+                             {left, y - h},
+                             {x - w / 2, b.bottom() + 2},
+                             {x - w / 2, b.top() - h - 2}};
     for (const QPointF& side : sides) {
-      const QRectF box(anchor.at + side, size);
+      const QRectF box(side, QSizeF(w, h));
       if (!room.isFree(boxOf(box))) continue;
       room.take(boxOf(box));
       labels_.push_back({box, text});
@@ -235,7 +269,7 @@ void ResultOverlay::paint(QPainter& painter, Canvas& canvas, const Shown& shown)
   }
   QColor ground = groundColour(dark);
   ground.setAlpha(190);
-  painter.setFont(canvas.font());
+  painter.setFont(labelFont(canvas));
   for (const Label& label : labels_) {
     painter.fillRect(label.box, ground);
     painter.setPen(inkOn(dark));

@@ -55,8 +55,17 @@ class ResultOverlay {
     double length = 0, x = 1, y = 0;
   };
 
-  Middle middleOf(const Canvas& canvas, std::uint32_t thing, double part) const;
+  struct Anchor {
+    QRectF beside;
+    QPointF at;
+    std::uint32_t thing = 0;  // counted from 1
+    float value = 0;
+  };
+
+  Middle middleOf(Canvas& canvas, std::uint32_t thing, double part) const;
   void placeArrows(Canvas& canvas, const Shown& shown);
+  void gatherAnchors(Canvas& canvas, const Shown& shown, Quantity q,
+                     std::vector<Anchor>& anchors) const;
   void placeLabels(Canvas& canvas, const Shown& shown);
   void makeLegend(const Canvas& canvas, const Shown& shown);
   void addLegend(bool ofNodes, const Shown& shown, bool dark);

@@ -130,8 +130,12 @@ void SeriesPlot::paintAxes(QPainter& painter) {
     painter.drawText(QRectF(0, y - 10, room_.left() - 6, 20), Qt::AlignRight | Qt::AlignVCenter,
                      QString::number(value, 'g', 6));
   }
-  painter.setPen(ink);
+  QColor frame = ink;
+  frame.setAlpha(120);
+  painter.setPen(frame);
+  painter.setBrush(Qt::NoBrush);
   painter.drawRect(room_);
+  painter.setPen(ink);
   paintTimes(painter);
 }
 
