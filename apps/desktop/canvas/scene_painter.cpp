@@ -27,6 +27,7 @@ constexpr double kSmallestText = 2.5;
 constexpr double kCapHeight = 0.73;     // of the em
 constexpr double kStep = 0.7;           // pixels between vertices that are drawn
 constexpr std::size_t kSmooth = 30000;  // lines that are drawn with smooth edges
+constexpr qsizetype kWide = 6000;       // and those of colours of the moment that are wide
 constexpr double kDotsPerMillimetre = 4;
 constexpr double kFar = 30000;  // pixels: beyond that the rasterizer loses its footing
 
@@ -234,13 +235,14 @@ void ScenePainter::fill(const SceneItem& item, const Place& place, const QColor&
 
 // Lines and dots of this pass, pen by pen.
 void ScenePainter::flush() {
+  // Colours of the moment must be told apart; where there is too much to see each, lines are thin.
+  qsizetype coloured = 0;
+  for (const auto& [colour, batch] : given_) coloured += batch.lines.size();
+  const double given = coloured < kWide ? 2 * look_.dots : look_.dots;
   const auto draw = [&](Batch& batch, const QColor& colour, const cad::view::Pen* pen) {
     if (batch.lines.isEmpty() && batch.dots.isEmpty()) return;
     drawn_ += static_cast<std::size_t>(batch.lines.size());
     painter_->setRenderHint(QPainter::Antialiasing, drawn_ < kSmooth);
-    // Colours of the moment must be told apart; where there is too much to be smooth, lines are
-    // thin.
-    const double given = drawn_ < kSmooth ? 2 * look_.dots : look_.dots;
     const double wide =
         std::max(look_.dots, pen ? pen->weight * kDotsPerMillimetre * look_.dots : given);
     QPen line(colour, wide <= 1 ? 0 : wide);

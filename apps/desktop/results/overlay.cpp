@@ -41,6 +41,27 @@ QPolygonF arrowAt(const QPointF& at, double x, double y) {
   return QPolygonF({at + along, at - along + across, at - along * 0.5, at - along - across});
 }
 
+// What may be in view, by boxes alone: a network has a hundred times as much.
+class InView {
+ public:
+  explicit InView(Canvas& canvas)
+      : scene_(canvas.scene()),
+        shown_(canvas.camera().shown(std::min(scene_.low(), scene_.high()), scene_.high())) {}
+  // The thing of a record that may be; kNone for others and for 0.
+  std::uint32_t thingOf(std::uint32_t record) const {
+    const std::uint32_t thing = record ? scene_.thingOf(record) : SceneThing::kNone;
+    if (thing == SceneThing::kNone) return thing;
+    const cad::view::Window& box = scene_.things()[thing].box;
+    const bool meets =
+        box.x1 <= shown_.x2 && box.x2 >= shown_.x1 && box.y1 <= shown_.y2 && box.y2 >= shown_.y1;
+    return meets ? thing : SceneThing::kNone;
+  }
+
+ private:
+  const cad::view::Scene& scene_;
+  const cad::view::Window shown_;
+};
+
 // Smaller than what the drawing's own names are when they are read with ease.
 QFont labelFont(const Canvas& canvas) {
   QFont font = canvas.font();
@@ -111,10 +132,12 @@ void ResultOverlay::placeArrows(Canvas& canvas, const Shown& shown) {
   const auto flows = shown.set.values(Quantity::flow, shown.period);
   const bool dark = canvas.isDark();
   const bool coloured = shown.set.has(shown.wishes.link);
+  const InView view(canvas);
   for (std::size_t i = 0; i < flows.size(); ++i) {
     const ResultElement& link = shown.set.links()[i];
-    const std::uint32_t thing = canvas.scene().thingOf(link.course);
-    if (!(std::fabs(flows[i]) >= 0.0005F) || !link.course || thing == SceneThing::kNone) continue;
+    if (!(std::fabs(flows[i]) >= 0.0005F)) continue;
+    const std::uint32_t thing = view.thingOf(link.course);
+    if (thing == SceneThing::kNone) continue;
     // Beside the symbol of a pump or valve.
     const Middle middle = middleOf(canvas, thing, link.symbol ? 0.75 : 0.5);
     if (middle.length < kLongEnough || !isSeen(middle.at, canvas)) continue;
@@ -137,10 +160,11 @@ void ResultOverlay::gatherAnchors(Canvas& canvas, const Shown& shown, Quantity q
                                   std::vector<Anchor>& anchors) const {
   if (!shown.set.has(q)) return;
   const auto values = shown.set.values(q, shown.period);
+  const InView view(canvas);
   for (std::size_t i = 0; i < values.size() && anchors.size() <= kMostLabels; ++i) {
     const ResultElement& element = shown.set.elements(q)[i];
     const std::uint32_t record = element.symbol ? element.symbol : element.course;
-    const std::uint32_t thing = record ? canvas.scene().thingOf(record) : SceneThing::kNone;
+    const std::uint32_t thing = view.thingOf(record);
     if (thing == SceneThing::kNone || std::isnan(values[i])) continue;
     const bool bySymbol = record == element.symbol;
     const QPointF at = bySymbol ? placeOf(canvas, thing) : middleOf(canvas, thing, 0.5).at;
