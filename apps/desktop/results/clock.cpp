@@ -2,11 +2,13 @@
 
 #include <QCheckBox>
 #include <QComboBox>
+#include <QEvent>
 #include <QHBoxLayout>
 #include <QLabel>
+#include <QPainter>
+#include <QPainterPath>
 #include <QSignalBlocker>
 #include <QSlider>
-#include <QStyle>
 #include <QToolButton>
 #include <algorithm>
 
@@ -46,21 +48,57 @@ QString timeOf(const epanet::Period& period) {
   return period.name.empty() ? words(u"periodo unico") : qt(period.name);
 }
 
+namespace {
+
+// The signs of the bar in the colour of its text, which those of the style are not on a dark one:
+// ">" and "<" are triangles, "|" an upright bar, "x" a cross.
+QIcon signIcon(const char* sign, const QColor& ink) {
+  constexpr int kSide = 32, kHalf = 8;
+  QPixmap image(kSide, kSide);
+  image.fill(Qt::transparent);
+  QPainter painter(&image);
+  painter.setRenderHint(QPainter::Antialiasing, true);
+  double width = 0;
+  for (const char* c = sign; *c; ++c) width += *c == '|' ? 6 : 12;
+  double x = (kSide - width) / 2;
+  const double middle = kSide / 2.0;
+  painter.setPen(QPen(ink, 3));
+  for (const char* c = sign; *c; ++c) {
+    if (*c == 'x') {
+      painter.drawLine(QPointF(10, 10), QPointF(22, 22));
+      painter.drawLine(QPointF(10, 22), QPointF(22, 10));
+    } else if (*c == '|') {
+      painter.fillRect(QRectF(x + 1, middle - kHalf, 4, 2 * kHalf), ink);
+      x += 6;
+    } else {
+      const double foot = *c == '>' ? x : x + 12, tip = *c == '>' ? x + 12 : x;
+      QPainterPath path;
+      path.addPolygon(QPolygonF(
+          {QPointF(foot, middle - kHalf), QPointF(tip, middle), QPointF(foot, middle + kHalf)}));
+      painter.fillPath(path, ink);
+      x += 12;
+    }
+  }
+  return QIcon(image);
+}
+
+}  // namespace
+
 Clock::Clock(QWidget* parent) : QWidget(parent) {
-  const auto icon = [this](QStyle::StandardPixmap which, const QString& tip) {
+  const auto icon = [this](const char* sign, const QString& tip) {
     auto* const made = new QToolButton(this);
-    made->setIcon(style()->standardIcon(which));
+    signs_.emplace_back(made, sign);
     made->setToolTip(tip);
     made->setAutoRaise(true);
     made->setFocusPolicy(Qt::NoFocus);
     return made;
   };
-  first_ = icon(QStyle::SP_MediaSkipBackward, words(u"Primo periodo"));
-  back_ = icon(QStyle::SP_MediaSeekBackward, words(u"Periodo precedente"));
-  play_ = icon(QStyle::SP_MediaPlay, words(u"Avvia o ferma il tempo"));
-  forward_ = icon(QStyle::SP_MediaSeekForward, words(u"Periodo seguente"));
-  last_ = icon(QStyle::SP_MediaSkipForward, words(u"Ultimo periodo"));
-  auto* const close = icon(QStyle::SP_TitleBarCloseButton, words(u"Chiude i risultati"));
+  first_ = icon("|<", words(u"Primo periodo"));
+  back_ = icon("<", words(u"Periodo precedente"));
+  play_ = icon(">>", words(u"Avvia o ferma il tempo"));
+  forward_ = icon(">", words(u"Periodo seguente"));
+  last_ = icon(">|", words(u"Ultimo periodo"));
+  auto* const close = icon("x", words(u"Chiude i risultati"));
   play_->setCheckable(true);
   slider_ = new QSlider(Qt::Horizontal, this);
   slider_->setFocusPolicy(Qt::NoFocus);
@@ -101,6 +139,8 @@ Clock::Clock(QWidget* parent) : QWidget(parent) {
   for (QWidget* const part : {fixed_, values_, arrows_}) row->addWidget(part);
   row->addSpacing(6);
   row->addWidget(close);
+
+  showSigns();
 
   connect(first_, &QToolButton::clicked, this, [this] { setPeriod(0); });
   connect(back_, &QToolButton::clicked, this, [this] { setPeriod(period() ? period() - 1 : 0); });
@@ -187,7 +227,7 @@ void Clock::play(bool on) {
     timer_.stop();
   }
   play_->setChecked(on);
-  play_->setIcon(style()->standardIcon(on ? QStyle::SP_MediaPause : QStyle::SP_MediaPlay));
+  showSigns();
 }
 
 void Clock::setWishes(const ResultWishes& wishes) {
@@ -204,6 +244,18 @@ void Clock::setWishes(const ResultWishes& wishes) {
     choose(link_, static_cast<int>(wishes.link));
   }
   readWishes();
+}
+
+void Clock::showSigns() {
+  const QColor ink = palette().color(QPalette::WindowText);
+  for (const auto& [button, sign] : signs_) {
+    button->setIcon(signIcon(button == play_ && isPlaying() ? "||" : sign, ink));
+  }
+}
+
+void Clock::changeEvent(QEvent* event) {
+  if (event->type() == QEvent::PaletteChange) showSigns();
+  QWidget::changeEvent(event);
 }
 
 void Clock::readWishes() {

@@ -42,16 +42,21 @@ class Clock : public QWidget {
   void wishesChanged();
   void closed();
 
+ protected:
+  void changeEvent(QEvent* event) override;
+
  private:
   QComboBox* choice(const QString& tip);
   void fill(QComboBox* box, bool ofNodes, const ResultSet& set);
   void readWishes();
   void showPeriod();
+  void showSigns();
 
   std::vector<epanet::Period> periods_;
   ResultWishes wishes_;
   QTimer timer_;
-  QToolButton *first_, *back_, *play_, *forward_, *last_;
+  std::vector<std::pair<QToolButton*, const char*>> signs_;
+  QToolButton *first_, *back_, *play_ = nullptr, *forward_, *last_;
   QSlider* slider_;
   QLabel* time_;
   QComboBox *speed_ = nullptr, *node_ = nullptr, *link_ = nullptr, *classes_ = nullptr;

@@ -189,7 +189,7 @@ void SeriesPlot::paintLines(QPainter& painter) {
     painter.setBrush(Qt::NoBrush);
     painter.drawPath(path);
   }
-  QPen pen(palette().color(QPalette::Highlight), 1.5);
+  QPen pen(palette().color(QPalette::Text), 1, Qt::DashLine);
   painter.setPen(pen);
   const double x = at(std::min(present_, periods_.size() - 1), low_).x();
   painter.drawLine(QPointF(x, room_.top()), QPointF(x, room_.bottom()));
