@@ -501,6 +501,8 @@ void Window::solve() {
     solvedNetwork_ = network;
     actions_.value(QStringLiteral("writeResults"))->setEnabled(true);
     say(words(u"Calcolo riuscito: ") + qt(network));
+    // Seen at once; nothing of it is drawn.
+    if (const QString no = results_->open(qt(solved_.output), network); !no.isEmpty()) say(no);
   });
 }
 
