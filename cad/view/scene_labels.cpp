@@ -9,7 +9,7 @@ namespace cad::view {
 namespace {
 
 constexpr std::size_t kMost = 5000;     // symbols in view
-constexpr double kSmallest = 5;         // pixels of height
+constexpr double kSmallest = 3.5;       // pixels of height
 constexpr double kLargestSymbol = 200;  // pixels: a frame is no symbol that hides texts
 
 class SceneLabels {
