@@ -158,7 +158,7 @@ TEST(Monkey, NothingThatAHandDoesHurts) {
   ASSERT_TRUE(program::startHost(ui, program::InpMode::full));
   cad::Session::instance().newDrawing();
   const auto seed = static_cast<unsigned>(numberOf("VESSORA_MONKEY_SEED", 20261122));
-  const int seconds = numberOf("VESSORA_MONKEY_SECONDS", 10);
+  const int seconds = numberOf("VESSORA_MONKEY_SECONDS", 30);
   std::printf("seed %u, %d s\n", seed, seconds);
   int steps = 0;
   {
