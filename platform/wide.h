@@ -29,7 +29,7 @@ class Wide {
   Wide& assign(std::u16string_view text) {
     std::size_t n = text.size() < N ? text.size() : N - 1;
     if (n < text.size() && n > 0 && (text[n - 1] & 0xFC00) == 0xD800) --n;
-    std::memcpy(text_, text.data(), n * sizeof(char16_t));
+    if (n > 0) std::memcpy(text_, text.data(), n * sizeof(char16_t));  // an empty view may be null
     text_[n] = 0;
     return *this;
   }
